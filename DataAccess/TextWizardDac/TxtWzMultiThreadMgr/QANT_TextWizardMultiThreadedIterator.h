@@ -1,0 +1,42 @@
+// The iterator that the host sees when a delimited file is read with several threads: a facade over
+// the manager, which owns the reader thread and the conversion workers. Pins the host's decimal
+// character while it lives. All operations on the host's thread.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "HostFramework/DACAdapter.h"
+#include "HostFramework/DataSource.h"
+
+namespace textwizard {
+
+class QANT_TextWizardMultiThreadedManager;
+class QANT_TextWizardSrc;
+class TxtWzVar;
+
+class QANT_TextWizardMultiThreadedIterator : public QANT_InputCaseIterator {
+ public:
+  // `obs` may be null when `detection`. In conversion mode the threads start at once. Throws the
+  // integer 2269 when the file cannot be opened again.
+  QANT_TextWizardMultiThreadedIterator(const QANT_TextWizardSrc& source, OBS* obs, bool detection);
+  ~QANT_TextWizardMultiThreadedIterator() override;
+
+  bool IsSeekOK() override;
+  bool Seek(long long n) override;
+  long long Tell() const override;
+  bool Next() override;
+  void Commit() override;
+
+  // Where progress and interruption of a detection pass go.
+  void SetDacAdapter(DACAdapterBase* adapter);
+  // Counts every AUTO variable of `variables` (the plan's slots, one per variable) over the whole
+  // file. Returns the number of records examined. Detection mode, once.
+  std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count);
+
+ private:
+  std::unique_ptr<QANT_TextWizardMultiThreadedManager> fManager;
+  int fSavedDecimalChar;
+};
+
+}  // namespace textwizard

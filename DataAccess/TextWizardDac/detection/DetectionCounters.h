@@ -1,0 +1,46 @@
+// The counting rules of type detection: one field's class, width and decimals into a variable's
+// counters, and one set of counters into another.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "command/TxtWzVar.h"
+#include "detection/RegExMappings.h"
+#include "plan/ImportSettings.h"
+
+namespace textwizard {
+
+// Where the two detection passes differ.
+enum class DetectionPass {
+  // One thread over the records, straight into the plan's variables.
+  kSampling,
+  // A worker over one batch, into records of its own that are merged afterwards.
+  kWorker,
+};
+
+struct DetectionRules {
+  DetectionPass pass = DetectionPass::kSampling;
+  Arrangement arrangement = kDelimitedLines;
+  bool leadingSpaces = false;
+  bool multipleSpaces = false;
+  // Worker only: replace every `decimalCharacter` by the other of '.' and ',' before a number is
+  // parsed, so that strtod sees the decimal separator of the process's numeric locale.
+  bool swapDecimal = false;
+  char decimalCharacter = '.';
+};
+
+// Classifies fields by one pattern table. Same thread rules as the table, which outlives it.
+// Allocates nothing per field in the steady state.
+class DetectionCounters {
+ public:
+  DetectionCounters(const RegExMappings& table, const DetectionRules& rules);
+
+  // Counts one non-empty field text (host text) into `variable`.
+  void Count(std::string_view field, TxtWzVar& variable);
+  // Adds the counters of one batch to `into`: sums of the counts, maxima of the sizes, the smaller
+  // non-zero pattern key, either's flags.
+  static void Merge(const TxtWzVar& from, TxtWzVar& into);
+};
+
+}  // namespace textwizard

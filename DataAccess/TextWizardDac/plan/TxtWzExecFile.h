@@ -1,0 +1,150 @@
+// The import plan: everything the parser learned from a command, its variables and the pattern
+// table of type detection. Built by the parser as the class of its line arrangement, executed once
+// against a data source. One thread.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "HostFramework/DataSource.h"
+#include "HostFramework/Messages.h"
+#include "command/TxtWzVar.h"
+#include "detection/RegExMappings.h"
+#include "plan/ImportSettings.h"
+#include "plan/TwExecInput.h"
+
+namespace textwizard {
+
+class QANT_TextWizardSrc;
+
+// A small reader of text files, line by line.
+class TxtWzFile {
+ public:
+  TxtWzFile();
+  TxtWzFile(const TxtWzFile&) = delete;
+  TxtWzFile& operator=(const TxtWzFile&) = delete;
+  virtual ~TxtWzFile();
+
+  // Opens `name` for reading; false when a file is open already or it cannot be opened.
+  bool OpenFile(const char* name);
+  // Points *line at the next line (at most 4,097 bytes with its line end), valid until the next
+  // call; false at the end.
+  bool GetLine(char** line);
+  // Moves to the start; false without a file.
+  bool SeekBegin();
+  // 1 when a file was open, else 0.
+  int CloseFile();
+
+ private:
+  static constexpr int kLineBufferSize = 4098;
+  std::unique_ptr<char[]> lineBuffer_;
+  FILE* file_ = nullptr;
+  std::string fileName_;
+};
+
+class TxtWzExecFile : public TxtWzFile {
+ public:
+  // No index of a variable: SearchUpperVarName found none.
+  static constexpr std::uint32_t kNoVariable = 0xFFFFFFFF;
+
+  TxtWzExecFile();
+  ~TxtWzExecFile() override;
+
+  // Copies the settings into `source`, builds its dictionary and gives it copies of the variables.
+  // Always 1. `input` is not used. Throws the integer 2269 when reading the file fails.
+  virtual int Execute(QANT_TextWizardSrc* source, TwExecInput* input);
+  // Gives the data source what only this arrangement has. Always 1.
+  virtual int SetDataSource(QANT_TextWizardSrc* source) = 0;
+
+  // Takes ownership of `variable`. Always 1.
+  int AddVariable(std::unique_ptr<TxtWzVar> variable);
+  // Makes the first n variables, in definition order, the plan's slots.
+  void SetVarCount(std::size_t n);
+  void SetFileName(const char* name);
+  const std::string& fileName() const { return dataFileName_; }
+  // Index of the first variable with that upper-case name, or kNoVariable.
+  std::uint32_t SearchUpperVarName(const char* upperName) const;
+  std::size_t variableCount() const { return definedVars_.size(); }
+  // The slots; the plan keeps ownership of the variables.
+  const std::vector<TxtWzVar*>& slots() const { return slots_; }
+
+  // The rule of IMPORTCASE for a caller that samples cases itself.
+  void StartSampling();
+  bool MoreCases();
+  bool SampleCase();
+
+  // Settles the type of every AUTO variable and makes the host's variables. 1 when done, 0 when
+  // the user interrupted the sampling pass.
+  int SetDictionary(QANT_DataSource* source);
+
+  // Classification of one value; none changes it.
+  static void TrimLeft(std::string& value);
+  static void TrimRight(std::string& value);
+  static bool IsEmptyString(const std::string& value);
+  bool IsNumeric(const std::string& value) const;
+  bool IsPercentage(const std::string& value) const;
+  bool IsDollar(const std::string& value) const;
+  bool IsComma(const std::string& value) const;
+  bool IsDot(const std::string& value) const;
+  // Key of the first date or time pattern that matches, 0 when none does.
+  int IsDateTime(const std::string& value) const;
+  // Widens width and decimals of the slot's variable for `value`.
+  void UpdateVarSizes(int slot, std::string value, std::string decimalChars);
+
+  ImportSettings settings;
+  // Host handles that messages of the sampling pass are reported with.
+  void* errorContext = nullptr;
+  ErrorCallback errorMonitorHandle = nullptr;
+
+ protected:
+  // Owned here; declared in definition order.
+  std::vector<std::unique_ptr<TxtWzVar>> definedVars_;
+
+ private:
+  std::vector<TxtWzVar*> slots_;
+  std::string dataFileName_;
+  // Upper-case name (text of the variable itself) -> lowest definition index.
+  std::unordered_map<std::string_view, std::uint32_t> upperNameIndex_;
+  std::int64_t caseCounter_ = 0;
+  RegExMappings patterns_;
+};
+
+class TxtWzDelimiters : public TxtWzExecFile {
+ public:
+  // Keeps a copy of the delimiter characters on the first call; later calls change nothing.
+  void SetDelimiters(const char* delimiters);
+  int SetDataSource(QANT_TextWizardSrc* source) override;
+  // Cuts the next field at *cursor into `out` and moves the cursor past it and its delimiter; a
+  // simple cut without qualifier. False at the end of the text.
+  bool GetNextVar(char* out, char** cursor);
+
+ private:
+  bool delimitersSet_ = false;
+  bool lastWasDelimiter_ = false;
+};
+
+class TxtWzDlmLines : public TxtWzDelimiters {
+ public:
+  TxtWzDlmLines();
+};
+
+class TxtWzDlmCount : public TxtWzDelimiters {
+ public:
+  TxtWzDlmCount();
+};
+
+class TxtWzFixedLines : public TxtWzExecFile {
+ public:
+  TxtWzFixedLines();
+  int SetDataSource(QANT_TextWizardSrc* source) override;
+  // Copies the field of `variable` out of `record` (NUL-terminated); false, with an empty field,
+  // when the record is null or ends before the field's start.
+  bool GetVarBuffer(char* out, const TxtWzVar* variable, const char* record) const;
+};
+
+}  // namespace textwizard

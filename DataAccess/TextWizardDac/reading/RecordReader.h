@@ -1,0 +1,63 @@
+// Bytes of a file into raw records: line ends, NUL bytes, byte-order marks.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "HostFramework/FileStream.h"
+
+namespace textwizard {
+
+enum class ByteOrderMark { kNone, kUtf8, kUtf16BigEndian, kUtf16LittleEndian };
+
+// Owns its own copy of a stream. One thread. A record is a view into the stream's block as long as
+// it lies within one and nothing in it must change; else into a buffer of the reader's.
+class RecordReader {
+ public:
+  explicit RecordReader(const QANT_FileStream& stream);
+
+  // When set, reading stops as if the data ended once *stop is not 0; looked at for every record
+  // and every block. Outlives the reader or is reset to null.
+  void SetStop(const std::atomic<std::int32_t>* stop) { stop_ = stop; }
+
+  // Moves to offset 0; false when that fails.
+  bool SeekBegin();
+  bool SeekTo(std::int64_t position);
+  // At the start of the file: steps behind a byte-order mark, or back to offset 0 when there is
+  // none. Once found, a mark stays known (IsUtf16 and mark()).
+  void HandleByteOrderMark();
+  // A mark was found by the latest HandleByteOrderMark.
+  bool hasMark() const { return hasMark_; }
+  ByteOrderMark mark() const { return mark_; }
+  bool isUtf16() const {
+    return mark_ == ByteOrderMark::kUtf16BigEndian || mark_ == ByteOrderMark::kUtf16LittleEndian;
+  }
+
+  // Reads the next record, without its line end: 8-bit bytes without NULs, or 16-bit units in the
+  // file's order after a UTF-16 mark. Empty lines are skipped unless `keepEmpty`. False at the end.
+  bool Read(bool keepEmpty);
+  // The record read last; valid until the next Read or Seek.
+  std::string_view record() const { return record_; }
+  // File position in bytes where that record began.
+  std::int64_t recordPosition() const { return recordPosition_; }
+  // Reads lines, empty ones too, while the count that starts at `count` differs from `firstCase`.
+  void SkipLines(std::int64_t count, std::int64_t firstCase);
+  // The stream failed (it did not just end).
+  bool failed() const { return stream_.ReadFailed(); }
+
+ private:
+  bool Read8(bool keepEmpty);
+  bool Read16(bool keepEmpty);
+
+  QANT_FileStream stream_;
+  const std::atomic<std::int32_t>* stop_ = nullptr;
+  bool hasMark_ = false;
+  ByteOrderMark mark_ = ByteOrderMark::kNone;
+  std::string_view record_;
+  std::string buffer_;
+  std::int64_t recordPosition_ = 0;
+};
+
+}  // namespace textwizard

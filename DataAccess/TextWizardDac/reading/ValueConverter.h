@@ -1,0 +1,34 @@
+// Field text into the value of a case's cell.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace textwizard {
+
+// Reads a field of any format but A and X. Compact dates and times without separators are rewritten
+// first. False when the text is not a value: the caller then stores the missing value. Any thread;
+// allocates nothing.
+bool ConvertNumber(std::string_view field, std::uint32_t formatType, double* value);
+
+// How a string variable takes a field.
+struct StringRules {
+  // Remove leading blanks of a field that is too long.
+  bool leadingSpaces = false;
+  // Conversion on workers: a field two bytes too long that is enclosed in double quotation marks or
+  // apostrophes is not counted as truncated.
+  bool enclosedFitsUnmarked = false;
+};
+
+struct StringValue {
+  // What the variable's cells take: cut to whole characters that fit and padded by whoever stores.
+  std::string_view text;
+  // The field was longer than the width.
+  bool truncated = false;
+};
+
+// `width` is the variable's byte width. Any thread; the result is a view of `field`.
+StringValue ConvertString(std::string_view field, std::size_t width, const StringRules& rules);
+
+}  // namespace textwizard

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace cli {
+
+// The program's version, such as "1.0.0".
+const char* Version();
+
+}  // namespace cli
