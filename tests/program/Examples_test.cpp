@@ -80,8 +80,8 @@ TEST_P(Example, GivesItsExpectedCasesDictionaryAndMessages) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Examples, Example, testing::ValuesIn(ExampleFolders()),
-                         [](const auto& info) {
-                           std::string name = info.param;
+                         [](const auto& folder) {
+                           std::string name = folder.param;
                            std::replace(name.begin(), name.end(), '-', '_');
                            return name;
                          });
