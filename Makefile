@@ -25,5 +25,8 @@ test: setup
 bench: setup
 	cmake --preset bench >/dev/null && cmake --build --preset bench
 
+lint: setup
+	@tools/lint
+
 clean:
 	rm -rf build

@@ -71,9 +71,8 @@ TEST(IncludeBoundaries, TheComponentSeesOnlyTheHostsDeclarations) {
 }
 
 TEST(IncludeBoundaries, TheEmbeddedHostKnowsNothingOfTheComponent) {
-  ExpectAll(Includes("HostFramework"), [](const Include& include) {
-    return include.target.starts_with("HostFramework/");
-  });
+  ExpectAll(Includes("HostFramework"),
+            [](const Include& include) { return include.target.starts_with("HostFramework/"); });
 }
 
 TEST(IncludeBoundaries, TheDeclarationsSeeOnlyEachOther) {

@@ -46,11 +46,13 @@ TEST(LibrarySymbols, NothingThatPrintsAbortsOrExitsIsImported) {
   // What the component cannot do without: proof that the list was read.
   ASSERT_TRUE(imported.contains("IocvConvertInput"));
   for (const char* name :
-       {"abort", "exit", "_exit", "_Exit", "quick_exit", "__assert_fail", "raise", "kill",
-        "printf", "vprintf", "puts", "putchar", "putc", "fputc", "fputs", "fprintf", "vfprintf",
-        "__printf_chk", "__vprintf_chk", "__fprintf_chk", "__vfprintf_chk", "fwrite", "perror",
-        "write", "dprintf", "vdprintf", "syslog", "system", "_ZSt4cout", "_ZSt4cerr", "_ZSt4clog",
-        "_ZSt5wcout", "_ZSt5wcerr", "stdout", "stderr"}) {
+       {"abort",          "exit",       "_exit",        "_Exit",         "quick_exit",
+        "__assert_fail",  "raise",      "kill",         "printf",        "vprintf",
+        "puts",           "putchar",    "putc",         "fputc",         "fputs",
+        "fprintf",        "vfprintf",   "__printf_chk", "__vprintf_chk", "__fprintf_chk",
+        "__vfprintf_chk", "fwrite",     "perror",       "write",         "dprintf",
+        "vdprintf",       "syslog",     "system",       "_ZSt4cout",     "_ZSt4cerr",
+        "_ZSt4clog",      "_ZSt5wcout", "_ZSt5wcerr",   "stdout",        "stderr"}) {
     EXPECT_FALSE(imported.contains(name)) << name << " is imported";
   }
 }
