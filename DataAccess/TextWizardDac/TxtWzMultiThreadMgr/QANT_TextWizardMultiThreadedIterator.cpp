@@ -1,0 +1,60 @@
+#include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+
+#include "HostFramework/ValueInput.h"
+#include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedManager.h"
+#include "command/MessageText.h"
+#include "reading/QANT_TextWizardSrc.h"
+
+namespace textwizard {
+namespace {
+
+void SetDecimalCharacter(int character) {
+  if (character == '.') {
+    iocvsetdecchardot_();
+  } else {
+    iocvsetdeccharcomma_();
+  }
+}
+
+}  // namespace
+
+QANT_TextWizardMultiThreadedIterator::QANT_TextWizardMultiThreadedIterator(
+    const QANT_TextWizardSrc& source, OBS* obs, bool detection)
+    : QANT_InputCaseIterator(source, obs), fSavedDecimalChar(iocvgetdecchar_()) {
+  SetDecimalCharacter(source.decimalCharacter());
+  try {
+    fManager = std::make_unique<QANT_TextWizardMultiThreadedManager>(source, *this, detection,
+                                                                     fSavedDecimalChar);
+  } catch (...) {
+    SetDecimalCharacter(fSavedDecimalChar);
+    throw kReadFailed;
+  }
+  if (!detection) fManager->Start();
+}
+
+QANT_TextWizardMultiThreadedIterator::~QANT_TextWizardMultiThreadedIterator() {
+  // The workers read numbers by the character until they have ended.
+  fManager.reset();
+  SetDecimalCharacter(fSavedDecimalChar);
+}
+
+bool QANT_TextWizardMultiThreadedIterator::IsSeekOK() { return fManager->IsSeekOK(); }
+
+bool QANT_TextWizardMultiThreadedIterator::Seek(long long n) { return fManager->Seek(n); }
+
+long long QANT_TextWizardMultiThreadedIterator::Tell() const { return fManager->Tell(); }
+
+bool QANT_TextWizardMultiThreadedIterator::Next() { return fManager->Next(); }
+
+void QANT_TextWizardMultiThreadedIterator::Commit() { fManager->Commit(); }
+
+void QANT_TextWizardMultiThreadedIterator::SetDacAdapter(DACAdapterBase* adapter) {
+  fManager->SetDacAdapter(adapter);
+}
+
+std::int64_t QANT_TextWizardMultiThreadedIterator::PerformAutoDetection(TxtWzVar* const* variables,
+                                                                        std::size_t count) {
+  return fManager->PerformAutoDetection(variables, count);
+}
+
+}  // namespace textwizard

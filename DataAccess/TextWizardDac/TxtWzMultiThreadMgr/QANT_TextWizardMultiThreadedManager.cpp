@@ -1,0 +1,235 @@
+#include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedManager.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <string>
+
+#include "command/MessageText.h"
+#include "reading/QANT_TextWizardSrc.h"
+
+namespace textwizard {
+namespace {
+
+// Two at least: one batch is converted while another one is taken.
+std::size_t WorkerCount(const QANT_TextWizardSrc& source) {
+  const int wanted = source.workerCount() < 1 ? getLogicalCPUCount() : source.workerCount();
+  return static_cast<std::size_t>(std::max(wanted, 2));
+}
+
+// Whether strtod reads the other decimal character than `decimalCharacter`.
+bool SwapsDecimal(int decimalCharacter) {
+  const bool readsComma = std::strtod("4,56", nullptr) > 4.0;
+  return decimalCharacter != (readsComma ? ',' : '.');
+}
+
+}  // namespace
+
+QANT_TextWizardMultiThreadedManager::QANT_TextWizardMultiThreadedManager(
+    const QANT_TextWizardSrc& source, QANT_InputCaseIterator& iterator, bool detection,
+    int decimalCharacter)
+    : sfThread(1),
+      fSource(source),
+      fIterator(iterator),
+      fPlan(source),
+      fThreads(WorkerCount(source)),
+      fReader(source.stream()),
+      fDecoder(source.settings().encoding) {
+  // The stream's copy may lack a file descriptor, which looks like an empty file later.
+  if (!fReader.SeekBegin()) throw kReadFailed;
+  fReader.SetStop(&fReaderState);
+  if (detection) {
+    DetectionRules& rules = fPlan.detectionRules;
+    rules.pass = DetectionPass::kWorker;
+    rules.arrangement = source.settings().arrangement;
+    rules.leadingSpaces = source.settings().leadingSpaces;
+    rules.multipleSpaces = source.settings().multipleSpaces;
+    rules.swapDecimal = SwapsDecimal(decimalCharacter);
+    rules.decimalCharacter = static_cast<char>(decimalCharacter);
+  } else {
+    fPlan.Convert();
+  }
+}
+
+QANT_TextWizardMultiThreadedManager::~QANT_TextWizardMultiThreadedManager() {
+  RaiseReaderState(kStopping);
+  for (const auto& slot : fThreads) {
+    if (TextDataIteratorThread* worker = slot.load()) worker->Stop();
+  }
+  join();
+}
+
+void QANT_TextWizardMultiThreadedManager::RaiseReaderState(ReaderState state) {
+  std::int32_t now = fReaderState.load();
+  while (now < state && !fReaderState.compare_exchange_weak(now, state)) {
+  }
+}
+
+void QANT_TextWizardMultiThreadedManager::Start() {
+  if (activate()) return;
+  fFailed.store(true);
+  RaiseReaderState(kEnded);
+}
+
+bool QANT_TextWizardMultiThreadedManager::Seek(long long n) {
+  fTargetCase = n;
+  return true;
+}
+
+bool QANT_TextWizardMultiThreadedManager::MoreCases() const {
+  const ImportSettings& settings = fSource.settings();
+  return settings.importMode != kImportFirst || fCaseNumber < settings.caseLimit;
+}
+
+bool QANT_TextWizardMultiThreadedManager::Next() {
+  if (fCaseNumber > fTargetCase) {
+    fTargetCase = fCaseNumber;
+    return true;
+  }
+  while (!fEndOfData && MoreCases()) {
+    const OBS* const nextCase = GetNextObsArray();
+    if (!nextCase) {
+      fEndOfData = true;
+      if (!fFailed.load()) break;
+      if (ErrorMonitor* monitor = Monitor()) {
+        monitor->Report(ReadFailedError(fSource.GetFileSpec()));
+      }
+      break;
+    }
+    std::memcpy(fIterator.GetObsPointer(), nextCase, fPlan.caseBytes);
+    if (fTargetCase < ++fCaseNumber) {
+      fTargetCase = fCaseNumber;
+      return true;
+    }
+  }
+  fTargetCase = fCaseNumber;
+  // A pass that met a failure is not a complete one.
+  if (!fEndOfData || !fFailed.load()) fSource.NotePassEnd(fCaseNumber, Monitor());
+  return false;
+}
+
+const OBS* QANT_TextWizardMultiThreadedManager::GetNextObsArray() {
+  while (fConsumed || (fConsumed = WaitForBatch())) {
+    if (const OBS* const nextCase = fConsumed->GetNextOBSPointer()) {
+      TakeNotes(*fConsumed);
+      return nextCase;
+    }
+    if (fConsumed->failed()) {
+      fFailed.store(true);
+      return nullptr;
+    }
+    ReleaseBatch(*fConsumed);
+  }
+  return nullptr;
+}
+
+TextDataIteratorThread* QANT_TextWizardMultiThreadedManager::WaitForBatch() {
+  for (;;) {
+    TextDataIteratorThread* const worker = fThreads[fCurrentThread].load();
+    if (!worker) {
+      // An empty slot is the end only once the reader has finished; before, its worker is coming.
+      if (fReaderState.load() != kReading) return nullptr;
+      fStartSemaphore.wait();
+      continue;
+    }
+    if (worker->stopRequested()) return nullptr;
+    worker->WaitDone();
+    worker->SetState(TextDataIteratorThread::kConsumed);
+    if (worker->state() != TextDataIteratorThread::kStopped) return worker;
+  }
+}
+
+void QANT_TextWizardMultiThreadedManager::ReleaseBatch(TextDataIteratorThread& worker) {
+  fConsumed = nullptr;
+  fCurrentThread = (fCurrentThread + 1) % fThreads.size();
+  worker.SetState(TextDataIteratorThread::kFreed);
+  worker.PostFree();
+  worker.SetState(TextDataIteratorThread::kAvailable);
+}
+
+void QANT_TextWizardMultiThreadedManager::TakeNotes(TextDataIteratorThread& worker) {
+  while (const BatchNote* const note = worker.NextNote()) {
+    switch (note->kind) {
+      case BatchNote::kUndecodable:
+        if (ErrorMonitor* monitor = Monitor()) {
+          monitor->Report(UndecodableWarning(worker.CaseNumber(*note), note->detail));
+        }
+        break;
+      case BatchNote::kMissingStored:
+        fSource.variables()[note->detail]->missingStored = true;
+        break;
+      case BatchNote::kStringTruncated:
+        fSource.variables()[note->detail]->stringTruncated = true;
+        break;
+    }
+  }
+}
+
+std::int64_t QANT_TextWizardMultiThreadedManager::PerformAutoDetection(TxtWzVar* const* variables,
+                                                                       std::size_t count) {
+  fAutoVariables = variables;
+  fPlan.Detect(variables, count);
+  Start();
+  while (MoreCases()) {
+    if (!GetAutoNext()) {
+      fEndOfData = true;
+      break;
+    }
+    if (fTargetCase < ++fCaseNumber) break;
+  }
+  fTargetCase = fCaseNumber;
+  if (fEndOfData && fFailed.load()) throw kReadFailed;
+  return fCaseNumber;
+}
+
+bool QANT_TextWizardMultiThreadedManager::GetAutoNext() {
+  std::int64_t lastThousands = 0;
+  while (TextDataIteratorThread* const worker = WaitForBatch()) {
+    const std::vector<TxtWzVar>& counters = worker->TakeCounters();
+    for (std::size_t i = 0; i < counters.size(); ++i) {
+      DetectionCounters::Merge(counters[i], *fAutoVariables[fPlan.autoVariables[i]]);
+    }
+    TakeNotes(*worker);
+    fCaseNumber += worker->recordCount();
+    if (worker->failed()) {
+      fFailed.store(true);
+      break;
+    }
+    ReleaseBatch(*worker);
+    if (fCaseNumber / 1000 <= lastThousands) continue;
+    lastThousands = fCaseNumber / 1000;
+    ReportCaseCount(static_cast<std::int32_t>(lastThousands * 1000));
+    bool attention = false;
+    if (fOwnedErrorMonitor) fOwnedErrorMonitor->AttentionCheck(&attention);
+    if (attention) {
+      ReportCaseCount(-1);
+      return true;
+    }
+  }
+  ReportCaseCount(-1);
+  return false;
+}
+
+void QANT_TextWizardMultiThreadedManager::SetDacAdapter(DACAdapterBase* adapter) {
+  if (!adapter || Monitor()) return;
+  fOwnedErrorMonitor = std::make_unique<QantErrorMonitor>(adapter->GetErrorCallback());
+  fOwnedErrorMonitor->SetContext(adapter->GetAdapterContext());
+}
+
+ErrorMonitor* QANT_TextWizardMultiThreadedManager::Monitor() const {
+  if (fOwnedErrorMonitor) return fOwnedErrorMonitor.get();
+  return fIterator.GetErrorMonitor();
+}
+
+void QANT_TextWizardMultiThreadedManager::ReportCaseCount(std::int32_t count) {
+  ErrorMonitor* const monitor = Monitor();
+  if (!monitor) return;
+  // One display for the whole process: passes on different threads take turns.
+  static sfMutex mutex;
+  const sfGuard guard(mutex);
+  // Without its sign: the end of the display shows as 4294967295.
+  monitor->Report({std::to_string(static_cast<std::uint32_t>(count)), kMessageProgress, 0});
+}
+
+}  // namespace textwizard

@@ -1,0 +1,136 @@
+// The engine of the multi-threaded iterator: a reader thread (this object), which cuts the file
+// into batches of records, a ring of workers, which convert them or count them for type detection,
+// and the host's thread, which takes the results out of the ring in the order of the file.
+//
+// The reader fills the slots of the ring one after another and fills a slot again once the host's
+// thread has given it back; the host's thread empties one slot before it goes to the next. So the
+// cases keep their order, and at most one batch a slot is in memory.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "HostFramework/DACAdapter.h"
+#include "HostFramework/DataSource.h"
+#include "HostFramework/Messages.h"
+#include "HostFramework/Threads.h"
+#include "TxtWzMultiThreadMgr/TextDataIteratorThread.h"
+#include "TxtWzMultiThreadMgr/WorkerPlan.h"
+#include "reading/RecordDecoder.h"
+#include "reading/RecordReader.h"
+
+namespace textwizard {
+
+class QANT_TextWizardSrc;
+
+// Every operation but threadMain is called on the host's thread.
+class QANT_TextWizardMultiThreadedManager : public sfThread {
+ public:
+  // `decimalCharacter`: the host's, in detection mode, by which numbers are told. Throws the
+  // integer 2269 when the file cannot be opened once more.
+  QANT_TextWizardMultiThreadedManager(const QANT_TextWizardSrc& source,
+                                      QANT_InputCaseIterator& iterator, bool detection,
+                                      int decimalCharacter);
+  // Stops and joins all threads.
+  ~QANT_TextWizardMultiThreadedManager() override;
+
+  // Starts the reader. Conversion mode, once; detection starts it itself.
+  void Start();
+
+  bool IsSeekOK() const { return true; }
+  // Cases before n are read and dropped by the following Next; a position already passed makes it
+  // answer true without moving.
+  bool Seek(long long n);
+  long long Tell() const { return fCaseNumber; }
+  void Commit() {}
+  // Copies the next case into the iterator's case buffer. At the end of the data, and when the pass
+  // cannot go on, false; the latter posts one error.
+  bool Next();
+
+  // Adds up the counters of every AUTO variable among `variables`. Returns the number of records
+  // examined; throws the integer 2269 when the pass could not be completed. Detection mode, once.
+  std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count);
+  // Gives messages, progress and interruption a way to the host when the iterator has no monitor.
+  void SetDacAdapter(DACAdapterBase* adapter);
+
+  void threadMain() override;
+
+ private:
+  // Rises only.
+  enum ReaderState : std::int32_t {
+    kReading = 0,
+    kStopping = 1,  // asked to stop, or the pass is over
+    kEnded = 2,
+  };
+
+  // --- Host's thread
+  bool MoreCases() const;
+  // The next converted case, or null when there is none; reports what arose from its record.
+  const OBS* GetNextObsArray();
+  // Adds up batch after batch; true only when the user interrupted.
+  bool GetAutoNext();
+  // The worker whose batch is next, once it has finished it; null at the end of the pass.
+  TextDataIteratorThread* WaitForBatch();
+  // Gives the batch of the current slot back to the reader and goes to the next slot.
+  void ReleaseBatch(TextDataIteratorThread& worker);
+  void TakeNotes(TextDataIteratorThread& worker);
+  void ReportCaseCount(std::int32_t count);
+  ErrorMonitor* Monitor() const;
+
+  // --- Reader thread (ReaderThread.cpp)
+  void WalkRing();
+  void ReadFirstRecord();
+  // Reads the record that is to be added next; fPending tells whether there is one.
+  void ReadRecord();
+  // A worker for the slot, started; null, with the pass given up, when that is not possible.
+  TextDataIteratorThread* MakeWorker(std::size_t slot);
+  // Puts as many records as fit into the worker's batch and hands it over; false when it was not
+  // handed over.
+  bool FillBatch(TextDataIteratorThread& worker);
+  // The pass cannot go on: what has been read is delivered, then the host's thread reports it.
+  void GiveUp();
+
+  // --- Any thread
+  void RaiseReaderState(ReaderState state);
+
+  // Constant after construction.
+  const QANT_TextWizardSrc& fSource;
+  QANT_InputCaseIterator& fIterator;
+  // Constant while threads run.
+  WorkerPlan fPlan;
+
+  // Synchronise themselves.
+  std::atomic<std::int32_t> fReaderState{kReading};
+  // The pass was given up. Set before the end of the pass can be seen.
+  std::atomic<bool> fFailed{false};
+  // The ring. A slot is null until the reader needs it for the first time.
+  std::vector<std::atomic<TextDataIteratorThread*>> fThreads;
+  // Posted for every worker that the reader makes and at the end of its pass.
+  sfSemaphore fStartSemaphore{0};
+
+  // Reader thread only, until it is joined.
+  RecordReader fReader;
+  RecordDecoder fDecoder;
+  std::vector<std::unique_ptr<TextDataIteratorThread>> fWorkers;
+  bool fPending = false;
+  std::string_view fRecord;
+  // The pending record did not fit an empty batch: the next one is made for it.
+  bool fOversize = false;
+  std::int64_t fCasesSent = 0;
+  std::size_t fInFlight = 0;
+
+  // Host's thread only.
+  std::size_t fCurrentThread = 0;
+  // The worker whose cases are being taken; null between two batches.
+  TextDataIteratorThread* fConsumed = nullptr;
+  std::int64_t fCaseNumber = 0;
+  std::int64_t fTargetCase = 0;
+  bool fEndOfData = false;
+  TxtWzVar* const* fAutoVariables = nullptr;
+  std::unique_ptr<QantErrorMonitor> fOwnedErrorMonitor;
+};
+
+}  // namespace textwizard

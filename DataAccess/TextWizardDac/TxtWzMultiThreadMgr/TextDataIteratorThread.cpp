@@ -1,0 +1,246 @@
+#include "TxtWzMultiThreadMgr/TextDataIteratorThread.h"
+
+#include <algorithm>
+#include <climits>
+#include <new>
+
+#include "HostFramework/Text.h"
+#include "TxtWzMultiThreadMgr/PatientWait.h"
+#include "reading/QANT_TextWizardSrc.h"
+
+namespace textwizard {
+namespace {
+
+std::size_t TextLimit(std::size_t firstRecord) {
+  constexpr std::size_t kMost = TextDataIteratorThread::kLargestBatchText;
+  constexpr std::size_t kRecords = TextDataIteratorThread::kRecordsOfFirstLength;
+  return firstRecord > kMost / kRecords
+             ? kMost
+             : std::max(TextDataIteratorThread::kBatchText, firstRecord * kRecords);
+}
+
+}  // namespace
+
+TextDataIteratorThread::TextDataIteratorThread(const WorkerPlan& plan, std::size_t firstRecord)
+    : sfThread(1),
+      fPlan(plan),
+      fTextLimit(TextLimit(firstRecord)),
+      fSplitter(plan.fieldRules, SplitUse::kReading, this),
+      fDecoder(plan.source.settings().encoding),
+      fFlagNoted(plan.variableCount * 2) {}
+
+TextDataIteratorThread::~TextDataIteratorThread() { join(); }
+
+TextDataIteratorThread::State TextDataIteratorThread::state() {
+  const sfGuard guard(fStateMutex);
+  return fState;
+}
+
+void TextDataIteratorThread::SetState(State state) {
+  const sfGuard guard(fStateMutex);
+  if (fState == kStopped) {
+    RaiseCommand(kStop);
+  } else {
+    fState = state;
+  }
+}
+
+void TextDataIteratorThread::RaiseCommand(Command command) {
+  std::int32_t now = fCommand.load();
+  while (now < command && !fCommand.compare_exchange_weak(now, command)) {
+  }
+}
+
+void TextDataIteratorThread::Stop() {
+  const sfGuard guard(fControlMutex);
+  if (!running() || stopRequested()) return;
+  fStopRequested.store(true);
+  RaiseCommand(kStop);
+  // A worker that met the command between two batches leaves with the state as it was.
+  for (PatientWait wait; state() == kConverting && !exited();) wait.Pause();
+  {
+    const sfGuard stateGuard(fStateMutex);
+    fState = kStopped;
+  }
+  fDoneSemaphore.post();
+  fWorkSemaphore.post();
+  fFreeSemaphore.post();
+}
+
+bool TextDataIteratorThread::BeginBatch(std::size_t bytes) {
+  // The exact size: a buffer that grew for one record is given back after it.
+  if (bytes != fTextCapacity) {
+    fText.reset();
+    fTextCapacity = 0;
+    fText.reset(new (std::nothrow) char[bytes]);
+    if (!fText) return false;
+    fTextCapacity = bytes;
+  }
+  fTextUsed = 0;
+  fRecordCount = 0;
+  return true;
+}
+
+bool TextDataIteratorThread::SendBatch(std::int64_t firstCase, bool decoded) {
+  fText[fTextUsed] = '\0';
+  fFirstCase = firstCase;
+  fDecoded = decoded;
+  fConsumeIndex = 0;
+  std::int32_t now = fCommand.load();
+  while (now < kStop) {
+    if (fCommand.compare_exchange_weak(now, kConvert)) {
+      fWorkSemaphore.post();
+      return true;
+    }
+  }
+  return false;
+}
+
+const OBS* TextDataIteratorThread::GetNextOBSPointer() {
+  if (fConsumeIndex >= fRecordCount) return nullptr;
+  const std::size_t cells = fPlan.caseBytes / sizeof(OBS);
+  return fCases.get() + cells * fConsumeIndex++;
+}
+
+const std::vector<TxtWzVar>& TextDataIteratorThread::TakeCounters() {
+  fConsumeIndex = fRecordCount;
+  return fAutoVars;
+}
+
+void TextDataIteratorThread::threadMain() {
+  fRunning.store(true);
+  while (fCommand.load() <= kConvert) {
+    fWorkSemaphore.wait();
+    SetState(kConverting);
+    if (fCommand.load() != kConvert) break;
+    ConvertBatch();
+    SetState(kConverted);
+    fDoneSemaphore.post();
+  }
+  RaiseCommand(kExited);
+}
+
+void TextDataIteratorThread::ConvertBatch() {
+  fConvertIndex = 0;
+  try {
+    PrepareBatch();
+    const char* cursor = fText.get();
+    const char* const end = cursor + fTextUsed;
+    const bool byteText = fSplitter.CutsByBytes({cursor, fTextUsed});
+    for (; fConvertIndex < fRecordCount; ++fConvertIndex) {
+      NextRecord(cursor, end, byteText);
+      if (fPlan.detection) {
+        DetectRecord();
+      } else {
+        ConvertRecord();
+      }
+    }
+  } catch (...) {
+    // Lack of memory, in whatever form a library reports it.
+    fRecordCount = fConvertIndex;
+    fFailed = true;
+  }
+}
+
+void TextDataIteratorThread::PrepareBatch() {
+  for (const BatchNote& note : fNotes) {
+    if (note.kind != BatchNote::kUndecodable) fFlagNoted[note.detail * 2 + (note.kind & 1)] = 0;
+  }
+  fNotes.clear();
+  fNextNote = 0;
+  if (fPlan.detection) {
+    if (!fRegEx) {
+      fRegEx.emplace();
+      fCounters.emplace(*fRegEx, fPlan.detectionRules);
+      fAutoVars.resize(fPlan.autoVariables.size());
+    }
+    for (TxtWzVar& variable : fAutoVars) variable.ClearAllValues();
+    return;
+  }
+  const std::size_t cells = fPlan.caseBytes / sizeof(OBS) * fRecordCount;
+  if (cells > fCaseCells || !fCases) {
+    fCases.reset();
+    fCaseCells = 0;
+    fCases.reset(new OBS[cells]);
+    fCaseCells = cells;
+  }
+}
+
+void TextDataIteratorThread::NextRecord(const char*& cursor, const char* end, bool byteText) {
+  const auto* lineEnd =
+      static_cast<const char*>(std::memchr(cursor, '\n', static_cast<std::size_t>(end - cursor)));
+  const std::string_view raw(cursor, static_cast<std::size_t>(lineEnd - cursor));
+  cursor = lineEnd + 1;
+  const std::string_view record = fDecoded ? raw : fDecoder.Decode8(raw);
+  fWholeCharacters = byteText && record.data() == raw.data();
+  if (fWholeCharacters) {
+    fSplitter.SetByteRecord(record);
+  } else {
+    fSplitter.SetRecord(record);
+  }
+}
+
+void TextDataIteratorThread::ConvertRecord() {
+  fCurrentCase = reinterpret_cast<unsigned char*>(fCases.get()) + fPlan.caseBytes * fConvertIndex;
+  if (fPlan.clearCases) ClearCase(fPlan.source, reinterpret_cast<OBS*>(fCurrentCase));
+  std::string_view field;
+  for (const FieldTask& task : fPlan.fields) {
+    GetNextVar(field);
+    if (task.use != FieldUse::kDiscard) ConvertVar(field, task);
+  }
+}
+
+void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask& task) {
+  if (task.use == FieldUse::kString) {
+    const StringValue value = ConvertString(field, task.stringWidth, fPlan.stringRules);
+    if (value.truncated) NoteFlag(BatchNote::kStringTruncated, task.variable);
+    SetColumnValue(value.text, task);
+    return;
+  }
+  double value;
+  if (!ConvertNumber(field, task.formatType, &value)) {
+    value = kSystemMissing;
+    NoteFlag(BatchNote::kMissingStored, task.variable);
+  }
+  std::memcpy(fCurrentCase + task.offset, &value, sizeof value);
+}
+
+void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTask& task) {
+  unsigned char* const cells = fCurrentCase + task.offset;
+  std::size_t written = task.cellWidth;
+  if (fWholeCharacters && text.size() <= task.cellWidth) {
+    written = text.size();
+    std::memcpy(cells, text.data(), written);
+  } else {
+    QANTMBCopyToFixed_A(reinterpret_cast<char*>(cells), static_cast<int>(task.cellWidth),
+                        text.data(), static_cast<int>(std::min<std::size_t>(text.size(), INT_MAX)));
+  }
+  std::memset(cells + written, ' ', task.cellBytes - written);
+}
+
+void TextDataIteratorThread::DetectRecord() {
+  fAutoSeen = 0;
+  std::string_view field;
+  for (const FieldTask& task : fPlan.fields) {
+    GetNextVar(field);
+    if (task.use == FieldUse::kDetect) AutoDetectVar(field);
+  }
+}
+
+void TextDataIteratorThread::AutoDetectVar(std::string_view field) {
+  TxtWzVar& variable = fAutoVars[fAutoSeen++];
+  if (!field.empty()) fCounters->Count(field, variable);
+}
+
+void TextDataIteratorThread::NoteFlag(BatchNote::Kind kind, std::uint32_t variable) {
+  std::uint8_t& noted = fFlagNoted[std::size_t{variable} * 2 + (kind & 1)];
+  if (noted) return;
+  fNotes.push_back({variable, fConvertIndex, kind});
+  noted = 1;
+}
+
+void TextDataIteratorThread::OnUndecodable(std::size_t position) {
+  fNotes.push_back({position, fConvertIndex, BatchNote::kUndecodable});
+}
+
+}  // namespace textwizard

@@ -1,0 +1,66 @@
+#include "TxtWzMultiThreadMgr/WorkerPlan.h"
+
+#include <algorithm>
+
+#include "command/FormatCode.h"
+#include "reading/QANT_TextWizardSrc.h"
+
+namespace textwizard {
+namespace {
+
+// Room for the cases of one batch. Wide strings make cases that are thousands of times longer than
+// their records; without a bound the cases of one batch text could take gigabytes. Which records
+// share a batch does not change a case.
+constexpr std::size_t kCaseArrayBudget = std::size_t{4} << 20;
+
+}  // namespace
+
+WorkerPlan::WorkerPlan(const QANT_TextWizardSrc& src)
+    : source(src), fieldRules(src.settings()), caseBytes(src.GetObsAreaSize()) {
+  stringRules.leadingSpaces = src.settings().leadingSpaces;
+  stringRules.enclosedFitsUnmarked = true;
+}
+
+void WorkerPlan::Convert() {
+  variableCount = source.variables().size();
+  if (caseBytes > 0) {
+    maxRecords = static_cast<std::uint32_t>(std::max<std::size_t>(1, kCaseArrayBudget / caseBytes));
+  }
+  clearCases = true;
+  if (source.settings().arrangement != kDelimitedLines) return;
+  fields.reserve(variableCount);
+  std::size_t column = 0;
+  for (std::uint32_t i = 0; i < variableCount; ++i) {
+    const TxtWzVar& variable = *source.variables()[i];
+    FieldTask& task = fields.emplace_back();
+    task.variable = i;
+    if (variable.formatType == kFormatSkip || column == source.GetNVariables()) continue;
+    const QANT_Variable& target = *source.GetVariable(column++);
+    task.formatType = variable.formatType;
+    task.offset = target.ObsIndex() * sizeof(OBS);
+    if (variable.formatType == kFormatA) {
+      task.use = FieldUse::kString;
+      task.stringWidth = variable.maxStringLength;
+      task.cellWidth = static_cast<std::uint32_t>(target.GetType());
+      task.cellBytes = (task.cellWidth + 7) / 8 * 8;
+    } else {
+      task.use = FieldUse::kNumber;
+    }
+  }
+  clearCases = column < source.GetNVariables();
+}
+
+void WorkerPlan::Detect(TxtWzVar* const* variables, std::size_t count) {
+  detection = true;
+  variableCount = count;
+  fields.reserve(count);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    FieldTask& task = fields.emplace_back();
+    task.variable = i;
+    if (variables[i]->formatType != kFormatAuto) continue;
+    task.use = FieldUse::kDetect;
+    autoVariables.push_back(i);
+  }
+}
+
+}  // namespace textwizard

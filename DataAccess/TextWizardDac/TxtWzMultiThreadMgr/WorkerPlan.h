@@ -1,0 +1,67 @@
+// What conversion workers do with the fields of a record, settled once from the data source.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "command/TxtWzVar.h"
+#include "detection/DetectionCounters.h"
+#include "plan/ImportSettings.h"
+#include "reading/FieldSplitter.h"
+#include "reading/ValueConverter.h"
+
+namespace textwizard {
+
+class QANT_TextWizardSrc;
+
+enum class FieldUse : std::uint8_t {
+  kDiscard,  // cut, but neither stored nor counted
+  kNumber,   // one cell
+  kString,   // one or more cells
+  kDetect,   // counted for type detection
+};
+
+struct FieldTask {
+  FieldUse use = FieldUse::kDiscard;
+  std::uint32_t formatType = 0;
+  // Position in the list of variables.
+  std::uint32_t variable = 0;
+  // Strings: the width that decides about truncation, the host variable's width, and the bytes of
+  // its cells. The first may be wider: a format's width counts what decoding may add.
+  std::uint32_t stringWidth = 0;
+  std::uint32_t cellWidth = 0;
+  std::uint32_t cellBytes = 0;
+  // Byte offset of the first cell in a case.
+  std::size_t offset = 0;
+};
+
+// Made on the host's thread; constant while a worker runs, and outlives all of them.
+struct WorkerPlan {
+  // Only the settings that both modes share; Convert or Detect completes it.
+  explicit WorkerPlan(const QANT_TextWizardSrc& source);
+
+  // Every variable of the source into its cells.
+  void Convert();
+  // Counts for the AUTO variables among `variables`, by detectionRules.
+  void Detect(TxtWzVar* const* variables, std::size_t count);
+
+  const QANT_TextWizardSrc& source;
+  FieldRules fieldRules;
+  bool detection = false;
+  // In file order. Empty for an arrangement that is not cut by delimiters.
+  std::vector<FieldTask> fields;
+  StringRules stringRules;
+  DetectionRules detectionRules;
+  // Positions of the AUTO variables in the list of variables.
+  std::vector<std::uint32_t> autoVariables;
+  std::size_t variableCount = 0;
+  // Bytes of one case.
+  std::size_t caseBytes = 0;
+  // The fields do not assign every cell of a case.
+  bool clearCases = false;
+  // Most records of one batch.
+  std::uint32_t maxRecords = 0xFFFFFFFF;
+};
+
+}  // namespace textwizard
