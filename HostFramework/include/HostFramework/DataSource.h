@@ -58,6 +58,10 @@ class QANT_Variable {
 };
 
 class QANT_InputCaseIterator;
+class QANT_DataSource;
+
+// Sets every number of a case to missing and every string to blanks.
+void ClearCase(const QANT_DataSource& source, OBS* obs);
 
 class QANT_DataSource {
  public:
@@ -79,17 +83,34 @@ class QANT_DataSource {
   virtual int NParents() const;
 
   // Appends a variable (width as for QANT_Variable) and returns it; the source owns it. *status,
-  // when given, becomes 0. Host's thread, before any iterator exists.
+  // when given, becomes 0. A negative width or no source gives null and a *status that is not 0.
+  // Host's thread, before any iterator exists.
   static QANT_Variable* MakeVariable(QANT_DataSource* source, int width, int* status);
   std::size_t GetNVariables() const;
+  // Null when there is no variable of that index.
   QANT_Variable* GetVariable(std::size_t index) const;
   void SetFileSpec(const char* path);
   const std::string& GetFileSpec() const;
 
  private:
+  friend class QANT_InputCaseIterator;
+  friend void ClearCase(const QANT_DataSource& source, OBS* obs);
+
+  // Where a variable's value lies in a case. Kept side by side, apart from the variables, because
+  // every value that is stored looks its place up.
+  struct Column {
+    std::size_t cell;
+    std::size_t width;  // 0 for a number, else bytes
+  };
+  const Column* FindColumn(int column) const {
+    const auto index = static_cast<std::size_t>(column);
+    return column >= 0 && index < columns_.size() ? &columns_[index] : nullptr;
+  }
+
   QANT_DataSource* parent_;
   std::string fileSpec_;
   std::size_t cells_ = 0;
+  std::vector<Column> columns_;
   std::vector<std::unique_ptr<QANT_Variable>> variables_;
 };
 
@@ -117,7 +138,8 @@ class QANT_InputCaseIterator {
   OBS* GetObsPointer() const { return obs_; }
   ErrorMonitor* GetErrorMonitor() const { return monitor_; }
   // Stores a value in the cells of column `column` (counted from 0 over the source's variables).
-  // Text is cut to whole characters that fit the variable's width, or padded with blanks.
+  // Text is cut to whole characters that fit the variable's width, or padded with blanks. Nothing is
+  // stored without a case buffer, in a column that does not exist, or in one of the other kind.
   void SetColumnValue(int column, const char* text);
   void SetColumnValue(int column, std::string_view text);
   void SetColumnValue(int column, double value);
@@ -127,9 +149,6 @@ class QANT_InputCaseIterator {
   OBS* obs_;
   ErrorMonitor* monitor_ = nullptr;
 };
-
-// Sets every number of a case to missing and every string to blanks.
-void ClearCase(const QANT_DataSource& source, OBS* obs);
 
 // The data sources of the process, by name. Host's thread only.
 class ServerDataManager {
