@@ -7,6 +7,7 @@
 
 #include "command/TxtWzVar.h"
 #include "detection/RegExMappings.h"
+#include "detection/ValueClassifier.h"
 #include "plan/ImportSettings.h"
 
 namespace textwizard {
@@ -41,6 +42,19 @@ class DetectionCounters {
   // Adds the counters of one batch to `into`: sums of the counts, maxima of the sizes, the smaller
   // non-zero pattern key, either's flags.
   static void Merge(const TxtWzVar& from, TxtWzVar& into);
+
+ private:
+  bool IsNumeric(std::string_view field);
+  // Each counts the field when it is of its class; else leaves the variable alone.
+  bool CountDate(std::string_view field, TxtWzVar& variable);
+  bool CountNumberForm(std::string_view field, unsigned marks, TxtWzVar& variable);
+  void CountString(std::string_view field, TxtWzVar& variable) const;
+  void AdoptDateKey(int key, std::string_view field, TxtWzVar& variable) const;
+  bool KeepsMinutes(const TxtWzVar& variable) const;
+
+  const DetectionRules rules_;
+  const RegExMappings& table_;
+  ValueClassifier classifier_;
 };
 
 }  // namespace textwizard

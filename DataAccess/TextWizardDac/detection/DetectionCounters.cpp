@@ -1,0 +1,209 @@
+#include "detection/DetectionCounters.h"
+
+#include <algorithm>
+#include <array>
+
+#include "command/FormatCode.h"
+
+namespace textwizard {
+
+namespace {
+
+// Keys of rows whose values set more than the row's own width and decimals.
+constexpr int kMonth9 = 1017;
+constexpr int kTime5 = 1018;
+constexpr int kTime8 = 1019;
+constexpr int kTime11 = 1020;
+constexpr int kMonth3 = 1103;
+constexpr int kYmdhms22 = 1115;
+constexpr int kMTime5 = 1116;
+constexpr int kMTime7 = 1117;
+
+// A shorter text is no date.
+constexpr std::size_t kShortestDate = 3;
+constexpr std::size_t kShortMonthName = 3;
+
+// The characters that decide which tests a field is worth.
+enum Mark : std::uint8_t {
+  kComma = 1,
+  kPoint = 2,
+  kDollar = 4,
+  kPercent = 8,
+  kExponent = 16,
+};
+
+constexpr std::array<std::uint8_t, 256> MakeMarks() {
+  std::array<std::uint8_t, 256> marks{};
+  marks[','] = kComma;
+  marks['.'] = kPoint;
+  marks['$'] = kDollar;
+  marks['%'] = kPercent;
+  marks['e'] = marks['E'] = kExponent;
+  return marks;
+}
+constexpr std::array<std::uint8_t, 256> kMarks = MakeMarks();
+
+unsigned MarksOf(std::string_view field) {
+  unsigned marks = 0;
+  for (const char c : field) marks |= kMarks[static_cast<unsigned char>(c)];
+  return marks;
+}
+
+}  // namespace
+
+DetectionCounters::DetectionCounters(const RegExMappings& table, const DetectionRules& rules)
+    : rules_(rules), table_(table), classifier_(table, rules.arrangement) {}
+
+void DetectionCounters::Count(std::string_view field, TxtWzVar& variable) {
+  const unsigned marks = MarksOf(field);
+  const bool bothSeparators = (marks & kComma) && (marks & kPoint);
+  if (!bothSeparators && IsNumeric(field)) {
+    ++variable.numericCount;
+    if (marks & kExponent) variable.hasExponent = true;
+    UpdateVarSizes(variable, field, ".,", rules_.arrangement);
+    return;
+  }
+  if (rules_.leadingSpaces) field = TrimLeft(field);
+  if (rules_.multipleSpaces) field = TrimRight(field);
+  if (CountDate(field, variable)) return;
+  if (CountNumberForm(field, marks, variable)) return;
+  CountString(field, variable);
+}
+
+bool DetectionCounters::IsNumeric(std::string_view field) {
+  // Only a worker is ever asked to swap.
+  return rules_.swapDecimal ? classifier_.IsNumericSwapped(field, rules_.decimalCharacter)
+                            : classifier_.IsNumeric(field);
+}
+
+bool DetectionCounters::CountDate(std::string_view field, TxtWzVar& variable) {
+  // The sampling pass tries the adopted row first and then leaves the sizes as they are; a worker
+  // looks for the first matching row every time.
+  if (rules_.pass == DetectionPass::kSampling && variable.dateKey != 0 &&
+      classifier_.MatchesRow(field, variable.dateKey)) {
+    ++variable.dateCount;
+    return true;
+  }
+  if (field.size() < kShortestDate) return false;
+  const int key = classifier_.IsDateTime(field);
+  if (key == 0) return false;
+  ++variable.dateCount;
+  AdoptDateKey(key, field, variable);
+  return true;
+}
+
+void DetectionCounters::AdoptDateKey(int key, std::string_view field, TxtWzVar& variable) const {
+  bool keepKey = false;
+  switch (key) {
+    case kYmdhms22: {
+      const std::size_t point = LastOf(field, ".,:");
+      variable.width = AsWidth(field.size());
+      variable.decimals = point == std::string_view::npos
+                              ? 0
+                              : static_cast<std::int32_t>(AsWidth(field.size() - point - 1));
+      break;
+    }
+    case kMTime7:
+      variable.width = 8;
+      variable.decimals = 2;
+      break;
+    case kMonth3:
+      variable.width = 3;
+      break;
+    case kTime5:
+    case kTime8:
+      // Neither layout has a fraction.
+      variable.width = AsWidth(field.size());
+      variable.decimals = 0;
+      keepKey = KeepsMinutes(variable);
+      break;
+    case kTime11:
+      variable.width = 11;
+      variable.decimals = 2;
+      keepKey = KeepsMinutes(variable);
+      break;
+    case kMonth9:
+      // A name such as "may" is short and full at once.
+      keepKey = field.size() == kShortMonthName && variable.dateKey == kMonth3;
+      break;
+    default:
+      break;
+  }
+  if (!keepKey) variable.dateKey = key;
+  const auto row = table_.regExMappings().find(variable.dateKey);
+  if (row == table_.regExMappings().end()) return;
+  variable.width = std::max(variable.width, static_cast<std::uint32_t>(row->second.width));
+  variable.decimals = std::max(variable.decimals, std::int32_t{row->second.decimals});
+}
+
+// The sampling pass does not give up a minutes-and-seconds layout for hours and minutes.
+bool DetectionCounters::KeepsMinutes(const TxtWzVar& variable) const {
+  return rules_.pass == DetectionPass::kSampling && variable.dateKey >= kMTime5;
+}
+
+bool DetectionCounters::CountNumberForm(std::string_view field, unsigned marks,
+                                        TxtWzVar& variable) {
+  struct Form {
+    Mark mark;
+    NumberForm form;
+    std::uint64_t TxtWzVar::*count;
+    std::string_view decimalCharacters;
+  };
+  static constexpr Form kForms[] = {
+      {kDollar, NumberForm::kDollar, &TxtWzVar::dollarCount, "."},
+      {kPercent, NumberForm::kPercentage, &TxtWzVar::percentCount, ".,"},
+      {kComma, NumberForm::kComma, &TxtWzVar::commaCount, "."},
+      {kPoint, NumberForm::kDot, &TxtWzVar::dotCount, ","},
+  };
+  for (const Form& form : kForms) {
+    if (!(marks & form.mark) || !classifier_.Is(form.form, field)) continue;
+    ++(variable.*form.count);
+    UpdateVarSizes(variable, field, form.decimalCharacters, rules_.arrangement);
+    return true;
+  }
+  return false;
+}
+
+void DetectionCounters::CountString(std::string_view field, TxtWzVar& variable) const {
+  const std::uint32_t length =
+      static_cast<std::uint32_t>(std::min<std::size_t>(field.size(), kMaxStringWidth + 1));
+  if (rules_.pass == DetectionPass::kSampling) {
+    if (!IsBlank(field)) ++variable.stringCount;
+    // Measured against the width, so the latest such length stays and not the longest.
+    if (length > kMaxStringWidth) {
+      variable.maxStringLength = kMaxStringWidth;
+    } else if (variable.width < length) {
+      variable.maxStringLength = length;
+    }
+    return;
+  }
+  if (!field.empty()) ++variable.stringCount;
+  if (length > kMaxStringWidth) {
+    variable.maxStringLength = kMaxStringWidth;
+  } else if (length > variable.maxStringLength) {
+    // On a worker the flag says that lengths vary.
+    if (variable.maxStringLength != 0) variable.stringTruncated = true;
+    variable.maxStringLength = length;
+  }
+}
+
+void DetectionCounters::Merge(const TxtWzVar& from, TxtWzVar& into) {
+  into.width = std::max(into.width, from.width);
+  into.decimals = std::max(into.decimals, from.decimals);
+  into.maxStringLength = std::max(into.maxStringLength, from.maxStringLength);
+  into.stringCount += from.stringCount;
+  into.numericCount += from.numericCount;
+  into.dateCount += from.dateCount;
+  into.percentCount += from.percentCount;
+  into.dollarCount += from.dollarCount;
+  into.commaCount += from.commaCount;
+  into.dotCount += from.dotCount;
+  if (from.dateKey != 0 && (into.dateKey == 0 || from.dateKey < into.dateKey)) {
+    into.dateKey = from.dateKey;
+  }
+  into.hasExponent = into.hasExponent || from.hasExponent;
+  into.missingStored = into.missingStored || from.missingStored;
+  into.stringTruncated = into.stringTruncated || from.stringTruncated;
+}
+
+}  // namespace textwizard

@@ -1,0 +1,83 @@
+#include "detection/NumericTest.h"
+
+#include <cctype>
+#include <cstdlib>
+
+#include <langinfo.h>
+
+namespace textwizard {
+
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+// White space as strtod skips it: by the process's locale.
+bool IsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+bool IsEither(char c, char lower, char upper) { return c == lower || c == upper; }
+
+const char* SkipDigits(const char* p, const char* end) {
+  while (p != end && IsDigit(*p)) ++p;
+  return p;
+}
+
+}  // namespace
+
+NumericTest::NumericTest() {
+  const char* decimal = nl_langinfo(RADIXCHAR);
+  const bool oneByte = decimal[0] && !decimal[1];
+  if (oneByte && std::ispunct(static_cast<unsigned char>(decimal[0]))) decimal_ = decimal[0];
+}
+
+bool NumericTest::Accepts(std::string_view text) {
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  copy_.clear();
+  const char* begin = text.data();
+  const char* const end = begin + text.size();
+  for (;;) {
+    if (end - begin == 1 && (*begin == ',' || *begin == '.')) return false;
+    const char* stop = EndOfNumber(begin, end);
+    if (!stop) stop = EndByStrtod(text, begin);
+    if (stop == end) return true;
+    if (*stop != ',') return false;
+    begin = stop + 1;
+    if (begin == end) return true;
+  }
+}
+
+// Where strtod would stop: `begin` when it converts nothing. Null for what only strtod can tell.
+const char* NumericTest::EndOfNumber(const char* begin, const char* end) const {
+  if (!decimal_) return nullptr;
+  const char* p = begin;
+  while (p != end && IsSpace(*p)) ++p;
+  if (p != end && (*p == '+' || *p == '-')) ++p;
+  if (p == end) return begin;
+  const char* const digits = p;
+  p = SkipDigits(p, end);
+  if (p != end && p == digits + 1 && *digits == '0' && IsEither(*p, 'x', 'X')) return nullptr;
+  bool hasDigits = p != digits;
+  if (p != end && *p == decimal_) {
+    const char* const fraction = p + 1;
+    const char* const after = SkipDigits(fraction, end);
+    hasDigits = hasDigits || after != fraction;
+    if (hasDigits) p = after;
+  }
+  if (!hasDigits) {
+    const bool mayBeName = IsEither(*digits, 'i', 'I') || IsEither(*digits, 'n', 'N');
+    return mayBeName ? nullptr : begin;
+  }
+  if (p != end && IsEither(*p, 'e', 'E')) {
+    const char* exponent = p + 1;
+    if (exponent != end && (*exponent == '+' || *exponent == '-')) ++exponent;
+    if (exponent != end && IsDigit(*exponent)) p = SkipDigits(exponent, end);
+  }
+  return p;
+}
+
+const char* NumericTest::EndByStrtod(std::string_view text, const char* begin) {
+  if (copy_.empty()) copy_.assign(text);
+  const auto offset = static_cast<std::size_t>(begin - text.data());
+  char* stop = nullptr;
+  std::strtod(copy_.c_str() + offset, &stop);
+  return text.data() + (stop - copy_.c_str());
+}
+
+}  // namespace textwizard

@@ -1,0 +1,30 @@
+// Whether a text is a number, as the system's strtod reads one.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace textwizard {
+
+// Reads by the numeric locale that the process had when the object was made. One thread.
+class NumericTest {
+ public:
+  NumericTest();
+
+  // True when `text`, without trailing blanks, is a number that strtod consumes whole, or several
+  // of them with one comma after each but perhaps the last (so 1,000,000 and "5,"); "," and "."
+  // alone are not. An empty text is. Cost linear in the text; allocates only for the rare forms
+  // (hexadecimal, infinity, not-a-number) that grow the buffer.
+  bool Accepts(std::string_view text);
+
+ private:
+  const char* EndOfNumber(const char* begin, const char* end) const;
+  const char* EndByStrtod(std::string_view text, const char* begin);
+
+  // The locale's decimal character when it is one ASCII byte; else 0, and strtod reads everything.
+  char decimal_ = 0;
+  // A terminated copy of the text in hand; empty until strtod is needed.
+  std::string copy_;
+};
+
+}  // namespace textwizard

@@ -1,0 +1,79 @@
+// Several patterns tested against a text in one walk over its bytes.
+//
+// The regular-expression library says what a pattern matches; an automaton, compiled from the very
+// text of the pattern, gives the same answer for nearly every value at a small part of the cost,
+// and says so when it cannot.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "detection/PatternSyntax.h"
+
+namespace textwizard {
+
+// Constant after construction; shared by threads.
+class PatternAutomaton {
+ public:
+  static constexpr std::size_t kMaxPatterns = 64;
+
+  // Bit i speaks of pattern i.
+  struct Verdict {
+    // The pattern matches the whole text.
+    std::uint64_t matched = 0;
+    // Only the library can tell.
+    std::uint64_t undecided = 0;
+  };
+  // What each byte of a text stands for.
+  using ByteClasses = std::array<std::uint8_t, 256>;
+
+  // The automaton of `patterns` (UTF-8, at most kMaxPatterns), compiled at the first call for
+  // them and kept for the life of the process. Any thread.
+  static std::shared_ptr<const PatternAutomaton> Shared(const std::vector<std::string>& patterns);
+
+  explicit PatternAutomaton(const std::vector<std::string>& patterns);
+
+  // The classes of bytes that are first replaced by `mapping` (a lower-casing, say).
+  ByteClasses Classes(const std::array<unsigned char, 256>& mapping) const;
+
+  Verdict Match(std::string_view text, const ByteClasses& classes) const {
+    std::size_t state = kStart;
+    for (const char c : text) {
+      const std::uint8_t byteClass = classes[static_cast<unsigned char>(c)];
+      if (byteClass == kBeyondAsciiClass) return {0, beyondAscii_[state] | uncompiled_};
+      state = next_[state * classCount_ + byteClass];
+      if (state == kDead) return {0, uncompiled_};
+    }
+    // The library gives up a match that takes it too much memory.
+    if (text.size() > kSureLength) return {0, accepted_[state] | uncompiled_};
+    return {accepted_[state], uncompiled_};
+  }
+
+  std::size_t stateCount() const { return accepted_.size(); }
+  // Patterns that are always left to the library.
+  std::uint64_t uncompiled() const { return uncompiled_; }
+
+ private:
+  static constexpr std::size_t kDead = 0;
+  static constexpr std::size_t kStart = 1;
+  static constexpr std::uint8_t kBeyondAsciiClass = 0;
+  static constexpr std::size_t kSureLength = 1024;
+
+  struct Construction;
+  void SetClasses(const Construction& construction);
+
+  std::array<std::uint8_t, kAsciiCount> classOf_{};
+  std::size_t classCount_ = 1;
+  // state x class -> state
+  std::vector<std::uint16_t> next_;
+  // Per state: patterns that match here, and those that could go on with a character beyond ASCII.
+  std::vector<std::uint64_t> accepted_;
+  std::vector<std::uint64_t> beyondAscii_;
+  std::uint64_t uncompiled_ = 0;
+};
+
+}  // namespace textwizard

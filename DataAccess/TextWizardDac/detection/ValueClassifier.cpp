@@ -1,0 +1,149 @@
+#include "detection/ValueClassifier.h"
+
+#include <algorithm>
+#include <bit>
+#include <cctype>
+#include <limits>
+
+#include "command/FormatCode.h"
+
+namespace textwizard {
+
+namespace {
+
+std::string PatternText(const std::string& regex) {
+  std::string buffer;
+  return std::string(ToUtf8(regex, buffer));
+}
+
+}  // namespace
+
+std::string_view TrimLeft(std::string_view text) {
+  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+  return text;
+}
+
+std::string_view TrimRight(std::string_view text) {
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
+
+bool IsBlank(std::string_view text) { return TrimLeft(text).empty(); }
+
+std::size_t LastOf(std::string_view text, std::string_view set) {
+  for (std::size_t i = text.size(); i-- > 0;) {
+    for (const char c : set) {
+      if (text[i] == c) return i;
+    }
+  }
+  return std::string_view::npos;
+}
+
+std::uint32_t AsWidth(std::size_t length) {
+  constexpr std::size_t kLargest = std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::uint32_t>(std::min(length, kLargest));
+}
+
+void UpdateVarSizes(TxtWzVar& variable, std::string_view value, std::string_view decimalCharacters,
+                    Arrangement arrangement) {
+  if (arrangement == kDelimitedLines) value = TrimLeft(TrimRight(value));
+  std::size_t length = value.size();
+  const std::size_t point = LastOf(value, decimalCharacters);
+  if (point != std::string_view::npos) {
+    const auto decimals = static_cast<std::int32_t>(AsWidth(value.size() - point - 1));
+    if (point == 0) --length;
+    if (decimals > variable.decimals) {
+      const std::int64_t widened = std::int64_t{decimals} + variable.width - variable.decimals;
+      variable.width = static_cast<std::uint32_t>(std::min<std::int64_t>(kMaxNumberWidth, widened));
+      variable.decimals = decimals;
+    }
+  }
+  variable.width =
+      arrangement == kFixedColumns ? AsWidth(length) : std::max(variable.width, AsWidth(length));
+}
+
+ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrangement)
+    : table_(table),
+      trimDates_(arrangement != kDelimitedLines),
+      formMatchers_{table.percentMatcher.get(), table.dollarMatcher.get(), table.commaMatcher.get(),
+                    table.dotMatcher.get()} {
+  std::vector<std::string> patterns;
+  for (const auto& [key, row] : table.regExMappings()) {
+    if (row.matcher) usableRows_ |= std::uint64_t{1} << rows_.size();
+    rows_.push_back(&row);
+    patterns.push_back(PatternText(row.regex));
+  }
+  rowAutomaton_ = PatternAutomaton::Shared(patterns);
+  for (std::size_t i = 0; i < formMatchers_.size(); ++i) {
+    if (formMatchers_[i]) usableForms_ |= std::uint64_t{1} << i;
+  }
+  formAutomaton_ =
+      PatternAutomaton::Shared({PatternText(table.percentRegex), PatternText(table.dollarRegex),
+                                PatternText(table.commaRegex), PatternText(table.dotRegex)});
+
+  std::array<unsigned char, 256> same{};
+  for (std::size_t byte = 0; byte < same.size(); ++byte) {
+    same[byte] = static_cast<unsigned char>(byte);
+    lower_[byte] = static_cast<unsigned char>(std::tolower(static_cast<int>(byte)));
+  }
+  rowClasses_ = rowAutomaton_->Classes(lower_);
+  formClasses_ = formAutomaton_->Classes(same);
+}
+
+bool ValueClassifier::IsNumericSwapped(std::string_view value, char swapped) {
+  value = TrimRight(value);
+  if (value == "," || value == ".") return false;
+  if (value.find(swapped) == std::string_view::npos) return numeric_.Accepts(value);
+  changed_.assign(value);
+  std::replace(changed_.begin(), changed_.end(), swapped, swapped == '.' ? ',' : '.');
+  return numeric_.Accepts(changed_);
+}
+
+bool ValueClassifier::Is(NumberForm form, std::string_view value) {
+  const auto index = static_cast<std::size_t>(form);
+  const std::uint64_t bit = (std::uint64_t{1} << index) & usableForms_;
+  const PatternAutomaton::Verdict verdict = formAutomaton_->Match(value, formClasses_);
+  if (verdict.matched & bit) return true;
+  if (!(verdict.undecided & bit)) return false;
+  return Decide(formMatchers_[index], unicode_.Assign(value));
+}
+
+int ValueClassifier::IsDateTime(std::string_view value) {
+  if (trimDates_) value = TrimLeft(TrimRight(value));
+  const PatternAutomaton::Verdict verdict = rowAutomaton_->Match(value, rowClasses_);
+  std::uint64_t candidates = (verdict.matched | verdict.undecided) & usableRows_;
+  const icu::UnicodeString* text = nullptr;
+  for (; candidates; candidates &= candidates - 1) {
+    const auto index = static_cast<std::size_t>(std::countr_zero(candidates));
+    if (verdict.matched >> index & 1) return rows_[index]->key;
+    if (!text) text = &LowerCased(value);
+    if (Decide(rows_[index]->matcher.get(), *text)) return rows_[index]->key;
+  }
+  return 0;
+}
+
+bool ValueClassifier::MatchesRow(std::string_view value, int key) {
+  const auto row =
+      std::lower_bound(rows_.begin(), rows_.end(), key,
+                       [](const RegExToFormatMapping* left, int k) { return left->key < k; });
+  if (row == rows_.end() || (*row)->key != key) return false;
+  const std::uint64_t bit = (std::uint64_t{1} << (row - rows_.begin())) & usableRows_;
+  const PatternAutomaton::Verdict verdict = rowAutomaton_->Match(value, rowClasses_);
+  if (verdict.matched & bit) return true;
+  if (!(verdict.undecided & bit)) return false;
+  return Decide((*row)->matcher.get(), LowerCased(value));
+}
+
+bool ValueClassifier::Decide(icu::RegexMatcher* matcher, const icu::UnicodeString& text) const {
+  matcher->reset(text);
+  UErrorCode status = U_ZERO_ERROR;
+  return matcher->matches(status) && U_SUCCESS(status);
+}
+
+const icu::UnicodeString& ValueClassifier::LowerCased(std::string_view value) {
+  changed_.assign(value);
+  for (char& c : changed_) c = static_cast<char>(lower_[static_cast<unsigned char>(c)]);
+  return unicode_.Assign(changed_);
+}
+
+}  // namespace textwizard

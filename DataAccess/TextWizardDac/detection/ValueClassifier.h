@@ -1,0 +1,83 @@
+// The tests that sort one field text into number, date or time, dollar amount, percentage, and
+// comma- or dot-grouped number, and the rule by which a value widens a variable.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "command/TxtWzVar.h"
+#include "detection/NumericTest.h"
+#include "detection/PatternAutomaton.h"
+#include "detection/RegExMappings.h"
+#include "detection/UnicodeText.h"
+#include "plan/ImportSettings.h"
+
+namespace textwizard {
+
+// Blanks (character 32) are all that is ever trimmed.
+std::string_view TrimLeft(std::string_view text);
+std::string_view TrimRight(std::string_view text);
+// Whether nothing but blanks is there.
+bool IsBlank(std::string_view text);
+// Offset of the last character of `text` that is one of `set`, or npos.
+std::size_t LastOf(std::string_view text, std::string_view set);
+
+// A text length as a width; a longer one than a width can hold counts as the largest.
+std::uint32_t AsWidth(std::size_t length);
+
+// Widens `variable` for a number written as `value`, whose fraction starts after the last of
+// `decimalCharacters`. With fixed columns the width becomes the value's length, blanks included;
+// else it only grows.
+void UpdateVarSizes(TxtWzVar& variable, std::string_view value, std::string_view decimalCharacters,
+                    Arrangement arrangement);
+
+// Every number form has a pattern of its own in the table.
+enum class NumberForm { kPercentage, kDollar, kComma, kDot };
+
+// Tests host texts by one pattern table. Same thread rules as the table, which outlives it. Locale:
+// names by the table, decimal character and letter case by the process's locale at construction.
+// Allocates nothing per value in the steady state.
+class ValueClassifier {
+ public:
+  ValueClassifier(const RegExMappings& table, Arrangement arrangement);
+
+  bool IsNumeric(std::string_view value) { return numeric_.Accepts(value); }
+  // The same after every `swapped` of the value, unless it is a lone comma or point, has become the
+  // other of '.' and ','.
+  bool IsNumericSwapped(std::string_view value, char swapped);
+
+  // The whole value has the form. Nothing is trimmed.
+  bool Is(NumberForm form, std::string_view value);
+
+  // Key of the first row that the lower-cased value matches, 0 when none does. Blanks at both ends
+  // count only with one case per line.
+  int IsDateTime(std::string_view value);
+  // The lower-cased value matches the row `key`; false for a key without a row. Nothing is trimmed.
+  bool MatchesRow(std::string_view value, int key);
+
+ private:
+  bool Decide(icu::RegexMatcher* matcher, const icu::UnicodeString& text) const;
+  const icu::UnicodeString& LowerCased(std::string_view value);
+
+  const RegExMappings& table_;
+  const bool trimDates_;
+  NumericTest numeric_;
+  // In key order: bit i of a date verdict is row i.
+  std::vector<const RegExToFormatMapping*> rows_;
+  std::array<icu::RegexMatcher*, 4> formMatchers_;
+  // Patterns that the library could not compile match nothing: their bits are clear.
+  std::uint64_t usableRows_ = 0;
+  std::uint64_t usableForms_ = 0;
+  std::shared_ptr<const PatternAutomaton> rowAutomaton_;
+  std::shared_ptr<const PatternAutomaton> formAutomaton_;
+  std::array<unsigned char, 256> lower_;
+  PatternAutomaton::ByteClasses rowClasses_;
+  PatternAutomaton::ByteClasses formClasses_;
+  // Buffers of the rarer ways.
+  std::string changed_;
+  UnicodeText unicode_;
+};
+
+}  // namespace textwizard
