@@ -2,20 +2,72 @@
 
 #include <cstdio>
 
+#include "command/FormatCode.h"
+
 namespace textwizard {
+namespace {
+
+// A catalogue text that is a format, filled with its arguments. The catalogue has been checked by
+// the host: a text never asks for other arguments than its number's.
+template <typename... Arguments>
+std::string Filled(const char* format, Arguments... arguments) {
+  const int length = std::snprintf(nullptr, 0, format, arguments...);
+  if (length <= 0) return format;
+  std::string text(static_cast<std::size_t>(length), '\0');
+  std::snprintf(text.data(), text.size() + 1, format, arguments...);
+  return text;
+}
+
+// The limit that the text of `id` has a placeholder for; 0 for a text without one.
+int LimitOf(int id) {
+  switch (id) {
+    case kNameUsed:
+    case kNameCut:
+      return static_cast<int>(kMaxNameCharacters);
+    case kNumberWidthCut:
+      return static_cast<int>(kMaxNumberWidth);
+    case kStringWidthCut:
+      return static_cast<int>(kMaxStringWidth);
+    default:
+      return 0;
+  }
+}
+
+// True when the token stands inside the text of `id`. Four of the numbers are the catalogue's
+// reserve: nothing raises them, but their texts have the placeholder.
+bool TokenFillsText(int id) {
+  switch (id) {
+    case kBadLeadingSpaces:
+    case 2285:
+    case kLeadingSpacesNoEquals:
+    case kBadMultipleSpaces:
+    case 2289:
+    case kMultipleSpacesNoEquals:
+    case 2293:
+    case 2294:
+    case kDataTypeMinNoEquals:
+    case kBadDataTypeMin:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
 
 std::string MessageText(int id, const char* token) {
-  std::string text = QantServerErrorText(kMessageCatalogue, id).GetText();
+  const QantServerErrorText entry(kMessageCatalogue, id);
+  if (TokenFillsText(id)) return Filled(entry.GetText(), token ? token : "");
+  const int limit = LimitOf(id);
+  std::string text = limit > 0 ? Filled(entry.GetText(), limit) : entry.GetText();
   if (token) text.append(" ").append(token);
   return text;
 }
 
 ErrorText UndecodableWarning(std::int64_t caseNumber, std::size_t position) {
-  const QantServerErrorText format(kMessageCatalogue, kUndecodable);
-  char text[1024];
-  std::snprintf(text, sizeof text, format.GetText(), static_cast<int>(caseNumber),
-                static_cast<int>(position));
-  return {text, kMessageWarning, 0};
+  const QantServerErrorText entry(kMessageCatalogue, kUndecodable);
+  return {Filled(entry.GetText(), static_cast<int>(caseNumber), static_cast<int>(position)),
+          kMessageWarning, 0};
 }
 
 ErrorText ReadFailedError(const std::string& fileName) {

@@ -119,8 +119,9 @@ class TxtWzDelimiters : public TxtWzExecFile {
   // Keeps a copy of the delimiter characters on the first call; later calls change nothing.
   void SetDelimiters(const char* delimiters);
   int SetDataSource(QANT_TextWizardSrc* source) override;
-  // Cuts the next field at *cursor into `out` and moves the cursor past it and its delimiter; a
-  // simple cut without qualifier. False at the end of the text.
+  // Cuts the next field at *cursor into `out` (room for the rest of the text and a NUL) and moves
+  // the cursor past it and its delimiter; a simple cut without qualifier. False, with an empty
+  // field, at the end of the text and where only blanks that are delimiters are left.
   bool GetNextVar(char* out, char** cursor);
 
  private:
@@ -142,8 +143,9 @@ class TxtWzFixedLines : public TxtWzExecFile {
  public:
   TxtWzFixedLines();
   int SetDataSource(QANT_TextWizardSrc* source) override;
-  // Copies the field of `variable` out of `record` (NUL-terminated); false, with an empty field,
-  // when the record is null or ends before the field's start.
+  // Copies the field of `variable` out of `record` (NUL-terminated) into `out` (room for the
+  // record's text and a NUL), whole characters only; false, with an empty field, when the record is
+  // null or ends before the field's start.
   bool GetVarBuffer(char* out, const TxtWzVar* variable, const char* record) const;
 };
 

@@ -1,0 +1,49 @@
+// The display formats: their names in a command, codes, defaults and limits.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "command/FormatCode.h"
+
+namespace textwizard {
+
+struct FormatRow {
+  // The name in a command.
+  std::string_view name;
+  std::uint32_t code;
+  // What a command means that gives neither width nor decimals.
+  std::uint32_t defaultWidth;
+  std::uint32_t defaultDecimals;
+  // Smallest width without decimals.
+  std::uint32_t minWidth;
+  // Smallest width with decimals is the decimals plus this; 0 where decimals take no room.
+  std::uint32_t minWidthBesideDecimals;
+  // Column width from which a format without width and decimals has two decimals; 0 is never.
+  std::uint32_t columnsForFraction;
+  // The lower-case word of the compact header's vocabulary; empty when there is none.
+  std::string_view typeWord;
+
+  std::uint32_t MinWidth(std::uint32_t decimals) const {
+    return decimals == 0 || minWidthBesideDecimals == 0 ? minWidth
+                                                        : decimals + minWidthBesideDecimals;
+  }
+  std::uint32_t MaxWidth() const;
+};
+
+// Every format that a command can name.
+std::span<const FormatRow> FormatTable();
+
+// The row of a name (exact match, so upper-cased by the caller) or of a code; null when none has
+// it.
+const FormatRow* FindFormat(std::string_view name);
+const FormatRow* FindFormat(std::uint32_t code);
+// The row of a type word, in any letter case (host text); null when none has it.
+const FormatRow* FindTypeWord(const char* word);
+
+// The name that reports give a format code, for all codes that the host's variables can carry;
+// "badFormat" for any other, a skipped field's and AUTO's included.
+std::string_view FormatNameOf(std::uint32_t code);
+
+}  // namespace textwizard

@@ -1,0 +1,69 @@
+#include "plan/TxtWzExecFile.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+
+#include "reading/QANT_TextWizardSrc.h"
+
+namespace textwizard {
+
+TxtWzExecFile::TxtWzExecFile() = default;
+
+TxtWzExecFile::~TxtWzExecFile() = default;
+
+int TxtWzExecFile::Execute(QANT_TextWizardSrc* source, TwExecInput*) {
+  source->SetSettings(settings);
+  SetDataSource(source);
+  // An interrupted sampling pass leaves a source without variables of the host's; that is no error
+  // of the command.
+  SetDictionary(source);
+  if (slots_.empty()) return 1;
+  std::vector<std::unique_ptr<TxtWzVar>> variables;
+  variables.reserve(slots_.size());
+  for (const TxtWzVar* slot : slots_) variables.push_back(std::make_unique<TxtWzVar>(*slot));
+  source->SetVariables(std::move(variables));
+  return 1;
+}
+
+int TxtWzExecFile::AddVariable(std::unique_ptr<TxtWzVar> variable) {
+  upperNameIndex_.try_emplace(variable->upperName, static_cast<std::uint32_t>(definedVars_.size()));
+  definedVars_.push_back(std::move(variable));
+  return 1;
+}
+
+void TxtWzExecFile::SetVarCount(std::size_t n) {
+  if (n == 0 || definedVars_.empty()) return;
+  slots_.clear();
+  for (std::size_t i = 0; i < std::min(n, definedVars_.size()); ++i) {
+    slots_.push_back(definedVars_[i].get());
+  }
+}
+
+void TxtWzExecFile::SetFileName(const char* name) { dataFileName_ = name; }
+
+std::uint32_t TxtWzExecFile::SearchUpperVarName(const char* upperName) const {
+  const auto found = upperNameIndex_.find(upperName);
+  return found == upperNameIndex_.end() ? kNoVariable : found->second;
+}
+
+void TxtWzExecFile::StartSampling() {
+  if (settings.importMode == kImportPercent) {
+    std::srand(static_cast<unsigned>(std::time(nullptr)));
+  }
+  caseCounter_ = 0;
+}
+
+bool TxtWzExecFile::MoreCases() {
+  ++caseCounter_;
+  return settings.importMode != kImportFirst || caseCounter_ < settings.caseLimit;
+}
+
+bool TxtWzExecFile::SampleCase() {
+  // What rand() gives at most.
+  constexpr double kLargestDraw = 2147483647.0;
+  return settings.importMode != kImportPercent ||
+         std::rand() / kLargestDraw <= settings.sampleFraction;
+}
+
+}  // namespace textwizard
