@@ -50,8 +50,10 @@ char* QANTMBstrlwr_A(char* text);
 // `length` bytes as fit, then blanks. No terminator is written.
 void QANTMBCopyToFixed_A(char* field, int width, const char* text, int length);
 
-// Whole-text conversions. The first argument is the converter to use; null means one of the calling
-// thread's own. `out` is replaced (its capacity is kept); `in` must not lie inside it. Bytes that
+// Whole-text conversions. The first argument's encoding is the code page of the name (the source of
+// the first two, the target of the third); null means the locale's code page, with a converter of
+// the calling thread's own. `out` is replaced (its capacity is kept); `in` must not lie inside it;
+// only growing `out` can throw (std::bad_alloc). Bytes that
 // are not valid in the source become U+FFFD in UTF-8 and "?" in a code page, as does a character
 // that the code page lacks.
 void QANTMBCodePageToU8(QANTMBConverter* converter, std::string& out, std::string_view in);
