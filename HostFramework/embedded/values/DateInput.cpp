@@ -1,0 +1,177 @@
+#include "HostFramework/embedded/values/DateInput.h"
+
+#include "HostFramework/embedded/values/Calendar.h"
+#include "HostFramework/embedded/values/DateNames.h"
+
+namespace embedded {
+namespace {
+
+constexpr int kMonthsOfQuarter = 3;
+constexpr int kDaysOfWeek = 7;
+constexpr int kMostWeeks = 53;
+
+// Consumes a Roman numeral from I to XII in any letter case and returns its value, or consumes
+// nothing and returns 0.
+int AcceptRomanMonth(TextCursor& cursor) {
+  constexpr std::string_view kNumerals[] = {"i",   "ii",   "iii", "iv", "v",  "vi",
+                                            "vii", "viii", "ix",  "x",  "xi", "xii"};
+  constexpr std::size_t kLongest = 4;
+  char letters[kLongest];
+  std::size_t length = 0;
+  TextCursor at = cursor;
+  while (length < kLongest) {
+    const char letter = static_cast<char>(at.Byte() | 0x20);
+    if (letter != 'i' && letter != 'v' && letter != 'x') break;
+    at.AcceptLetter(letter);
+    letters[length++] = letter;
+  }
+  int month = 0;
+  for (const std::string_view numeral : kNumerals) {
+    ++month;
+    if (numeral == std::string_view(letters, length)) {
+      cursor = at;
+      return month;
+    }
+  }
+  return 0;
+}
+
+// One or two digits as a number.
+bool ReadShortNumber(TextCursor& cursor, int& number) {
+  const DigitRun run = cursor.Digits(3);
+  number = static_cast<int>(run.value);
+  return run.count == 1 || run.count == 2;
+}
+
+bool Store(const TextCursor& cursor, std::optional<std::int64_t> seconds, double* value) {
+  if (!cursor.AtEnd() || !seconds) return false;
+  *value = static_cast<double>(*seconds);
+  return true;
+}
+
+}  // namespace
+
+bool ReadDay(TextCursor& cursor, int& day) { return ReadShortNumber(cursor, day); }
+
+bool ReadMonth(TextCursor& cursor, int& month, bool& letters) {
+  // A name is tried first, because in some languages month names begin with digits.
+  month = AcceptMonthName(cursor);
+  if (month == 0) month = AcceptRomanMonth(cursor);
+  letters = month != 0;
+  return letters || (ReadShortNumber(cursor, month) && month >= 1 && month <= 12);
+}
+
+bool ReadYear(TextCursor& cursor, int& year) {
+  const DigitRun run = cursor.Digits(5);
+  year = static_cast<int>(run.value);
+  if (run.count == 2) year = YearOfTwoDigits(year);
+  return run.count == 2 || run.count == 4;
+}
+
+bool ReadSeparator(TextCursor& cursor) {
+  bool found = cursor.Blanks();
+  if (cursor.AcceptOneOf("-/.,")) {
+    cursor.Blanks();
+    found = true;
+  }
+  return found;
+}
+
+std::optional<std::int64_t> ReadDayMonthYear(TextCursor& cursor) {
+  int day, month, year;
+  bool letters;
+  if (!ReadDay(cursor, day)) return std::nullopt;
+  const bool before = ReadSeparator(cursor);
+  if (!ReadMonth(cursor, month, letters) || !(before || letters)) return std::nullopt;
+  if (!(ReadSeparator(cursor) || letters) || !ReadYear(cursor, year)) return std::nullopt;
+  return Midnight(year, month, day);
+}
+
+bool ReadDate(std::string_view text, double* value) {
+  TextCursor cursor(text);
+  const auto seconds = ReadDayMonthYear(cursor);
+  return Store(cursor, seconds, value);
+}
+
+bool ReadADate(std::string_view text, double* value) {
+  TextCursor cursor(text);
+  int day, month, year;
+  bool letters;
+  if (!ReadMonth(cursor, month, letters) || !(ReadSeparator(cursor) || letters)) return false;
+  if (!ReadDay(cursor, day) || !ReadSeparator(cursor) || !ReadYear(cursor, year)) return false;
+  return Store(cursor, Midnight(year, month, day), value);
+}
+
+bool ReadSDate(std::string_view text, double* value) {
+  TextCursor cursor(text);
+  int day, month, year;
+  bool letters;
+  if (!ReadYear(cursor, year)) return false;
+  const bool before = ReadSeparator(cursor);
+  if (!ReadMonth(cursor, month, letters) || !(before || letters)) return false;
+  if (!(ReadSeparator(cursor) || letters) || !ReadDay(cursor, day)) return false;
+  return Store(cursor, Midnight(year, month, day), value);
+}
+
+bool ReadJDate(std::string_view text, double* value) {
+  constexpr int kDayOfYearDigits = 1000;
+  TextCursor cursor(text);
+  const DigitRun run = cursor.Digits(8);
+  if (run.count != 5 && run.count != 7) return false;
+  const int digits = static_cast<int>(run.value);
+  const int day = digits % kDayOfYearDigits;
+  int year = digits / kDayOfYearDigits;
+  if (run.count == 5) year = YearOfTwoDigits(year);
+  if (day < 1 || day > (IsLeapYear(year) ? 366 : 365)) return false;
+  return Store(cursor, MidnightAfterNewYear(year, day - 1), value);
+}
+
+bool ReadQuarter(std::string_view text, double* value) {
+  TextCursor cursor(text);
+  const int quarter = cursor.Digit();
+  if (quarter < 1 || quarter > 4) return false;
+  cursor.Blanks();
+  if (!cursor.AcceptLetter('q')) return false;
+  cursor.Blanks();
+  int year;
+  if (!ReadYear(cursor, year)) return false;
+  return Store(cursor, Midnight(year, (quarter - 1) * kMonthsOfQuarter + 1, 1), value);
+}
+
+bool ReadMonthOfYear(std::string_view text, double* value) {
+  TextCursor cursor(text);
+  int month, year;
+  bool letters;
+  if (!ReadMonth(cursor, month, letters) || !(ReadSeparator(cursor) || letters)) return false;
+  if (!ReadYear(cursor, year)) return false;
+  return Store(cursor, Midnight(year, month, 1), value);
+}
+
+bool ReadWeek(std::string_view text, double* value) {
+  TextCursor cursor(text);
+  int week, year;
+  if (!ReadShortNumber(cursor, week) || week < 1 || week > kMostWeeks) return false;
+  cursor.Blanks();
+  if (!cursor.AcceptLetter('w') || !cursor.AcceptLetter('k')) return false;
+  cursor.Blanks();
+  if (!ReadYear(cursor, year)) return false;
+  return Store(cursor, MidnightAfterNewYear(year, (week - 1) * kDaysOfWeek), value);
+}
+
+bool ReadWeekday(std::string_view text, double* value) {
+  TextCursor cursor(text);
+  int day = AcceptDayName(cursor);
+  if (day == 0) day = cursor.Digit();
+  if (day < 1 || day > kDaysOfWeek) return false;
+  return Store(cursor, day, value);
+}
+
+bool ReadMonthNumber(std::string_view text, double* value) {
+  TextCursor cursor(text);
+  int month;
+  bool letters;
+  if (!ReadMonth(cursor, month, letters)) return false;
+  return Store(cursor, month, value);
+}
+
+}  // namespace embedded

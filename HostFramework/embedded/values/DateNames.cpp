@@ -1,0 +1,202 @@
+#include "HostFramework/embedded/values/DateNames.h"
+
+#include <algorithm>
+#include <array>
+#include <clocale>
+#include <cstring>
+#include <cwchar>
+
+#include <langinfo.h>
+#include <unicode/uchar.h>
+
+namespace embedded {
+namespace {
+
+constexpr int kMonths = 12;
+constexpr int kDays = 7;
+constexpr int kAbbreviation = 3;
+
+constexpr const char* kEnglishMonths[kMonths] = {"January",   "February", "March",    "April",
+                                                 "May",       "June",     "July",     "August",
+                                                 "September", "October",  "November", "December"};
+constexpr const char* kEnglishDays[kDays] = {"Sunday",   "Monday", "Tuesday", "Wednesday",
+                                             "Thursday", "Friday", "Saturday"};
+
+// A name as it is compared: characters without letter case.
+struct Name {
+  static constexpr int kLongest = 48;
+
+  int number = 0;
+  int length = 0;
+  char32_t characters[kLongest] = {};
+};
+
+bool IsBlank(char32_t character) { return u_isUWhiteSpace(static_cast<UChar32>(character)); }
+
+// The names of one kind, those with the same initial together and longer ones first.
+template <int kCapacity>
+class NameList {
+ public:
+  constexpr NameList() = default;
+
+  void Clear() { size_ = 0; }
+
+  // Blanks around the name do not belong to it. A name that is there already keeps its number; one
+  // that is empty or longer than any language needs is left out.
+  void Add(const char32_t* characters, int length, int number) {
+    while (length > 0 && IsBlank(characters[0])) {
+      ++characters;
+      --length;
+    }
+    while (length > 0 && IsBlank(characters[length - 1])) --length;
+    if (length == 0 || length > Name::kLongest || size_ == kCapacity) return;
+    Name name;
+    name.number = number;
+    name.length = length;
+    std::transform(characters, characters + length, name.characters, FoldCase);
+    for (int i = 0; i < size_; ++i) {
+      if (names_[i].length == length &&
+          std::equal(characters, characters + length, names_[i].characters,
+                     [](char32_t left, char32_t right) { return FoldCase(left) == right; })) {
+        return;
+      }
+    }
+    names_[size_++] = name;
+  }
+
+  // To be called after the last Add.
+  void Arrange() {
+    std::sort(names_.begin(), names_.begin() + size_, [](const Name& left, const Name& right) {
+      const int leftGroup = GroupOf(left.characters[0]);
+      const int rightGroup = GroupOf(right.characters[0]);
+      return leftGroup != rightGroup ? leftGroup < rightGroup : left.length > right.length;
+    });
+    int next = 0;
+    for (int group = 0; group < kGroups; ++group) {
+      starts_[group] = next;
+      while (next < size_ && GroupOf(names_[next].characters[0]) == group) ++next;
+    }
+    starts_[kGroups] = next;
+  }
+
+  int Accept(TextCursor& cursor) const {
+    TextCursor start = cursor;
+    const char32_t initial = start.FoldedCharacter();
+    const int group = GroupOf(initial);
+    for (int i = starts_[group]; i < starts_[group + 1]; ++i) {
+      const Name& name = names_[i];
+      if (name.characters[0] != initial) continue;
+      TextCursor at = start;
+      int matched = 1;
+      while (matched < name.length && at.FoldedCharacter() == name.characters[matched]) ++matched;
+      if (matched == name.length) {
+        cursor = at;
+        return name.number;
+      }
+    }
+    return 0;
+  }
+
+ private:
+  // One group for each letter of ASCII, one for all other initials.
+  static constexpr int kGroups = 27;
+  static int GroupOf(char32_t initial) {
+    return initial >= 'a' && initial <= 'z' ? static_cast<int>(initial - 'a') : kGroups - 1;
+  }
+
+  int size_ = 0;
+  std::array<int, kGroups + 1> starts_ = {};
+  std::array<Name, kCapacity> names_ = {};
+};
+
+// The names of one locale together with the English ones.
+class DateNames {
+ public:
+  constexpr DateNames() = default;
+
+  // The names of the locale in force.
+  static const DateNames& Current();
+
+  const auto& months() const { return months_; }
+  const auto& days() const { return days_; }
+
+ private:
+  static constexpr std::size_t kLocaleRoom = 512;
+
+  void Read(const char* locale);
+
+  // Empty before the first use, and when the locale's name is too long to be remembered: then the
+  // names are read anew each time.
+  char locale_[kLocaleRoom] = {};
+  // Full and abbreviated, in English and in the locale, where a month can have another form when it
+  // stands alone.
+  NameList<6 * kMonths> months_;
+  NameList<4 * kDays> days_;
+};
+
+template <typename List>
+void AddLocaleName(List& list, nl_item item, int number) {
+  char32_t characters[Name::kLongest];
+  int length = 0;
+  const char* text = nl_langinfo(item);
+  std::size_t left = std::strlen(text);
+  std::mbstate_t state = {};
+  while (left > 0) {
+    wchar_t wide;
+    const std::size_t bytes = std::mbrtowc(&wide, text, left, &state);
+    if (bytes == 0 || bytes > left || length == Name::kLongest) return;
+    characters[length++] = static_cast<char32_t>(wide);
+    text += bytes;
+    left -= bytes;
+  }
+  list.Add(characters, length, number);
+}
+
+template <typename List>
+void AddEnglishNames(List& list, const char* name, int number) {
+  char32_t characters[Name::kLongest];
+  const int length = static_cast<int>(std::strlen(name));
+  std::copy(name, name + length, characters);
+  list.Add(characters, length, number);
+  list.Add(characters, kAbbreviation, number);
+}
+
+void DateNames::Read(const char* locale) {
+  months_.Clear();
+  days_.Clear();
+  // The locale's names come first, so that its meaning of a name is the one that is kept.
+  for (int i = 0; i < kMonths; ++i) {
+    AddLocaleName(months_, MON_1 + i, i + 1);
+    AddLocaleName(months_, ABMON_1 + i, i + 1);
+    AddLocaleName(months_, ALTMON_1 + i, i + 1);
+    AddLocaleName(months_, _NL_ABALTMON_1 + i, i + 1);
+  }
+  for (int i = 0; i < kMonths; ++i) AddEnglishNames(months_, kEnglishMonths[i], i + 1);
+  for (int i = 0; i < kDays; ++i) {
+    AddLocaleName(days_, DAY_1 + i, i + 1);
+    AddLocaleName(days_, ABDAY_1 + i, i + 1);
+  }
+  for (int i = 0; i < kDays; ++i) AddEnglishNames(days_, kEnglishDays[i], i + 1);
+  months_.Arrange();
+  days_.Arrange();
+
+  const std::size_t length = std::strlen(locale);
+  locale_[0] = '\0';
+  if (length < kLocaleRoom) std::memcpy(locale_, locale, length + 1);
+}
+
+const DateNames& DateNames::Current() {
+  static constinit thread_local DateNames names;
+  const char* locale = std::setlocale(LC_ALL, nullptr);
+  if (locale == nullptr) locale = "C";
+  if (names.locale_[0] == '\0' || std::strcmp(names.locale_, locale) != 0) names.Read(locale);
+  return names;
+}
+
+}  // namespace
+
+int AcceptMonthName(TextCursor& cursor) { return DateNames::Current().months().Accept(cursor); }
+
+int AcceptDayName(TextCursor& cursor) { return DateNames::Current().days().Accept(cursor); }
+
+}  // namespace embedded

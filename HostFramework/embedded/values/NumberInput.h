@@ -1,0 +1,14 @@
+// Reading numbers: the formats F, E, PCT, COMMA, DOLLAR, DOT and N.
+#pragma once
+
+#include <string_view>
+
+namespace embedded {
+
+// Reads `text` (not empty, without blanks and tabs around it) under the number format `code`.
+// `decimal` is the process's decimal character. Returns false and leaves *value alone when the text
+// is not such a number or is too large. Any thread; allocates nothing; one pass over the text, two
+// for numbers that have more digits than a double holds.
+bool ReadNumber(std::string_view text, int code, char decimal, double* value);
+
+}  // namespace embedded

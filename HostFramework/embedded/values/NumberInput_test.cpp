@@ -1,0 +1,266 @@
+// The rules of the number formats, text by text.
+#include <cfloat>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "HostFramework/embedded/values/ValueInputTesting.h"
+
+namespace embedded {
+namespace {
+
+TEST(NumberInput, PlainDecimalsUnderF) {
+  EXPECT_EQ(Read("0", kF), 0.0);
+  EXPECT_EQ(Read("5", kF), 5.0);
+  EXPECT_EQ(Read("+5", kF), 5.0);
+  EXPECT_EQ(Read("-5", kF), -5.0);
+  EXPECT_EQ(Read("5.", kF), 5.0);
+  EXPECT_EQ(Read("-5.", kF), -5.0);
+  EXPECT_EQ(Read(".5", kF), 0.5);
+  EXPECT_EQ(Read("-.5", kF), -0.5);
+  EXPECT_EQ(Read("+.5", kF), 0.5);
+  EXPECT_EQ(Read("0.1", kF), 0.1);
+  EXPECT_EQ(Read("3.14159", kF), 3.14159);
+  EXPECT_EQ(Read("007", kF), 7.0);
+  EXPECT_EQ(Read("1234567", kF), 1234567.0);
+  EXPECT_EQ(Read("12345678", kF), 12345678.0);
+  EXPECT_EQ(Read("123456789", kF), 123456789.0);
+  EXPECT_EQ(Read("1234567.12345678", kF), 1234567.12345678);
+}
+
+TEST(NumberInput, TextsThatAreNotNumbers) {
+  for (const char* text : {".",
+                           "-",
+                           "+",
+                           "-.",
+                           "+.",
+                           "..",
+                           "1.2.3",
+                           "1..2",
+                           "--5",
+                           "+-5",
+                           "-+5",
+                           "5-",
+                           "5+",
+                           "- 5",
+                           "1 2",
+                           "1 000",
+                           "abc",
+                           "a5",
+                           "5a",
+                           "inf",
+                           "-inf",
+                           "infinity",
+                           "INF",
+                           "nan",
+                           "NaN",
+                           "nan(1)",
+                           "0x1F",
+                           "0x10p3",
+                           "1f",
+                           "1_000",
+                           "1'000",
+                           "%",
+                           ",",
+                           "/",
+                           ":",
+                           "1:2",
+                           "\xC2\xA0"
+                           "5",
+                           "\xEF\xBC\x95"}) {
+    EXPECT_EQ(Read(text, kF), kNoValue) << text;
+    EXPECT_EQ(Read(text, kE), kNoValue) << text;
+    EXPECT_EQ(Read(text, kN), kNoValue) << text;
+    EXPECT_EQ(Read(text, kPct), kNoValue) << text;
+    EXPECT_EQ(Read(text, kComma), kNoValue) << text;
+    EXPECT_EQ(Read(text, kDollar), kNoValue) << text;
+    EXPECT_EQ(Read(text, kDot), kNoValue) << text;
+  }
+}
+
+TEST(NumberInput, SignsOfMoneyAndPercentBelongToTheirFormats) {
+  for (const int format : {kF, kE, kN, kPct, kComma, kDot}) {
+    EXPECT_EQ(Read("$5", format), kNoValue);
+  }
+  for (const int format : {kF, kE, kN, kComma, kDollar, kDot}) {
+    EXPECT_EQ(Read("5%", format), kNoValue);
+  }
+}
+
+TEST(NumberInput, BytesThatAreNoText) {
+  EXPECT_EQ(Read(std::string_view("1\0", 2), kF), kNoValue);
+  EXPECT_EQ(Read(std::string_view("\0", 1), kF), kNoValue);
+  EXPECT_EQ(Read(std::string_view("1\0"
+                                  "5",
+                                  3),
+                 kN),
+            kNoValue);
+  EXPECT_EQ(Read("1\xFF", kF), kNoValue);
+}
+
+TEST(NumberInput, GroupsUnderFAreTheOtherSeparator) {
+  EXPECT_EQ(Read("1,234", kF), 1234.0);
+  EXPECT_EQ(Read("12,345,678", kF), 12345678.0);
+  EXPECT_EQ(Read("-123,456.75", kF), -123456.75);
+  EXPECT_EQ(Read("1,234.", kF), 1234.0);
+  EXPECT_EQ(Read("0,000", kF), 0.0);
+  EXPECT_EQ(Read("1,234E2", kF), 123400.0);
+  EXPECT_EQ(Read("1,234", kE), 1234.0);
+  EXPECT_EQ(Read("1,234", kPct), 1234.0);
+}
+
+TEST(NumberInput, GroupsHaveExactlyThreeDigits) {
+  for (const char* text :
+       {"1,5", "1,23", "1,2345", "1234,567", "1,234,5", "1,234,56", "1,234,", ",234", "1,,234",
+        "1,234.567,890", "1.5,000", "1,", "12,34,567", "1,23a", "1,234,567,8", "0.1,234"}) {
+    EXPECT_EQ(Read(text, kF), kNoValue) << text;
+    EXPECT_EQ(Read(text, kComma), kNoValue) << text;
+    EXPECT_EQ(Read(text, kDollar), kNoValue) << text;
+  }
+}
+
+TEST(NumberInput, DecimalCommaExchangesTheSeparators) {
+  const DecimalComma comma;
+  for (const int format : {kF, kE, kPct}) {
+    EXPECT_EQ(Read("1,5", format), 1.5);
+    EXPECT_EQ(Read("5,", format), 5.0);
+    EXPECT_EQ(Read(",5", format), 0.5);
+    EXPECT_EQ(Read("1.234", format), 1234.0);
+    EXPECT_EQ(Read("1.234,5", format), 1234.5);
+    EXPECT_EQ(Read("1.5", format), kNoValue);
+    EXPECT_EQ(Read("1,234.5", format), kNoValue);
+    EXPECT_EQ(Read(",", format), kNoValue);
+  }
+  // These formats name their own characters.
+  EXPECT_EQ(Read("1,234.5", kComma), 1234.5);
+  EXPECT_EQ(Read("$1,234.5", kDollar), 1234.5);
+  EXPECT_EQ(Read("1.234,5", kDot), 1234.5);
+  EXPECT_EQ(Read("1,5", kComma), kNoValue);
+}
+
+TEST(NumberInput, CommaAndDot) {
+  EXPECT_EQ(Read("1,234,567.25", kComma), 1234567.25);
+  EXPECT_EQ(Read("-1,234.5", kComma), -1234.5);
+  EXPECT_EQ(Read("1234.5", kComma), 1234.5);
+  EXPECT_EQ(Read("1.234,5", kComma), kNoValue);
+  EXPECT_EQ(Read("1.234.567,25", kDot), 1234567.25);
+  EXPECT_EQ(Read("-1.234,5", kDot), -1234.5);
+  EXPECT_EQ(Read("1234,5", kDot), 1234.5);
+  EXPECT_EQ(Read(",5", kDot), 0.5);
+  EXPECT_EQ(Read("1.5", kDot), kNoValue);
+  EXPECT_EQ(Read("1,234.5", kDot), kNoValue);
+}
+
+TEST(NumberInput, DollarSignBeforeTheDigits) {
+  EXPECT_EQ(Read("$5", kDollar), 5.0);
+  EXPECT_EQ(Read("$1,234.50", kDollar), 1234.5);
+  EXPECT_EQ(Read("-$5", kDollar), -5.0);
+  EXPECT_EQ(Read("$-5", kDollar), -5.0);
+  EXPECT_EQ(Read("+$5", kDollar), 5.0);
+  EXPECT_EQ(Read("$+5", kDollar), 5.0);
+  EXPECT_EQ(Read("5", kDollar), 5.0);
+  EXPECT_EQ(Read("-5", kDollar), -5.0);
+  EXPECT_EQ(Read("$.5", kDollar), 0.5);
+  EXPECT_EQ(Read("$5E2", kDollar), 500.0);
+  for (const char* text : {"$", "-$", "$-", "$$5", "$-$5", "-$-5", "5$", "$ 5", "- $5", "$."}) {
+    EXPECT_EQ(Read(text, kDollar), kNoValue) << text;
+  }
+}
+
+TEST(NumberInput, PercentSignAfterTheDigits) {
+  EXPECT_EQ(Read("5", kPct), 5.0);
+  EXPECT_EQ(Read("5%", kPct), 5.0);
+  EXPECT_EQ(Read("-12.5 %", kPct), -12.5);
+  EXPECT_EQ(Read("5    %", kPct), 5.0);
+  EXPECT_EQ(Read(" 5 % ", kPct), 5.0);
+  EXPECT_EQ(Read("1,234%", kPct), 1234.0);
+  EXPECT_EQ(Read("1e2%", kPct), 100.0);
+  for (const char* text : {"%", " %", "-%", "5%%", "%5", "5 % %", "5\t%", ".%"}) {
+    EXPECT_EQ(Read(text, kPct), kNoValue) << text;
+  }
+}
+
+TEST(NumberInput, NHasDigitsOnly) {
+  EXPECT_EQ(Read("0", kN), 0.0);
+  EXPECT_EQ(Read("00042", kN), 42.0);
+  EXPECT_EQ(Read("12345678901234567890", kN), 12345678901234567890.0);
+  for (const char* text : {"-1", "+1", "1.", "1.5", ".5", "1,234", "1.234", "1E2", "1e2", "1d2"}) {
+    EXPECT_EQ(Read(text, kN), kNoValue) << text;
+  }
+}
+
+TEST(NumberInput, ExponentsInEveryFormatButN) {
+  for (const int format : {kF, kE, kPct, kComma, kDollar}) {
+    EXPECT_EQ(Read("1E3", format), 1000.0);
+    EXPECT_EQ(Read("1e3", format), 1000.0);
+    EXPECT_EQ(Read("1D3", format), 1000.0);
+    EXPECT_EQ(Read("1d3", format), 1000.0);
+    EXPECT_EQ(Read("1.5E+3", format), 1500.0);
+    EXPECT_EQ(Read("-1.5d-3", format), -0.0015);
+    EXPECT_EQ(Read("5.E2", format), 500.0);
+    EXPECT_EQ(Read(".5E1", format), 5.0);
+    EXPECT_EQ(Read("1E0000003", format), 1000.0);
+    for (const char* text : {"E3", "1E", "1E+", "1E-", "1E1.5", "1EE3", "1E 3", "1 E3", ".E3",
+                             "1F3", "1E3E3", "1E+-3", "D", "e", "1E3,000"}) {
+      EXPECT_EQ(Read(text, format), kNoValue) << text;
+    }
+  }
+  EXPECT_EQ(Read("1,5E3", kDot), 1500.0);
+}
+
+TEST(NumberInput, BlanksAndTabsAroundAreDropped) {
+  EXPECT_EQ(Read("  42", kF), 42.0);
+  EXPECT_EQ(Read("42 \t ", kF), 42.0);
+  EXPECT_EQ(Read("\t42\t", kF), 42.0);
+  EXPECT_EQ(Read("42\n", kF), kNoValue);
+  EXPECT_EQ(Read("\r42", kF), kNoValue);
+}
+
+TEST(NumberInput, TheLargestAndTheSmallest) {
+  EXPECT_EQ(Read("1.7976931348623157e308", kF), DBL_MAX);
+  EXPECT_EQ(Read("-1.7976931348623157e308", kF), -DBL_MAX);
+  // The midpoint between the largest double and the next power of two rounds away.
+  EXPECT_EQ(Read("1.7976931348623158e308", kF), DBL_MAX);
+  EXPECT_EQ(Read("1.7976931348623159e308", kF), kNoValue);
+  EXPECT_EQ(Read("1e309", kF), kNoValue);
+  EXPECT_EQ(Read("-1e309", kF), kNoValue);
+  EXPECT_EQ(Read("1e99999999999999999999999", kF), kNoValue);
+  EXPECT_EQ(Read("0e99999999999999999999999", kF), 0.0);
+  EXPECT_EQ(Read(std::string(400, '9'), kF), kNoValue);
+  EXPECT_EQ(Read("2.2250738585072014e-308", kF), DBL_MIN);
+  EXPECT_EQ(Read("4.9406564584124654e-324", kF), std::numeric_limits<double>::denorm_min());
+  EXPECT_EQ(Read("2.5e-324", kF), std::numeric_limits<double>::denorm_min());
+  EXPECT_EQ(Read("2.4e-324", kF), 0.0);
+  EXPECT_EQ(Read("1e-400", kF), 0.0);
+  EXPECT_EQ(Read("1e-99999999999999999999999", kF), 0.0);
+  EXPECT_EQ(Read("0." + std::string(400, '0') + "1", kF), 0.0);
+}
+
+TEST(NumberInput, ZeroKeepsItsSign) {
+  EXPECT_TRUE(std::signbit(Read("-0", kF).value()));
+  EXPECT_TRUE(std::signbit(Read("-0.00", kF).value()));
+  EXPECT_TRUE(std::signbit(Read("-1e-400", kF).value()));
+  EXPECT_FALSE(std::signbit(Read("0", kF).value()));
+}
+
+TEST(NumberInput, ZerosAndExponentsThatCancel) {
+  EXPECT_EQ(Read("1" + std::string(5000, '0') + "e-5000", kF), 1.0);
+  EXPECT_EQ(Read("0." + std::string(5000, '0') + "1e5001", kF), 1.0);
+  EXPECT_EQ(Read(std::string(5000, '0') + "1", kF), 1.0);
+  EXPECT_EQ(Read("1." + std::string(5000, '0'), kF), 1.0);
+}
+
+TEST(NumberInput, DigitsBeyondAnyDoubleStillDecideTheRounding) {
+  // 2^53 + 1 lies in the middle between two doubles: exactly there the even one is taken, and one
+  // digit far behind the point moves it up.
+  EXPECT_EQ(Read("9007199254740993", kF), 9007199254740992.0);
+  EXPECT_EQ(Read("9007199254740993." + std::string(3000, '0'), kF), 9007199254740992.0);
+  EXPECT_EQ(Read("9007199254740993." + std::string(3000, '0') + "1", kF), 9007199254740994.0);
+  EXPECT_EQ(Read("9007199254740992." + std::string(3000, '9'), kF), 9007199254740992.0);
+  EXPECT_EQ(Read("9,007,199,254,740,993", kF), 9007199254740992.0);
+  EXPECT_EQ(Read("9,007,199,254,740,993." + std::string(900, '0') + "1", kComma),
+            9007199254740994.0);
+}
+
+}  // namespace
+}  // namespace embedded

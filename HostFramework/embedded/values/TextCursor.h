@@ -1,0 +1,118 @@
+// A walk over the text of one value, character by character of the host's text encoding.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+namespace embedded {
+
+// Digits read one after the other.
+struct DigitRun {
+  std::uint64_t value = 0;  // exact while IsExact()
+  int count = 0;            // number of digits, held at the largest int
+  double large = 0;         // the value when it is not exact, else 0
+
+  bool IsExact() const { return large == 0; }
+};
+
+// Borrows the text. Digits are decimal digits and blanks are white space, in the meaning of
+// Unicode: those are what the layouts of dates and times are recognised with. ASCII is decided from
+// the byte; only other bytes are decoded.
+class TextCursor {
+ public:
+  TextCursor() = default;
+  explicit TextCursor(std::string_view text) : at_(text.data()), end_(text.data() + text.size()) {}
+
+  bool AtEnd() const { return at_ == end_; }
+
+  // The byte here, 0 at the end.
+  char Byte() const { return at_ == end_ ? '\0' : *at_; }
+
+  // Each of these consumes what it names and returns true, or does nothing and returns false.
+  bool Accept(char ascii) {
+    if (at_ == end_ || *at_ != ascii) return false;
+    ++at_;
+    return true;
+  }
+  bool AcceptLetter(char lower) {
+    if (at_ == end_ || (*at_ | 0x20) != lower) return false;
+    ++at_;
+    return true;
+  }
+  bool AcceptOneOf(std::string_view set) {
+    if (at_ == end_ || set.find(*at_) == std::string_view::npos) return false;
+    ++at_;
+    return true;
+  }
+  bool Blank() {
+    if (at_ == end_) return false;
+    const auto byte = static_cast<unsigned char>(*at_);
+    if (byte >= 0x80) return WideBlank();
+    if (byte != ' ' && (byte < '\t' || byte > '\r')) return false;
+    ++at_;
+    return true;
+  }
+  // One blank or more.
+  bool Blanks() {
+    if (!Blank()) return false;
+    while (Blank()) {
+    }
+    return true;
+  }
+
+  // The value of the digit here, which it consumes, or -1.
+  int Digit() {
+    if (at_ == end_) return -1;
+    const auto byte = static_cast<unsigned char>(*at_);
+    if (byte >= 0x80) return WideDigit();
+    if (byte < '0' || byte > '9') return -1;
+    ++at_;
+    return byte - '0';
+  }
+  // All the digits here, but no more than `most`.
+  DigitRun Digits(int most = std::numeric_limits<int>::max());
+
+  // Consumes the character here and returns it, letter case removed; 0 for bytes that are not a
+  // character and at the end.
+  char32_t FoldedCharacter() {
+    if (at_ == end_) return 0;
+    const auto byte = static_cast<unsigned char>(*at_);
+    if (byte >= 0x80) return WideCharacter();
+    ++at_;
+    return byte >= 'A' && byte <= 'Z' ? byte | 0x20u : byte;
+  }
+
+ private:
+  char32_t Decode(int* length) const;
+  bool WideBlank();
+  int WideDigit();
+  char32_t WideCharacter();
+
+  const char* at_ = nullptr;
+  const char* end_ = nullptr;
+};
+
+// The character with its letter case removed. The four letters i of Turkish are one, so that its
+// names are found however they were capitalised.
+char32_t FoldCase(char32_t character);
+
+inline DigitRun TextCursor::Digits(int most) {
+  // Beyond this a day or an hour count times its seconds would not fit 64 bits.
+  constexpr std::uint64_t kExactLimit = 10'000'000'000'000;
+  DigitRun run;
+  while (run.count < most) {
+    const int digit = Digit();
+    if (digit < 0) break;
+    ++run.count;
+    if (run.large != 0) {
+      run.large = run.large * 10 + digit;
+    } else {
+      run.value = run.value * 10 + static_cast<unsigned>(digit);
+      if (run.value >= kExactLimit) run.large = static_cast<double>(run.value);
+    }
+  }
+  return run;
+}
+
+}  // namespace embedded
