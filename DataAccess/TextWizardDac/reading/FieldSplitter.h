@@ -9,10 +9,12 @@
 
 #include "HostFramework/Text.h"
 #include "plan/ImportSettings.h"
+#include "reading/ByteScan.h"
 
 namespace textwizard {
 
-// The characters that cut a record, decoded once. Constant after construction.
+// The characters that cut a record, decoded once. Constant after construction, unless its owner
+// sets other delimiters between records.
 class FieldRules {
  public:
   static constexpr std::size_t kMaxDelimiters = 10;
@@ -56,7 +58,11 @@ enum class SplitUse {
   kSuppliedRecord,
 };
 
-// Cuts one record after another. One thread; the rules and the listener outlive it.
+// Cuts one record after another. One thread; the rules and the listener (may be null) outlive it.
+//
+// Text whose characters need no decoding is cut by bytes: the bytes that can cut are marked in
+// blocks, and fields are what lies between marks. Other text is walked character by character. Both
+// ways give the same fields.
 class FieldSplitter {
  public:
   FieldSplitter(const FieldRules& rules, SplitUse use, UndecodableListener* listener);
@@ -64,12 +70,21 @@ class FieldSplitter {
   FieldSplitter(const FieldSplitter&) = delete;
   FieldSplitter& operator=(const FieldSplitter&) = delete;
 
+  // Takes the rules in again after they changed. Between records.
+  void UseRules();
+
   // Starts a record at its first byte; the text outlives the cutting of its fields.
   void SetRecord(std::string_view record);
   // The same when the caller has found (CutsByBytes) that the text can be cut byte by byte.
   void SetByteRecord(std::string_view record);
-  // True when no character of `text` needs decoding to be cut: all ASCII, or valid UTF-8 in UTF-8
-  // mode, with every delimiter and the qualifier in ASCII.
+  // Names a text that holds many records, all of which can be cut byte by byte. Its bytes are then
+  // marked once, across records. The text stays unchanged while its records are cut.
+  void SetByteText(std::string_view text);
+  // Starts a record that lies within that text.
+  void SetRecordOfText(std::string_view record);
+  // True when no character of `text` needs decoding to be cut: ASCII, or any text of a code page
+  // whose every byte is a character, or valid UTF-8 in UTF-8 mode with every delimiter and the
+  // qualifier in ASCII. Never true of text with a NUL.
   bool CutsByBytes(std::string_view text) const;
 
   // Cuts the next field: a view into the record, or into a buffer of the splitter's when the field
@@ -78,17 +93,70 @@ class FieldSplitter {
   bool Next(std::string_view& field);
 
   // Byte offset in the record where the next field begins.
-  std::size_t offset() const { return offset_; }
-  void SetOffset(std::size_t offset);
+  std::size_t offset() const { return static_cast<std::size_t>(cursor_ - begin_); }
+  // At most the record's size.
+  void SetOffset(std::size_t offset) { cursor_ = begin_ + offset; }
 
  private:
+  // What a byte that is a character by itself does.
+  enum Kind : std::uint8_t { kData, kQualifier, kDelimiter, kBlankDelimiter };
+  // What the next character of a field means.
+  enum class State { kStart, kPlain, kQualified, kAfterQualifier };
+
+  static constexpr std::size_t kMarkWords = 64;
+
+  Kind KindOf(char byte) const { return kinds_[static_cast<unsigned char>(byte)]; }
+  Kind KindOfCharacter(std::uint32_t ch) const;
+  // After an unqualified blank that is a delimiter: is it dropped, since another delimiter follows?
+  bool DropsBlankBefore(const char* next) const {
+    return rules_.multipleSpaces() && next != end_ && KindOf(*next) == kDelimiter;
+  }
+  const char* NextMark(const char* from);
+  const char* NextQualifier(const char* from);
+  std::uint64_t MarksAt(std::size_t word);
+  std::size_t ByteCharacterLength(char lead) const;
+  void RemoveLastByteCharacter();
+
+  void NextOfBytes(std::string_view& field);
+  void WalkBytes(std::string_view& field);
+  void WalkCharacters(std::string_view& field);
+  int Decode(const char* at, std::uint32_t* ch);
+  // The space options, once the field has ended. `unqualified`: no two blanks after its first
+  // character that is none.
+  void Finish(std::string_view& field, bool unqualified);
+
+  // Constant between calls of UseRules.
   const FieldRules& rules_;
-  SplitUse use_;
-  UndecodableListener* listener_;
-  QANTMBConverter* converter_;
-  std::string_view record_;
-  std::size_t offset_ = 0;
+  const SplitUse use_;
+  UndecodableListener* const listener_;
+  QANTMBConverter* const converter_;
+  const bool utf8_;
+  std::array<Kind, 256> kinds_{};
+  ByteSet cutting_;
+  // Every byte 1 to 127 is a character; every byte 1 to 255 is.
+  bool asciiIsPlain_ = false;
+  bool bytesArePlain_ = false;
+  // Every delimiter and the qualifier are ASCII.
+  bool rulesAreAscii_ = false;
+  bool blankDelimits_ = false;
+  // Blanks at the start of a field belong to it.
+  bool holdsBlanks_ = false;
+
+  // The record, and where its next field begins.
+  const char* begin_ = nullptr;
+  const char* end_ = nullptr;
+  const char* cursor_ = nullptr;
+  bool byBytes_ = true;
+
+  // Marks of the bytes of text_ in cutting_: markCount_ words of 64 bytes from firstMark_ on.
+  std::string_view text_;
+  std::size_t firstMark_ = 0;
+  std::size_t markCount_ = 0;
+  std::array<std::uint64_t, kMarkWords> marks_;
+
   std::string buffer_;
+  // Byte lengths of the characters in buffer_, where they cannot be told from the bytes.
+  std::string lengths_;
 };
 
 }  // namespace textwizard

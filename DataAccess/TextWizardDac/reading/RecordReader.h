@@ -36,25 +36,46 @@ class RecordReader {
   }
 
   // Reads the next record, without its line end: 8-bit bytes without NULs, or 16-bit units in the
-  // file's order after a UTF-16 mark. Empty lines are skipped unless `keepEmpty`. False at the end.
-  bool Read(bool keepEmpty);
+  // file's order after a UTF-16 mark, up to the first unit that is zero. Empty lines are skipped
+  // unless `keepEmpty`. False at the end, and from then on until the next Seek.
+  bool Read(bool keepEmpty) { return isUtf16() ? Read16(keepEmpty) : Read8(keepEmpty); }
+  // The same in one of the two widths, whatever mark was found.
+  bool Read8(bool keepEmpty);
+  bool Read16(bool keepEmpty);
   // The record read last; valid until the next Read or Seek.
   std::string_view record() const { return record_; }
   // File position in bytes where that record began.
   std::int64_t recordPosition() const { return recordPosition_; }
   // Reads lines, empty ones too, while the count that starts at `count` differs from `firstCase`.
   void SkipLines(std::int64_t count, std::int64_t firstCase);
-  // The stream failed (it did not just end).
-  bool failed() const { return stream_.ReadFailed(); }
+  // The stream could not be opened again for this reader, or failed (it did not just end).
+  bool failed() const { return !stream_.IsOpen() || stream_.ReadFailed(); }
 
  private:
-  bool Read8(bool keepEmpty);
-  bool Read16(bool keepEmpty);
+  // What ended a line.
+  enum class LineEnd { kMark, kEndOfData };
+  // Two bytes of the file; a missing one counts as 0xFF.
+  struct Unit {
+    unsigned char bytes[2] = {0xFF, 0xFF};
+    int read = 0;
+    unsigned value() const { return bytes[0] + 256U * bytes[1]; }
+  };
+
+  template <LineEnd (RecordReader::*ReadLine)()>
+  bool ReadRecord(bool keepEmpty);
+  LineEnd ReadLine8();
+  LineEnd ReadLine16();
+  LineEnd EndData();
+  Unit ReadUnit();
+  bool EndsCarriageReturn(unsigned unit) const;
+  bool stopped() const { return stop_ != nullptr && stop_->load() != 0; }
 
   QANT_FileStream stream_;
   const std::atomic<std::int32_t>* stop_ = nullptr;
   bool hasMark_ = false;
   ByteOrderMark mark_ = ByteOrderMark::kNone;
+  // Nothing is left, or reading was stopped or failed.
+  bool ended_ = false;
   std::string_view record_;
   std::string buffer_;
   std::int64_t recordPosition_ = 0;

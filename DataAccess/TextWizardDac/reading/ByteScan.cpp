@@ -1,0 +1,292 @@
+#include "reading/ByteScan.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "reading/ByteScan.cpp"
+#include "hwy/foreach_target.h"
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace textwizard::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Lines and records are short: wider vectors would only lengthen their ends.
+using Bytes = hn::CappedTag<std::uint8_t, 32>;
+using Vector = hn::Vec<Bytes>;
+constexpr Bytes kBytes;
+constexpr std::size_t kLanes = hn::MaxLanes(kBytes);
+
+const std::uint8_t* AsBytes(const char* text) {
+  return reinterpret_cast<const std::uint8_t*>(text);
+}
+
+std::size_t FindLineEnd8(const char* text, std::size_t size) {
+  const Vector lf = hn::Set(kBytes, '\n');
+  const Vector cr = hn::Set(kBytes, '\r');
+  const Vector nul = hn::Zero(kBytes);
+  std::size_t i = 0;
+  for (; i + kLanes <= size; i += kLanes) {
+    const Vector v = hn::LoadU(kBytes, AsBytes(text) + i);
+    const auto hit = hn::Or(hn::Eq(v, nul), hn::Or(hn::Eq(v, lf), hn::Eq(v, cr)));
+    const auto first = hn::FindFirstTrue(kBytes, hit);
+    if (first >= 0) return i + static_cast<std::size_t>(first);
+  }
+  while (i < size && text[i] != '\n' && text[i] != '\r' && text[i] != '\0') ++i;
+  return i;
+}
+
+std::size_t FindLineEnd16(const char* text, std::size_t size) {
+  std::size_t i = 0;
+#if HWY_TARGET != HWY_SCALAR  // whose vector is one byte
+  constexpr hn::Repartition<std::uint16_t, Bytes> units;
+  constexpr std::size_t kUnits = hn::MaxLanes(units);
+  const auto lf = hn::Set(units, std::uint16_t{0x000A});
+  const auto lfSwapped = hn::Set(units, std::uint16_t{0x0A00});
+  const auto cr = hn::Set(units, std::uint16_t{0x000D});
+  const auto crSwapped = hn::Set(units, std::uint16_t{0x0D00});
+  const auto none = hn::Zero(units);
+  const auto end = hn::Set(units, std::uint16_t{0xFFFF});
+  for (; i + 2 * kUnits <= size; i += 2 * kUnits) {
+    const auto v = hn::BitCast(units, hn::LoadU(kBytes, AsBytes(text) + i));
+    const auto hit = hn::Or(hn::Or(hn::Or(hn::Eq(v, lf), hn::Eq(v, lfSwapped)),
+                                   hn::Or(hn::Eq(v, cr), hn::Eq(v, crSwapped))),
+                            hn::Or(hn::Eq(v, none), hn::Eq(v, end)));
+    const auto first = hn::FindFirstTrue(units, hit);
+    if (first >= 0) return i + 2 * static_cast<std::size_t>(first);
+  }
+#endif
+  for (; i + 2 <= size; i += 2) {
+    const unsigned a = AsBytes(text)[i];
+    const unsigned b = AsBytes(text)[i + 1];
+    const unsigned either = a | b;
+    if ((a & b) == 0xFF) break;
+    if ((a == 0 || b == 0) && (either == 0 || either == '\n' || either == '\r')) break;
+  }
+  return i;
+}
+
+// One bit per lane: is the byte in the set?
+std::uint64_t MarkVector(const std::uint8_t* text, const ByteSet& set) {
+  const Vector v = hn::LoadU(kBytes, text);
+  auto hit = hn::Eq(v, hn::Set(kBytes, set.bytes[0]));
+  for (std::size_t k = 1; k < set.count; ++k) {
+    hit = hn::Or(hit, hn::Eq(v, hn::Set(kBytes, set.bytes[k])));
+  }
+  std::uint8_t bits[8] = {};
+  hn::StoreMaskBits(kBytes, hit, bits);
+  std::uint64_t word;
+  std::memcpy(&word, bits, sizeof word);
+  return word;
+}
+
+void MarkBytes(const char* text, std::size_t size, const ByteSet& set, std::uint64_t* words) {
+  std::size_t i = 0;
+  std::uint64_t word = 0;
+  for (; i + kLanes <= size; i += kLanes) {
+    word |= MarkVector(AsBytes(text) + i, set) << (i % 64);
+    if ((i + kLanes) % 64 == 0) {
+      words[i / 64] = word;
+      word = 0;
+    }
+  }
+  if (const std::size_t left = size - i; left != 0) {
+    std::uint64_t last;
+    if (size >= kLanes) {
+      // The text's last whole vector overlaps what is marked already.
+      last = MarkVector(AsBytes(text) + size - kLanes, set) >> (kLanes - left);
+    } else {
+      std::uint8_t copy[kLanes] = {};
+      std::memcpy(copy, text, left);
+      last = MarkVector(copy, set) & ((std::uint64_t{1} << left) - 1);
+    }
+    word |= last << (i % 64);
+  }
+  if (size % 64 != 0) words[size / 64] = word;
+}
+
+bool IsAsciiVector(const std::uint8_t* text) {
+  const hn::RebindToSigned<Bytes> d;
+  const auto v = hn::BitCast(d, hn::LoadU(kBytes, text));
+  return hn::AllTrue(d, hn::Gt(v, hn::Zero(d)));
+}
+
+bool IsAsciiWord(const char* text) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  std::uint64_t word;
+  std::memcpy(&word, text, sizeof word);
+  return (((word - kOnes) | word) & (kOnes << 7)) == 0;
+}
+
+bool IsAscii(const char* text, std::size_t size) {
+  if (size >= kLanes) {
+    for (std::size_t i = 0; i + kLanes <= size; i += kLanes) {
+      if (!IsAsciiVector(AsBytes(text) + i)) return false;
+    }
+    return IsAsciiVector(AsBytes(text) + size - kLanes);
+  }
+  if (size >= 8) {
+    for (std::size_t i = 0; i + 8 <= size; i += 8) {
+      if (!IsAsciiWord(text + i)) return false;
+    }
+    return IsAsciiWord(text + size - 8);
+  }
+  for (std::size_t i = 0; i < size; ++i) {
+    if (static_cast<signed char>(text[i]) <= 0) return false;
+  }
+  return true;
+}
+
+// What can be wrong with two neighbouring bytes, as bits of three tables: by the high half of the
+// first byte, by its low half, and by the high half of the second. A bit that all three have is an
+// error (two continuations in a row may be right: the bytes before them decide).
+namespace utf8 {
+constexpr std::uint8_t kTooShort = 1 << 0;          // lead byte, then no continuation
+constexpr std::uint8_t kTooLong = 1 << 1;           // ASCII, then a continuation
+constexpr std::uint8_t kOverlong3 = 1 << 2;         // E0 80..9F
+constexpr std::uint8_t kTooLarge = 1 << 3;          // F4 90..BF, F5..FF 90..BF
+constexpr std::uint8_t kSurrogate = 1 << 4;         // ED A0..BF
+constexpr std::uint8_t kOverlong2 = 1 << 5;         // C0..C1
+constexpr std::uint8_t kOverlong4OrAbove = 1 << 6;  // F0 80..8F, F5..FF 80..8F
+constexpr std::uint8_t kTwoContinuations = 1 << 7;
+constexpr std::uint8_t kAnyLow = kTooShort | kTooLong | kTwoContinuations;
+constexpr std::uint8_t kAbove = kAnyLow | kTooLarge | kOverlong4OrAbove;
+constexpr std::uint8_t kContinuation = kTooLong | kOverlong2 | kTwoContinuations;
+
+alignas(16) constexpr std::uint8_t kFirstHigh[16] = {kTooLong,
+                                                     kTooLong,
+                                                     kTooLong,
+                                                     kTooLong,
+                                                     kTooLong,
+                                                     kTooLong,
+                                                     kTooLong,
+                                                     kTooLong,
+                                                     kTwoContinuations,
+                                                     kTwoContinuations,
+                                                     kTwoContinuations,
+                                                     kTwoContinuations,
+                                                     kTooShort | kOverlong2,
+                                                     kTooShort,
+                                                     kTooShort | kOverlong3 | kSurrogate,
+                                                     kTooShort | kTooLarge | kOverlong4OrAbove};
+alignas(16) constexpr std::uint8_t kFirstLow[16] = {
+    kAnyLow | kOverlong2 | kOverlong3 | kOverlong4OrAbove,
+    kAnyLow | kOverlong2,
+    kAnyLow,
+    kAnyLow,
+    kAnyLow | kTooLarge,
+    kAbove,
+    kAbove,
+    kAbove,
+    kAbove,
+    kAbove,
+    kAbove,
+    kAbove,
+    kAbove,
+    kAbove | kSurrogate,
+    kAbove,
+    kAbove};
+alignas(16) constexpr std::uint8_t kSecondHigh[16] = {
+    kTooShort,
+    kTooShort,
+    kTooShort,
+    kTooShort,
+    kTooShort,
+    kTooShort,
+    kTooShort,
+    kTooShort,
+    kContinuation | kOverlong3 | kOverlong4OrAbove,
+    kContinuation | kOverlong3 | kTooLarge,
+    kContinuation | kSurrogate | kTooLarge,
+    kContinuation | kSurrogate | kTooLarge,
+    kTooShort,
+    kTooShort,
+    kTooShort,
+    kTooShort};
+}  // namespace utf8
+
+Vector Look(const std::uint8_t* table, Vector index) {
+#if HWY_TARGET == HWY_SCALAR
+  return hn::Set(kBytes, table[hn::GetLane(index)]);
+#else
+  return hn::TableLookupBytes(hn::LoadDup128(kBytes, table), index);
+#endif
+}
+
+// Checks the vector at `text`, whose three bytes before it can be read too: false when a byte of it
+// cannot follow those before it.
+bool IsUtf8Vector(const std::uint8_t* text) {
+  const Vector now = hn::LoadU(kBytes, text);
+  const Vector before3 = hn::LoadU(kBytes, text - 3);
+  const Vector top = hn::Set(kBytes, std::uint8_t{0x80});
+  if (hn::AllTrue(kBytes, hn::Lt(hn::Or(now, before3), top))) return true;
+  const Vector before1 = hn::LoadU(kBytes, text - 1);
+  const Vector before2 = hn::LoadU(kBytes, text - 2);
+  const Vector low = hn::Set(kBytes, std::uint8_t{0x0F});
+  const Vector pair = hn::And(Look(utf8::kFirstHigh, hn::ShiftRight<4>(before1)),
+                              hn::And(Look(utf8::kFirstLow, hn::And(before1, low)),
+                                      Look(utf8::kSecondHigh, hn::ShiftRight<4>(now))));
+  // The third byte after E0.. and the third and fourth after F0.. follow a continuation.
+  const Vector third = hn::SaturatedSub(before2, hn::Set(kBytes, std::uint8_t{0xE0 - 0x80}));
+  const Vector fourth = hn::SaturatedSub(before3, hn::Set(kBytes, std::uint8_t{0xF0 - 0x80}));
+  const Vector wanted = hn::And(hn::Or(third, fourth), top);
+  return hn::AllTrue(kBytes, hn::Eq(pair, wanted));
+}
+
+bool IsUtf8(const char* text, std::size_t size) {
+  // The first vector has nothing before it, the last one zeros behind it: a character that is cut
+  // short then meets a byte that cannot follow it.
+  std::uint8_t edge[3 + kLanes] = {};
+  std::size_t i = std::min(size, kLanes);
+  std::memcpy(edge + 3, text, i);
+  if (!IsUtf8Vector(edge + 3)) return false;
+  for (; i + kLanes <= size; i += kLanes) {
+    if (!IsUtf8Vector(AsBytes(text) + i)) return false;
+  }
+  std::memset(edge, 0, sizeof edge);
+  const std::size_t before = std::min<std::size_t>(i, 3);
+  std::memcpy(edge + 3 - before, text + i - before, before + size - i);
+  return IsUtf8Vector(edge + 3) && std::memchr(text, 0, size) == nullptr;
+}
+
+}  // namespace textwizard::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace textwizard {
+
+HWY_EXPORT(FindLineEnd8);
+HWY_EXPORT(FindLineEnd16);
+HWY_EXPORT(MarkBytes);
+HWY_EXPORT(IsAscii);
+HWY_EXPORT(IsUtf8);
+
+std::size_t FindLineEnd8(std::string_view text) {
+  return HWY_DYNAMIC_DISPATCH(FindLineEnd8)(text.data(), text.size());
+}
+
+std::size_t FindLineEnd16(std::string_view text) {
+  return HWY_DYNAMIC_DISPATCH(FindLineEnd16)(text.data(), text.size());
+}
+
+void MarkBytes(std::string_view text, const ByteSet& set, std::uint64_t* words) {
+  if (set.count == 0) {
+    std::fill_n(words, (text.size() + 63) / 64, 0);
+    return;
+  }
+  HWY_DYNAMIC_DISPATCH(MarkBytes)(text.data(), text.size(), set, words);
+}
+
+bool IsAscii(std::string_view text) {
+  return HWY_DYNAMIC_DISPATCH(IsAscii)(text.data(), text.size());
+}
+
+bool IsUtf8(std::string_view text) {
+  if (text.empty()) return true;
+  return HWY_DYNAMIC_DISPATCH(IsUtf8)(text.data(), text.size());
+}
+
+}  // namespace textwizard
+#endif  // HWY_ONCE

@@ -1,0 +1,38 @@
+// Block scans over bytes: where a line may end, where marked bytes are, which text is ASCII or
+// valid UTF-8. The best instructions are picked at run time. Any thread; nothing is allocated,
+// nothing outside the given bytes is read.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace textwizard {
+
+// A small set of byte values.
+struct ByteSet {
+  static constexpr std::size_t kMax = 12;
+  std::array<std::uint8_t, kMax> bytes{};
+  std::size_t count = 0;
+};
+
+// Index of the first LF, CR or NUL; the text's size when there is none.
+std::size_t FindLineEnd8(std::string_view text);
+
+// The same over 16-bit units that begin at the text's start: byte index of the first unit that is
+// an LF or a CR in either byte order, 0x0000 or 0xFFFF; the size rounded down to even when there is
+// none.
+std::size_t FindLineEnd16(std::string_view text);
+
+// Sets bit i % 64 of words[i / 64] when byte i is in the set, for every byte of the text; the
+// remaining bits of the last word are 0. `words` has room for (size + 63) / 64 words.
+void MarkBytes(std::string_view text, const ByteSet& set, std::uint64_t* words);
+
+// Every byte is 1 to 127.
+bool IsAscii(std::string_view text);
+
+// Valid UTF-8 (no overlong form, no surrogate, nothing above U+10FFFF) without NUL.
+bool IsUtf8(std::string_view text);
+
+}  // namespace textwizard

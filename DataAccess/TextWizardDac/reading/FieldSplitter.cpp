@@ -1,0 +1,357 @@
+#include "reading/FieldSplitter.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace textwizard {
+namespace {
+
+// The longest character that is decoded, in bytes.
+constexpr std::ptrdiff_t kLongestCharacter = 8;
+
+constexpr bool IsContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+std::string_view Text(const char* begin, const char* end) {
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+}  // namespace
+
+FieldSplitter::FieldSplitter(const FieldRules& rules, SplitUse use, UndecodableListener* listener)
+    : rules_(rules),
+      use_(use),
+      listener_(listener),
+      converter_(QANTMBConverterNew_A(nullptr)),
+      utf8_(qUTF8mode()) {
+  UseRules();
+}
+
+FieldSplitter::~FieldSplitter() { QANTMBConverterDelete_A(converter_); }
+
+FieldSplitter::Kind FieldSplitter::KindOfCharacter(std::uint32_t ch) const {
+  if (rules_.IsDelimiter(ch)) return ch == ' ' ? kBlankDelimiter : kDelimiter;
+  return rules_.IsQualifier(ch) ? kQualifier : kData;
+}
+
+void FieldSplitter::UseRules() {
+  blankDelimits_ = rules_.IsDelimiter(' ');
+  holdsBlanks_ = blankDelimits_ && (rules_.multipleSpaces() ||
+                                    (use_ == SplitUse::kReading && rules_.leadingSpaces()));
+  rulesAreAscii_ = rules_.qualifier() < 0x80 &&
+                   std::all_of(rules_.delimiters().begin(), rules_.delimiters().end(),
+                               [](std::uint32_t ch) { return ch < 0x80; });
+
+  // Asks of every byte whether it is a character by itself. In a multibyte code page a byte that
+  // starts a longer character is none.
+  kinds_.fill(kData);
+  cutting_ = {};
+  asciiIsPlain_ = bytesArePlain_ = true;
+  for (unsigned byte = 1; byte < 256; ++byte) {
+    const char text[2] = {static_cast<char>(byte), '\0'};
+    std::uint32_t ch = 0;
+    if (QANTMBU32GetC_A(converter_, &ch, text, 0, 1) != 1) {
+      bytesArePlain_ = false;
+      if (byte < 0x80) asciiIsPlain_ = false;
+      continue;
+    }
+    kinds_[byte] = KindOfCharacter(ch);
+    if (kinds_[byte] == kData) continue;
+    if (cutting_.count == ByteSet::kMax) {
+      asciiIsPlain_ = bytesArePlain_ = false;
+      continue;
+    }
+    cutting_.bytes[cutting_.count++] = static_cast<std::uint8_t>(byte);
+  }
+  SetRecord({});
+}
+
+void FieldSplitter::SetRecord(std::string_view record) {
+  SetByteRecord(record);
+  byBytes_ = CutsByBytes(record);
+}
+
+void FieldSplitter::SetByteRecord(std::string_view record) {
+  SetByteText(record);
+  SetRecordOfText(record);
+}
+
+void FieldSplitter::SetByteText(std::string_view text) {
+  text_ = text;
+  markCount_ = 0;
+}
+
+void FieldSplitter::SetRecordOfText(std::string_view record) {
+  begin_ = cursor_ = record.data();
+  end_ = begin_ + record.size();
+  byBytes_ = true;
+}
+
+bool FieldSplitter::CutsByBytes(std::string_view text) const {
+  if (!asciiIsPlain_) return false;
+  if (bytesArePlain_) return text.find('\0') == std::string_view::npos;
+  return IsAscii(text) || (utf8_ && rulesAreAscii_ && IsUtf8(text));
+}
+
+bool FieldSplitter::Next(std::string_view& field) {
+  if (cursor_ == end_) {
+    field = {};
+    return false;
+  }
+  if (byBytes_) {
+    NextOfBytes(field);
+  } else {
+    WalkCharacters(field);
+  }
+  return true;
+}
+
+inline std::uint64_t FieldSplitter::MarksAt(std::size_t word) {
+  if (word - firstMark_ >= markCount_) {
+    const std::string_view text = text_.substr(64 * word, 64 * kMarkWords);
+    MarkBytes(text, cutting_, marks_.data());
+    firstMark_ = word;
+    markCount_ = (text.size() + 63) / 64;
+  }
+  return marks_[word - firstMark_];
+}
+
+// The first byte at `from` or behind it that can cut; the record's end when there is none.
+inline const char* FieldSplitter::NextMark(const char* from) {
+  if (from == end_) return end_;
+  const auto at = static_cast<std::size_t>(from - text_.data());
+  std::size_t word = at / 64;
+  std::uint64_t marks = MarksAt(word) & (~std::uint64_t{0} << (at % 64));
+  const auto size = static_cast<std::size_t>(end_ - text_.data());
+  while (marks == 0) {
+    if (64 * ++word >= size) return end_;
+    marks = MarksAt(word);
+  }
+  const std::size_t found = 64 * word + static_cast<std::size_t>(std::countr_zero(marks));
+  return found < size ? text_.data() + found : end_;
+}
+
+inline const char* FieldSplitter::NextQualifier(const char* from) {
+  const char* at = NextMark(from);
+  while (at != end_ && KindOf(*at) != kQualifier) at = NextMark(at + 1);
+  return at;
+}
+
+// The field is a view of the record unless a qualifier stands where bytes have to go.
+void FieldSplitter::NextOfBytes(std::string_view& field) {
+  const char* const start = cursor_;
+  const char* text = start;
+  if (holdsBlanks_) {
+    while (text != end_ && *text == ' ') ++text;
+  }
+  const char* const mark = NextMark(text);
+  if (mark == end_) {
+    field = Text(start, end_);
+    cursor_ = end_;
+    return Finish(field, true);
+  }
+  switch (KindOf(*mark)) {
+    case kData:
+      break;
+    case kDelimiter:
+      field = Text(start, mark);
+      cursor_ = mark + 1;
+      return Finish(field, true);
+    case kBlankDelimiter:
+      field = Text(start, mark);
+      cursor_ = mark + (mark != start && DropsBlankBefore(mark + 1) ? 2 : 1);
+      return Finish(field, true);
+    case kQualifier: {
+      if (mark != text || (text != start && !rules_.leadingSpaces())) break;
+      const char* const close = NextQualifier(mark + 1);
+      if (close != end_ && close + 1 != end_ && KindOf(close[1]) < kDelimiter) break;
+      field = Text(mark + 1, close);
+      cursor_ = end_ - close <= 2 ? end_ : close + 2;
+      return Finish(field, false);
+    }
+  }
+  WalkBytes(field);
+}
+
+std::size_t FieldSplitter::ByteCharacterLength(char lead) const {
+  const auto byte = static_cast<unsigned char>(lead);
+  if (!utf8_ || byte < 0xC0) return 1;
+  return byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+}
+
+void FieldSplitter::RemoveLastByteCharacter() {
+  while (utf8_ && buffer_.size() > 1 && IsContinuation(buffer_.back())) buffer_.pop_back();
+  buffer_.pop_back();
+}
+
+void FieldSplitter::WalkBytes(std::string_view& field) {
+  buffer_.clear();
+  State state = State::kStart;
+  const char* at = cursor_;
+  bool ended = false;
+  while (at != end_ && !ended) {
+    switch (state) {
+      case State::kStart: {
+        const char* const first = at;
+        if (holdsBlanks_) {
+          while (at != end_ && *at == ' ') ++at;
+        }
+        buffer_.append(first, at);
+        if (at == end_) break;
+        const Kind kind = KindOf(*at);
+        ended = kind >= kDelimiter;
+        state = kind == kQualifier ? State::kQualified : State::kPlain;
+        if (kind != kData) ++at;
+        break;
+      }
+      case State::kPlain: {
+        const char* const mark = NextMark(at);
+        buffer_.append(at, mark);
+        if (mark == end_) {
+          at = end_;
+          break;
+        }
+        at = mark + 1;
+        if (KindOf(*mark) == kQualifier) {
+          if (!buffer_.empty() && buffer_.front() == ' ') RemoveLastByteCharacter();
+          state = State::kQualified;
+        } else {
+          ended = KindOf(*mark) == kDelimiter || !DropsBlankBefore(at);
+        }
+        break;
+      }
+      case State::kQualified: {
+        const char* const close = NextQualifier(at);
+        buffer_.append(at, close);
+        at = close == end_ ? end_ : close + 1;
+        state = State::kAfterQualifier;
+        break;
+      }
+      case State::kAfterQualifier:
+        switch (KindOf(*at)) {
+          case kQualifier:
+            buffer_.push_back(*at++);
+            state = State::kQualified;
+            break;
+          case kDelimiter:
+          case kBlankDelimiter:
+            ++at;
+            ended = true;
+            break;
+          case kData:
+            at += ByteCharacterLength(*at);
+            state = State::kPlain;
+            break;
+        }
+        break;
+    }
+  }
+  cursor_ = at;
+  field = buffer_;
+  Finish(field, false);
+}
+
+// Decodes the character at `at` and returns its length. Bytes that are no character are reported,
+// and the first of them is taken as one.
+int FieldSplitter::Decode(const char* at, std::uint32_t* ch) {
+  const auto limit = static_cast<int>(std::min(end_ - at, kLongestCharacter));
+  const int length = QANTMBU32GetC_A(converter_, ch, at, 0, limit);
+  if (length > 0) return length;
+  if (listener_) listener_->OnUndecodable(static_cast<std::size_t>(at - begin_));
+  *ch = static_cast<unsigned char>(*at);
+  return 1;
+}
+
+void FieldSplitter::WalkCharacters(std::string_view& field) {
+  buffer_.clear();
+  lengths_.clear();
+  State state = State::kStart;
+  const char* at = cursor_;
+  bool ended = false;
+  while (at != end_ && !ended) {
+    std::uint32_t ch = 0;
+    const int length = Decode(at, &ch);
+    const Kind kind = KindOfCharacter(ch);
+    const char* const next = at + length;
+    bool append = false;
+    switch (state) {
+      case State::kStart:
+        if (ch == ' ' && holdsBlanks_) {
+          append = true;
+        } else if (kind >= kDelimiter) {
+          ended = true;
+        } else if (kind == kQualifier) {
+          state = State::kQualified;
+        } else {
+          append = true;
+          state = State::kPlain;
+        }
+        break;
+      case State::kPlain:
+        if (kind == kBlankDelimiter) {
+          ended = !DropsBlankBefore(next);
+        } else if (kind == kDelimiter) {
+          ended = true;
+        } else if (kind == kQualifier) {
+          if (!buffer_.empty() && buffer_.front() == ' ') {
+            buffer_.resize(buffer_.size() - static_cast<std::size_t>(lengths_.back()));
+            lengths_.pop_back();
+          }
+          state = State::kQualified;
+        } else {
+          append = true;
+        }
+        break;
+      case State::kQualified:
+        if (kind == kQualifier) {
+          state = State::kAfterQualifier;
+        } else {
+          append = true;
+        }
+        break;
+      case State::kAfterQualifier:
+        if (kind == kQualifier) {
+          append = true;
+          state = State::kQualified;
+        } else if (kind >= kDelimiter) {
+          ended = true;
+        } else {
+          state = State::kPlain;
+        }
+        break;
+    }
+    if (append) {
+      buffer_.append(at, next);
+      lengths_.push_back(static_cast<char>(length));
+    }
+    at = next;
+  }
+  cursor_ = at;
+  field = buffer_;
+  Finish(field, false);
+}
+
+void FieldSplitter::Finish(std::string_view& field, bool unqualified) {
+  if (rules_.leadingSpaces()) {
+    field.remove_prefix(std::min(field.find_first_not_of(' '), field.size()));
+  }
+  if (!rules_.multipleSpaces() || !blankDelimits_) return;
+  while (field.size() > 1 && field[0] == ' ' && field[1] == ' ') field.remove_prefix(1);
+  if (unqualified) return;
+  const std::size_t twoBlanks = field.find("  ");
+  if (twoBlanks == std::string_view::npos) return;
+  // A view of buffer_ is squeezed where it lies.
+  const bool own = !buffer_.empty() && field.data() >= buffer_.data() &&
+                   field.data() < buffer_.data() + buffer_.size();
+  if (!own) {
+    buffer_.assign(field);
+  } else {
+    buffer_.erase(0, static_cast<std::size_t>(field.data() - buffer_.data()));
+  }
+  const auto blanks = [](char left, char right) { return left == ' ' && right == ' '; };
+  buffer_.erase(std::unique(buffer_.begin(), buffer_.end(), blanks), buffer_.end());
+  field = buffer_;
+}
+
+}  // namespace textwizard

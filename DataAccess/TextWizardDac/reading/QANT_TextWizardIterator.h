@@ -1,0 +1,135 @@
+// The single-thread iterator: reads the records of one case after another, cuts them into fields
+// and converts those into the case buffer. Dictionary building drives its record and field
+// operations on the file's own text.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "HostFramework/DataSource.h"
+#include "command/TxtWzVar.h"
+#include "reading/FieldSplitter.h"
+#include "reading/RecordDecoder.h"
+#include "reading/RecordReader.h"
+
+namespace textwizard {
+
+class QANT_TextWizardSrc;
+
+// Returned by the buffer readers in place of a record after the last one.
+inline constexpr std::string_view kEndOfDataText = "%_%_EOF_%_%";
+
+// One thread at a time. Reads through its own copy of the source's stream. While it lives, the
+// process's decimal character is the source's; the destructor puts back what it found.
+class QANT_TextWizardIterator : public QANT_InputCaseIterator, private UndecodableListener {
+ public:
+  // The source is executed already and outlives the iterator. `obs` may be null: then no value is
+  // ever stored. Never throws for the file: see readFailed.
+  QANT_TextWizardIterator(const QANT_TextWizardSrc& source, OBS* obs);
+  ~QANT_TextWizardIterator() override;
+
+  bool IsSeekOK() override { return true; }
+  // No file access happens before Next.
+  bool Seek(long long n) override;
+  long long Tell() const override { return currentCase_; }
+  bool Next() override;
+  void Commit() override {}
+
+  // The file could not be read on; Next posts the error before it ends the data.
+  bool readFailed() const { return reader_.failed(); }
+
+  // Records. The record is host text, without its line end.
+  bool SeekBegin();
+  void HandleByteOrderMark() { reader_.HandleByteOrderMark(); }
+  // Reads the lines before the first case.
+  void SkipStartingLines();
+  // Reads an 8-bit record; false at the end of the data with nothing read. Empty records are
+  // skipped unless `keepEmpty`.
+  bool GetRecord(bool keepEmpty);
+  // The same of a UTF-16 file.
+  bool GetRecord16(bool keepEmpty);
+  // The record read last, valid until the next one is read.
+  std::string_view record() const { return record_; }
+
+  // Characters that cut. SetWideDelimiters is for between records; see FieldRules.
+  int SetWideDelimiters(const char* delimiters);
+  bool IsDelimiter(int ch) const { return rules_.IsDelimiter(static_cast<std::uint32_t>(ch)); }
+  bool IsQualifier(int ch) const { return rules_.IsQualifier(static_cast<std::uint32_t>(ch)); }
+
+  // Cuts the next field of record() at `cursor`, which lies in it, and moves the cursor behind the
+  // field and its delimiter. False, with an empty field, when the record was used up before.
+  bool GetNextVar(std::string& field, const char*& cursor);
+  // The same of a record that the caller keeps unchanged while it walks it. A blank at the start of
+  // a field is held with MULTIPLESPACES only.
+  bool GetNextVar(std::string& field, const char*& cursor, const std::string& record);
+  // The text of a variable of fixed columns; false, and empty, when the record ends before it.
+  bool GetVarBuffer(std::string& field, const TxtWzVar* variable, const std::string& record) const;
+
+  // Read one case into the case buffer; false when none could be started.
+  bool ProcessDlmLines();
+  bool ProcessDlmCount();
+  bool ProcessFixedLines();
+  // Read the text of one case for dictionary building; kEndOfDataText at the end of the data.
+  std::string ProcessDlmLinesBuffer();
+  std::string ProcessDlmCountBuffer();
+  std::string ProcessFixedLinesBuffer();
+
+  // Stores a field in column `column` (counted over the imported variables). Always true: a field
+  // that is no value is stored as missing, and the variable's flag tells.
+  bool ConvertVar(std::string_view field, TxtWzVar* variable, unsigned column);
+
+  // Whether the case limit lets a further case be read.
+  bool MoreCases() const;
+  // The rule of a random share of the cases, for callers that want it; Next delivers every case.
+  bool SampleCase();
+  // Advances the case counters as Next does, but reads no case: for callers of the buffer readers.
+  bool NextBuffer();
+  // Sends one line to the log of the iterator's own monitor.
+  void ReportLogMessage(const std::string& text);
+
+ private:
+  // An imported variable and its column. The variables belong to the source; reading sets their
+  // flags.
+  struct Column {
+    TxtWzVar* variable;
+    unsigned number;
+  };
+
+  void OnUndecodable(std::size_t position) override;
+  bool ReadRecord(bool keepEmpty) {
+    return reader_.isUtf16() ? GetRecord16(keepEmpty) : GetRecord(keepEmpty);
+  }
+  bool TakeRecord(bool found);
+  void Prepare();
+  bool EndOfData();
+  bool ReadCase();
+  void StoreMissing(const Column& column, TxtWzVar* flagged);
+
+  const QANT_TextWizardSrc& source_;
+  const int savedDecimalCharacter_;
+  FieldRules rules_;
+  RecordReader reader_;
+  RecordDecoder decoder_;
+  // Of record(), and of a record that the caller supplies.
+  FieldSplitter fields_;
+  FieldSplitter suppliedFields_;
+  // In file order, skipped variables too; those have no column.
+  std::vector<Column> columns_;
+  // Fixed columns: imported variables by line of the case, in file order within a line.
+  std::vector<Column> lineColumns_;
+
+  std::string_view record_;
+  std::string_view suppliedRecord_;
+  std::int64_t currentCase_ = 0;
+  std::int64_t requestedCase_ = 0;
+  // Cleared when the values of all lines are used up (a fixed number of values per case).
+  bool moreData_ = true;
+  // Next has returned false since the latest repositioning.
+  bool ended_ = false;
+  bool randomSeeded_ = false;
+};
+
+}  // namespace textwizard

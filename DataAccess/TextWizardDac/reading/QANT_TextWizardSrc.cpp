@@ -1,0 +1,69 @@
+#include "reading/QANT_TextWizardSrc.h"
+
+#include <cstdlib>
+#include <string_view>
+
+#include "HostFramework/ValueInput.h"
+#include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+#include "command/MessageText.h"
+#include "map/VariableMap.h"
+#include "reading/QANT_TextWizardIterator.h"
+
+namespace textwizard {
+namespace {
+
+// The variable of the environment, and its one value, that keeps type detection on one thread.
+constexpr const char* kSingleThreadVariable = "DISABLE_MULTI_THREAD_AUTO";
+constexpr std::string_view kSingleThreadValue = "YES";
+
+// Every case is noted; the index thins itself out.
+constexpr std::int64_t kIndexSpacing = 1;
+
+}  // namespace
+
+QANT_TextWizardSrc::QANT_TextWizardSrc(const char* path, int workerCount, int hostParameter,
+                                       DACAdapterBase* adapter)
+    : QANT_DataSource(nullptr),
+      adapter_(adapter),
+      workerCount_(workerCount),
+      hostParameter_(hostParameter),
+      decimalCharacter_(static_cast<char>(iocvgetdecchar_())),
+      index_(std::make_unique<QANT_SparseFileIndex>(kIndexSpacing)) {
+  OpenFile(path);
+  SetFileSpec(path);
+}
+
+QANT_TextWizardSrc::~QANT_TextWizardSrc() = default;
+
+bool QANT_TextWizardSrc::OpenFile(const char* path) {
+  if (!stream_.Open(path, "", "rb")) throw kReadFailed;
+  return true;
+}
+
+QANT_InputCaseIterator* QANT_TextWizardSrc::MakeIterator(OBS* obs) const {
+  if (settings_.arrangement == kDelimitedLines) {
+    return new QANT_TextWizardMultiThreadedIterator(*this, obs, false);
+  }
+  return new QANT_TextWizardIterator(*this, obs);
+}
+
+QANT_InputCaseIterator* QANT_TextWizardSrc::MakeAutoDetectIterator(OBS* obs) const {
+  const char* const value = std::getenv(kSingleThreadVariable);
+  const bool singleThread = value != nullptr && value == kSingleThreadValue;
+  if (singleThread || settings_.arrangement != kDelimitedLines) {
+    return new QANT_TextWizardIterator(*this, obs);
+  }
+  auto iterator = std::make_unique<QANT_TextWizardMultiThreadedIterator>(*this, obs, true);
+  iterator->SetDacAdapter(adapter_);
+  return iterator.release();
+}
+
+long long QANT_TextWizardSrc::RowCount() const { return highestCaseCount_; }
+
+void QANT_TextWizardSrc::NotePassEnd(std::int64_t cases, ErrorMonitor* monitor) const {
+  if (cases <= highestCaseCount_) return;
+  highestCaseCount_ = cases;
+  if (settings_.mapRequested) EmitMapOutput(monitor, *this);
+}
+
+}  // namespace textwizard

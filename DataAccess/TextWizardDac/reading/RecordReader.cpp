@@ -1,0 +1,171 @@
+#include "reading/RecordReader.h"
+
+#include "reading/ByteScan.h"
+
+namespace textwizard {
+namespace {
+
+constexpr bool IsCarriageReturn(unsigned unit) { return unit == 0x000D || unit == 0x0D00; }
+constexpr bool IsLineFeed(unsigned unit) { return unit == 0x000A || unit == 0x0A00; }
+// Stands for the end of the file, and has its effect where the file holds it.
+constexpr unsigned kEndUnit = 0xFFFF;
+
+unsigned UnitAt(std::string_view text, std::size_t index) {
+  return static_cast<unsigned char>(text[index]) +
+         256U * static_cast<unsigned char>(text[index + 1]);
+}
+
+}  // namespace
+
+RecordReader::RecordReader(const QANT_FileStream& stream) : stream_(stream) {}
+
+bool RecordReader::SeekBegin() { return SeekTo(0); }
+
+bool RecordReader::SeekTo(std::int64_t position) {
+  record_ = {};
+  ended_ = false;
+  return stream_.Seek(position, QANT_FileStream::kFromStart) == 0;
+}
+
+void RecordReader::HandleByteOrderMark() {
+  hasMark_ = false;
+  unsigned char byte = 0;
+  const auto follows = [&](unsigned char wanted) {
+    return stream_.ReadByte(&byte) && byte == wanted;
+  };
+  if (stream_.ReadByte(&byte)) {
+    if (byte == 0xEF && follows(0xBB) && follows(0xBF)) {
+      mark_ = ByteOrderMark::kUtf8;
+      hasMark_ = true;
+    } else if (byte == 0xFE && follows(0xFF)) {
+      mark_ = ByteOrderMark::kUtf16BigEndian;
+      hasMark_ = true;
+    } else if (byte == 0xFF && follows(0xFE)) {
+      mark_ = ByteOrderMark::kUtf16LittleEndian;
+      hasMark_ = true;
+    }
+  }
+  if (!hasMark_) SeekBegin();
+}
+
+template <RecordReader::LineEnd (RecordReader::*ReadLine)()>
+bool RecordReader::ReadRecord(bool keepEmpty) {
+  for (;;) {
+    record_ = {};
+    if (ended_ || stopped()) return false;
+    recordPosition_ = stream_.Position();
+    buffer_.clear();
+    const LineEnd end = (this->*ReadLine)();
+    if (!record_.empty()) return true;
+    if (end == LineEnd::kEndOfData) return false;
+    if (keepEmpty) return true;
+  }
+}
+
+bool RecordReader::Read8(bool keepEmpty) { return ReadRecord<&RecordReader::ReadLine8>(keepEmpty); }
+
+bool RecordReader::Read16(bool keepEmpty) {
+  return ReadRecord<&RecordReader::ReadLine16>(keepEmpty);
+}
+
+// The data ends here. What was read of the last line is a record, unless reading was stopped: then
+// nobody wants it.
+RecordReader::LineEnd RecordReader::EndData() {
+  ended_ = true;
+  record_ = stopped() ? std::string_view() : std::string_view(buffer_);
+  return LineEnd::kEndOfData;
+}
+
+RecordReader::LineEnd RecordReader::ReadLine8() {
+  for (;;) {
+    const std::string_view block = stream_.Buffered();
+    if (block.empty() || stopped()) return EndData();
+    const std::size_t length = FindLineEnd8(block);
+    if (length == block.size()) {
+      buffer_.append(block);
+      stream_.Consume(length);
+      continue;
+    }
+    const char end = block[length];
+    const std::size_t next = length + 1;
+    if (end == '\0') {
+      buffer_.append(block.substr(0, length));
+      stream_.Consume(next);
+      continue;
+    }
+    if (end == '\r' && next == block.size()) {
+      // Whether a LF follows is known only from the next block, which replaces this one.
+      buffer_.append(block.substr(0, length));
+      stream_.Consume(next);
+      const std::string_view following = stream_.Buffered();
+      if (!following.empty() && following.front() == '\n') stream_.Consume(1);
+      record_ = buffer_;
+      return LineEnd::kMark;
+    }
+    if (buffer_.empty()) {
+      record_ = block.substr(0, length);
+    } else {
+      buffer_.append(block.substr(0, length));
+      record_ = buffer_;
+    }
+    stream_.Consume(end == '\r' && block[next] == '\n' ? next + 1 : next);
+    return LineEnd::kMark;
+  }
+}
+
+RecordReader::Unit RecordReader::ReadUnit() {
+  Unit unit;
+  while (unit.read < 2 && stream_.ReadByte(&unit.bytes[unit.read])) ++unit.read;
+  return unit;
+}
+
+// After a CR: the unit of a LF in the file's byte order belongs to the same line end.
+bool RecordReader::EndsCarriageReturn(unsigned unit) const {
+  if (mark_ == ByteOrderMark::kUtf16LittleEndian) return unit == 0x000A;
+  if (mark_ == ByteOrderMark::kUtf16BigEndian) return unit == 0x0A00;
+  return true;
+}
+
+RecordReader::LineEnd RecordReader::ReadLine16() {
+  // The text of a line ends at its first zero unit, though the line goes on.
+  bool textEnded = false;
+  for (;;) {
+    const std::string_view block = stream_.Buffered();
+    if (block.empty() || stopped()) return EndData();
+    const std::size_t length = FindLineEnd16(block);
+    if (buffer_.empty() && !textEnded && length + 4 <= block.size()) {
+      const unsigned end = UnitAt(block, length);
+      if (IsLineFeed(end) || IsCarriageReturn(end)) {
+        record_ = block.substr(0, length);
+        const bool two = IsCarriageReturn(end) && EndsCarriageReturn(UnitAt(block, length + 2));
+        stream_.Consume(length + (two ? 4 : 2));
+        return LineEnd::kMark;
+      }
+    }
+    if (!textEnded) buffer_.append(block.substr(0, length));
+    stream_.Consume(length);
+    if (length == block.size()) continue;
+
+    // A unit that ends something, or one that lies in two blocks.
+    const Unit unit = ReadUnit();
+    const unsigned value = unit.value();
+    if (value == kEndUnit) {
+      record_ = buffer_;
+      return LineEnd::kEndOfData;
+    }
+    if (IsLineFeed(value) || IsCarriageReturn(value)) {
+      if (IsCarriageReturn(value)) {
+        const Unit next = ReadUnit();
+        if (!EndsCarriageReturn(next.value()) && next.read > 0) {
+          stream_.Seek(-next.read, QANT_FileStream::kFromCurrent);
+        }
+      }
+      record_ = buffer_;
+      return LineEnd::kMark;
+    }
+    if (value == 0) textEnded = true;
+    if (!textEnded) buffer_.append(reinterpret_cast<const char*>(unit.bytes), 2);
+  }
+}
+
+}  // namespace textwizard
