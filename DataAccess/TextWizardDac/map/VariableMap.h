@@ -11,7 +11,8 @@ namespace textwizard {
 
 class QANT_TextWizardSrc;
 
-// Writes the report of `source` line by line to `monitor`; nothing when that is null. Host's thread.
+// Writes the report of `source` line by line to `monitor`; nothing when that is null. Host's
+// thread.
 void EmitMapOutput(ErrorMonitor* monitor, const QANT_TextWizardSrc& source);
 
 // Sends one line to the log; nothing when the monitor is null.

@@ -64,12 +64,13 @@ void FieldSplitter::UseRules() {
     }
     cutting_.bytes[cutting_.count++] = static_cast<std::uint8_t>(byte);
   }
-  SetRecord({});
+  markCount_ = 0;
+  mode_ = Mode::kUnknown;
 }
 
 void FieldSplitter::SetRecord(std::string_view record) {
   SetByteRecord(record);
-  byBytes_ = CutsByBytes(record);
+  mode_ = Mode::kUnknown;
 }
 
 void FieldSplitter::SetByteRecord(std::string_view record) {
@@ -85,7 +86,7 @@ void FieldSplitter::SetByteText(std::string_view text) {
 void FieldSplitter::SetRecordOfText(std::string_view record) {
   begin_ = cursor_ = record.data();
   end_ = begin_ + record.size();
-  byBytes_ = true;
+  mode_ = Mode::kBytes;
 }
 
 bool FieldSplitter::CutsByBytes(std::string_view text) const {
@@ -99,7 +100,10 @@ bool FieldSplitter::Next(std::string_view& field) {
     field = {};
     return false;
   }
-  if (byBytes_) {
+  if (mode_ == Mode::kUnknown) {
+    mode_ = CutsByBytes(Text(begin_, end_)) ? Mode::kBytes : Mode::kCharacters;
+  }
+  if (mode_ == Mode::kBytes) {
     NextOfBytes(field);
   } else {
     WalkCharacters(field);

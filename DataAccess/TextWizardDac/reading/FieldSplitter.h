@@ -103,6 +103,9 @@ class FieldSplitter {
   // What the next character of a field means.
   enum class State { kStart, kPlain, kQualified, kAfterQualifier };
 
+  // How the record is cut; found out by its first Next.
+  enum class Mode { kUnknown, kBytes, kCharacters };
+
   static constexpr std::size_t kMarkWords = 64;
 
   Kind KindOf(char byte) const { return kinds_[static_cast<unsigned char>(byte)]; }
@@ -146,7 +149,7 @@ class FieldSplitter {
   const char* begin_ = nullptr;
   const char* end_ = nullptr;
   const char* cursor_ = nullptr;
-  bool byBytes_ = true;
+  Mode mode_ = Mode::kBytes;
 
   // Marks of the bytes of text_ in cutting_: markCount_ words of 64 bytes from firstMark_ on.
   std::string_view text_;

@@ -102,8 +102,12 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   bool ReadRecord(bool keepEmpty) {
     return reader_.isUtf16() ? GetRecord16(keepEmpty) : GetRecord(keepEmpty);
   }
-  bool TakeRecord(bool found);
-  void Prepare();
+  void TakeRecord(std::string_view record);
+  // Forgets the record and how far its fields were cut.
+  void DropRecord();
+  // Moves to the case that is wanted, or to one before it: to the start of the data, or where the
+  // index knows a case.
+  void Position();
   bool EndOfData();
   bool ReadCase();
   void StoreMissing(const Column& column, TxtWzVar* flagged);
