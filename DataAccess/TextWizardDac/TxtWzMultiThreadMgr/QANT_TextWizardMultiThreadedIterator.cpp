@@ -27,7 +27,7 @@ QANT_TextWizardMultiThreadedIterator::QANT_TextWizardMultiThreadedIterator(
                                                                      fSavedDecimalChar);
   } catch (...) {
     SetDecimalCharacter(fSavedDecimalChar);
-    throw kReadFailed;
+    throw int{kReadFailed};
   }
   if (!detection) fManager->Start();
 }

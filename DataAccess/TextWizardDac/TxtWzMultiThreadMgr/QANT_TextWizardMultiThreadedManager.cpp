@@ -37,7 +37,7 @@ QANT_TextWizardMultiThreadedManager::QANT_TextWizardMultiThreadedManager(
       fReader(source.stream()),
       fDecoder(source.settings().encoding) {
   // The stream's copy may lack a file descriptor, which looks like an empty file later.
-  if (!fReader.SeekBegin()) throw kReadFailed;
+  if (!fReader.SeekBegin()) throw int{kReadFailed};
   fReader.SetStop(&fReaderState);
   if (detection) {
     DetectionRules& rules = fPlan.detectionRules;
@@ -179,7 +179,7 @@ std::int64_t QANT_TextWizardMultiThreadedManager::PerformAutoDetection(TxtWzVar*
     if (fTargetCase < ++fCaseNumber) break;
   }
   fTargetCase = fCaseNumber;
-  if (fEndOfData && fFailed.load()) throw kReadFailed;
+  if (fEndOfData && fFailed.load()) throw int{kReadFailed};
   return fCaseNumber;
 }
 
