@@ -67,7 +67,7 @@ bool SameCounters(const TxtWzVar& a, const TxtWzVar& b) {
 std::string FiveDigits(int count) {
   std::string text;
   for (int i = 1; i <= count; ++i) {
-    char line[8];
+    char line[16];
     std::snprintf(line, sizeof line, "%05d\n", i);
     text += line;
   }

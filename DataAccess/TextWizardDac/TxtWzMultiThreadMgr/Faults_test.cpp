@@ -85,7 +85,7 @@ TEST(Faults, NoThreadForTheSecondWorker) {
   // Two batches.
   std::string text;
   for (int i = 1; i <= 30000; ++i) {
-    char line[8];
+    char line[16];
     std::snprintf(line, sizeof line, "%05d\n", i);
     text += line;
   }
