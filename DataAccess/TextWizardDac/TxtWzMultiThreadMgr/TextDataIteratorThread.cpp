@@ -127,6 +127,7 @@ void TextDataIteratorThread::ConvertBatch() {
     const char* cursor = fText.get();
     const char* const end = cursor + fTextUsed;
     const bool byteText = fSplitter.CutsByBytes({cursor, fTextUsed});
+    if (byteText) fSplitter.SetByteText({cursor, fTextUsed});
     for (; fConvertIndex < fRecordCount; ++fConvertIndex) {
       NextRecord(cursor, end, byteText);
       if (fPlan.detection) {
@@ -174,7 +175,7 @@ void TextDataIteratorThread::NextRecord(const char*& cursor, const char* end, bo
   const std::string_view record = fDecoded ? raw : fDecoder.Decode8(raw);
   fWholeCharacters = byteText && record.data() == raw.data();
   if (fWholeCharacters) {
-    fSplitter.SetByteRecord(record);
+    fSplitter.SetRecordOfText(record);
   } else {
     fSplitter.SetRecord(record);
   }

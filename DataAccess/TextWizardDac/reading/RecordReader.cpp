@@ -68,6 +68,10 @@ bool RecordReader::Read16(bool keepEmpty) {
   return ReadRecord<&RecordReader::ReadLine16>(keepEmpty);
 }
 
+void RecordReader::SkipLines(std::int64_t count, std::int64_t firstCase) {
+  while (count != firstCase && Read(true)) ++count;
+}
+
 // The data ends here. What was read of the last line is a record, unless reading was stopped: then
 // nobody wants it.
 RecordReader::LineEnd RecordReader::EndData() {
