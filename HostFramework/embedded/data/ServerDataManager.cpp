@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <map>
 
 #include "HostFramework/DataSource.h"
@@ -17,13 +18,18 @@ ServerDataManager* ServerDataManager::GetInstance() {
 }
 
 void ServerDataManager::Add(QANT_DataSource* source, const char* name, bool /*keep*/) {
-  std::unique_ptr<QANT_DataSource>& place = state_->sources[name ? name : ""];
-  if (place.get() == source) return;
-  // A source that has another name already moves: two owners would destroy it twice.
-  for (auto& [other, owned] : state_->sources) {
-    if (owned.get() == source) owned.release();
+  if (!source) return;
+  const std::string place = name ? name : "";
+  // A source that has a name already moves: two owners would destroy it twice.
+  const auto owner =
+      std::find_if(state_->sources.begin(), state_->sources.end(),
+                   [source](const auto& entry) { return entry.second.get() == source; });
+  if (owner != state_->sources.end()) {
+    if (owner->first == place) return;
+    owner->second.release();
+    state_->sources.erase(owner);
   }
-  place.reset(source);
+  state_->sources[place].reset(source);
 }
 
 QANT_DataSource* ServerDataManager::Find(const char* name) const {
@@ -32,9 +38,5 @@ QANT_DataSource* ServerDataManager::Find(const char* name) const {
 }
 
 bool ServerDataManager::Remove(const char* name) {
-  const auto found = state_->sources.find(name ? name : "");
-  if (found == state_->sources.end()) return false;
-  const bool held = found->second != nullptr;
-  state_->sources.erase(found);
-  return held;
+  return state_->sources.erase(name ? name : "") > 0;
 }

@@ -155,7 +155,8 @@ class ServerDataManager {
  public:
   static ServerDataManager* GetInstance();
   // Takes ownership of `source`. The empty name is the active source's: adding under it replaces
-  // (and destroys) the active source. `keep` is the host's and false here.
+  // (and destroys) the active source. A source that has a name already moves to the new one.
+  // `keep` is the host's and false here.
   void Add(QANT_DataSource* source, const char* name, bool keep);
   // The source of that name, or null. Still owned by the manager.
   QANT_DataSource* Find(const char* name) const;
