@@ -294,7 +294,9 @@ void FieldSplitter::WalkCharacters(std::string_view& field) {
         break;
       case State::kPlain:
         if (kind == kBlankDelimiter) {
-          ended = !DropsBlankBefore(next);
+          // The next byte is compared as it stands, whatever character it begins.
+          ended = !rules_.multipleSpaces() || next == end_ || *next == ' ' ||
+                  !rules_.IsDelimiter(static_cast<unsigned char>(*next));
         } else if (kind == kDelimiter) {
           ended = true;
         } else if (kind == kQualifier) {

@@ -48,8 +48,6 @@ QANT_TextWizardIterator::QANT_TextWizardIterator(const QANT_TextWizardSrc& sourc
   std::stable_sort(lineColumns_.begin(), lineColumns_.end(), [](const Column& a, const Column& b) {
     return a.variable->recordNumber < b.variable->recordNumber;
   });
-  // A column that no record of a case holds keeps this value.
-  if (obs) ClearCase(source, obs);
 }
 
 QANT_TextWizardIterator::~QANT_TextWizardIterator() { SetDecimalCharacter(savedDecimalCharacter_); }
