@@ -221,7 +221,8 @@ bool IsUtf8Vector(const std::uint8_t* text) {
   const Vector now = hn::LoadU(kBytes, text);
   const Vector before3 = hn::LoadU(kBytes, text - 3);
   const Vector top = hn::Set(kBytes, std::uint8_t{0x80});
-  if (hn::AllTrue(kBytes, hn::Lt(hn::Or(now, before3), top))) return true;
+  // Together the two are every byte from three before on, unless a vector is a single byte.
+  if (kLanes >= 3 && hn::AllTrue(kBytes, hn::Lt(hn::Or(now, before3), top))) return true;
   const Vector before1 = hn::LoadU(kBytes, text - 1);
   const Vector before2 = hn::LoadU(kBytes, text - 2);
   const Vector low = hn::Set(kBytes, std::uint8_t{0x0F});
