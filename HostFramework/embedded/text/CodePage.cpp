@@ -70,7 +70,6 @@ char32_t CodePage::Entry(const Character& character) {
 }
 
 CodePage::CodePage(IcuConverter& icu) : name_(icu.Name()), kind_(Kind::kSingleByte) {
-  bool expands = false;
   for (unsigned lead = 0; lead < kRow; ++lead) {
     char text[2] = {static_cast<char>(lead), 0};
     singles_[lead] = lead < 0x80 ? lead : Entry(icu.Decode(text, 1));
@@ -79,9 +78,7 @@ CodePage::CodePage(IcuConverter& icu) : name_(icu.Name()), kind_(Kind::kSingleBy
     rows_[lead] = static_cast<std::uint32_t>(pairs_.size());
     for (unsigned trail = 0; trail < kRow; ++trail) {
       text[1] = static_cast<char>(trail);
-      expands = false;
-      pairs_.push_back(Entry(icu.Decode(text, 2, &expands)));
-      hasSequences_ = hasSequences_ || expands;
+      pairs_.push_back(Entry(icu.Decode(text, 2)));
     }
   }
 

@@ -29,8 +29,6 @@ class CodePage {
   const std::string& name() const { return name_; }
   bool IsUtf8() const { return kind_ == Kind::kUtf8; }
   bool IsSingleByte() const { return kind_ == Kind::kSingleByte; }
-  // Some codes stand for several characters, so whole texts are converted by ICU.
-  bool HasSequences() const { return hasSequences_; }
 
   // Decodes the first of `available` (at least 1) bytes; never reads past a NUL.
   Character Decode(const char* text, std::size_t available) const {
@@ -78,7 +76,6 @@ class CodePage {
 
   std::string name_;
   Kind kind_;
-  bool hasSequences_ = false;
   // Some characters are not in codes_: their codes are longer, or they lie outside the basic plane.
   bool encodesByIcu_ = false;
   std::array<char32_t, 256> singles_{};

@@ -12,9 +12,7 @@ using embedded::CodePage;
 using embedded::HostPage;
 using embedded::LocalePage;
 
-Codec CodecOf(const CodePage& page) {
-  return {&page, page.HasSequences() ? embedded::ThreadConverter(page).get() : nullptr};
-}
+Codec CodecOf(const CodePage& page) { return {&page, nullptr}; }
 
 // The encoding that a whole-text conversion's first argument names.
 Codec CodecOf(QANTMBConverter* converter) {

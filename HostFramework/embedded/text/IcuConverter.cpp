@@ -25,7 +25,7 @@ std::string IcuConverter::Name() const {
   return name != nullptr && U_SUCCESS(error) ? name : "";
 }
 
-Character IcuConverter::Decode(const char* text, std::size_t available, bool* expands) {
+Character IcuConverter::Decode(const char* text, std::size_t available) {
   if (!IsOpen()) return {Character::kInvalid, 1};
   // The limit grows byte by byte: more bytes than the character has are never looked at, and a
   // text that ends inside it is told from one that continues wrongly.
@@ -36,10 +36,6 @@ Character IcuConverter::Decode(const char* text, std::size_t available, bool* ex
     UErrorCode error = U_ZERO_ERROR;
     const UChar32 code = ucnv_getNextUChar(get(), &source, text + length, &error);
     if (U_SUCCESS(error)) {
-      if (expands != nullptr) {
-        ucnv_getNextUChar(get(), &source, source, &error);
-        *expands = U_SUCCESS(error);
-      }
       return {static_cast<char32_t>(code), static_cast<int>(length)};
     }
     if (error == U_TRUNCATED_CHAR_FOUND || error == U_INDEX_OUTOFBOUNDS_ERROR) {

@@ -23,9 +23,8 @@ class IcuConverter {
   UConverterType Type() const { return ucnv_getType(converter_.get()); }
   UConverter* get() const { return converter_.get(); }
 
-  // Decodes the first of `available` (at least 1) bytes, starting from the initial state. A code
-  // that stands for more than one character gives its first; `expands`, when asked for, tells.
-  Character Decode(const char* text, std::size_t available, bool* expands = nullptr);
+  // Decodes the first of `available` (at least 1) bytes, starting from the initial state.
+  Character Decode(const char* text, std::size_t available);
   // Writes the character's code and returns its length, 0 when the page lacks it. `out` has room
   // for kLongestCode bytes.
   std::size_t Encode(char32_t code, char* out);

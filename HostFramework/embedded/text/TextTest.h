@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "HostFramework/embedded/text/HostText.h"
 
@@ -44,6 +45,11 @@ class Exact {
 
 // `text` and its terminator, and not a byte more.
 inline Exact Terminated(std::string_view text) { return Exact(std::string(text) + '\0'); }
+
+// Path of a file of this process's own.
+inline std::string TestFile(const std::string& name) {
+  return testing::TempDir() + name + '-' + std::to_string(getpid());
+}
 
 // Text of which half the bytes are ASCII and the rest anything but NUL.
 inline std::string RandomBytes(std::mt19937& random, std::size_t length) {

@@ -17,6 +17,20 @@ void U_CALLCONV PutQuestionMark(const void* /*context*/, UConverterFromUnicodeAr
   ucnv_cbFromUWriteUChars(args, &source, source + 1, 0, error);
 }
 
+// ICU's verdict on bytes, after which it goes on behind them. Any other error is final.
+bool IsInvalidText(UErrorCode error) {
+  switch (error) {
+    case U_INVALID_CHAR_FOUND:
+    case U_TRUNCATED_CHAR_FOUND:
+    case U_ILLEGAL_CHAR_FOUND:
+    case U_ILLEGAL_ESCAPE_SEQUENCE:
+    case U_UNSUPPORTED_ESCAPE_SEQUENCE:
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace
 
 Character Utf16Source::Next() {
@@ -52,10 +66,10 @@ void IcuSource::Fill() {
     ucnv_toUnicode(converter_, &target, target + units_.size(), &source_, end_, nullptr, true,
                    &error);
     count_ = static_cast<std::size_t>(target - units_.data());
-    if (U_SUCCESS(error)) {
-      finished_ = true;
-    } else if (error != U_BUFFER_OVERFLOW_ERROR) {
+    if (IsInvalidText(error)) {
       invalidNext_ = true;
+    } else if (error != U_BUFFER_OVERFLOW_ERROR) {
+      finished_ = true;
     }
   }
 }

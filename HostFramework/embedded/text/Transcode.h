@@ -11,8 +11,7 @@
 
 namespace embedded {
 
-// An encoding on one side of a conversion. `icu` converts when it is set: the page has no tables
-// (`page` is null), or its tables are not enough for whole texts.
+// An encoding on one side of a conversion: a page, or else whatever ICU converts.
 struct Codec {
   const CodePage* page;
   UConverter* icu;
