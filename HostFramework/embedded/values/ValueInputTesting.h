@@ -1,6 +1,7 @@
 // What the tests of value input share.
 #pragma once
 
+#include <clocale>
 #include <cstdint>
 #include <optional>
 #include <ostream>
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/ValueInput.h"
+#include "HostFramework/embedded/text/HostText.h"
 #include "HostFramework/embedded/values/FormatCodes.h"
 
 namespace embedded {
@@ -41,6 +43,27 @@ class DecimalComma {
   ~DecimalComma() { iocvsetdecchardot_(); }
   DecimalComma(const DecimalComma&) = delete;
   DecimalComma& operator=(const DecimalComma&) = delete;
+};
+
+// Host text is in this encoding while it lives, and in the plain one of the tests afterwards.
+class HostEncoding {
+ public:
+  explicit HostEncoding(const char* name) { EXPECT_TRUE(SetCodePage(name)) << name; }
+  ~HostEncoding() { SetCodePage("US-ASCII"); }
+  HostEncoding(const HostEncoding&) = delete;
+  HostEncoding& operator=(const HostEncoding&) = delete;
+};
+
+// The process is in this locale while it lives, and in "C" afterwards.
+class ProcessLocale {
+ public:
+  explicit ProcessLocale(const char* name) {
+    EXPECT_NE(std::setlocale(LC_ALL, name), nullptr)
+        << name << " is not there; tools/install-packages generates it";
+  }
+  ~ProcessLocale() { std::setlocale(LC_ALL, "C"); }
+  ProcessLocale(const ProcessLocale&) = delete;
+  ProcessLocale& operator=(const ProcessLocale&) = delete;
 };
 
 }  // namespace embedded

@@ -1,0 +1,124 @@
+// The rules of the time and duration formats, text by text.
+#include <string>
+
+#include "HostFramework/embedded/values/ValueInputTesting.h"
+
+namespace embedded {
+namespace {
+
+constexpr double kHalfPastTen = 37800;
+
+TEST(TimeInput, HoursAndMinutes) {
+  EXPECT_EQ(Read("10:30", kTime), kHalfPastTen);
+  EXPECT_EQ(Read("+10:30", kTime), kHalfPastTen);
+  EXPECT_EQ(Read("-10:30", kTime), -kHalfPastTen);
+  EXPECT_EQ(Read("0:00", kTime), 0.0);
+  EXPECT_EQ(Read("00:59", kTime), 3540.0);
+  EXPECT_EQ(Read("1:5", kTime), 3900.0);
+  EXPECT_EQ(Read("24:00", kTime), 86400.0);
+  EXPECT_EQ(Read("100:00", kTime), 360000.0);
+  EXPECT_EQ(Read("123456789:00", kTime), 444444440400.0);
+  EXPECT_EQ(Read("00000000000000000000001:00", kTime), 3600.0);
+}
+
+TEST(TimeInput, Seconds) {
+  EXPECT_EQ(Read("10:30:15", kTime), kHalfPastTen + 15);
+  EXPECT_EQ(Read("10:30:5", kTime), kHalfPastTen + 5);
+  EXPECT_EQ(Read("-1:00:01", kTime), -3601.0);
+  for (const char* text : {"10:30:15.25", "10:30:15,25", "10:30:15 25", "10:30:15-25",
+                           "10:30:15/25", "10:30:15.2500000000000000000000000000000000000"}) {
+    EXPECT_EQ(Read(text, kTime), kHalfPastTen + 15.25) << text;
+  }
+  EXPECT_EQ(Read("0:0:0.1", kTime), 0.1);
+  EXPECT_EQ(Read("-0:00:00.5", kTime), -0.5);
+}
+
+TEST(TimeInput, TheDecimalCharacterDoesNotMatter) {
+  const DecimalComma comma;
+  EXPECT_EQ(Read("10:30:15.25", kTime), kHalfPastTen + 15.25);
+  EXPECT_EQ(Read("10:30:15,25", kTime), kHalfPastTen + 15.25);
+}
+
+TEST(TimeInput, TextsThatAreNotTimes) {
+  for (const char* text :
+       {"10",          "10:",         ":30",         "10:60",  "10:99",     "10:30:60",
+        "10:30:99",    "10:030",      "10:30:015",   "10:30:", "10:30:15.", "10:30:15..5",
+        "10:30:15  5", "10:30.5",     "10.30",       "10-30",  "1030",      "--10:30",
+        "+-10:30",     "- 10:30",     "10 :30",      "10: 30", "10:30 PM",  "10:30:15:25",
+        "10h30",       "10:30:15.5x", "10:30:15.-5", "10:-30", "a:30",      "10:3|"}) {
+    EXPECT_EQ(Read(text, kTime), kNoValue) << text;
+  }
+}
+
+TEST(TimeInput, HoursWithoutEnd) {
+  // The nearest double to so many hours, as far as there is one.
+  EXPECT_DOUBLE_EQ(Read("1" + std::string(30, '0') + ":00", kTime).value(), 3600e30);
+  EXPECT_DOUBLE_EQ(Read("-1" + std::string(30, '0') + ":00:00", kTime).value(), -3600e30);
+  EXPECT_EQ(Read("1" + std::string(400, '0') + ":00", kTime), kNoValue);
+  EXPECT_DOUBLE_EQ(Read(std::string(14, '9') + ":59:59.5", kTime).value(), 359999999999999999.5);
+}
+
+TEST(TimeInput, FractionsAreRoundedOnce) {
+  // The nearest double to the whole number of seconds, not a sum of two rounded parts.
+  EXPECT_EQ(Read("1000:00:00.1", kTime), 3600000.1);
+  EXPECT_EQ(Read("27777777:46:40.123456", kTime), 100000000000.123456);
+  EXPECT_EQ(Read("0:00:00.000001", kTime), 0.000001);
+  EXPECT_EQ(Read("0:00:00.1234567890123456789", kTime), 0.1234567890123456789);
+  EXPECT_EQ(Read("0:00:59." + std::string(900, '9'), kTime), 60.0);
+  EXPECT_EQ(Read("0:00:01." + std::string(900, '0') + "1", kTime), 1.0);
+}
+
+TEST(TimeInput, DaysAndTime) {
+  EXPECT_EQ(Read("1 10:30", kDTime), 86400 + kHalfPastTen);
+  EXPECT_EQ(Read("1:10:30", kDTime), 86400 + kHalfPastTen);
+  EXPECT_EQ(Read("1   10:30", kDTime), 86400 + kHalfPastTen);
+  EXPECT_EQ(Read("001 10:30:15", kDTime), 86400 + kHalfPastTen + 15);
+  EXPECT_EQ(Read("-2 00:00:01", kDTime), -172801.0);
+  EXPECT_EQ(Read("+2 00:00", kDTime), 172800.0);
+  EXPECT_EQ(Read("0 23:59:59.75", kDTime), 86399.75);
+  EXPECT_EQ(Read("0 23:59:59,75", kDTime), 86399.75);
+  EXPECT_EQ(Read("10000 0:00", kDTime), 864000000.0);
+  for (const char* text :
+       {"1",          "1 ",          "10:30",        "1 24:00",      "1 10",         "1 10:60",
+        "1 10:30:60", "1 10:30:15.", "1 10:30:15 5", "1 10:30:15-5", "1 10:30:15/5", "1-10:30",
+        "1/10:30",    "1,10:30",     "1 -10:30",     "1 +10:30",     "- 1 10:30",    "1T10:30",
+        "1: 10:30",   "1::10:30",    "1 100:30",     "a 10:30",      "--1 10:30"}) {
+    EXPECT_EQ(Read(text, kDTime), kNoValue) << text;
+  }
+}
+
+TEST(TimeInput, MinutesAndSeconds) {
+  EXPECT_EQ(Read("12:30", kMTime), 750.0);
+  EXPECT_EQ(Read("12.30", kMTime), 750.0);
+  EXPECT_EQ(Read("12,30", kMTime), 750.0);
+  EXPECT_EQ(Read("12 30", kMTime), 750.0);
+  EXPECT_EQ(Read("12:5", kMTime), 725.0);
+  EXPECT_EQ(Read("-12:30", kMTime), -750.0);
+  EXPECT_EQ(Read("+12:30", kMTime), 750.0);
+  EXPECT_EQ(Read("1000:00", kMTime), 60000.0);
+  EXPECT_EQ(Read("12:30.5", kMTime), 750.5);
+  EXPECT_EQ(Read("12:30,5", kMTime), 750.5);
+  EXPECT_EQ(Read("12:30:5", kMTime), 750.5);
+  EXPECT_EQ(Read("12:30:45", kMTime), 750.45);
+  EXPECT_EQ(Read("12.30.45", kMTime), 750.45);
+  EXPECT_EQ(Read("12 30.125", kMTime), 750.125);
+  for (const char* text :
+       {"12", "1230", "12:", ":30", "12:60", "12:030", "12:30:", "12:30.", "12:30 5", "12:30-5",
+        "12-30", "12/30", "12  30", "12: 30", "12:30:45:5", "--12:30", "- 12:30", "12:30x"}) {
+    EXPECT_EQ(Read(text, kMTime), kNoValue) << text;
+  }
+}
+
+TEST(TimeInput, DigitsAndBlanksOfOtherScripts) {
+  const HostEncoding utf8("UTF-8");
+  EXPECT_EQ(Read("\u0661\u0660:30", kTime), kHalfPastTen);
+  EXPECT_EQ(Read("10:30:15\u00A0\u0662\u0665", kTime), kHalfPastTen + 15.25);
+  EXPECT_EQ(Read("10:30:15.\u0662\u0665\u0660\u0660\u0660\u0660\u0660\u0660\u0660\u0660\u0660\u0660"
+                 "\u0660\u0660\u0660\u0660",
+                 kTime),
+            kHalfPastTen + 15.25);
+  EXPECT_EQ(Read("1\u200310:30", kDTime), 86400 + kHalfPastTen);
+}
+
+}  // namespace
+}  // namespace embedded
