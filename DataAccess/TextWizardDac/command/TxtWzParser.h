@@ -65,6 +65,8 @@ class TxtWzParser {
   const char* GetErrorMesToken() const { return errorMessage_ ? errorMessage_->c_str() : nullptr; }
   const ErrorTextList& warnings() const { return warnings_; }
   std::uint64_t variableCounter() const { return variableCounter_; }
+  // The word that GetNextInt read last, as far as it is kept.
+  const std::string& scratch() const { return scratch_; }
   const SyntaxScanner& scanner() const { return scanner_; }
 
   // Keeps the text of message `id` with its token (null: none) as the error of the command, in the
@@ -184,7 +186,6 @@ class TxtWzParser {
   std::uint64_t variableCounter_ = 0;
   std::int64_t currentRecord_ = 1;
 
-  // The word that GetNextInt read its number from.
   std::string scratch_;
   std::uint32_t errorId_ = kNoArrangement;
   std::optional<std::string> errorMessage_;
