@@ -1,7 +1,6 @@
 #include "TxtWzMultiThreadMgr/TextDataIteratorThread.h"
 
 #include <algorithm>
-#include <climits>
 #include <new>
 
 #include "HostFramework/Text.h"
@@ -10,6 +9,9 @@
 
 namespace textwizard {
 namespace {
+
+// Bytes behind a string's width that tell whether the character at its end is whole.
+constexpr std::size_t kLongestCharacter = 8;
 
 std::size_t TextLimit(std::size_t firstRecord) {
   constexpr std::size_t kMost = TextDataIteratorThread::kLargestBatchText;
@@ -124,12 +126,11 @@ void TextDataIteratorThread::ConvertBatch() {
   fConvertIndex = 0;
   try {
     PrepareBatch();
-    const char* cursor = fText.get();
-    const char* const end = cursor + fTextUsed;
-    const bool byteText = fSplitter.CutsByBytes({cursor, fTextUsed});
-    if (byteText) fSplitter.SetByteText({cursor, fTextUsed});
+    const std::string_view text(fText.get(), fTextUsed);
+    const bool byteText = fSplitter.CutsByBytes(text);
+    std::size_t cursor = 0;
     for (; fConvertIndex < fRecordCount; ++fConvertIndex) {
-      NextRecord(cursor, end, byteText);
+      cursor = StartRecord(text, cursor, byteText);
       if (fPlan.detection) {
         DetectRecord();
       } else {
@@ -149,6 +150,7 @@ void TextDataIteratorThread::PrepareBatch() {
   }
   fNotes.clear();
   fNextNote = 0;
+  fTextMarked = false;
   if (fPlan.detection) {
     if (!fRegEx) {
       fRegEx.emplace();
@@ -167,18 +169,20 @@ void TextDataIteratorThread::PrepareBatch() {
   }
 }
 
-void TextDataIteratorThread::NextRecord(const char*& cursor, const char* end, bool byteText) {
-  const auto* lineEnd =
-      static_cast<const char*>(std::memchr(cursor, '\n', static_cast<std::size_t>(end - cursor)));
-  const std::string_view raw(cursor, static_cast<std::size_t>(lineEnd - cursor));
-  cursor = lineEnd + 1;
+std::size_t TextDataIteratorThread::StartRecord(std::string_view text, std::size_t cursor,
+                                                bool byteText) {
+  const std::size_t end = text.find('\n', cursor);
+  const std::string_view raw = text.substr(cursor, end - cursor);
   const std::string_view record = fDecoded ? raw : fDecoder.Decode8(raw);
-  fWholeCharacters = byteText && record.data() == raw.data();
-  if (fWholeCharacters) {
+  if (byteText && record.data() == raw.data()) {
+    if (!fTextMarked) fSplitter.SetByteText(text);
+    fTextMarked = true;
     fSplitter.SetRecordOfText(record);
   } else {
+    fTextMarked = false;
     fSplitter.SetRecord(record);
   }
+  return end + 1;
 }
 
 void TextDataIteratorThread::ConvertRecord() {
@@ -209,12 +213,13 @@ void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask&
 void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTask& task) {
   unsigned char* const cells = fCurrentCase + task.offset;
   std::size_t written = task.cellWidth;
-  if (fWholeCharacters && text.size() <= task.cellWidth) {
+  if (text.size() <= written) {
     written = text.size();
     std::memcpy(cells, text.data(), written);
   } else {
-    QANTMBCopyToFixed_A(reinterpret_cast<char*>(cells), static_cast<int>(task.cellWidth),
-                        text.data(), static_cast<int>(std::min<std::size_t>(text.size(), INT_MAX)));
+    const std::size_t seen = std::min(text.size(), written + kLongestCharacter);
+    QANTMBCopyToFixed_A(reinterpret_cast<char*>(cells), static_cast<int>(written), text.data(),
+                        static_cast<int>(seen));
   }
   std::memset(cells + written, ' ', task.cellBytes - written);
 }

@@ -118,8 +118,8 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   void OnUndecodable(std::size_t position) override;
   void ConvertBatch();
   void PrepareBatch();
-  // Makes fSplitter ready for the next record of the text.
-  void NextRecord(const char*& cursor, const char* end, bool byteText);
+  // Makes fSplitter ready for the record of `text` at `cursor`; returns where the next one begins.
+  std::size_t StartRecord(std::string_view text, std::size_t cursor, bool byteText);
   void ConvertRecord();
   void DetectRecord();
   bool GetNextVar(std::string_view& field) { return fSplitter.Next(field); }
@@ -167,11 +167,11 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   RecordDecoder fDecoder;
   std::optional<RegExMappings> fRegEx;
   std::optional<DetectionCounters> fCounters;
+  // fSplitter knows the batch text as one of bytes; a record that was decoded makes it forget.
+  bool fTextMarked = false;
   std::uint32_t fConvertIndex = 0;
   std::size_t fAutoSeen = 0;
   unsigned char* fCurrentCase = nullptr;
-  // The record's text is whole characters, found by a look at the whole batch.
-  bool fWholeCharacters = false;
   // Two for each variable: the batch has a note that its flag was set.
   std::vector<std::uint8_t> fFlagNoted;
 };
