@@ -1,8 +1,3 @@
-#include <cstdio>
+#include "cli/Program.h"
 
-#include "cli/Version.h"
-
-int main() {
-  std::printf("textwizard %s\n", cli::Version());
-  return 0;
-}
+int main(int argc, char** argv) { return cli::RunProgram(argc, argv); }

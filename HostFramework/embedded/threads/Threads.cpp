@@ -14,6 +14,7 @@ namespace embedded {
 namespace {
 
 std::atomic<int> startLimit{-1};
+std::atomic<int> started{0};
 
 bool TakeThreadStart() {
   int left = startLimit.load();
@@ -44,6 +45,8 @@ class InterruptBlocked {
 
 void SetThreadStartLimit(int threads) { startLimit = threads; }
 
+int ThreadsStarted() { return started; }
+
 }  // namespace embedded
 
 sfThread::sfThread(int scope) : scope_(scope) {}
@@ -60,6 +63,7 @@ bool sfThread::activate() {
   } catch (const std::system_error&) {
     return false;
   }
+  ++embedded::started;
   return true;
 }
 

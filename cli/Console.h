@@ -1,0 +1,55 @@
+// Standard output and standard error as one place: messages, what a person is shown, and the
+// progress line that stands below them and goes away.
+#pragma once
+
+#include <mutex>
+#include <string>
+#include <string_view>
+
+namespace cli {
+
+// Texts are UTF-8. Any thread.
+class Console {
+ public:
+  struct Settings {
+    // Standard output carries a file ("-" was given): what else would go there goes to standard
+    // error, so that the file stays whole.
+    bool outputIsData = false;
+    // Show progress; the caller asks only where standard error is a terminal.
+    bool progress = false;
+  };
+  explicit Console(const Settings& settings);
+  ~Console();
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
+
+  // "error: TEXT" and "warning: TEXT" on standard error.
+  void Error(std::string_view text);
+  void Warning(std::string_view text);
+  // A line of the log, as it stands.
+  void Log(std::string_view text);
+  // What a person is shown, as it stands.
+  void Print(std::string_view text);
+  // A line for programs, always on standard output.
+  void PrintResult(std::string_view line);
+  // A remark on the run, on standard error.
+  void Note(std::string_view text);
+
+  bool showsProgress() const { return settings_.progress; }
+  void ShowProgress(std::string_view text);
+  void ClearProgress();
+
+  // Writes what is buffered; false when standard output could not take everything.
+  bool Flush();
+
+ private:
+  void WriteError(std::string_view kind, std::string_view text);
+  void WriteOutput(std::string_view text);
+  void EraseProgress();
+
+  const Settings settings_;
+  std::mutex mutex_;  // guards the streams and the line below
+  bool progressShown_ = false;
+};
+
+}  // namespace cli

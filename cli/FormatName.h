@@ -1,0 +1,26 @@
+// The display formats as the program names them, and what it does with the values of each.
+#pragma once
+
+#include <string>
+
+#include "HostFramework/DataSource.h"
+
+namespace cli {
+
+// How a value is turned into text.
+enum class ValueKind {
+  kString,
+  kNumber,    // the number itself
+  kDate,      // seconds since 1582-10-14, shown as a day
+  kDateTime,  // the same, shown as a day and a time
+  kTime,      // seconds, shown as hours, minutes and seconds
+};
+
+// The format as a command writes it, such as "F8.2", "A20" or "DATE11". A code that has no name is
+// named "badFormat".
+std::string FormatName(const QANT_Format& format);
+
+// What the values of a variable are.
+ValueKind KindOf(const QANT_Variable& variable);
+
+}  // namespace cli

@@ -1,0 +1,79 @@
+#include "cli/MessageSink.h"
+
+#include <fmt/format.h>
+
+#include "cli/JsonText.h"
+
+namespace cli {
+namespace {
+
+std::atomic<MessageSink*> current{nullptr};
+
+void PostToCurrent(const char* text, int kind) {
+  MessageSink* sink = current.load();
+  if (sink != nullptr && text != nullptr) sink->Post(text, kind);
+}
+
+// The counts that tell that a display of progress is over.
+bool EndsProgress(std::string_view count) { return count == "-1" || count == "4294967295"; }
+
+}  // namespace
+
+MessageSink::MessageSink(Console& console) : console_(console), before_(current.load()) {
+  current = this;
+}
+
+MessageSink::~MessageSink() { current = before_; }
+
+ErrorCallback MessageSink::Callback() { return &PostToCurrent; }
+
+void MessageSink::WriteTo(OutputFile* file) {
+  const std::lock_guard guard(mutex_);
+  file_ = file;
+}
+
+void MessageSink::Post(std::string_view hostText, int kind) {
+  const std::lock_guard guard(mutex_);
+  Write(hostText_.ToUtf8(hostText), kind);
+}
+
+void MessageSink::PostError(std::string_view text) {
+  const std::lock_guard guard(mutex_);
+  Write(text, kMessageError);
+}
+
+void MessageSink::Write(std::string_view text, int kind) {
+  if (kind == kMessageProgress) {
+    ShowCount(text);
+    return;
+  }
+  if (kind == kMessageError) ++errors_;
+  if (file_ != nullptr) {
+    const char* name = kind == kMessageError     ? "error"
+                       : kind == kMessageWarning ? "warning"
+                                                 : "log";
+    file_->Append("{\"kind\":\"");
+    file_->Append(name);
+    file_->Append("\",\"text\":");
+    AppendJsonString(*file_, text);
+    file_->Append("}\n");
+    // Whoever reads a pipe gets each message when it is posted.
+    if (file_->target() == "-") file_->Flush();
+  } else if (kind == kMessageError) {
+    console_.Error(text);
+  } else if (kind == kMessageWarning) {
+    console_.Warning(text);
+  } else {
+    console_.Log(text);
+  }
+}
+
+void MessageSink::ShowCount(std::string_view count) {
+  if (EndsProgress(count)) {
+    console_.ClearProgress();
+  } else if (console_.showsProgress()) {
+    console_.ShowProgress(fmt::format("finding the types of the variables: {} records", count));
+  }
+}
+
+}  // namespace cli

@@ -1,0 +1,53 @@
+// Where the messages of the component go: to the console, or to a file as JSON Lines.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "HostFramework/Messages.h"
+#include "cli/Console.h"
+#include "cli/OutputFile.h"
+#include "cli/Utf8Converter.h"
+
+namespace cli {
+
+// Takes messages from any thread. The host's callback is a plain function, so the sink that it
+// posts to is the one that was made last; sinks nest.
+class MessageSink {
+ public:
+  explicit MessageSink(Console& console);
+  ~MessageSink();
+  MessageSink(const MessageSink&) = delete;
+  MessageSink& operator=(const MessageSink&) = delete;
+
+  // The function to give to the host.
+  static ErrorCallback Callback();
+
+  // Sends the messages that follow to `file` as JSON Lines; null sends them to the console. The
+  // file stays the caller's and outlives its use here.
+  void WriteTo(OutputFile* file);
+
+  // One message: host text and its kind.
+  void Post(std::string_view hostText, int kind);
+  // An error of the program's own, in UTF-8.
+  void PostError(std::string_view text);
+
+  // Errors posted so far.
+  long long errors() const { return errors_.load(); }
+
+ private:
+  void Write(std::string_view text, int kind);
+  void ShowCount(std::string_view count);
+
+  Console& console_;
+  MessageSink* const before_;
+  std::atomic<long long> errors_{0};
+  std::mutex mutex_;  // guards what follows
+  OutputFile* file_ = nullptr;
+  Utf8Converter hostText_;
+};
+
+}  // namespace cli

@@ -1,0 +1,134 @@
+#include "cli/OutputFile.h"
+
+#include <filesystem>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "cli/testing/TestFolder.h"
+
+namespace cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(OutputFile, TakesItsNameWhenPublished) {
+  const TestFolder folder;
+  std::string error;
+  const auto file = OutputFile::Open(folder / "out.csv", &error);
+  ASSERT_NE(file, nullptr) << error;
+  file->Append("one,");
+  file->Append('2');
+  char* room = file->Reserve(3);
+  room[0] = '\n';
+  file->Advance(room + 1);
+  ASSERT_TRUE(file->Finish());
+  EXPECT_FALSE(folder.Holds("out.csv"));
+  ASSERT_TRUE(file->Publish());
+  EXPECT_EQ(folder.Text("out.csv"), "one,2\n");
+  EXPECT_EQ(folder.Count(), 1U);
+}
+
+TEST(OutputFile, LeavesNothingWhenNotPublished) {
+  const TestFolder folder;
+  folder.Write("out.csv", "as it was");
+  std::string error;
+  {
+    const auto file = OutputFile::Open(folder / "out.csv", &error);
+    ASSERT_NE(file, nullptr) << error;
+    file->Append("half");
+    file->Flush();
+    EXPECT_EQ(folder.Count(), 2U);
+  }
+  EXPECT_EQ(folder.Count(), 1U);
+  EXPECT_EQ(folder.Text("out.csv"), "as it was");
+}
+
+TEST(OutputFile, WritesTextsLongerThanItsBuffer) {
+  const TestFolder folder;
+  std::string error;
+  std::string expected;
+  const auto file = OutputFile::Open(folder / "out", &error);
+  ASSERT_NE(file, nullptr) << error;
+  for (std::size_t length = 0; length < 700000; length = length * 3 + 1) {
+    const std::string text(length, static_cast<char>('a' + length % 26));
+    file->Append(text);
+    file->Append('\n');
+    expected += text + "\n";
+  }
+  ASSERT_TRUE(file->Finish() && file->Publish());
+  EXPECT_EQ(folder.Text("out"), expected);
+}
+
+TEST(OutputFile, TellsThatADiskIsFull) {
+  std::string error;
+  const auto file = OutputFile::Open("/dev/full", &error);
+  ASSERT_NE(file, nullptr) << error;
+  file->Append("text");
+  EXPECT_FALSE(file->Finish());
+  EXPECT_FALSE(file->ok());
+  EXPECT_EQ(file->error(), "cannot write /dev/full: No space left on device");
+  EXPECT_FALSE(file->Publish());
+  struct stat device {};
+  ASSERT_EQ(stat("/dev/full", &device), 0);
+  EXPECT_TRUE(S_ISCHR(device.st_mode));
+}
+
+TEST(OutputFile, NamesATargetThatCannotBeWritten) {
+  const TestFolder folder;
+  std::string error;
+  EXPECT_EQ(OutputFile::Open(folder / "none/out.csv", &error), nullptr);
+  EXPECT_EQ(error, "cannot write " + (folder / "none/out.csv") + ": No such file or directory");
+  EXPECT_EQ(OutputFile::Open(folder.path().string(), &error), nullptr);
+  EXPECT_EQ(error, "cannot write " + folder.path().string() + ": Is a directory");
+}
+
+TEST(OutputFile, ReplacesTheFileBehindALinkAndKeepsItsPermissions) {
+  const TestFolder folder;
+  folder.Write("real.csv", "old");
+  fs::permissions(folder / "real.csv", fs::perms::owner_read | fs::perms::owner_write);
+  fs::create_symlink("real.csv", folder / "link.csv");
+  std::string error;
+  const auto file = OutputFile::Open(folder / "link.csv", &error);
+  ASSERT_NE(file, nullptr) << error;
+  file->Append("new");
+  ASSERT_TRUE(file->Finish() && file->Publish());
+  EXPECT_TRUE(fs::is_symlink(folder / "link.csv"));
+  EXPECT_EQ(folder.Text("real.csv"), "new");
+  EXPECT_EQ(fs::status(folder / "real.csv").permissions(),
+            fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(OutputFile, WritesToAPipeAsItStands) {
+  const TestFolder folder;
+  const std::string pipe = folder / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  // Both ends in one process: the reader first, without waiting for a writer.
+  const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+  ASSERT_GE(reader, 0);
+  std::string error;
+  const auto file = OutputFile::Open(pipe, &error);
+  ASSERT_NE(file, nullptr) << error;
+  file->Append("through");
+  ASSERT_TRUE(file->Finish() && file->Publish());
+  char text[16];
+  EXPECT_EQ(std::string(text, static_cast<std::size_t>(read(reader, text, sizeof text))),
+            "through");
+  close(reader);
+  EXPECT_TRUE(fs::is_fifo(pipe));
+}
+
+TEST(OutputFile, KnowsTheSameFileUnderAnotherName) {
+  const TestFolder folder;
+  folder.Write("a", "");
+  folder.Write("b", "");
+  fs::create_symlink("a", folder / "link");
+  EXPECT_TRUE(SameFile(folder / "link", folder / "a"));
+  EXPECT_FALSE(SameFile(folder / "b", folder / "a"));
+  EXPECT_FALSE(SameFile(folder / "none", folder / "a"));
+}
+
+}  // namespace
+}  // namespace cli

@@ -1,0 +1,58 @@
+#include "cli/Program.h"
+
+#include <clocale>
+#include <cstdio>
+#include <exception>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/ExitStatus.h"
+#include "cli/Run.h"
+#include "cli/Version.h"
+
+namespace cli {
+namespace {
+
+constexpr int kOptionColumn = 32;
+
+constexpr char kExamples[] = R"(Examples:
+  textwizard run import.sps
+  textwizard run import.sps --cases cases.csv
+  textwizard run --help
+)";
+
+// Says what is wrong with the arguments, and where help is.
+int ReportWrongUsage(const CLI::App& program, const CLI::ParseError& error) {
+  std::string command = program.get_name();
+  for (const CLI::App* subcommand : program.get_subcommands()) {
+    command += " " + subcommand->get_name();
+  }
+  std::fprintf(stderr, "error: %s\nTry '%s --help'.\n", error.what(), command.c_str());
+  return kExitUsage;
+}
+
+}  // namespace
+
+int RunProgram(int argc, char** argv) {
+  std::setlocale(LC_ALL, "");
+  int status = kExitSuccess;
+  CLI::App program("Imports text data files by GET DATA commands.", "textwizard");
+  program.set_version_flag("--version", std::string("textwizard ") + Version());
+  program.get_formatter()->column_width(kOptionColumn);
+  program.footer(kExamples);
+  program.require_subcommand(1);
+  AddRun(program, &status);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == kExitSuccess) return program.exit(error);
+    return ReportWrongUsage(program, error);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "error: %s\n", error.what());
+    return kExitUsage;
+  }
+  return status;
+}
+
+}  // namespace cli

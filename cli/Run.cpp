@@ -1,0 +1,178 @@
+#include "cli/Run.h"
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "HostFramework/ValueInput.h"
+#include "HostFramework/embedded/command/CommandLanguage.h"
+#include "HostFramework/embedded/messages/Attention.h"
+#include "HostFramework/embedded/messages/Catalogue.h"
+#include "HostFramework/embedded/text/HostText.h"
+#include "cli/CommandFile.h"
+#include "cli/CommandRun.h"
+#include "cli/ComponentLibrary.h"
+#include "cli/Console.h"
+#include "cli/ExitStatus.h"
+#include "cli/Interrupt.h"
+#include "cli/MessageSink.h"
+
+namespace cli {
+namespace {
+
+// Puts the host into the state that the options ask for. False when one names nothing; then *error
+// says which.
+bool SetHost(const RunOptions& options, std::string* error) {
+  const bool utf8 = options.codePage.empty();
+  if (!embedded::SetCodePage(utf8 ? nullptr : options.codePage.c_str())) {
+    *error = "--code-page: unknown code page " + options.codePage;
+    return false;
+  }
+  if (!options.localeCodePage.empty() &&
+      !embedded::SetLocaleCodePage(options.localeCodePage.c_str())) {
+    *error = "--locale-code-page: unknown code page " + options.localeCodePage;
+    return false;
+  }
+  if (options.decimalComma) {
+    iocvsetdeccharcomma_();
+  } else {
+    iocvsetdecchardot_();
+  }
+  return true;
+}
+
+class Runner {
+ public:
+  Runner(const RunOptions& options, Console& console)
+      : options_(options), console_(console), messages_(console) {}
+
+  int Run(const std::string& commands);
+
+ private:
+  CommandEnd RunOne(embedded::ParsedCommand command, int number);
+  bool OpenMessages(int number);
+  bool CloseMessages();
+  void Finish();
+
+  const RunOptions& options_;
+  Console& console_;
+  MessageSink messages_;
+  ComponentLibrary component_;
+  std::unique_ptr<OutputFile> messagesFile_;
+  bool several_ = false;
+  bool failed_ = false;
+  bool outputFailed_ = false;
+  RunStats stats_;
+};
+
+int Runner::Run(const std::string& commands) {
+  several_ = HoldsSeveralCommands(commands);
+  std::string error = WhatIsWrong(options_, several_);
+  if (!error.empty() || !component_.Load(&error)) {
+    console_.Error(error);
+    return kExitUsage;
+  }
+  const bool perCommand = IsPerCommand(options_.messages);
+  if (!perCommand && !OpenMessages(0)) return kExitUsage;
+  if (const std::string problems = embedded::CatalogueProblems(); !problems.empty()) {
+    messages_.Post(problems, kMessageWarning);
+  }
+
+  embedded::CommandReader reader(commands);
+  embedded::ParsedCommand command;
+  int number = 0;
+  bool interrupted = embedded::AttentionRequested();
+  while (!interrupted && !outputFailed_ && reader.Next(command)) {
+    ++number;
+    if (perCommand && !OpenMessages(number)) {
+      outputFailed_ = true;
+      break;
+    }
+    const CommandEnd end = RunOne(std::move(command), number);
+    failed_ = failed_ || end == CommandEnd::kFailed;
+    outputFailed_ = end == CommandEnd::kOutputFailed;
+    interrupted = end == CommandEnd::kInterrupted;
+    if (perCommand && !CloseMessages()) outputFailed_ = true;
+    command = {};
+  }
+  if (number == 0 && !interrupted) {
+    console_.Warning(CommandFileName(options_.commandFile) + " holds no command");
+  }
+  if (!perCommand && !CloseMessages()) outputFailed_ = true;
+  if (interrupted) {
+    console_.Note(fmt::format("interrupted: {} case{} read; unfinished outputs were removed",
+                              stats_.cases, stats_.cases == 1 ? "" : "s"));
+  }
+  Finish();
+  if (interrupted) return kExitInterrupted;
+  if (outputFailed_) return kExitUsage;
+  return failed_ ? kExitCommandFailed : kExitSuccess;
+}
+
+CommandEnd Runner::RunOne(embedded::ParsedCommand command, int number) {
+  if (!command.ok) {
+    messages_.PostError(CommandFileName(options_.commandFile) + ", " + command.error);
+    return CommandEnd::kFailed;
+  }
+  if (several_ && !options_.quiet && !WritesStandardOutput(options_)) {
+    console_.Print(
+        fmt::format("{}Command {} (line {})\n", number > 1 ? "\n" : "", number, command.line));
+  }
+  RunStats stats;
+  const RunContext context{options_, component_, console_, messages_};
+  const CommandEnd end = RunCommand(context, number, std::move(command.tokens), &stats);
+  // What a failed command delivered before it failed counts for nothing.
+  if (end == CommandEnd::kFailed || end == CommandEnd::kOutputFailed) stats.cases = 0;
+  stats_.Add(stats);
+  return end;
+}
+
+bool Runner::OpenMessages(int number) {
+  if (options_.messages.empty()) return true;
+  std::string error;
+  messagesFile_ = OutputFile::Open(NameForCommand(options_.messages, number), &error);
+  messages_.WriteTo(messagesFile_.get());
+  if (messagesFile_ == nullptr) console_.Error(error);
+  return messagesFile_ != nullptr;
+}
+
+bool Runner::CloseMessages() {
+  if (messagesFile_ == nullptr) return true;
+  messages_.WriteTo(nullptr);
+  const bool written = messagesFile_->Finish() && messagesFile_->Publish();
+  if (!written) console_.Error(messagesFile_->error());
+  messagesFile_.reset();
+  return written;
+}
+
+void Runner::Finish() {
+  if (options_.stats) console_.PrintResult(stats_.Json());
+  if (!console_.Flush()) {
+    console_.Error(std::string("cannot write standard output: ") + std::strerror(errno));
+    outputFailed_ = true;
+  }
+}
+
+}  // namespace
+
+int Run(const RunOptions& options) {
+  Console::Settings settings;
+  settings.outputIsData = WritesStandardOutput(options);
+  settings.progress = !options.quiet && !options.noProgress && isatty(STDERR_FILENO) != 0;
+  Console console(settings);
+  HandleInterrupts();
+  std::string error;
+  std::string commands;
+  if (!SetHost(options, &error) || !ReadCommandFile(options.commandFile, &commands, &error)) {
+    if (embedded::AttentionRequested()) return kExitInterrupted;
+    console.Error(error);
+    return kExitUsage;
+  }
+  return Runner(options, console).Run(commands);
+}
+
+}  // namespace cli

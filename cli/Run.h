@@ -1,0 +1,16 @@
+// `textwizard run`: the GET DATA commands of a file, one after another.
+#pragma once
+
+#include <CLI/App.hpp>
+
+#include "cli/RunOptions.h"
+
+namespace cli {
+
+// Registers the subcommand with the program. When it was called, *status becomes the exit status.
+void AddRun(CLI::App& program, int* status);
+
+// Runs the commands and returns the exit status (ExitStatus.h).
+int Run(const RunOptions& options);
+
+}  // namespace cli

@@ -1,0 +1,104 @@
+#include "cli/RunReport.h"
+
+#include <algorithm>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <fmt/format.h>
+
+#include "cli/ValueText.h"
+
+namespace cli {
+namespace {
+
+constexpr std::size_t kWidthElsewhere = 100;
+constexpr std::size_t kMostVariables = 200;
+
+std::string Count(long long number, std::string_view noun) {
+  return fmt::format("{} {}{}", number, noun, number == 1 ? "" : "s");
+}
+
+// The text of one value; a view into the case or into `room`.
+std::string_view ValueAt(const OBS* obs, const CaseColumn& column, Utf8Converter& hostText,
+                         std::string& room) {
+  if (column.kind == ValueKind::kString) return hostText.ToUtf8(StringAt(obs, column));
+  const double value = NumberAt(obs, column);
+  if (IsMissing(value)) return ".";
+  room.resize(kValueTextRoom);
+  const char* end = WriteValue(room.data(), value, column.kind);
+  return {room.data(), static_cast<std::size_t>(end - room.data())};
+}
+
+}  // namespace
+
+std::size_t TerminalWidth() {
+  struct winsize size {};
+  const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return known ? size.ws_col : kWidthElsewhere;
+}
+
+std::string Counts(long long cases, std::size_t variables) {
+  return Count(cases, "case") + ", " + Count(static_cast<long long>(variables), "variable");
+}
+
+std::string VariableTable(const QANT_DataSource& source) {
+  using Align = TerminalTable::Align;
+  Utf8Converter hostText;
+  TerminalTable table;
+  table.AddColumn("Variable", Align::kLeft);
+  table.AddColumn("Format", Align::kLeft);
+  table.AddColumn("Width", Align::kRight);
+  const std::size_t shown = std::min(source.GetNVariables(), kMostVariables);
+  for (std::size_t index = 0; index < shown; ++index) {
+    const QANT_Variable& variable = *source.GetVariable(index);
+    const std::string format = FormatName(variable.GetFormat());
+    const std::string width = std::to_string(variable.GetFormat().width);
+    table.AddRow({hostText.ToUtf8(variable.GetName()), format, width});
+  }
+  std::size_t columns = 0;
+  std::string text = table.Text(std::string::npos, &columns);
+  if (const std::size_t more = source.GetNVariables() - shown; more > 0) {
+    text += fmt::format("and {} (--dictionary writes them all)\n",
+                        Count(static_cast<long long>(more), "more variable"));
+  }
+  return text;
+}
+
+FirstCases::FirstCases(const QANT_DataSource& source, ValueStyle style, long long limit,
+                       std::size_t terminalWidth)
+    : limit_(limit),
+      terminalWidth_(terminalWidth),
+      variables_(source.GetNVariables()),
+      columns_(ColumnsOf(source, style)) {
+  // A column takes one character and its gap at the least.
+  columns_.resize(std::min(columns_.size(), terminalWidth / (1 + TerminalTable::kGap) + 1));
+  for (const CaseColumn& column : columns_) {
+    table_.AddColumn(column.name, column.kind == ValueKind::kString ? TerminalTable::Align::kLeft
+                                                                    : TerminalTable::Align::kRight);
+  }
+}
+
+void FirstCases::Keep(const OBS* obs) {
+  ++taken_;
+  std::vector<std::string> texts;
+  texts.reserve(columns_.size());
+  std::string room;
+  for (const CaseColumn& column : columns_) {
+    texts.emplace_back(ValueAt(obs, column, hostText_, room));
+  }
+  table_.AddRow({texts.begin(), texts.end()});
+}
+
+std::string FirstCases::Text() const {
+  if (taken_ == 0 || columns_.empty()) return {};
+  std::size_t shown = 0;
+  std::string text = table_.Text(terminalWidth_, &shown);
+  if (const std::size_t more = variables_ - shown; more > 0) {
+    text += fmt::format("and {} (--cases writes them all)\n",
+                        Count(static_cast<long long>(more), "more variable"));
+  }
+  return text;
+}
+
+}  // namespace cli

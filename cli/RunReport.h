@@ -1,0 +1,49 @@
+// What a person sees of one command: its variables, its first cases, the counts.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "HostFramework/DataSource.h"
+#include "cli/CaseWriter.h"
+#include "cli/Console.h"
+#include "cli/TerminalTable.h"
+
+namespace cli {
+
+// Columns of the terminal that standard output is; a fixed number where it is none.
+std::size_t TerminalWidth();
+
+// The table of the variables: name, format, width. Long dictionaries are cut after the first
+// variables, and the text says so.
+std::string VariableTable(const QANT_DataSource& source);
+
+// "5 cases, 7 variables".
+std::string Counts(long long cases, std::size_t variables);
+
+// Keeps the text of the first cases, no more columns of them than a terminal can show.
+class FirstCases {
+ public:
+  FirstCases(const QANT_DataSource& source, ValueStyle style, long long limit,
+             std::size_t terminalWidth);
+  // Takes a case while fewer than the limit were taken.
+  void Take(const OBS* obs) {
+    if (taken_ < limit_) Keep(obs);
+  }
+  // The table, or an empty text when no case was taken.
+  std::string Text() const;
+
+ private:
+  void Keep(const OBS* obs);
+
+  long long limit_;
+  long long taken_ = 0;
+  std::size_t terminalWidth_;
+  std::size_t variables_;
+  std::vector<CaseColumn> columns_;
+  TerminalTable table_;
+  Utf8Converter hostText_;
+};
+
+}  // namespace cli

@@ -1,0 +1,44 @@
+#include "cli/RunStats.h"
+
+#include <algorithm>
+
+#include <sys/resource.h>
+
+#include <nlohmann/json.hpp>
+
+namespace cli {
+namespace {
+
+constexpr long long kBytesPerKilobyte = 1024;
+
+long long PeakMemory() {
+  struct rusage usage {};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss * kBytesPerKilobyte;
+}
+
+}  // namespace
+
+void RunStats::Add(const RunStats& other) {
+  cases += other.cases;
+  variables += other.variables;
+  bytes += other.bytes;
+  dictionarySeconds += other.dictionarySeconds;
+  readSeconds += other.readSeconds;
+  writeSeconds += other.writeSeconds;
+  threads = std::max(threads, other.threads);
+}
+
+std::string RunStats::Json() const {
+  return nlohmann::ordered_json{{"cases", cases},
+                                {"variables", variables},
+                                {"bytes", bytes},
+                                {"dictionary_seconds", dictionarySeconds},
+                                {"read_seconds", readSeconds},
+                                {"write_seconds", writeSeconds},
+                                {"peak_rss_bytes", PeakMemory()},
+                                {"threads", threads}}
+      .dump();
+}
+
+}  // namespace cli

@@ -1,0 +1,51 @@
+#include "cli/TerminalTable.h"
+
+#include <algorithm>
+
+#include "cli/VisibleText.h"
+
+namespace cli {
+
+void TerminalTable::AddColumn(std::string_view title, Align align) {
+  columns_.push_back({align, 0, {}});
+  AddCell(columns_.back(), title);
+}
+
+void TerminalTable::AddRow(const std::vector<std::string_view>& cells) {
+  for (std::size_t index = 0; index < columns_.size(); ++index) {
+    AddCell(columns_[index], cells[index]);
+  }
+}
+
+void TerminalTable::AddCell(Column& column, std::string_view text) {
+  std::string visible = VisibleText(text, kWidestCell);
+  column.width = std::max(column.width, DisplayWidth(visible));
+  column.cells.push_back(std::move(visible));
+}
+
+std::string TerminalTable::Text(std::size_t width, std::size_t* shown) const {
+  std::size_t count = 0;
+  std::size_t used = 0;
+  for (; count < columns_.size(); ++count) {
+    used += columns_[count].width + (count == 0 ? 0 : kGap);
+    if (count > 0 && used > width) break;
+  }
+  *shown = count;
+  std::string text;
+  const std::size_t rows = columns_.empty() ? 0 : columns_.front().cells.size();
+  for (std::size_t row = 0; row < rows; ++row) {
+    std::string line;
+    for (std::size_t index = 0; index < count; ++index) {
+      const Column& column = columns_[index];
+      const std::string& cell = column.cells[row];
+      const std::string padding(column.width - DisplayWidth(cell), ' ');
+      if (index > 0) line.append(kGap, ' ');
+      line += column.align == Align::kRight ? padding + cell : cell + padding;
+    }
+    line.resize(line.find_last_not_of(' ') + 1);
+    text += line + "\n";
+  }
+  return text;
+}
+
+}  // namespace cli

@@ -1,0 +1,40 @@
+// Rows of short texts in aligned columns.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cli {
+
+class TerminalTable {
+ public:
+  enum class Align { kLeft, kRight };
+
+  // Texts of cells and titles are UTF-8 of any kind; the table makes them visible and cuts those
+  // wider than kWidestCell columns.
+  void AddColumn(std::string_view title, Align align);
+  // As many cells as there are columns.
+  void AddRow(const std::vector<std::string_view>& cells);
+
+  // The table, a line a row, as many columns as fit into `width`, but at least one. *shown becomes
+  // the number of columns that are there.
+  std::string Text(std::size_t width, std::size_t* shown) const;
+
+  static constexpr std::size_t kWidestCell = 40;
+  // Blanks between two columns.
+  static constexpr std::size_t kGap = 2;
+
+ private:
+  struct Column {
+    Align align;
+    std::size_t width;
+    std::vector<std::string> cells;  // the title, then a cell a row
+  };
+  static void AddCell(Column& column, std::string_view text);
+
+  std::vector<Column> columns_;
+};
+
+}  // namespace cli

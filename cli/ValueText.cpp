@@ -1,0 +1,151 @@
+#include "cli/ValueText.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+
+namespace cli {
+namespace {
+
+constexpr std::int64_t kSecondsPerDay = 86400;
+// Days from 1582-10-14, which the calendar of values counts from, to 1970-01-01.
+constexpr std::int64_t kDaysToEpoch = 141428;
+constexpr std::int64_t kFirstDay = 1;       // 1582-10-15
+constexpr std::int64_t kLastDay = 3074324;  // 9999-12-31
+// Whole seconds below this are exact in a double, with fractions still meaningful.
+constexpr double kLongestTime = 1e15;
+constexpr double kPlainFrom = 1e-4;
+constexpr double kPlainBelow = 1e16;
+
+struct Day {
+  std::int64_t year;
+  unsigned month;
+  unsigned day;
+};
+
+// The day of the Gregorian calendar that lies `days` after 1970-01-01, counted in eras of 400 years
+// that begin on 1 March.
+Day DayFromEpoch(std::int64_t days) {
+  const std::int64_t shifted = days + 719468;
+  const std::int64_t era = (shifted >= 0 ? shifted : shifted - 146096) / 146097;
+  const std::int64_t dayOfEra = shifted - era * 146097;
+  const std::int64_t yearOfEra =
+      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const std::int64_t marchMonth = (5 * dayOfYear + 2) / 153;
+  const auto day = static_cast<unsigned>(dayOfYear - (153 * marchMonth + 2) / 5 + 1);
+  const auto month = static_cast<unsigned>(marchMonth < 10 ? marchMonth + 3 : marchMonth - 9);
+  return {yearOfEra + era * 400 + (month <= 2 ? 1 : 0), month, day};
+}
+
+char* WriteTwoDigits(char* out, std::int64_t number) {
+  *out++ = static_cast<char>('0' + number / 10);
+  *out++ = static_cast<char>('0' + number % 10);
+  return out;
+}
+
+char* WriteDay(char* out, std::int64_t day) {
+  const Day date = DayFromEpoch(day - kDaysToEpoch);
+  out = WriteTwoDigits(out, date.year / 100);
+  out = WriteTwoDigits(out, date.year % 100);
+  *out++ = '-';
+  out = WriteTwoDigits(out, date.month);
+  *out++ = '-';
+  return WriteTwoDigits(out, date.day);
+}
+
+// A number of seconds that is not negative, cut at its decimal point. The fraction keeps the digits
+// of the shortest text of the whole number: together with the seconds they read back to it.
+struct Seconds {
+  std::int64_t whole;
+  std::string_view fraction;  // digits after the point; may be empty
+};
+
+Seconds Split(double value, char (&buffer)[kValueTextRoom]) {
+  const auto result =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed);
+  const std::string_view text(buffer, static_cast<std::size_t>(result.ptr - buffer));
+  const std::size_t point = text.find('.');
+  return {static_cast<std::int64_t>(value),
+          point == std::string_view::npos ? std::string_view() : text.substr(point + 1)};
+}
+
+char* WriteFraction(char* out, std::string_view fraction) {
+  if (fraction.empty()) return out;
+  *out++ = '.';
+  return out + fraction.copy(out, fraction.size());
+}
+
+char* WriteMinutesAndSeconds(char* out, std::int64_t seconds) {
+  *out++ = ':';
+  out = WriteTwoDigits(out, seconds / 60 % 60);
+  *out++ = ':';
+  return WriteTwoDigits(out, seconds % 60);
+}
+
+char* WriteTime(char* out, double value) {
+  char buffer[kValueTextRoom];
+  if (value < 0) *out++ = '-';
+  const Seconds time = Split(std::fabs(value), buffer);
+  out = std::to_chars(out, out + kValueTextRoom / 2, time.whole / 3600).ptr;
+  return WriteFraction(WriteMinutesAndSeconds(out, time.whole), time.fraction);
+}
+
+char* WriteDateTime(char* out, double value) {
+  char buffer[kValueTextRoom];
+  const Seconds time = Split(value, buffer);
+  const std::int64_t ofDay = time.whole % kSecondsPerDay;
+  out = WriteDay(out, time.whole / kSecondsPerDay);
+  *out++ = 'T';
+  out = WriteTwoDigits(out, ofDay / 3600);
+  return WriteFraction(WriteMinutesAndSeconds(out, ofDay), time.fraction);
+}
+
+bool InCalendar(double value) {
+  return value >= static_cast<double>(kFirstDay * kSecondsPerDay) &&
+         value < static_cast<double>((kLastDay + 1) * kSecondsPerDay);
+}
+
+}  // namespace
+
+bool IsMissing(double value) {
+  return !(value > kSystemMissing && value <= std::numeric_limits<double>::max());
+}
+
+char* WriteNumber(char* out, double value) {
+  char* const end = out + kValueTextRoom;
+  const double size = std::fabs(value);
+  if (size < kPlainBelow) {
+    const auto whole = static_cast<std::int64_t>(value);
+    // Whole numbers are most numbers, and integer conversion is several times faster. A negative
+    // zero keeps its sign only as a double.
+    if (static_cast<double>(whole) == value && (whole != 0 || !std::signbit(value))) {
+      return std::to_chars(out, end, whole).ptr;
+    }
+    if (size >= kPlainFrom) return std::to_chars(out, end, value, std::chars_format::fixed).ptr;
+  }
+  return std::to_chars(out, end, value).ptr;
+}
+
+char* WriteValue(char* out, double value, ValueKind kind) {
+  switch (kind) {
+    case ValueKind::kDate:
+      if (InCalendar(value))
+        return WriteDay(out, static_cast<std::int64_t>(value) / kSecondsPerDay);
+      break;
+    case ValueKind::kDateTime:
+      if (InCalendar(value)) return WriteDateTime(out, value);
+      break;
+    case ValueKind::kTime:
+      if (std::fabs(value) < kLongestTime) return WriteTime(out, value);
+      break;
+    case ValueKind::kString:
+    case ValueKind::kNumber:
+      break;
+  }
+  return WriteNumber(out, value);
+}
+
+}  // namespace cli

@@ -1,0 +1,21 @@
+// Text from files as a terminal may show it.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace cli {
+
+// `text` (UTF-8) with everything visible that a terminal would obey or hide: tab, line feed and
+// carriage return as \t, \n and \r, other control characters as \xHH, invisible format characters
+// (direction marks, zero-width characters, line separators) as \u{HEX}; bytes that are not UTF-8
+// become U+FFFD. A text wider than `columns` is cut and ends with an ellipsis, so that it takes
+// exactly that many columns or one less.
+std::string VisibleText(std::string_view text, std::size_t columns = std::string_view::npos);
+
+// Columns that a visible text (UTF-8) takes: 2 for wide East Asian characters and emoji, 0 for
+// combining marks.
+std::size_t DisplayWidth(std::string_view visible);
+
+}  // namespace cli
