@@ -1,0 +1,265 @@
+// Records of 8-bit files: line ends, NULs, empty lines, marks, positions, failures.
+#include "reading/RecordReader.h"
+
+#include <random>
+
+#include "reading/ReadingTesting.h"
+
+namespace textwizard {
+namespace {
+
+using testing_support::kPath;
+using testing_support::Strings;
+
+// Opens a file in memory, read in blocks of `blockSize` bytes (0: the host's).
+class OpenFile {
+ public:
+  explicit OpenFile(std::string bytes, std::size_t blockSize = 0,
+                    std::shared_ptr<embedded::StreamFaults> faults = nullptr)
+      : blocks_(blockSize), files_(kPath, std::move(bytes), std::move(faults)) {
+    EXPECT_TRUE(stream_.Open(kPath, "", "rb"));
+  }
+  const QANT_FileStream& stream() const { return stream_; }
+
+ private:
+  embedded::ScopedBlockSize blocks_;
+  embedded::ScopedMemoryFiles files_;
+  QANT_FileStream stream_;
+};
+
+Strings AllRecords(RecordReader& reader, bool keepEmpty) {
+  Strings records;
+  while (reader.Read(keepEmpty)) records.emplace_back(reader.record());
+  return records;
+}
+
+constexpr std::size_t kBlockSizes[] = {1, 2, 3, 7, 64, 0};
+
+void ExpectRecords(const std::string& file, bool keepEmpty, const Strings& expected) {
+  for (const std::size_t blockSize : kBlockSizes) {
+    const OpenFile open(file, blockSize);
+    RecordReader reader(open.stream());
+    reader.HandleByteOrderMark();
+    EXPECT_EQ(AllRecords(reader, keepEmpty), expected) << "block size " << blockSize;
+    EXPECT_FALSE(reader.Read(keepEmpty));
+    EXPECT_EQ(reader.record(), "");
+    EXPECT_FALSE(reader.failed());
+  }
+}
+
+TEST(RecordReader, EveryLineEndEndsALine) {
+  ExpectRecords("a\r\nb\rc\n", false, {"a", "b", "c"});
+  ExpectRecords("a\n\rb\n", true, {"a", "", "b"});
+  ExpectRecords("a\r\r\nb", true, {"a", "", "b"});
+}
+
+TEST(RecordReader, EmptyLinesVanishUnlessKept) {
+  ExpectRecords("a\n\n\nb", false, {"a", "b"});
+  ExpectRecords("a\n\n\nb", true, {"a", "", "", "b"});
+  ExpectRecords("\n\r\n\ra\n\n", false, {"a"});
+}
+
+TEST(RecordReader, ALastLineNeedsNoLineEnd) {
+  ExpectRecords("a\nlast", false, {"a", "last"});
+  ExpectRecords("a\nlast\n", true, {"a", "last"});
+}
+
+TEST(RecordReader, ACarriageReturnAtTheVeryEndEndsALine) {
+  ExpectRecords("a\r", true, {"a"});
+  ExpectRecords("a\n\r", true, {"a", ""});
+}
+
+TEST(RecordReader, NothingIsReadFromAnEmptyFileOrFromAMarkAlone) {
+  ExpectRecords("", true, {});
+  ExpectRecords("", false, {});
+  ExpectRecords("\xEF\xBB\xBF", true, {});
+}
+
+TEST(RecordReader, NulBytesNeverReachARecord) {
+  ExpectRecords(std::string("a\0b\0\0\nc\0", 9), false, {"ab", "c"});
+  ExpectRecords(std::string("\0\0\0\nx", 5), false, {"x"});
+  ExpectRecords(std::string("\0\0\0\nx", 5), true, {"", "x"});
+  ExpectRecords(std::string(100, '\0'), true, {});
+}
+
+TEST(RecordReader, ACarriageReturnANulAndALineFeedAreTwoLineEnds) {
+  ExpectRecords(std::string("a\r\0\nb", 5), true, {"a", "", "b"});
+}
+
+TEST(RecordReader, AnUtf8MarkIsSteppedOver) {
+  ExpectRecords(
+      "\xEF\xBB\xBF"
+      "a\nb",
+      false, {"a", "b"});
+}
+
+TEST(RecordReader, APartOfAMarkIsData) {
+  ExpectRecords(
+      "\xEF\xBB"
+      "A\nb",
+      false,
+      {"\xEF\xBB"
+       "A",
+       "b"});
+  ExpectRecords("\xEF", false, {"\xEF"});
+  ExpectRecords("\xEF\xBB", false, {"\xEF\xBB"});
+  ExpectRecords("\xFEz", false, {"\xFEz"});
+  ExpectRecords("\xFF\xFF", false, {"\xFF\xFF"});
+}
+
+TEST(RecordReader, AMarkStaysKnownWhenTheStartIsLookedAtAgain) {
+  const OpenFile open("\xEF\xBB\xBFx");
+  RecordReader reader(open.stream());
+  reader.HandleByteOrderMark();
+  EXPECT_TRUE(reader.hasMark());
+  EXPECT_EQ(reader.mark(), ByteOrderMark::kUtf8);
+  // From behind the mark there is none, and reading starts over at offset 0.
+  reader.HandleByteOrderMark();
+  EXPECT_FALSE(reader.hasMark());
+  EXPECT_EQ(reader.mark(), ByteOrderMark::kUtf8);
+  ASSERT_TRUE(reader.Read(false));
+  EXPECT_EQ(reader.record(), "\xEF\xBB\xBFx");
+}
+
+TEST(RecordReader, TellsWhereEachRecordBegan) {
+  for (const std::size_t blockSize : kBlockSizes) {
+    const OpenFile open("ab\r\n\n\ncd\re", blockSize);
+    RecordReader reader(open.stream());
+    std::vector<std::int64_t> positions;
+    while (reader.Read(false)) positions.push_back(reader.recordPosition());
+    EXPECT_EQ(positions, (std::vector<std::int64_t>{0, 6, 9}));
+    ASSERT_TRUE(reader.SeekTo(6));
+    ASSERT_TRUE(reader.Read(false));
+    EXPECT_EQ(reader.record(), "cd");
+    ASSERT_TRUE(reader.SeekBegin());
+    ASSERT_TRUE(reader.Read(false));
+    EXPECT_EQ(reader.record(), "ab");
+  }
+}
+
+TEST(RecordReader, SkipsLinesUpToTheFirstCaseAndCountsEmptyOnes) {
+  const auto firstAfter = [](std::int64_t count, std::int64_t firstCase) {
+    const OpenFile open("1\n\n3\n4\n");
+    RecordReader reader(open.stream());
+    reader.SkipLines(count, firstCase);
+    return reader.Read(true) ? std::string(reader.record()) : "end";
+  };
+  EXPECT_EQ(firstAfter(1, 1), "1");
+  EXPECT_EQ(firstAfter(1, 2), "");
+  EXPECT_EQ(firstAfter(1, 3), "3");
+  EXPECT_EQ(firstAfter(0, 1), "");
+  EXPECT_EQ(firstAfter(1, 5), "end");
+  EXPECT_EQ(firstAfter(1, 1000000000000), "end");
+}
+
+TEST(RecordReader, StopsAsIfTheDataEndedWhenAskedTo) {
+  for (const std::size_t blockSize : kBlockSizes) {
+    const OpenFile open("a\nb\nc", blockSize);
+    RecordReader reader(open.stream());
+    std::atomic<std::int32_t> stop{0};
+    reader.SetStop(&stop);
+    ASSERT_TRUE(reader.Read(false));
+    stop = 1;
+    EXPECT_FALSE(reader.Read(false));
+    EXPECT_EQ(reader.record(), "");
+    EXPECT_FALSE(reader.failed());
+  }
+}
+
+TEST(RecordReader, StopsAtTheNextBlockOfALongLine) {
+  const auto faults = std::make_shared<embedded::StreamFaults>();
+  std::atomic<std::int32_t> stop{0};
+  std::int64_t farthest = 0;
+  faults->beforeRead = [&](std::int64_t offset) {
+    farthest = offset;
+    if (offset >= 40) stop = 1;
+  };
+  const OpenFile open(std::string(100000, 'x'), 10, faults);
+  RecordReader reader(open.stream());
+  reader.SetStop(&stop);
+  EXPECT_FALSE(reader.Read(false));
+  EXPECT_EQ(reader.record(), "");
+  EXPECT_LE(farthest, 60);
+}
+
+TEST(RecordReader, StopsBetweenEmptyLines) {
+  const auto faults = std::make_shared<embedded::StreamFaults>();
+  std::atomic<std::int32_t> stop{0};
+  std::int64_t farthest = 0;
+  faults->beforeRead = [&](std::int64_t offset) {
+    farthest = offset;
+    if (offset >= 40) stop = 1;
+  };
+  const OpenFile open(std::string(100000, '\n'), 10, faults);
+  RecordReader reader(open.stream());
+  reader.SetStop(&stop);
+  EXPECT_FALSE(reader.Read(false));
+  EXPECT_LE(farthest, 60);
+}
+
+TEST(RecordReader, MillionsOfEmptyLinesAreSkippedWithoutRecursion) {
+  const OpenFile open(std::string(5000000, '\n') + "end");
+  RecordReader reader(open.stream());
+  ASSERT_TRUE(reader.Read(false));
+  EXPECT_EQ(reader.record(), "end");
+  EXPECT_EQ(reader.recordPosition(), 5000000);
+}
+
+TEST(RecordReader, AReadErrorEndsTheDataAndIsTold) {
+  const auto faults = std::make_shared<embedded::StreamFaults>();
+  faults->failAt = 5;
+  const OpenFile open("ab\ncd\nef\n", 2, faults);
+  RecordReader reader(open.stream());
+  EXPECT_EQ(AllRecords(reader, false), (Strings{"ab", "cd"}));
+  EXPECT_TRUE(reader.failed());
+  // The rest is not read as if nothing had happened, even if it could be again.
+  faults->failAt = -1;
+  EXPECT_FALSE(reader.Read(false));
+  EXPECT_TRUE(reader.failed());
+}
+
+TEST(RecordReader, AStreamThatCannotBeOpenedAgainIsAFailure) {
+  const auto faults = std::make_shared<embedded::StreamFaults>();
+  const OpenFile open("a\n", 0, faults);
+  faults->duplicatesLeft = 0;
+  RecordReader reader(open.stream());
+  EXPECT_TRUE(reader.failed());
+  EXPECT_FALSE(reader.Read(false));
+}
+
+// Byte by byte, as plainly as the rules are.
+Strings NaiveRecords(const std::string& file, bool keepEmpty) {
+  Strings records;
+  std::string record;
+  for (std::size_t i = 0; i < file.size(); ++i) {
+    const char ch = file[i];
+    if (ch != '\n' && ch != '\r') {
+      if (ch != '\0') record += ch;
+      continue;
+    }
+    if (ch == '\r' && i + 1 < file.size() && file[i + 1] == '\n') ++i;
+    if (keepEmpty || !record.empty()) records.push_back(record);
+    record.clear();
+  }
+  if (!record.empty()) records.push_back(record);
+  return records;
+}
+
+TEST(RecordReader, RandomFilesGiveTheSameRecordsInBlocksOfAnySize) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 300; ++round) {
+    std::string file(random() % 300, ' ');
+    for (char& ch : file) ch = std::string_view("ab\n\r\n\r\0c,\xC3\xA9xyzuvw", 17)[random() % 17];
+    for (const bool keepEmpty : {false, true}) {
+      const Strings expected = NaiveRecords(file, keepEmpty);
+      for (const std::size_t blockSize : kBlockSizes) {
+        const OpenFile open(file, blockSize);
+        RecordReader reader(open.stream());
+        ASSERT_EQ(AllRecords(reader, keepEmpty), expected) << blockSize;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace textwizard
