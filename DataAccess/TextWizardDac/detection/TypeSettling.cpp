@@ -72,17 +72,16 @@ std::uint32_t MinimumWidth(std::uint32_t formatType) {
 // Leaves room for `others` characters besides the decimals.
 void LimitDecimals(TxtWzVar& variable, std::int64_t others) {
   const std::int64_t room = std::int64_t{variable.width} - others;
-  variable.decimals =
-      static_cast<std::int32_t>(std::max<std::int64_t>(0, std::min<std::int64_t>(variable.decimals, room)));
+  variable.decimals = static_cast<std::int32_t>(
+      std::max<std::int64_t>(0, std::min<std::int64_t>(variable.decimals, room)));
 }
 
 }  // namespace
 
 void SettleType(TxtWzVar& variable, double minPercentage, const RegExMappings& table) {
-  const double sum = static_cast<double>(variable.stringCount + variable.numericCount +
-                                         variable.dateCount + variable.dollarCount +
-                                         variable.percentCount + variable.commaCount +
-                                         variable.dotCount);
+  const double sum = static_cast<double>(
+      variable.stringCount + variable.numericCount + variable.dateCount + variable.dollarCount +
+      variable.percentCount + variable.commaCount + variable.dotCount);
   const auto share = [sum](std::uint64_t count) {
     return count == 0 ? 0.0 : static_cast<double>(count) * 100.0 / sum;
   };
@@ -124,7 +123,8 @@ void NormaliseFormat(TxtWzVar& variable) {
     case kFormatMonth:
       return;
     case kFormatA:
-      variable.width = std::min(std::max(variable.maxStringLength, variable.width), kMaxStringWidth);
+      variable.width =
+          std::min(std::max(variable.maxStringLength, variable.width), kMaxStringWidth);
       variable.maxStringLength = variable.width;
       variable.decimals = 0;
       return;

@@ -106,6 +106,9 @@ class TxtWzExecFile : public TxtWzFile {
   std::vector<std::unique_ptr<TxtWzVar>> definedVars_;
 
  private:
+  // Counts the values of the AUTO variables; false when the user interrupted.
+  bool DetectTypes(QANT_DataSource* source);
+
   std::vector<TxtWzVar*> slots_;
   std::string dataFileName_;
   // Upper-case name (text of the variable itself) -> lowest definition index.

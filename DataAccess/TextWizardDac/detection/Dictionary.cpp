@@ -1,0 +1,87 @@
+// From the plan's variables to those of the host's data source.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "HostFramework/DataSource.h"
+#include "HostFramework/Messages.h"
+#include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+#include "command/FormatCode.h"
+#include "detection/SamplingPass.h"
+#include "detection/TypeSettling.h"
+#include "plan/TxtWzExecFile.h"
+#include "reading/QANT_TextWizardIterator.h"
+#include "reading/QANT_TextWizardSrc.h"
+
+namespace textwizard {
+
+namespace {
+
+using Slots = std::vector<TxtWzVar*>;
+
+bool AnyToDetect(const Slots& slots) {
+  return std::any_of(slots.begin(), slots.end(),
+                     [](const TxtWzVar* variable) { return variable->formatType == kFormatAuto; });
+}
+
+// An iterator over a fixed number of values per case ends a case by the source's variables; until
+// the plan has executed it gets copies of their present state.
+void LendVariables(QANT_TextWizardSrc& source, const Slots& slots) {
+  std::vector<std::unique_ptr<TxtWzVar>> copies;
+  copies.reserve(slots.size());
+  for (const TxtWzVar* slot : slots) copies.push_back(std::make_unique<TxtWzVar>(*slot));
+  source.SetVariables(std::move(copies));
+}
+
+}  // namespace
+
+int TxtWzExecFile::SetDictionary(QANT_DataSource* source) {
+  // The width of a variable in fixed columns does two things: it says where the field ends, and how
+  // wide the format is. Detection and normalising speak of the format; the field ends where the
+  // command said.
+  std::vector<std::uint32_t> columnWidths;
+  columnWidths.reserve(slots_.size());
+  for (const TxtWzVar* slot : slots_) columnWidths.push_back(slot->width);
+
+  if (AnyToDetect(slots_) && !DetectTypes(source)) return 0;
+
+  for (std::size_t k = 0; k < slots_.size(); ++k) {
+    TxtWzVar& variable = *slots_[k];
+    if (variable.formatType == kFormatAuto) {
+      SettleType(variable, settings.dataTypeMinPercentage, patterns_);
+    }
+    const bool inColumns = settings.arrangement == kFixedColumns;
+    if (inColumns && variable.formatType == kFormatA) variable.width = columnWidths[k];
+    NormaliseFormat(variable);
+    DefineVariable(source, variable, settings.encoding);
+    if (inColumns) variable.width = columnWidths[k];
+  }
+  return 1;
+}
+
+bool TxtWzExecFile::DetectTypes(QANT_DataSource* source) {
+  auto* const textSource = dynamic_cast<QANT_TextWizardSrc*>(source);
+  if (!textSource) return true;
+  LendVariables(*textSource, slots_);
+  const std::unique_ptr<QANT_InputCaseIterator> iterator(
+      textSource->MakeAutoDetectIterator(nullptr));
+  if (!iterator) return true;
+  iterator->Seek(0);
+  if (auto* const threaded = dynamic_cast<QANT_TextWizardMultiThreadedIterator*>(iterator.get())) {
+    // Interrupted, it leaves what was counted so far, which then decides.
+    threaded->PerformAutoDetection(slots_.data(), slots_.size());
+    return true;
+  }
+  auto* const single = dynamic_cast<QANT_TextWizardIterator*>(iterator.get());
+  if (!single) return true;
+  single->Seek(0);
+  QantErrorMonitor monitor(errorMonitorHandle);
+  monitor.SetContext(errorContext);
+  return SamplingPass(*single, settings, slots_, patterns_, monitor).Run();
+}
+
+}  // namespace textwizard

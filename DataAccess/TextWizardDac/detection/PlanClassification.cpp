@@ -1,0 +1,52 @@
+// The plan's tests of one value: calls into the units of detection.
+
+#include <string>
+#include <string_view>
+
+#include "detection/NumericTest.h"
+#include "detection/ValueClassifier.h"
+#include "plan/TxtWzExecFile.h"
+
+namespace textwizard {
+
+void TxtWzExecFile::TrimLeft(std::string& value) {
+  value.erase(0, value.size() - textwizard::TrimLeft(value).size());
+}
+
+void TxtWzExecFile::TrimRight(std::string& value) {
+  value.resize(textwizard::TrimRight(value).size());
+}
+
+bool TxtWzExecFile::IsEmptyString(const std::string& value) { return IsBlank(value); }
+
+bool TxtWzExecFile::IsNumeric(const std::string& value) const {
+  return NumericTest().Accepts(value);
+}
+
+bool TxtWzExecFile::IsPercentage(const std::string& value) const {
+  return ValueClassifier(patterns_, settings.arrangement).Is(NumberForm::kPercentage, value);
+}
+
+bool TxtWzExecFile::IsDollar(const std::string& value) const {
+  return ValueClassifier(patterns_, settings.arrangement).Is(NumberForm::kDollar, value);
+}
+
+bool TxtWzExecFile::IsComma(const std::string& value) const {
+  return ValueClassifier(patterns_, settings.arrangement).Is(NumberForm::kComma, value);
+}
+
+bool TxtWzExecFile::IsDot(const std::string& value) const {
+  return ValueClassifier(patterns_, settings.arrangement).Is(NumberForm::kDot, value);
+}
+
+int TxtWzExecFile::IsDateTime(const std::string& value) const {
+  return ValueClassifier(patterns_, settings.arrangement).IsDateTime(value);
+}
+
+void TxtWzExecFile::UpdateVarSizes(int slot, std::string value, std::string decimalChars) {
+  if (slot < 0 || static_cast<std::size_t>(slot) >= slots_.size()) return;
+  textwizard::UpdateVarSizes(*slots_[static_cast<std::size_t>(slot)], value, decimalChars,
+                             settings.arrangement);
+}
+
+}  // namespace textwizard

@@ -1,0 +1,103 @@
+#include "detection/SamplingPass.h"
+
+#include "command/FormatCode.h"
+#include "command/MessageText.h"
+
+namespace textwizard {
+
+namespace {
+
+// Records between two reports of progress, and two questions whether to go on.
+constexpr std::int64_t kProgressStep = 1000;
+// Ends the host's display of progress.
+constexpr std::int64_t kProgressEnd = -1;
+
+DetectionRules RulesOf(const ImportSettings& settings) {
+  DetectionRules rules;
+  rules.pass = DetectionPass::kSampling;
+  rules.arrangement = settings.arrangement;
+  rules.leadingSpaces = settings.leadingSpaces;
+  rules.multipleSpaces = settings.multipleSpaces;
+  return rules;
+}
+
+}  // namespace
+
+SamplingPass::SamplingPass(QANT_TextWizardIterator& iterator, const ImportSettings& settings,
+                           const std::vector<TxtWzVar*>& slots, const RegExMappings& table,
+                           ErrorMonitor& monitor)
+    : iterator_(iterator),
+      settings_(settings),
+      slots_(slots),
+      monitor_(monitor),
+      counters_(table, RulesOf(settings)),
+      blanksCollapse_(settings.arrangement != kFixedColumns && iterator.IsDelimiter(' ')) {}
+
+bool SamplingPass::Run() {
+  iterator_.HandleByteOrderMark();
+  iterator_.SkipStartingLines();
+  bool interrupted = false;
+  std::int64_t next = 1;
+  while (!interrupted && (settings_.caseLimit <= 0 || next <= settings_.caseLimit) &&
+         ReadRecord()) {
+    CountRecord();
+    ++next;
+    if (next % kProgressStep == 0) {
+      ReportProgress(next);
+      monitor_.AttentionCheck(&interrupted);
+    }
+  }
+  ReportProgress(kProgressEnd);
+  if (iterator_.readFailed()) throw kReadFailed;
+  return !interrupted;
+}
+
+bool SamplingPass::ReadRecord() {
+  switch (settings_.arrangement) {
+    case kDelimitedLines:
+      record_ = iterator_.ProcessDlmLinesBuffer();
+      cursor_ = iterator_.record().data();
+      break;
+    case kDelimitedCount:
+      record_ = iterator_.ProcessDlmCountBuffer();
+      cursor_ = record_.data();
+      break;
+    case kFixedColumns:
+      record_ = iterator_.ProcessFixedLinesBuffer();
+      break;
+  }
+  return record_ != kEndOfDataText;
+}
+
+bool SamplingPass::NextField(const TxtWzVar& variable) {
+  switch (settings_.arrangement) {
+    case kDelimitedLines:
+      return iterator_.GetNextVar(field_, cursor_);
+    case kDelimitedCount:
+      return iterator_.GetNextVar(field_, cursor_, record_);
+    case kFixedColumns:
+      return iterator_.GetVarBuffer(field_, &variable, record_);
+  }
+  return false;
+}
+
+void SamplingPass::CountRecord() {
+  for (std::size_t slot = 0; slot < slots_.size();) {
+    TxtWzVar& variable = *slots_[slot];
+    if (!NextField(variable)) return;
+    if (variable.formatType == kFormatAuto) {
+      if (!field_.empty()) {
+        counters_.Count(field_, variable);
+      } else if (blanksCollapse_) {
+        continue;
+      }
+    }
+    ++slot;
+  }
+}
+
+void SamplingPass::ReportProgress(std::int64_t records) {
+  monitor_.Report({std::to_string(records), kMessageProgress, 0});
+}
+
+}  // namespace textwizard

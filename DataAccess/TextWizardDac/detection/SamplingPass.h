@@ -1,0 +1,50 @@
+// Type detection on the caller's thread: the records of a file through the single-thread iterator
+// into the counters of the plan's variables.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "HostFramework/Messages.h"
+#include "command/TxtWzVar.h"
+#include "detection/DetectionCounters.h"
+#include "plan/ImportSettings.h"
+#include "reading/QANT_TextWizardIterator.h"
+
+namespace textwizard {
+
+// Runs once. What it is given outlives it; variables grow while it runs, and a wider or narrower
+// variable of fixed columns is cut so from its next value on.
+class SamplingPass {
+ public:
+  // `iterator` stands at the start of the file. Progress goes to `monitor`.
+  SamplingPass(QANT_TextWizardIterator& iterator, const ImportSettings& settings,
+               const std::vector<TxtWzVar*>& slots, const RegExMappings& table,
+               ErrorMonitor& monitor);
+
+  // False when the user interrupted the pass. Throws the integer 2269 when the file cannot be read
+  // on.
+  bool Run();
+
+ private:
+  bool ReadRecord();
+  bool NextField(const TxtWzVar& variable);
+  void CountRecord();
+  void ReportProgress(std::int64_t records);
+
+  QANT_TextWizardIterator& iterator_;
+  const ImportSettings& settings_;
+  const std::vector<TxtWzVar*>& slots_;
+  ErrorMonitor& monitor_;
+  DetectionCounters counters_;
+  // Empty fields take no slot: runs of blanks that separate values collapse.
+  const bool blanksCollapse_;
+
+  std::string record_;
+  const char* cursor_ = nullptr;
+  std::string field_;
+};
+
+}  // namespace textwizard
