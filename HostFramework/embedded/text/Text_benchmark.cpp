@@ -11,7 +11,7 @@ namespace {
 // A record of about 100 bytes.
 std::string Record(const std::string& word) {
   std::string record;
-  while (record.size() < 100) record += "12345.67," + word + ",2020-01-31,";
+  while (record.size() < 100) record.append("12345.67,").append(word).append(",2020-01-31,");
   return record;
 }
 
