@@ -227,6 +227,19 @@ TEST_F(AdapterPaths, AFailedWriteMakesAPathThatDoesNotOpen) {
   EXPECT_EQ(Contents(path), "closed");
 }
 
+TEST_F(AdapterPaths, WhatIsLeftOfAPipeAfterAFailureIsNotTakenForTheData) {
+  embedded::RequestAttention();
+  Send(std::string(1 << 20, 'x'));
+  const std::string path = Convert("-");
+  embedded::ClearAttention();
+  EXPECT_EQ(Convert("-"), path);
+  EXPECT_EQ(Contents(path), "closed");
+  // Lets the writer end.
+  std::string rest(1 << 20, '\0');
+  while (read(STDIN_FILENO, rest.data(), rest.size()) > 0) {
+  }
+}
+
 TEST_F(AdapterPaths, AFailedReadMakesAPathThatDoesNotOpen) {
   const int folder = open(folder_.c_str(), O_RDONLY | O_CLOEXEC);
   ASSERT_GE(folder, 0);

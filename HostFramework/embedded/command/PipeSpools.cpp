@@ -100,19 +100,22 @@ int Spool(const std::string& path, const std::string& folder) {
 }  // namespace
 
 PipeSpools::~PipeSpools() {
-  for (const auto& [path, descriptor] : descriptors_) close(descriptor);
+  for (const auto& [path, copy] : copies_) {
+    if (copy.descriptor >= 0) close(copy.descriptor);
+  }
 }
 
 std::string PipeSpools::PathOf(const std::string& path) {
-  auto found = descriptors_.find(path);
-  if (found == descriptors_.end()) {
-    if (!IsPipe(path)) return path;
-    const std::string folder = TemporaryFolder();
-    const int copy = Spool(path, folder);
-    if (copy < 0) return path + " (not copied into " + folder + ": " + std::strerror(errno) + ")";
-    found = descriptors_.emplace(path, copy).first;
-  }
-  return "/proc/self/fd/" + std::to_string(found->second);
+  const auto found = copies_.find(path);
+  if (found != copies_.end()) return found->second.path;
+  if (!IsPipe(path)) return path;
+  const std::string folder = TemporaryFolder();
+  const int descriptor = Spool(path, folder);
+  const std::string problem = descriptor < 0 ? std::strerror(errno) : "";
+  std::string result = descriptor < 0 ? path + " (not copied into " + folder + ": " + problem + ")"
+                                      : "/proc/self/fd/" + std::to_string(descriptor);
+  copies_.emplace(path, Copy{descriptor, result});
+  return result;
 }
 
 }  // namespace embedded

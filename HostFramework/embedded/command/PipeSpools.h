@@ -22,7 +22,11 @@ class PipeSpools {
   std::string PathOf(const std::string& path);
 
  private:
-  std::map<std::string, int> descriptors_;  // by the path asked for
+  struct Copy {
+    int descriptor;  // -1 when copying failed
+    std::string path;
+  };
+  std::map<std::string, Copy> copies_;  // by the path asked for
 };
 
 }  // namespace embedded

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "HostFramework/DataSource.h"
 
@@ -20,16 +21,18 @@ ServerDataManager* ServerDataManager::GetInstance() {
 void ServerDataManager::Add(QANT_DataSource* source, const char* name, bool /*keep*/) {
   if (!source) return;
   const std::string place = name ? name : "";
+  std::unique_ptr<QANT_DataSource> owned;
   // A source that has a name already moves: two owners would destroy it twice.
   const auto owner =
       std::find_if(state_->sources.begin(), state_->sources.end(),
                    [source](const auto& entry) { return entry.second.get() == source; });
   if (owner != state_->sources.end()) {
-    if (owner->first == place) return;
-    owner->second.release();
+    owned = std::move(owner->second);
     state_->sources.erase(owner);
+  } else {
+    owned.reset(source);
   }
-  state_->sources[place].reset(source);
+  state_->sources[place] = std::move(owned);
 }
 
 QANT_DataSource* ServerDataManager::Find(const char* name) const {
