@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/ExitStatus.h"
+#include "cli/Preview.h"
 #include "cli/Run.h"
 #include "cli/Version.h"
 
@@ -20,6 +21,7 @@ constexpr char kExamples[] = R"(Examples:
   textwizard run import.sps
   textwizard run import.sps --cases cases.csv
   textwizard run --help
+  textwizard preview survey.csv
 )";
 
 // Says what is wrong with the arguments, and where help is.
@@ -43,6 +45,7 @@ int RunProgram(int argc, char** argv) {
   program.footer(kExamples);
   program.require_subcommand(1);
   AddRun(program, &status);
+  AddPreview(program, &status);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
