@@ -18,6 +18,7 @@
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "HostFramework/embedded/data/MemoryDevice.h"
 #include "HostFramework/embedded/data/StreamDevice.h"
+#include "HostFramework/embedded/text/HostText.h"
 #include "command/MessageText.h"
 #include "entry/CommandEntry.h"
 #include "reading/QANT_TextWizardIterator.h"
@@ -122,6 +123,7 @@ void Compare(std::uint64_t seed) {
 }
 
 TEST(DifferentialImport, BothEnginesReadWhatTheNaiveReaderReads) {
+  ASSERT_TRUE(embedded::SetCodePage(nullptr));
   const std::uint64_t first = Setting("TEXTWIZARD_DIFFERENTIAL_SEED", 1);
   const std::uint64_t count = Setting("TEXTWIZARD_DIFFERENTIAL_CASES", 20000);
   for (std::uint64_t seed = first; seed < first + count; ++seed) {

@@ -62,9 +62,11 @@ bool QANT_TextWizardIterator::Seek(long long n) {
 bool QANT_TextWizardIterator::SeekBegin() { return reader_.SeekBegin(); }
 
 void QANT_TextWizardIterator::SkipStartingLines() {
-  // A case of a fixed number of values starts one line later for the same line number.
-  const std::int64_t count = source_.settings().arrangement == kDelimitedCount ? 0 : 1;
-  reader_.SkipLines(count, source_.settings().firstCase);
+  // Where values run across lines, a case goes on in the record read last: the line where the data
+  // begins is read here, too, and is then the current record.
+  const bool readsOn = source_.settings().arrangement == kDelimitedCount;
+  reader_.SkipLines(readsOn ? 0 : 1, source_.settings().firstCase);
+  if (readsOn) TakeRecord(decoder_.Decode(reader_.record(), reader_.mark()));
 }
 
 bool QANT_TextWizardIterator::MoreCases() const {
