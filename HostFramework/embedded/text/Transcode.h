@@ -211,7 +211,7 @@ void Repair(const CodePage& page, std::string_view text, Sink& sink) {
 
 template <class Source, class Sink>
 void TranscodeTo(Source source, const Codec& to, Sink& sink) {
-  if (to.icu != nullptr) {
+  if (to.page == nullptr) {
     IcuTarget target(to.icu);
     Transcode(source, target, sink);
   } else if (to.page->IsUtf8()) {
@@ -225,10 +225,10 @@ void TranscodeTo(Source source, const Codec& to, Sink& sink) {
 
 template <class Sink>
 void Convert(const Codec& from, const Codec& to, std::string_view text, Sink& sink) {
-  if (from.page != nullptr && from.page == to.page) {
-    Repair(*from.page, text, sink);
-  } else if (from.icu != nullptr) {
+  if (from.page == nullptr) {
     TranscodeTo(IcuSource(from.icu, text), to, sink);
+  } else if (from.page == to.page) {
+    Repair(*from.page, text, sink);
   } else if (from.page->IsUtf8()) {
     TranscodeTo(ByteSource(text, DecodeUtf8), to, sink);
   } else {
