@@ -55,6 +55,28 @@ void AppendUtf8(std::string& out, char32_t c) {
   }
 }
 
+// Bytes at the end of the text that begin a character without ending it.
+std::size_t UnfinishedTail(const std::string& text) {
+  for (std::size_t length = 3; length > 0; --length) {
+    if (length > text.size()) continue;
+    const std::string tail = text.substr(text.size() - length);
+    char32_t ch = 0;
+    if (static_cast<unsigned char>(tail[0]) < 0xC2 || Decode(tail, 0, &ch) != 0) continue;
+    for (const char* rest : {"\x80", "\xBF", "\x80\x80", "\xBF\x80", "\x80\x80\x80"}) {
+      const std::string whole = tail + rest;
+      if (Decode(whole, 0, &ch) == whole.size()) return length;
+    }
+    // A second byte that the first allows decides what may follow.
+    if (length == 1) {
+      for (const char* rest : {"\xA0\x80", "\x90\x80\x80"}) {
+        const std::string whole = tail + rest;
+        if (Decode(whole, 0, &ch) == whole.size()) return length;
+      }
+    }
+  }
+  return 0;
+}
+
 std::string LeadingBlanksRemoved(const std::string& text) {
   const std::size_t first = text.find_first_not_of(' ');
   return first == std::string::npos ? std::string() : text.substr(first);
@@ -188,6 +210,8 @@ class Reader {
     const bool blankCuts = IsDelimiter(U' ');
     int state = 0;
     bool ended = false;
+    // Bytes of the character appended last.
+    std::size_t lastLength = 0;
     while (!ended && cursor < record_.size()) {
       char32_t c = 0;
       std::size_t length = Decode(record_, cursor, &c);
@@ -199,6 +223,7 @@ class Reader {
       }
       const std::string bytes = record_.substr(cursor, length);
       cursor += length;
+      const std::size_t before = field.size();
       switch (state) {
         case 0:
           if (c == U' ' && blankCuts && (settings_.multipleSpaces || settings_.leadingSpaces)) {
@@ -221,7 +246,7 @@ class Reader {
           } else if (IsDelimiter(c)) {
             ended = true;
           } else if (IsQualifier(c)) {
-            if (!field.empty() && field.front() == ' ') field.pop_back();
+            if (!field.empty() && field.front() == ' ') field.resize(field.size() - lastLength);
             state = 2;
           } else {
             field += bytes;
@@ -244,6 +269,7 @@ class Reader {
             state = 1;
           }
       }
+      if (field.size() > before) lastLength = field.size() - before;
     }
     if (settings_.leadingSpaces) field = LeadingBlanksRemoved(field);
     if (settings_.multipleSpaces && blankCuts) {
@@ -281,7 +307,8 @@ class Reader {
       if (field.size() > variable.width && settings_.leadingSpaces) {
         field = LeadingBlanksRemoved(field);
       }
-      // What fits, in whole characters.
+      // What fits, in whole characters; an unfinished one at the end is none.
+      if (field.size() > variable.width) field.resize(field.size() - UnfinishedTail(field));
       std::size_t kept = 0;
       while (kept < field.size()) {
         char32_t c = 0;
