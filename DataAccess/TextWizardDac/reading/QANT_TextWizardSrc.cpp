@@ -36,7 +36,7 @@ QANT_TextWizardSrc::QANT_TextWizardSrc(const char* path, int workerCount, int ho
 QANT_TextWizardSrc::~QANT_TextWizardSrc() = default;
 
 bool QANT_TextWizardSrc::OpenFile(const char* path) {
-  if (!stream_.Open(path, "", "rb")) throw kReadFailed;
+  if (!stream_.Open(path, "", "rb")) throw int{kReadFailed};
   return true;
 }
 
