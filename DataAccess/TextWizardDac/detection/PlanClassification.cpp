@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "detection/NumericTest.h"
+#include "detection/NumericRule.h"
 #include "detection/ValueClassifier.h"
 #include "plan/TxtWzExecFile.h"
 
@@ -20,7 +20,7 @@ void TxtWzExecFile::TrimRight(std::string& value) {
 bool TxtWzExecFile::IsEmptyString(const std::string& value) { return IsBlank(value); }
 
 bool TxtWzExecFile::IsNumeric(const std::string& value) const {
-  return NumericTest().Accepts(value);
+  return NumericRule().Accepts(value);
 }
 
 bool TxtWzExecFile::IsPercentage(const std::string& value) const {

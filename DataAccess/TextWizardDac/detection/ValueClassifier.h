@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "command/TxtWzVar.h"
-#include "detection/NumericTest.h"
+#include "detection/NumericRule.h"
 #include "detection/PatternAutomaton.h"
 #include "detection/RegExMappings.h"
 #include "detection/UnicodeText.h"
@@ -63,7 +63,7 @@ class ValueClassifier {
 
   const RegExMappings& table_;
   const bool trimDates_;
-  NumericTest numeric_;
+  NumericRule numeric_;
   // In key order: bit i of a date verdict is row i.
   std::vector<const RegExToFormatMapping*> rows_;
   std::array<icu::RegexMatcher*, 4> formMatchers_;

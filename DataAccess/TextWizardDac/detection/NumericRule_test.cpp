@@ -1,4 +1,4 @@
-#include "detection/NumericTest.h"
+#include "detection/NumericRule.h"
 
 #include <cstdlib>
 #include <random>
@@ -25,21 +25,21 @@ bool IsNumericByTheRule(std::string text) {
   return parsed == text.size();
 }
 
-bool IsNumeric(std::string_view text) { return NumericTest().Accepts(text); }
+bool IsNumeric(std::string_view text) { return NumericRule().Accepts(text); }
 
-TEST(NumericTest, ATrailingCommaBelongsToANumber) {
+TEST(NumericRule, ATrailingCommaBelongsToANumber) {
   EXPECT_TRUE(IsNumeric("12,"));
   EXPECT_TRUE(IsNumeric("12,  "));
   EXPECT_FALSE(IsNumeric("12,,"));
 }
 
-TEST(NumericTest, ANumberMayBeginWithAComma) {
+TEST(NumericRule, ANumberMayBeginWithAComma) {
   EXPECT_TRUE(IsNumeric(",5"));
   EXPECT_FALSE(IsNumeric(" ,5"));
   EXPECT_FALSE(IsNumeric(",,"));
 }
 
-TEST(NumericTest, EveryPieceBetweenCommasIsANumber) {
+TEST(NumericRule, EveryPieceBetweenCommasIsANumber) {
   EXPECT_TRUE(IsNumeric("1,5"));
   EXPECT_TRUE(IsNumeric("1,000,000"));
   EXPECT_TRUE(IsNumeric("1, 2,+3.5e2,0x1F,-inf"));
@@ -47,26 +47,26 @@ TEST(NumericTest, EveryPieceBetweenCommasIsANumber) {
   EXPECT_FALSE(IsNumeric("1,2,."));
 }
 
-TEST(NumericTest, ALoneCommaOrPointIsNoNumber) {
+TEST(NumericRule, ALoneCommaOrPointIsNoNumber) {
   EXPECT_FALSE(IsNumeric(","));
   EXPECT_FALSE(IsNumeric("."));
   EXPECT_FALSE(IsNumeric(".  "));
 }
 
-TEST(NumericTest, LeadingWhiteSpaceIsParsedAndTrailingBlanksAreTrimmed) {
+TEST(NumericRule, LeadingWhiteSpaceIsParsedAndTrailingBlanksAreTrimmed) {
   EXPECT_TRUE(IsNumeric(" 42"));
   EXPECT_TRUE(IsNumeric("\t 42"));
   EXPECT_TRUE(IsNumeric("42  "));
   EXPECT_FALSE(IsNumeric("42\t"));
 }
 
-TEST(NumericTest, EmptyAndBlankTextsAreNumbers) {
+TEST(NumericRule, EmptyAndBlankTextsAreNumbers) {
   EXPECT_TRUE(IsNumeric(""));
   EXPECT_TRUE(IsNumeric("   "));
   EXPECT_FALSE(IsNumeric("\t"));
 }
 
-TEST(NumericTest, TakesEveryFormOfTheParser) {
+TEST(NumericRule, TakesEveryFormOfTheParser) {
   for (const char* text : {"+1", "-1", "1.", ".5", "1e5", "1E+05", "1.5e-3", "0x1A", "0X.8p3",
                            "inf", "-Infinity", "nan", "NAN(123)", "007"}) {
     EXPECT_TRUE(IsNumeric(text)) << text;
@@ -77,13 +77,13 @@ TEST(NumericTest, TakesEveryFormOfTheParser) {
   }
 }
 
-TEST(NumericTest, ANulEndsTheNumber) {
+TEST(NumericRule, ANulEndsTheNumber) {
   EXPECT_FALSE(IsNumeric(std::string_view("1\0", 2)));
   EXPECT_FALSE(IsNumeric(std::string_view("0x1\0", 4)));
   EXPECT_FALSE(IsNumeric(std::string_view("\0", 1)));
 }
 
-TEST(NumericTest, ReadsByTheNumericLocale) {
+TEST(NumericRule, ReadsByTheNumericLocale) {
   const TestLocale comma(LC_NUMERIC, "de_DE.UTF-8");
   EXPECT_TRUE(IsNumeric("1,5"));
   EXPECT_TRUE(IsNumeric(",5"));
@@ -94,12 +94,12 @@ TEST(NumericTest, ReadsByTheNumericLocale) {
   EXPECT_FALSE(IsNumeric(","));
 }
 
-TEST(NumericTest, ALongRowOfCommasTakesTimeLinearInItsLength) {
+TEST(NumericRule, ALongRowOfCommasTakesTimeLinearInItsLength) {
   // A million pieces, most of them for strtod: an implementation that copies the rest for each of
   // them moves 10^12 bytes here.
   std::string text;
   for (int i = 0; i < 500'000; ++i) text += "7,0xF,";
-  NumericTest test;
+  NumericRule test;
   EXPECT_TRUE(test.Accepts(text));
   EXPECT_FALSE(test.Accepts(text + "z"));
 }
@@ -124,7 +124,7 @@ std::string RandomNumberLike(std::mt19937& random) {
 
 void CompareWithTheRule(int count) {
   std::mt19937 random(20'261'120);
-  NumericTest test;
+  NumericRule test;
   int accepted = 0;
   for (int i = 0; i < count; ++i) {
     const std::string text = RandomNumberLike(random);
@@ -137,14 +137,14 @@ void CompareWithTheRule(int count) {
   EXPECT_LT(accepted, count * 9 / 10);
 }
 
-TEST(NumericTest, SaysWhatTheRuleSaysOnRandomTexts) { CompareWithTheRule(1'000'000); }
+TEST(NumericRule, SaysWhatTheRuleSaysOnRandomTexts) { CompareWithTheRule(1'000'000); }
 
-TEST(NumericTest, SaysWhatTheRuleSaysUnderACommaLocale) {
+TEST(NumericRule, SaysWhatTheRuleSaysUnderACommaLocale) {
   const TestLocale comma(LC_NUMERIC, "de_DE.UTF-8");
   CompareWithTheRule(1'000'000);
 }
 
-TEST(NumericTest, SaysWhatTheRuleSaysUnderAnotherCharacterLocale) {
+TEST(NumericRule, SaysWhatTheRuleSaysUnderAnotherCharacterLocale) {
   const TestLocale characters(LC_CTYPE, "fr_FR.UTF-8");
   CompareWithTheRule(200'000);
 }

@@ -1,4 +1,4 @@
-#include "detection/NumericTest.h"
+#include "detection/NumericRule.h"
 
 #include <cctype>
 #include <cstdlib>
@@ -21,13 +21,13 @@ const char* SkipDigits(const char* p, const char* end) {
 
 }  // namespace
 
-NumericTest::NumericTest() {
+NumericRule::NumericRule() {
   const char* decimal = nl_langinfo(RADIXCHAR);
   const bool oneByte = decimal[0] && !decimal[1];
   if (oneByte && std::ispunct(static_cast<unsigned char>(decimal[0]))) decimal_ = decimal[0];
 }
 
-bool NumericTest::Accepts(std::string_view text) {
+bool NumericRule::Accepts(std::string_view text) {
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
   copy_.clear();
   const char* begin = text.data();
@@ -44,7 +44,7 @@ bool NumericTest::Accepts(std::string_view text) {
 }
 
 // Where strtod would stop: `begin` when it converts nothing. Null for what only strtod can tell.
-const char* NumericTest::EndOfNumber(const char* begin, const char* end) const {
+const char* NumericRule::EndOfNumber(const char* begin, const char* end) const {
   if (!decimal_) return nullptr;
   const char* p = begin;
   while (p != end && IsSpace(*p)) ++p;
@@ -72,7 +72,7 @@ const char* NumericTest::EndOfNumber(const char* begin, const char* end) const {
   return p;
 }
 
-const char* NumericTest::EndByStrtod(std::string_view text, const char* begin) {
+const char* NumericRule::EndByStrtod(std::string_view text, const char* begin) {
   if (copy_.empty()) copy_.assign(text);
   const auto offset = static_cast<std::size_t>(begin - text.data());
   char* stop = nullptr;

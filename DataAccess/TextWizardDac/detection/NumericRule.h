@@ -7,9 +7,9 @@
 namespace textwizard {
 
 // Reads by the numeric locale that the process had when the object was made. One thread.
-class NumericTest {
+class NumericRule {
  public:
-  NumericTest();
+  NumericRule();
 
   // True when `text`, without trailing blanks, is a number that strtod consumes whole, or several
   // of them with one comma after each but perhaps the last (so 1,000,000 and "5,"); "," and "."
