@@ -48,7 +48,7 @@ bool SamplingPass::Run() {
     }
   }
   ReportProgress(kProgressEnd);
-  if (iterator_.readFailed()) throw kReadFailed;
+  if (iterator_.readFailed()) throw int{kReadFailed};
   return !interrupted;
 }
 
