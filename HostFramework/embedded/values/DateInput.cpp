@@ -43,6 +43,17 @@ bool ReadShortNumber(TextCursor& cursor, int& number) {
   return run.count == 1 || run.count == 2;
 }
 
+// Consumes a month in digits, if it is plain that they are not the beginning of a name (the month
+// names of some languages begin with digits): nothing follows, or a separator and more digits.
+bool AcceptMonthDigits(TextCursor& cursor, int& month) {
+  TextCursor after = cursor;
+  if (!ReadShortNumber(after, month)) return false;
+  TextCursor next = after;
+  if (!after.AtEnd() && !(ReadSeparator(next) && next.Digit() >= 0)) return false;
+  cursor = after;
+  return true;
+}
+
 bool Store(const TextCursor& cursor, std::optional<std::int64_t> seconds, double* value) {
   if (!cursor.AtEnd() || !seconds) return false;
   *value = static_cast<double>(*seconds);
@@ -54,7 +65,10 @@ bool Store(const TextCursor& cursor, std::optional<std::int64_t> seconds, double
 bool ReadDay(TextCursor& cursor, int& day) { return ReadShortNumber(cursor, day); }
 
 bool ReadMonth(TextCursor& cursor, int& month, bool& letters) {
-  // A name is tried first, because in some languages month names begin with digits.
+  if (AcceptMonthDigits(cursor, month)) {
+    letters = false;
+    return month >= 1 && month <= 12;
+  }
   month = AcceptMonthName(cursor);
   if (month == 0) month = AcceptRomanMonth(cursor);
   letters = month != 0;
@@ -70,7 +84,7 @@ bool ReadYear(TextCursor& cursor, int& year) {
 
 bool ReadSeparator(TextCursor& cursor) {
   bool found = cursor.Blanks();
-  if (cursor.AcceptOneOf("-/.,")) {
+  if (cursor.AcceptOneOf<'-', '/', '.', ','>()) {
     cursor.Blanks();
     found = true;
   }

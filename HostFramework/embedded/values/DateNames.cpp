@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <clocale>
+#include <cstdint>
 #include <cstring>
 #include <cwchar>
+#include <string_view>
 
 #include <langinfo.h>
 #include <unicode/uchar.h>
@@ -77,9 +79,20 @@ class NameList {
       while (next < size_ && GroupOf(names_[next].characters[0]) == group) ++next;
     }
     starts_[kGroups] = next;
+    abbreviations_.fill({});
+    for (int i = 0; i < size_; ++i) AddAbbreviation(names_[i]);
   }
 
   int Accept(TextCursor& cursor) const {
+    const std::string_view rest = cursor.Rest();
+    if (rest.size() >= kAbbreviation && (rest.size() == kAbbreviation || EndsWord(rest[3]))) {
+      const std::uint32_t letters = Pack(rest[0], rest[1], rest[2]);
+      const Abbreviation& found = abbreviations_[SlotOf(letters)];
+      if (found.letters == letters) {
+        cursor.Skip(kAbbreviation);
+        return found.number;
+      }
+    }
     TextCursor start = cursor;
     const char32_t initial = start.FoldedCharacter();
     const int group = GroupOf(initial);
@@ -104,7 +117,45 @@ class NameList {
     return initial >= 'a' && initial <= 'z' ? static_cast<int>(initial - 'a') : kGroups - 1;
   }
 
+  // Three letters of ASCII, by which nearly all dates name their month: they are found without a
+  // search when no letter follows.
+  struct Abbreviation {
+    std::uint32_t letters = 0;
+    int number = 0;
+  };
+  static constexpr int kSlots = 64;
+
+  // In lower case: setting the bit makes a letter out of its capital and of nothing else.
+  static std::uint32_t Pack(char first, char second, char third) {
+    const auto byte = [](char c) { return std::uint32_t{static_cast<unsigned char>(c)}; };
+    return byte(first) | byte(second) << 8 | byte(third) << 16 | 0x202020;
+  }
+  // The factor gives each English month a slot of its own.
+  static std::uint32_t SlotOf(std::uint32_t letters) { return letters * 0x83868A29 >> 26; }
+  // An ASCII character that is no letter.
+  static bool EndsWord(char c) { return (c & 0x80) == 0 && !IsLetter(static_cast<char32_t>(c)); }
+  static bool IsLetter(char32_t c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; }
+
+  // A name stays out when a longer one goes on from it with something that ends a word, or when
+  // another has its slot; then it is found by the search.
+  void AddAbbreviation(const Name& name) {
+    const char32_t* c = name.characters;
+    if (name.length != kAbbreviation || !std::all_of(c, c + kAbbreviation, IsLetter)) return;
+    for (int i = 0; i < size_; ++i) {
+      const char32_t* other = names_[i].characters;
+      if (names_[i].length > kAbbreviation && std::equal(c, c + kAbbreviation, other) &&
+          other[kAbbreviation] < 0x80 && !IsLetter(other[kAbbreviation])) {
+        return;
+      }
+    }
+    const std::uint32_t letters =
+        Pack(static_cast<char>(c[0]), static_cast<char>(c[1]), static_cast<char>(c[2]));
+    Abbreviation& slot = abbreviations_[SlotOf(letters)];
+    if (slot.number == 0) slot = {letters, name.number};
+  }
+
   int size_ = 0;
+  std::array<Abbreviation, kSlots> abbreviations_ = {};
   std::array<int, kGroups + 1> starts_ = {};
   std::array<Name, kCapacity> names_ = {};
 };

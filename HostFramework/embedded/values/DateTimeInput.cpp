@@ -19,7 +19,9 @@ int DigitsAhead(TextCursor cursor) { return cursor.Digits().count; }
 bool AcceptGap(TextCursor& cursor) { return cursor.AcceptLetter('t') || cursor.Blanks(); }
 
 // Consumes what separates the parts of a time under YMDHMS.
-bool AcceptTimeMark(TextCursor& cursor) { return cursor.AcceptOneOf(":.,") || cursor.Blank(); }
+bool AcceptTimeMark(TextCursor& cursor) {
+  return cursor.AcceptOneOf<':', '.', ','>() || cursor.Blank();
+}
 
 bool ReadTwoDigits(TextCursor& cursor, int& value) {
   const DigitRun run = cursor.Digits(2);
@@ -98,7 +100,7 @@ bool ReadYmdhmsWithYear(std::string_view text, int yearDigits, double* value) {
   SecondsFraction fraction;
   if (AcceptTimeMark(cursor)) {
     if (!ReadSixty(cursor, seconds)) return false;
-    if (cursor.AcceptOneOf(":.,") && !ReadFraction(cursor, fraction)) return false;
+    if (cursor.AcceptOneOf<':', '.', ','>() && !ReadFraction(cursor, fraction)) return false;
   }
   if (!cursor.AtEnd()) return false;
   *value = SecondsValue(*fullHour + minutes * kMinute + seconds, fraction);

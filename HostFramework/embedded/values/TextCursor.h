@@ -29,6 +29,10 @@ class TextCursor {
   // The byte here, 0 at the end.
   char Byte() const { return at_ == end_ ? '\0' : *at_; }
 
+  // What is not consumed yet.
+  std::string_view Rest() const { return {at_, static_cast<std::size_t>(end_ - at_)}; }
+  void Skip(std::size_t bytes) { at_ += bytes; }
+
   // Each of these consumes what it names and returns true, or does nothing and returns false.
   bool Accept(char ascii) {
     if (at_ == end_ || *at_ != ascii) return false;
@@ -40,8 +44,9 @@ class TextCursor {
     ++at_;
     return true;
   }
-  bool AcceptOneOf(std::string_view set) {
-    if (at_ == end_ || set.find(*at_) == std::string_view::npos) return false;
+  template <char... kSet>
+  bool AcceptOneOf() {
+    if (at_ == end_ || !((*at_ == kSet) || ...)) return false;
     ++at_;
     return true;
   }

@@ -84,8 +84,9 @@ bool ReadClock(TextCursor& cursor, FractionMark mark, ClockTime& clock) {
   }
   if (!cursor.Accept(':')) return true;
   if (!ReadSixty(cursor, clock.seconds)) return false;
-  const bool marked = cursor.AcceptOneOf(".,") || (mark == FractionMark::kPointOrSeparator &&
-                                                   (cursor.AcceptOneOf("-/") || cursor.Blank()));
+  const bool marked =
+      cursor.AcceptOneOf<'.', ','>() || (mark == FractionMark::kPointOrSeparator &&
+                                         (cursor.AcceptOneOf<'-', '/'>() || cursor.Blank()));
   return !marked || ReadFraction(cursor, clock.fraction);
 }
 
@@ -116,11 +117,11 @@ bool ReadMTime(std::string_view text, double* value) {
   TextCursor cursor(text);
   const bool negative = ReadSign(cursor);
   const DigitRun minutes = cursor.Digits();
-  if (minutes.count == 0 || !(cursor.AcceptOneOf(":.,") || cursor.Blank())) return false;
+  if (minutes.count == 0 || !(cursor.AcceptOneOf<':', '.', ','>() || cursor.Blank())) return false;
   int seconds;
   if (!ReadSixty(cursor, seconds)) return false;
   SecondsFraction fraction;
-  if (cursor.AcceptOneOf(":.,") && !ReadFraction(cursor, fraction)) return false;
+  if (cursor.AcceptOneOf<':', '.', ','>() && !ReadFraction(cursor, fraction)) return false;
   return cursor.AtEnd() && Store(negative, minutes, kMinute, seconds, fraction, value);
 }
 
