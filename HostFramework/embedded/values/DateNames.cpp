@@ -11,6 +11,8 @@
 #include <langinfo.h>
 #include <unicode/uchar.h>
 
+#include "HostFramework/embedded/text/Utf8.h"
+
 namespace embedded {
 namespace {
 
@@ -185,22 +187,34 @@ class DateNames {
   NameList<4 * kDays> days_;
 };
 
+// Decodes the character at the beginning of a text of the locale.
+Character DecodeOfLocale(std::string_view text, bool isUtf8, std::mbstate_t& state) {
+  if (isUtf8) return DecodeUtf8(text.data(), text.size());
+  wchar_t wide = 0;
+  const std::size_t bytes = std::mbrtowc(&wide, text.data(), text.size(), &state);
+  if (bytes == 0 || bytes > text.size()) return {Character::kInvalid, 1};
+  return {static_cast<char32_t>(wide), static_cast<int>(bytes)};
+}
+
+// Decodes a text of the locale. Returns the number of characters, or 0 when not all of it is text
+// or it is longer than a name.
+int Decode(std::string_view text, char32_t (&characters)[Name::kLongest]) {
+  const bool isUtf8 = std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
+  std::mbstate_t state = {};
+  int length = 0;
+  while (!text.empty()) {
+    const Character character = DecodeOfLocale(text, isUtf8, state);
+    if (!character.IsCharacter() || length == Name::kLongest) return 0;
+    characters[length++] = character.code;
+    text.remove_prefix(static_cast<std::size_t>(character.length));
+  }
+  return length;
+}
+
 template <typename List>
 void AddLocaleName(List& list, nl_item item, int number) {
   char32_t characters[Name::kLongest];
-  int length = 0;
-  const char* text = nl_langinfo(item);
-  std::size_t left = std::strlen(text);
-  std::mbstate_t state = {};
-  while (left > 0) {
-    wchar_t wide;
-    const std::size_t bytes = std::mbrtowc(&wide, text, left, &state);
-    if (bytes == 0 || bytes > left || length == Name::kLongest) return;
-    characters[length++] = static_cast<char32_t>(wide);
-    text += bytes;
-    left -= bytes;
-  }
-  list.Add(characters, length, number);
+  list.Add(characters, Decode(nl_langinfo(item), characters), number);
 }
 
 template <typename List>

@@ -11,7 +11,8 @@ namespace embedded {
 //
 // Any thread, but not during a call of `setlocale` on another. Each thread keeps the names it read
 // last, so nothing is locked or allocated, and only a change of the locale makes it read them
-// again.
+// again. (In a locale that is not UTF-8 the C library may take memory once, when it first decodes a
+// name.)
 int AcceptMonthName(TextCursor& cursor);  // 1 January to 12
 int AcceptDayName(TextCursor& cursor);    // 1 Sunday to 7
 

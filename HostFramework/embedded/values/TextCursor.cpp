@@ -5,15 +5,13 @@
 #include <unicode/uchar.h>
 
 #include "HostFramework/Text.h"
+#include "HostFramework/embedded/text/Utf8.h"
 
 namespace embedded {
 namespace {
 
 constexpr char32_t kDottedCapitalI = 0x130;
 constexpr char32_t kDotlessSmallI = 0x131;
-
-// No encoding has longer characters, and the decoder counts in int.
-constexpr std::ptrdiff_t kLongestCharacter = 16;
 
 }  // namespace
 
@@ -25,7 +23,7 @@ char32_t FoldCase(char32_t character) {
 // The character here and its length; 0 and length 1 for a byte that starts no character.
 char32_t TextCursor::Decode(int* length) const {
   std::uint32_t character = 0;
-  const int most = static_cast<int>(std::min(end_ - at_, kLongestCharacter));
+  const int most = static_cast<int>(std::min(Rest().size(), kLongestCode));
   *length = QANTMBU32Get_A(&character, at_, 0, most);
   if (*length > 0 && *length <= most) return character;
   *length = 1;
