@@ -12,6 +12,7 @@
 #include "command/TxtWzParser.h"
 #include "plan/TxtWzExecFile.h"
 #include "reading/QANT_TextWizardSrc.h"
+#include "wizard/TextWizardDACHandler.h"
 
 namespace textwizard {
 namespace {
@@ -61,9 +62,6 @@ void CheckByteOrderMark(TxtWzParser& parser) {
   }
 }
 
-// The input that a plan is executed with.
-TwExecInput* ExecutionInput() { return nullptr; }
-
 // The data source of the plan; null when the file could not be read.
 std::unique_ptr<QANT_TextWizardSrc> BuildSource(DACAdapterBase& adapter, const char* fileName,
                                                 TxtWzExecFile& plan) {
@@ -71,7 +69,8 @@ std::unique_ptr<QANT_TextWizardSrc> BuildSource(DACAdapterBase& adapter, const c
     const int workers = adapter.GetSourceParamA();
     const int hostParameter = adapter.GetSourceParamB();
     auto source = std::make_unique<QANT_TextWizardSrc>(fileName, workers, hostParameter, &adapter);
-    if (plan.Execute(source.get(), ExecutionInput())) return source;
+    TextWizardDACHandler input(nullptr);
+    if (plan.Execute(source.get(), &input)) return source;
   } catch (...) {
     // The file could not be opened or read (thrown as a number), or memory ran out.
   }
