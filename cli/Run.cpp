@@ -120,7 +120,7 @@ CommandEnd Runner::RunOne(embedded::ParsedCommand command, int number) {
   }
   if (several_ && !options_.quiet && !WritesStandardOutput(options_)) {
     console_.Print(
-        fmt::format("{}Command {} (line {})\n", number > 1 ? "\n" : "", number, command.line));
+        fmt::format("{}Command {} (line {})\n\n", number > 1 ? "\n" : "", number, command.line));
   }
   RunStats stats;
   const RunContext context{options_, component_, console_, messages_};

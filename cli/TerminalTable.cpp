@@ -24,23 +24,26 @@ void TerminalTable::AddCell(Column& column, std::string_view text) {
 }
 
 std::string TerminalTable::Text(std::size_t width, std::size_t* shown) const {
-  std::size_t count = 0;
+  std::vector<std::size_t> widths;
   std::size_t used = 0;
-  for (; count < columns_.size(); ++count) {
-    used += columns_[count].width + (count == 0 ? 0 : kGap);
-    if (count > 0 && used > width) break;
+  for (const Column& column : columns_) {
+    const std::size_t gap = widths.empty() ? 0 : kGap;
+    const std::size_t left = width > used + gap ? width - used - gap : 0;
+    const bool narrowed = column.align == Align::kLeft && left >= kNarrowestText;
+    if (column.width > left && !widths.empty() && !narrowed) break;
+    widths.push_back(narrowed ? std::min(column.width, left) : column.width);
+    used += gap + widths.back();
   }
-  *shown = count;
+  *shown = widths.size();
   std::string text;
   const std::size_t rows = columns_.empty() ? 0 : columns_.front().cells.size();
   for (std::size_t row = 0; row < rows; ++row) {
     std::string line;
-    for (std::size_t index = 0; index < count; ++index) {
-      const Column& column = columns_[index];
-      const std::string& cell = column.cells[row];
-      const std::string padding(column.width - DisplayWidth(cell), ' ');
+    for (std::size_t index = 0; index < widths.size(); ++index) {
+      const std::string cell = VisibleText(columns_[index].cells[row], widths[index]);
+      const std::string padding(widths[index] - DisplayWidth(cell), ' ');
       if (index > 0) line.append(kGap, ' ');
-      line += column.align == Align::kRight ? padding + cell : cell + padding;
+      line += columns_[index].align == Align::kRight ? padding + cell : cell + padding;
     }
     line.resize(line.find_last_not_of(' ') + 1);
     text += line + "\n";

@@ -18,11 +18,14 @@ class TerminalTable {
   // As many cells as there are columns.
   void AddRow(const std::vector<std::string_view>& cells);
 
-  // The table, a line a row, as many columns as fit into `width`, but at least one. *shown becomes
-  // the number of columns that are there.
+  // The table, a line a row, as many columns as fit into `width`, but at least one; a column of
+  // texts that is too wide for what is left is narrowed to that. *shown becomes the number of
+  // columns that are there.
   std::string Text(std::size_t width, std::size_t* shown) const;
 
   static constexpr std::size_t kWidestCell = 40;
+  // A column of texts is not narrowed below this.
+  static constexpr std::size_t kNarrowestText = 12;
   // Blanks between two columns.
   static constexpr std::size_t kGap = 2;
 

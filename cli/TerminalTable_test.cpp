@@ -40,6 +40,18 @@ TEST(TerminalTable, ColumnsThatDoNotFitAreLeftOut) {
   EXPECT_EQ(shown, 1U);
 }
 
+TEST(TerminalTable, TextsAreNarrowedToWhatIsLeft) {
+  TerminalTable table;
+  table.AddColumn("n", Align::kRight);
+  table.AddColumn("text", Align::kLeft);
+  table.AddColumn("more", Align::kLeft);
+  table.AddRow({"1", "abcdefghijklmnopqrstuvwxyz", "x"});
+  std::size_t shown = 0;
+  EXPECT_EQ(table.Text(15, &shown), std::string("n  text\n1  abcdefghijk") + kEllipsis + "\n");
+  EXPECT_EQ(shown, 2U);
+  EXPECT_EQ(table.Text(14, &shown), "n\n1\n");
+}
+
 TEST(TerminalTable, WideCellsAreCut) {
   TerminalTable table;
   table.AddColumn("text", Align::kLeft);

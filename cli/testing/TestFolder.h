@@ -13,10 +13,11 @@ namespace cli {
 
 class TestFolder {
  public:
-  TestFolder() {
+  // `kind` keeps two folders of one test apart.
+  explicit TestFolder(const std::string& kind = "folder") {
     const auto* test = testing::UnitTest::GetInstance()->current_test_info();
     std::string name = std::string("textwizard-") + test->test_suite_name() + "-" + test->name() +
-                       "-" + std::to_string(getpid());
+                       "-" + std::to_string(getpid()) + "-" + kind;
     for (char& character : name) {
       if (character == '/') character = '-';
     }

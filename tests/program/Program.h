@@ -1,0 +1,108 @@
+// Runs the built program in a folder of its own, the way a person at a shell does.
+#pragma once
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <nlohmann/json.hpp>
+
+#include "cli/testing/TestFolder.h"
+
+namespace program {
+
+// How a run of the program ended.
+struct Ended {
+  int status = -1;  // its exit status, or minus the signal that ended it
+  std::string out;
+  std::string err;
+};
+
+inline int StatusOf(int waited) {
+  return WIFEXITED(waited) ? WEXITSTATUS(waited) : -WTERMSIG(waited);
+}
+
+class ProgramTest : public testing::Test {
+ protected:
+  // Starts the program with its standard streams on files of the folder (".in", ".out", ".err").
+  pid_t Start(const std::vector<std::string>& arguments, const std::string& input = "") const {
+    streams_.Write("in", input);
+    const pid_t child = fork();
+    if (child != 0) return child;
+    Redirect("in", O_RDONLY, STDIN_FILENO);
+    Redirect("out", O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
+    Redirect("err", O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+    Execute(arguments);
+  }
+
+  // Becomes the program, in the test's folder.
+  [[noreturn]] void Execute(const std::vector<std::string>& arguments) const {
+    std::string path = TEXTWIZARD_BINARY_DIR "/bin/textwizard";
+    std::vector<char*> words{path.data()};
+    std::vector<std::string> copies = arguments;
+    for (std::string& argument : copies) words.push_back(argument.data());
+    words.push_back(nullptr);
+    for (const auto& [name, value] : environment_) setenv(name.c_str(), value.c_str(), 1);
+    signal(SIGINT, SIG_DFL);
+    signal(SIGPIPE, SIG_DFL);
+    if (chdir(folder_.path().c_str()) == 0) execv(path.c_str(), words.data());
+    _exit(127);
+  }
+
+  Ended Wait(pid_t child) const {
+    int waited = 0;
+    EXPECT_EQ(waitpid(child, &waited, 0), child);
+    return {StatusOf(waited), streams_.Text("out"), streams_.Text("err")};
+  }
+
+  Ended Run(const std::vector<std::string>& arguments, const std::string& input = "") const {
+    return Wait(Start(arguments, input));
+  }
+
+  // Runs the command file `command` quietly with more arguments.
+  Ended Quiet(const std::string& command, std::vector<std::string> arguments = {}) const {
+    folder_.Write("command.sps", command);
+    arguments.insert(arguments.begin(), {"run", "--quiet", "command.sps"});
+    Ended ended = Run(arguments);
+    std::filesystem::remove(folder_ / "command.sps");
+    return ended;
+  }
+
+  nlohmann::json Json(const std::string& name) const {
+    return nlohmann::json::parse(folder_.Text(name));
+  }
+
+  // The imports most tests run: town.csv and a command for it.
+  void WriteTowns() const {
+    folder_.Write("town.csv",
+                  "id,town,founded,fee\n"
+                  "1,Bern,05/15/1891,2.5\n"
+                  "2,\"Chur, Graubuenden\",,1000000\n"
+                  "3,Olten,01/31/2020,none\n");
+  }
+  static std::string Towns(const std::string& more = "") {
+    return "GET DATA /TYPE=TXT /FILE='town.csv' /ARRANGEMENT=DELIMITED /DELCASE=LINE\n"
+           "  /FIRSTCASE=2 /DELIMITERS=',' /QUALIFIER='\"' " +
+           more + " /VARIABLES=id F4.0 town A20 founded ADATE10 fee F8.2.\n";
+  }
+
+  cli::TestFolder folder_;
+  std::vector<std::pair<std::string, std::string>> environment_;
+
+ private:
+  void Redirect(const char* name, int flags, int target) const {
+    const int descriptor = open((streams_ / name).c_str(), flags, 0600);
+    if (descriptor < 0 || dup2(descriptor, target) < 0) _exit(126);
+    close(descriptor);
+  }
+
+  cli::TestFolder streams_{"streams"};
+};
+
+}  // namespace program

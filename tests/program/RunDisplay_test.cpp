@@ -1,0 +1,217 @@
+// What `textwizard run` shows: tables, counts, figures, progress; and what Ctrl-C does.
+
+#include <chrono>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <pty.h>
+#include <sys/stat.h>
+
+#include "tests/program/Program.h"
+
+namespace program {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class RunDisplay : public ProgramTest {
+ protected:
+  void SetUp() override { WriteTowns(); }
+  Ended Shown(std::vector<std::string> arguments = {}) const {
+    folder_.Write("command.sps", Towns());
+    arguments.insert(arguments.begin(), {"run", "command.sps"});
+    return Run(arguments);
+  }
+};
+
+constexpr char kVariables[] =
+    "Variable  Format   Width\nid        F4           4\ntown      A20         20\n"
+    "founded   ADATE10     10\nfee       F8.2         8\n\n";
+
+TEST_F(RunDisplay, ShowsVariablesCasesAndCounts) {
+  const Ended ended = Shown();
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_EQ(ended.out, std::string(kVariables) +
+                           "id  town                  founded      fee\n"
+                           " 1  Bern               1891-05-15      2.5\n"
+                           " 2  Chur, Graubuenden           .  1000000\n"
+                           " 3  Olten              2020-01-31        .\n\n"
+                           "3 cases, 4 variables\n");
+  EXPECT_THAT(ended.err, IsEmpty());
+}
+
+TEST_F(RunDisplay, ShowsAsManyCasesAsAskedFor) {
+  EXPECT_THAT(Shown({"--show", "1"}).out,
+              testing::EndsWith("id  town     founded  fee\n 1  Bern  1891-05-15  2.5\n\n"
+                                "3 cases, 4 variables\n"));
+  EXPECT_EQ(Shown({"--show", "0"}).out, std::string(kVariables) + "3 cases, 4 variables\n");
+}
+
+TEST_F(RunDisplay, RawValuesAreShownRaw) {
+  EXPECT_THAT(Shown({"--values", "raw"}).out, HasSubstr("9737971200"));
+}
+
+TEST_F(RunDisplay, QuietShowsNothing) {
+  const Ended ended = Shown({"--quiet"});
+  EXPECT_THAT(ended.out, IsEmpty());
+  EXPECT_THAT(ended.err, IsEmpty());
+}
+
+TEST_F(RunDisplay, SeveralCommandsAreTold) {
+  folder_.Write("command.sps", Towns() + Towns("/IMPORTCASE=FIRST 1"));
+  const Ended ended = Run({"run", "command.sps", "--show", "0"});
+  EXPECT_EQ(ended.out, "Command 1 (line 1)\n\n" + std::string(kVariables) +
+                           "3 cases, 4 variables\n\nCommand 2 (line 3)\n\n" + kVariables +
+                           "1 case, 4 variables\n");
+}
+
+TEST_F(RunDisplay, ControlCharactersAreVisible) {
+  folder_.Write("c.csv", "a\x1B[31mb\n");
+  folder_.Write("command.sps",
+                "GET DATA /TYPE=TXT /FILE='c.csv' /DELCASE=LINE /DELIMITERS=',' /VARIABLES=s A20.");
+  const Ended ended = Run({"run", "command.sps"});
+  EXPECT_THAT(ended.out, HasSubstr("a\\x1B[31mb"));
+  EXPECT_THAT(ended.out, Not(HasSubstr("\x1B")));
+}
+
+TEST_F(RunDisplay, StatsAreOneLineWithItsKeysInOrder) {
+  const Ended ended = Shown({"--quiet", "--stats"});
+  EXPECT_EQ(std::count(ended.out.begin(), ended.out.end(), '\n'), 1);
+  const auto stats = nlohmann::ordered_json::parse(ended.out);
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : stats.items()) keys.push_back(key);
+  EXPECT_THAT(keys,
+              testing::ElementsAre("cases", "variables", "bytes", "dictionary_seconds",
+                                   "read_seconds", "write_seconds", "peak_rss_bytes", "threads"));
+  EXPECT_EQ(stats["cases"], 3);
+  EXPECT_EQ(stats["variables"], 4);
+  EXPECT_EQ(stats["bytes"], std::filesystem::file_size(folder_ / "town.csv"));
+  EXPECT_GT(stats["dictionary_seconds"], 0.0);
+  EXPECT_GT(stats["read_seconds"], 0.0);
+  EXPECT_EQ(stats["write_seconds"], 0.0);
+  EXPECT_GT(stats["peak_rss_bytes"], 1000000);
+  EXPECT_GE(stats["threads"], 1);
+}
+
+TEST_F(RunDisplay, WritingHasItsOwnTime) {
+  const Ended ended = Shown({"--quiet", "--stats", "--cases", "c.csv"});
+  EXPECT_GT(nlohmann::json::parse(ended.out)["write_seconds"], 0.0);
+}
+
+TEST_F(RunDisplay, StatsOfSeveralCommandsAreAddedUp) {
+  const Ended ended = Quiet(Towns() + Towns("/IMPORTCASE=FIRST 1"), {"--stats"});
+  const auto stats = nlohmann::json::parse(ended.out);
+  EXPECT_EQ(stats["cases"], 4);
+  EXPECT_EQ(stats["variables"], 8);
+  EXPECT_EQ(stats["bytes"], 2 * std::filesystem::file_size(folder_ / "town.csv"));
+}
+
+TEST_F(RunDisplay, StatsAreTheLastLineAfterAFailureToo) {
+  const Ended ended = Quiet("LIST.", {"--stats"});
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_EQ(nlohmann::json::parse(ended.out)["cases"], 0);
+}
+
+// Runs with standard error on a terminal and returns what was written there.
+class RunOnTerminal : public RunDisplay {
+ protected:
+  void SetUp() override {
+    std::string rows;
+    for (int number = 0; number < 1000000; ++number) rows += "1234567,some text,2020-01-31\n";
+    folder_.Write("many.csv", rows);
+    folder_.Write("command.sps",
+                  "GET DATA /TYPE=TXT /FILE='many.csv' /DELCASE=LINE /DELIMITERS=','"
+                  " /VARIABLES=n F8.0 s A12 d SDATE10.");
+  }
+  std::string TerminalText(std::vector<std::string> arguments) const {
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+      arguments.insert(arguments.begin(), {"run", "command.sps", "--cases", "c.csv"});
+      Execute(arguments);
+    }
+    std::string text;
+    char block[4096];
+    for (ssize_t length = 0; (length = read(terminal, block, sizeof block)) > 0;) {
+      text.append(block, static_cast<std::size_t>(length));
+    }
+    close(terminal);
+    int waited = 0;
+    EXPECT_EQ(waitpid(child, &waited, 0), child);
+    EXPECT_EQ(StatusOf(waited), 0) << text;
+    return text;
+  }
+};
+
+TEST_F(RunOnTerminal, TheProgressLineDisappears) {
+  const std::string text = TerminalText({"--show", "0"});
+  EXPECT_THAT(text, HasSubstr(" of 29.0 MB, "));
+  EXPECT_THAT(text, HasSubstr(" MB/s, "));
+  EXPECT_THAT(text, HasSubstr(" left\r\x1B[K"));
+  EXPECT_THAT(text, testing::EndsWith("\r\x1B[K1000000 cases, 3 variables\r\n"));
+}
+
+TEST_F(RunOnTerminal, NoProgressLineWhereNoneIsWanted) {
+  EXPECT_THAT(TerminalText({"--no-progress"}), Not(HasSubstr("MB/s")));
+  EXPECT_EQ(TerminalText({"--quiet"}), "");
+}
+
+// A run that cannot end by itself: its cases go into a pipe that is full until the test reads it.
+class RunInterrupted : public ProgramTest {
+ protected:
+  void SetUp() override {
+    std::string rows;
+    for (int number = 0; number < 300000; ++number) rows += "1234567\n";
+    folder_.Write("many.csv", rows);
+    folder_.Write("command.sps", kImport + kImport);
+    const std::string pipe = folder_ / "pipe1";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    child_ = Start({"run", "command.sps", "--show", "0", "--cases", "pipe%d", "--format", "csv",
+                    "--dictionary", "d%d.json", "--stats"});
+    pipe_ = open(pipe.c_str(), O_RDONLY);
+    ASSERT_GE(pipe_, 0);
+    // The first bytes: it has read cases and goes on reading.
+    char byte = 0;
+    ASSERT_EQ(read(pipe_, &byte, 1), 1);
+  }
+  void TearDown() override { close(pipe_); }
+
+  const std::string kImport =
+      "GET DATA /TYPE=TXT /FILE='many.csv' /DELCASE=LINE /DELIMITERS=',' /VARIABLES=n F8.0.\n";
+  pid_t child_ = -1;
+  int pipe_ = -1;
+};
+
+TEST_F(RunInterrupted, OnceReportsWhatWasReadAndLeavesNothingUnfinished) {
+  ASSERT_EQ(kill(child_, SIGINT), 0);
+  char block[65536];
+  while (read(pipe_, block, sizeof block) > 0) {
+  }
+  const Ended ended = Wait(child_);
+  EXPECT_EQ(ended.status, 130);
+  const auto stats = nlohmann::json::parse(ended.out.substr(ended.out.rfind("{")));
+  EXPECT_GT(stats["cases"], 0);
+  EXPECT_LT(stats["cases"], 300000);
+  const std::string cases = std::to_string(stats["cases"].get<long long>()) + " cases";
+  EXPECT_THAT(ended.out, HasSubstr("\n" + cases + ", 1 variable\n"));
+  EXPECT_EQ(ended.err, "interrupted: " + cases + " read; unfinished outputs were removed\n");
+  EXPECT_THAT(ended.out, Not(HasSubstr("Command 2")));
+  EXPECT_EQ(folder_.Count(), 3U);  // the data, the command, the pipe
+}
+
+TEST_F(RunInterrupted, TwiceEndsAtOnce) {
+  // Nobody reads the pipe any more: only a signal that ends the process ends it.
+  int waited = 0;
+  for (int count = 0; waitpid(child_, &waited, WNOHANG) == 0; ++count) {
+    ASSERT_LT(count, 1000);
+    kill(child_, SIGINT);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  EXPECT_EQ(StatusOf(waited), -SIGINT);
+  EXPECT_EQ(folder_.Count(), 3U);
+}
+
+}  // namespace
+}  // namespace program
