@@ -5,6 +5,7 @@
 
 #include "HostFramework/Text.h"
 #include "TxtWzMultiThreadMgr/PatientWait.h"
+#include "TxtWzMultiThreadMgr/StoreText.h"
 #include "reading/QANT_TextWizardSrc.h"
 
 namespace textwizard {
@@ -212,16 +213,11 @@ void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask&
 
 void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTask& task) {
   unsigned char* const cells = fCurrentCase + task.offset;
-  std::size_t written = task.cellWidth;
-  if (text.size() <= written) {
-    written = text.size();
-    std::memcpy(cells, text.data(), written);
-  } else {
-    const std::size_t seen = std::min(text.size(), written + kLongestCharacter);
-    QANTMBCopyToFixed_A(reinterpret_cast<char*>(cells), static_cast<int>(written), text.data(),
-                        static_cast<int>(seen));
-  }
-  std::memset(cells + written, ' ', task.cellBytes - written);
+  if (text.size() <= task.cellWidth) return StoreText(text, cells, task.cellBytes);
+  const std::size_t seen = std::min(text.size(), task.cellWidth + kLongestCharacter);
+  QANTMBCopyToFixed_A(reinterpret_cast<char*>(cells), static_cast<int>(task.cellWidth), text.data(),
+                      static_cast<int>(seen));
+  std::memset(cells + task.cellWidth, ' ', task.cellBytes - task.cellWidth);
 }
 
 void TextDataIteratorThread::DetectRecord() {

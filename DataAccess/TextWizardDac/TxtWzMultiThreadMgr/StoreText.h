@@ -1,0 +1,52 @@
+// Short texts into the cells of a string variable.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace textwizard {
+
+static_assert(std::endian::native == std::endian::little, "words are put together by their bytes");
+
+// Writes `text` and blanks behind it, `cellBytes` bytes in all: a multiple of 8, not less than the
+// text's size. Word by word, because nearly all strings are a few words long and a call of a
+// copying and of a filling function each would take longer than their work.
+inline void StoreText(std::string_view text, unsigned char* cells, std::size_t cellBytes) {
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
+  constexpr std::uint64_t kBlanks = 0x2020202020202020;
+  const char* const from = text.data();
+  const std::size_t size = text.size();
+  std::size_t at = 0;
+  for (; at + kWord <= size; at += kWord) std::memcpy(cells + at, from + at, kWord);
+  if (at == cellBytes) return;
+  // The bytes of the last, broken word.
+  const std::size_t rest = size - at;
+  std::uint64_t word = 0;
+  if (at > 0) {
+    // Read together with the bytes before them.
+    if (rest > 0) {
+      std::memcpy(&word, from + size - kWord, kWord);
+      word >>= 8 * (kWord - rest);
+    }
+  } else if (rest >= 4) {
+    // Two halves that overlap.
+    std::uint32_t low, high;
+    std::memcpy(&low, from, sizeof low);
+    std::memcpy(&high, from + rest - sizeof high, sizeof high);
+    word = low | std::uint64_t{high} << (8 * (rest - 4));
+  } else if (rest > 0) {
+    // Three bytes, some of them perhaps the same.
+    const auto byte = [from](std::size_t i) {
+      return std::uint64_t{static_cast<unsigned char>(from[i])} << (8 * i);
+    };
+    word = byte(0) | byte(rest / 2) | byte(rest - 1);
+  }
+  word |= kBlanks << (8 * rest);
+  std::memcpy(cells + at, &word, kWord);
+  for (at += kWord; at < cellBytes; at += kWord) std::memcpy(cells + at, &kBlanks, kWord);
+}
+
+}  // namespace textwizard
