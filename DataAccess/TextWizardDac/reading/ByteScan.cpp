@@ -237,12 +237,15 @@ bool IsUtf8Vector(const std::uint8_t* text) {
 }
 
 bool IsUtf8(const char* text, std::size_t size) {
-  // The first vector has nothing before it, the last one zeros behind it: a character that is cut
+  // The first bytes have none before them, the last ones zeros behind: a character that is cut
   // short then meets a byte that cannot follow it.
-  std::uint8_t edge[3 + kLanes] = {};
-  std::size_t i = std::min(size, kLanes);
+  constexpr std::size_t kHead = std::max<std::size_t>(kLanes, 4);
+  std::uint8_t edge[3 + kHead] = {};
+  std::size_t i = std::min(size, kHead);
   std::memcpy(edge + 3, text, i);
-  if (!IsUtf8Vector(edge + 3)) return false;
+  for (std::size_t k = 0; k < kHead; k += kLanes) {
+    if (!IsUtf8Vector(edge + 3 + k)) return false;
+  }
   for (; i + kLanes <= size; i += kLanes) {
     if (!IsUtf8Vector(AsBytes(text) + i)) return false;
   }

@@ -21,11 +21,7 @@ Strings Cases(const std::string& file, const ImportSettings& settings,
   return cases;
 }
 
-ImportSettings Counted(const char* delimiters) {
-  ImportSettings settings = Delimited(delimiters, kDelimitedCount);
-  settings.firstCase = 0;
-  return settings;
-}
+ImportSettings Counted(const char* delimiters) { return Delimited(delimiters, kDelimitedCount); }
 
 ImportSettings Fixed(std::uint32_t recordsPerCase) {
   ImportSettings settings;

@@ -35,8 +35,7 @@ TEST(TextWizardIterator, DeliversOneCaseAfterAnother) {
 TEST(TextWizardIterator, AfterTheEndNextIsFalseAgainInEveryArrangement) {
   for (const Arrangement arrangement : {kDelimitedLines, kDelimitedCount, kFixedColumns}) {
     for (const char* file : {kThreeCases, "", "7"}) {
-      ImportSettings settings = Delimited(",", arrangement);
-      settings.firstCase = arrangement == kDelimitedCount ? 0 : 1;
+      const ImportSettings settings = Delimited(",", arrangement);
       TestImport import(file, settings, {MakeFixedVar("A", kFormatF, 1, 0, 8)});
       QANT_TextWizardIterator iterator(import.source(), import.obs());
       while (iterator.Next()) {
@@ -130,8 +129,7 @@ TEST(TextWizardIterator, SeekingWorksInEncodedFiles) {
 }
 
 TEST(TextWizardIterator, ARepositioningSeekForgetsARecordThatWasCutInPart) {
-  ImportSettings settings = Delimited(" ", kDelimitedCount);
-  settings.firstCase = 0;
+  const ImportSettings settings = Delimited(" ", kDelimitedCount);
   TestImport import("1 2 3 4\n5 6 7 8\n", settings, {Number("A"), Number("B")});
   QANT_TextWizardIterator iterator(import.source(), import.obs());
   EXPECT_EQ(NextCase(iterator, import), "1 2");
@@ -150,8 +148,7 @@ TEST(TextWizardIterator, ARepositioningSeekForgetsARecordThatWasCutInPart) {
 }
 
 TEST(TextWizardIterator, ACaseIsFoundAgainAtTheLastRecordReadForIt) {
-  ImportSettings settings = Delimited(" ", kDelimitedCount);
-  settings.firstCase = 0;
+  const ImportSettings settings = Delimited(" ", kDelimitedCount);
   TestImport import("1 2\n3 4 5\n6\n", settings, {Number("A"), Number("B"), Number("C")});
   QANT_TextWizardIterator iterator(import.source(), import.obs());
   EXPECT_EQ(NextCase(iterator, import), "1 2 3");
@@ -204,7 +201,7 @@ TEST(TextWizardIterator, TheSamplingRuleKeepsItsShare) {
   EXPECT_LT(kept(kImportPercent, 0.01), 400);
 }
 
-TEST(TextWizardIterator, StartingLinesAreSkippedOnceMoreWhereValuesAreCounted) {
+TEST(TextWizardIterator, StartingLinesAreSkipped) {
   const auto first = [](Arrangement arrangement, std::int64_t firstCase) {
     ImportSettings settings = Delimited(",", arrangement);
     settings.firstCase = firstCase;
@@ -215,8 +212,11 @@ TEST(TextWizardIterator, StartingLinesAreSkippedOnceMoreWhereValuesAreCounted) {
   EXPECT_EQ(first(kDelimitedLines, 1), "1");
   EXPECT_EQ(first(kDelimitedLines, 3), "3");
   EXPECT_EQ(first(kFixedColumns, 2), "2");
+  // Where values are counted, one record more is read; the first case begins in it.
   EXPECT_EQ(first(kDelimitedCount, 0), "1");
-  EXPECT_EQ(first(kDelimitedCount, 1), "2");
+  EXPECT_EQ(first(kDelimitedCount, 1), "1");
+  EXPECT_EQ(first(kDelimitedCount, 2), "2");
+  EXPECT_EQ(first(kDelimitedCount, 5), "end");
   EXPECT_EQ(first(kDelimitedLines, 5), "end");
   EXPECT_EQ(first(kDelimitedLines, 1000000), "end");
 }
