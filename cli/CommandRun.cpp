@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "HostFramework/DataSource.h"
 #include "HostFramework/embedded/command/Adapter.h"
@@ -121,7 +122,8 @@ CommandEnd CommandRunner::ReadSource(const QANT_DataSource& source,
   stats_.bytes = FileBytes(source.GetFileSpec());
   if (shows()) context_.console.Print(VariableTable(source) + "\n");
 
-  FirstCases firstCases(source, options_.values, shows() ? options_.show : 0, TerminalWidth());
+  FirstCases firstCases(source, options_.values, shows() ? options_.show : 0,
+                        TerminalWidth(STDOUT_FILENO));
   const CommandEnd end = ReadCases(source, CaseSampler(fraction, options_.seed), firstCases);
   if (shows() && end != CommandEnd::kFailed) {
     if (const std::string table = firstCases.Text(); !table.empty()) {

@@ -2,8 +2,13 @@
 
 #include <cstdio>
 
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 namespace cli {
 namespace {
+
+constexpr std::size_t kWidthElsewhere = 100;
 
 void Write(FILE* stream, std::string_view text) {
   std::fwrite(text.data(), 1, text.size(), stream);
@@ -15,6 +20,12 @@ void WriteLine(FILE* stream, std::string_view text) {
 }
 
 }  // namespace
+
+std::size_t TerminalWidth(int descriptor) {
+  struct winsize size {};
+  const bool known = ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return known ? size.ws_col : kWidthElsewhere;
+}
 
 Console::Console(const Settings& settings) : settings_(settings) {}
 
@@ -59,7 +70,8 @@ void Console::ShowProgress(std::string_view text) {
   const std::lock_guard guard(mutex_);
   std::fflush(stdout);
   EraseProgress();
-  Write(stderr, text);
+  // A line that reached the terminal's edge would go on in the next one and could not be erased.
+  Write(stderr, text.substr(0, TerminalWidth(STDERR_FILENO) - 1));
   std::fflush(stderr);
   progressShown_ = true;
 }

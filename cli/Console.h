@@ -2,11 +2,15 @@
 // progress line that stands below them and goes away.
 #pragma once
 
+#include <cstddef>
 #include <mutex>
 #include <string>
 #include <string_view>
 
 namespace cli {
+
+// Columns of the terminal that is open as `descriptor`; a fixed number where none is.
+std::size_t TerminalWidth(int descriptor);
 
 // Texts are UTF-8. Any thread.
 class Console {
@@ -36,6 +40,7 @@ class Console {
   void Note(std::string_view text);
 
   bool showsProgress() const { return settings_.progress; }
+  // `text` is ASCII; what does not fit the terminal's line is cut.
   void ShowProgress(std::string_view text);
   void ClearProgress();
 

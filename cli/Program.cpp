@@ -27,10 +27,13 @@ constexpr char kExamples[] = R"(Examples:
 // Says what is wrong with the arguments, and where help is.
 int ReportWrongUsage(const CLI::App& program, const CLI::ParseError& error) {
   std::string command = program.get_name();
-  for (const CLI::App* subcommand : program.get_subcommands()) {
-    command += " " + subcommand->get_name();
+  std::string what = error.what();
+  const auto subcommands = program.get_subcommands();
+  for (const CLI::App* subcommand : subcommands) command += " " + subcommand->get_name();
+  if (const auto unknown = program.remaining(); subcommands.empty() && !unknown.empty()) {
+    what = "unknown subcommand: " + unknown.front();
   }
-  std::fprintf(stderr, "error: %s\nTry '%s --help'.\n", error.what(), command.c_str());
+  std::fprintf(stderr, "error: %s\nTry '%s --help'.\n", what.c_str(), command.c_str());
   return kExitUsage;
 }
 

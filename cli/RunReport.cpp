@@ -2,9 +2,6 @@
 
 #include <algorithm>
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <fmt/format.h>
 
 #include "cli/ValueText.h"
@@ -12,7 +9,6 @@
 namespace cli {
 namespace {
 
-constexpr std::size_t kWidthElsewhere = 100;
 constexpr std::size_t kMostVariables = 200;
 
 std::string Count(long long number, std::string_view noun) {
@@ -31,12 +27,6 @@ std::string_view ValueAt(const OBS* obs, const CaseColumn& column, Utf8Converter
 }
 
 }  // namespace
-
-std::size_t TerminalWidth() {
-  struct winsize size {};
-  const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-  return known ? size.ws_col : kWidthElsewhere;
-}
 
 std::string Counts(long long cases, std::size_t variables) {
   return Count(cases, "case") + ", " + Count(static_cast<long long>(variables), "variable");

@@ -12,9 +12,6 @@
 
 namespace cli {
 
-// Columns of the terminal that standard output is; a fixed number where it is none.
-std::size_t TerminalWidth();
-
 // The table of the variables: name, format, width. Long dictionaries are cut after the first
 // variables, and the text says so.
 std::string VariableTable(const QANT_DataSource& source);

@@ -9,51 +9,46 @@
 namespace cli {
 namespace {
 
-constexpr std::int64_t kSecondsPerDay = 86400;
-// Days from 1582-10-14, which the calendar of values counts from, to 1970-01-01.
-constexpr std::int64_t kDaysToEpoch = 141428;
-constexpr std::int64_t kFirstDay = 1;       // 1582-10-15
-constexpr std::int64_t kLastDay = 3074324;  // 9999-12-31
+constexpr std::uint32_t kSecondsPerDay = 86400;
+// Days are counted from 1582-10-14.
+constexpr double kFirstDay = 1;       // 1582-10-15
+constexpr double kLastDay = 3074324;  // 9999-12-31
 // Whole seconds below this are exact in a double, with fractions still meaningful.
 constexpr double kLongestTime = 1e15;
 constexpr double kPlainFrom = 1e-4;
 constexpr double kPlainBelow = 1e16;
 
-struct Day {
-  std::int64_t year;
-  unsigned month;
-  unsigned day;
-};
+// Days from 0000-03-01 to 1582-10-14. A year that begins in March has its leap day at its end.
+constexpr std::uint32_t kDaysBefore = 578040;
 
-// The day of the Gregorian calendar that lies `days` after 1970-01-01, counted in eras of 400 years
-// that begin on 1 March.
-Day DayFromEpoch(std::int64_t days) {
-  const std::int64_t shifted = days + 719468;
-  const std::int64_t era = (shifted >= 0 ? shifted : shifted - 146096) / 146097;
-  const std::int64_t dayOfEra = shifted - era * 146097;
-  const std::int64_t yearOfEra =
-      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const std::int64_t marchMonth = (5 * dayOfYear + 2) / 153;
-  const auto day = static_cast<unsigned>(dayOfYear - (153 * marchMonth + 2) / 5 + 1);
-  const auto month = static_cast<unsigned>(marchMonth < 10 ? marchMonth + 3 : marchMonth - 9);
-  return {yearOfEra + era * 400 + (month <= 2 ? 1 : 0), month, day};
-}
-
-char* WriteTwoDigits(char* out, std::int64_t number) {
+char* WriteTwoDigits(char* out, std::uint32_t number) {
   *out++ = static_cast<char>('0' + number / 10);
   *out++ = static_cast<char>('0' + number % 10);
   return out;
 }
 
-char* WriteDay(char* out, std::int64_t day) {
-  const Day date = DayFromEpoch(day - kDaysToEpoch);
-  out = WriteTwoDigits(out, date.year / 100);
-  out = WriteTwoDigits(out, date.year % 100);
+// The day of a moment inside the calendar.
+std::uint32_t DayOf(std::int64_t seconds) {
+  return static_cast<std::uint32_t>(seconds / kSecondsPerDay);
+}
+
+// Writes day `number` of the calendar as yyyy-mm-dd, by eras of 400 years.
+char* WriteDay(char* out, std::uint32_t number) {
+  const std::uint32_t days = number + kDaysBefore;
+  const std::uint32_t era = days / 146097;
+  const std::uint32_t dayOfEra = days % 146097;
+  const std::uint32_t yearOfEra =
+      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const std::uint32_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const std::uint32_t marchMonth = (5 * dayOfYear + 2) / 153;
+  const std::uint32_t month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
+  const std::uint32_t year = era * 400 + yearOfEra + (month <= 2 ? 1 : 0);
+  out = WriteTwoDigits(out, year / 100);
+  out = WriteTwoDigits(out, year % 100);
   *out++ = '-';
-  out = WriteTwoDigits(out, date.month);
+  out = WriteTwoDigits(out, month);
   *out++ = '-';
-  return WriteTwoDigits(out, date.day);
+  return WriteTwoDigits(out, dayOfYear - (153 * marchMonth + 2) / 5 + 1);
 }
 
 // A number of seconds that is not negative, cut at its decimal point. The fraction keeps the digits
@@ -79,10 +74,11 @@ char* WriteFraction(char* out, std::string_view fraction) {
 }
 
 char* WriteMinutesAndSeconds(char* out, std::int64_t seconds) {
+  const auto ofHour = static_cast<std::uint32_t>(seconds % 3600);
   *out++ = ':';
-  out = WriteTwoDigits(out, seconds / 60 % 60);
+  out = WriteTwoDigits(out, ofHour / 60);
   *out++ = ':';
-  return WriteTwoDigits(out, seconds % 60);
+  return WriteTwoDigits(out, ofHour % 60);
 }
 
 char* WriteTime(char* out, double value) {
@@ -96,16 +92,15 @@ char* WriteTime(char* out, double value) {
 char* WriteDateTime(char* out, double value) {
   char buffer[kValueTextRoom];
   const Seconds time = Split(value, buffer);
-  const std::int64_t ofDay = time.whole % kSecondsPerDay;
-  out = WriteDay(out, time.whole / kSecondsPerDay);
+  const auto ofDay = static_cast<std::uint32_t>(time.whole % kSecondsPerDay);
+  out = WriteDay(out, DayOf(time.whole));
   *out++ = 'T';
   out = WriteTwoDigits(out, ofDay / 3600);
   return WriteFraction(WriteMinutesAndSeconds(out, ofDay), time.fraction);
 }
 
 bool InCalendar(double value) {
-  return value >= static_cast<double>(kFirstDay * kSecondsPerDay) &&
-         value < static_cast<double>((kLastDay + 1) * kSecondsPerDay);
+  return value >= kFirstDay * kSecondsPerDay && value < (kLastDay + 1) * kSecondsPerDay;
 }
 
 }  // namespace
@@ -132,8 +127,7 @@ char* WriteNumber(char* out, double value) {
 char* WriteValue(char* out, double value, ValueKind kind) {
   switch (kind) {
     case ValueKind::kDate:
-      if (InCalendar(value))
-        return WriteDay(out, static_cast<std::int64_t>(value) / kSecondsPerDay);
+      if (InCalendar(value)) return WriteDay(out, DayOf(static_cast<std::int64_t>(value)));
       break;
     case ValueKind::kDateTime:
       if (InCalendar(value)) return WriteDateTime(out, value);

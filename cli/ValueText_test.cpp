@@ -94,6 +94,9 @@ TEST(ValueText, DateTimesHaveTheSecondsAndTheirFraction) {
   EXPECT_EQ(Value(12219379200 + 86399, ValueKind::kDateTime), "1970-01-01T23:59:59");
   EXPECT_EQ(Value(12219379200 + 3661.5, ValueKind::kDateTime), "1970-01-01T01:01:01.5");
   EXPECT_EQ(Value(12219379200 + 0.1, ValueKind::kDateTime), "1970-01-01T00:00:00.1");
+  // The last moments before midnight belong to their day.
+  EXPECT_EQ(Value(std::nextafter(265621593600.0, 0), ValueKind::kDateTime).substr(0, 19),
+            "9999-12-30T23:59:59");
   EXPECT_EQ(Value(12219379200 + 59.999, ValueKind::kDateTime), "1970-01-01T00:00:59.999");
 }
 

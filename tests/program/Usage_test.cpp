@@ -76,6 +76,11 @@ TEST_F(Usage, WrongUsageIsStatusTwoAndPointsToTheHelp) {
   }
 }
 
+TEST_F(Usage, AnUnknownSubcommandIsNamed) {
+  EXPECT_EQ(Run({"rum", "import.sps"}).err,
+            "error: unknown subcommand: rum\nTry 'textwizard --help'.\n");
+}
+
 TEST_F(Usage, OptionsThatDoNotGoTogetherAreSaidBeforeAnythingRuns) {
   WriteTowns();
   const std::vector<std::vector<std::string>> wrong = {
