@@ -195,9 +195,7 @@ void CommandRunner::ReadLoop(QANT_InputCaseIterator& iterator, CaseSampler& samp
 }
 
 CommandEnd CommandRunner::Publish(const QANT_DataSource& source) {
-  if (dictionaryFile_ != nullptr) {
-    dictionaryFile_->Append(DictionaryJson(source, stats_.cases));
-  }
+  if (dictionaryFile_ != nullptr) WriteDictionary(source, stats_.cases, *dictionaryFile_);
   // All are complete before the first takes its name.
   for (const auto& step : {&OutputFile::Finish, &OutputFile::Publish}) {
     for (OutputFile* file : {casesFile_.get(), dictionaryFile_.get()}) {

@@ -6,6 +6,7 @@
 #include "cli/DictionaryJson.h"
 #include "cli/Progress.h"
 #include "cli/RunStats.h"
+#include "cli/testing/TestFolder.h"
 #include "cli/testing/TestSource.h"
 
 #include <nlohmann/json.hpp>
@@ -73,8 +74,14 @@ TEST(DictionaryJson, HasEveryKeyInItsOrder) {
   source.SetFileSpec("data/a \"b\".csv");
   source.GetVariable(0)->SetWriteFormat(5, 9, 3);
   source.GetVariable(1)->SetDisplayWidth(12);
+  const TestFolder folder;
+  std::string error;
+  const auto file = OutputFile::Open(folder / "d.json", &error);
+  ASSERT_NE(file, nullptr) << error;
+  WriteDictionary(source, 3, *file);
+  ASSERT_TRUE(file->Finish() && file->Publish());
   EXPECT_EQ(
-      DictionaryJson(source, 3),
+      folder.Text("d.json"),
       "{\"file\":\"data/a \\\"b\\\".csv\",\"cases\":3,\"variables\":["
       "{\"name\":\"id\",\"type\":\"numeric\",\"format\":\"F8.2\",\"format_code\":5,\"width\":8,"
       "\"decimals\":2,\"write_format\":\"F9.3\",\"bytes\":0,\"display_width\":8},"
