@@ -10,9 +10,20 @@ namespace textwizard {
 namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-// White space as strtod skips it: by the process's locale.
-bool IsSpace(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
+// White space as strtod skips it: by the process's locale. Every locale has the printing characters
+// of ASCII in common.
+bool IsSpace(char c) {
+  if (c > ' ' && c <= '~') return false;
+  return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
 bool IsEither(char c, char lower, char upper) { return c == lower || c == upper; }
+
+// Infinity and not-a-number are spelled out.
+bool MayBeName(const char* p, const char* end) {
+  if (end - p < 3) return false;
+  return (IsEither(p[0], 'i', 'I') && IsEither(p[1], 'n', 'N') && IsEither(p[2], 'f', 'F')) ||
+         (IsEither(p[0], 'n', 'N') && IsEither(p[1], 'a', 'A') && IsEither(p[2], 'n', 'N'));
+}
 
 const char* SkipDigits(const char* p, const char* end) {
   while (p != end && IsDigit(*p)) ++p;
@@ -60,10 +71,7 @@ const char* NumericRule::EndOfNumber(const char* begin, const char* end) const {
     hasDigits = hasDigits || after != fraction;
     if (hasDigits) p = after;
   }
-  if (!hasDigits) {
-    const bool mayBeName = IsEither(*digits, 'i', 'I') || IsEither(*digits, 'n', 'N');
-    return mayBeName ? nullptr : begin;
-  }
+  if (!hasDigits) return MayBeName(digits, end) ? nullptr : begin;
   if (p != end && IsEither(*p, 'e', 'E')) {
     const char* exponent = p + 1;
     if (exponent != end && (*exponent == '+' || *exponent == '-')) ++exponent;
