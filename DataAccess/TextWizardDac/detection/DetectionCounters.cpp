@@ -1,7 +1,6 @@
 #include "detection/DetectionCounters.h"
 
 #include <algorithm>
-#include <array>
 
 #include "command/FormatCode.h"
 
@@ -23,31 +22,7 @@ constexpr int kMTime7 = 1117;
 constexpr std::size_t kShortestDate = 3;
 constexpr std::size_t kShortMonthName = 3;
 
-// The characters that decide which tests a field is worth.
-enum Mark : std::uint8_t {
-  kComma = 1,
-  kPoint = 2,
-  kDollar = 4,
-  kPercent = 8,
-  kExponent = 16,
-};
-
-constexpr std::array<std::uint8_t, 256> MakeMarks() {
-  std::array<std::uint8_t, 256> marks{};
-  marks[','] = kComma;
-  marks['.'] = kPoint;
-  marks['$'] = kDollar;
-  marks['%'] = kPercent;
-  marks['e'] = marks['E'] = kExponent;
-  return marks;
-}
-constexpr std::array<std::uint8_t, 256> kMarks = MakeMarks();
-
-unsigned MarksOf(std::string_view field) {
-  unsigned marks = 0;
-  for (const char c : field) marks |= kMarks[static_cast<unsigned char>(c)];
-  return marks;
-}
+bool Has(std::string_view field, char c) { return field.find(c) != std::string_view::npos; }
 
 }  // namespace
 
@@ -55,18 +30,24 @@ DetectionCounters::DetectionCounters(const RegExMappings& table, const Detection
     : rules_(rules), table_(table), classifier_(table, rules.arrangement) {}
 
 void DetectionCounters::Count(std::string_view field, TxtWzVar& variable) {
-  const unsigned marks = MarksOf(field);
-  const bool bothSeparators = (marks & kComma) && (marks & kPoint);
-  if (!bothSeparators && IsNumeric(field)) {
+  // Digits and a point are a number in every respect that matters here.
+  std::size_t point = 0;
+  if (!rules_.swapDecimal && classifier_.IsPlainNumber(field, &point)) {
     ++variable.numericCount;
-    if (marks & kExponent) variable.hasExponent = true;
+    UpdateVarSizes(variable, field.size(), point, rules_.arrangement);
+    return;
+  }
+  // With both separators a text is no number here, whatever the parser says.
+  if (IsNumeric(field) && !(Has(field, ',') && Has(field, '.'))) {
+    ++variable.numericCount;
+    if (Has(field, 'E') || Has(field, 'e')) variable.hasExponent = true;
     UpdateVarSizes(variable, field, ".,", rules_.arrangement);
     return;
   }
   if (rules_.leadingSpaces) field = TrimLeft(field);
   if (rules_.multipleSpaces) field = TrimRight(field);
   if (CountDate(field, variable)) return;
-  if (CountNumberForm(field, marks, variable)) return;
+  if (CountNumberForm(field, variable)) return;
   CountString(field, variable);
 }
 
@@ -141,22 +122,25 @@ bool DetectionCounters::KeepsMinutes(const TxtWzVar& variable) const {
   return rules_.pass == DetectionPass::kSampling && variable.dateKey >= kMTime5;
 }
 
-bool DetectionCounters::CountNumberForm(std::string_view field, unsigned marks,
-                                        TxtWzVar& variable) {
+bool DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& variable) {
   struct Form {
-    Mark mark;
+    char character;
     NumberForm form;
     std::uint64_t TxtWzVar::*count;
     std::string_view decimalCharacters;
   };
   static constexpr Form kForms[] = {
-      {kDollar, NumberForm::kDollar, &TxtWzVar::dollarCount, "."},
-      {kPercent, NumberForm::kPercentage, &TxtWzVar::percentCount, ".,"},
-      {kComma, NumberForm::kComma, &TxtWzVar::commaCount, "."},
-      {kPoint, NumberForm::kDot, &TxtWzVar::dotCount, ","},
+      {'$', NumberForm::kDollar, &TxtWzVar::dollarCount, "."},
+      {'%', NumberForm::kPercentage, &TxtWzVar::percentCount, ".,"},
+      {',', NumberForm::kComma, &TxtWzVar::commaCount, "."},
+      {'.', NumberForm::kDot, &TxtWzVar::dotCount, ","},
   };
+  const NumberForms matching = classifier_.FormsOf(field);
+  if (matching.none()) return false;
   for (const Form& form : kForms) {
-    if (!(marks & form.mark) || !classifier_.Is(form.form, field)) continue;
+    // The patterns alone would take plain digits, too.
+    if (!matching.test(static_cast<std::size_t>(form.form)) || !Has(field, form.character))
+      continue;
     ++(variable.*form.count);
     UpdateVarSizes(variable, field, form.decimalCharacters, rules_.arrangement);
     return true;

@@ -47,7 +47,7 @@ class DetectionCounters {
   bool IsNumeric(std::string_view field);
   // Each counts the field when it is of its class; else leaves the variable alone.
   bool CountDate(std::string_view field, TxtWzVar& variable);
-  bool CountNumberForm(std::string_view field, unsigned marks, TxtWzVar& variable);
+  bool CountNumberForm(std::string_view field, TxtWzVar& variable);
   void CountString(std::string_view field, TxtWzVar& variable) const;
   void AdoptDateKey(int key, std::string_view field, TxtWzVar& variable) const;
   bool KeepsMinutes(const TxtWzVar& variable) const;

@@ -54,6 +54,23 @@ bool NumericRule::Accepts(std::string_view text) {
   }
 }
 
+bool NumericRule::AcceptsPlain(std::string_view text, std::size_t* point) const {
+  if (decimal_ != '.') return false;
+  const char* p = text.data();
+  const char* const end = p + text.size();
+  if (p != end && (*p == '-' || *p == '+')) ++p;
+  const char* const digits = p;
+  p = SkipDigits(p, end);
+  *point = std::string_view::npos;
+  // A digit before the point is the commoner form; the others are not plain.
+  if (p == digits) return false;
+  if (p != end && *p == '.') {
+    *point = static_cast<std::size_t>(p - text.data());
+    p = SkipDigits(p + 1, end);
+  }
+  return p == end;
+}
+
 // Where strtod would stop: `begin` when it converts nothing. Null for what only strtod can tell.
 const char* NumericRule::EndOfNumber(const char* begin, const char* end) const {
   if (!decimal_) return nullptr;

@@ -55,9 +55,7 @@ bool SamplingPass::Run() {
 bool SamplingPass::ReadRecord() {
   switch (settings_.arrangement) {
     case kDelimitedLines:
-      record_ = iterator_.ProcessDlmLinesBuffer();
-      cursor_ = iterator_.record().data();
-      break;
+      return iterator_.NextLine() != kEndOfDataText;
     case kDelimitedCount:
       record_ = iterator_.ProcessDlmCountBuffer();
       cursor_ = record_.data();
@@ -70,15 +68,19 @@ bool SamplingPass::ReadRecord() {
 }
 
 bool SamplingPass::NextField(const TxtWzVar& variable) {
+  bool found = false;
   switch (settings_.arrangement) {
     case kDelimitedLines:
-      return iterator_.GetNextVar(field_, cursor_);
+      return iterator_.NextField(field_);
     case kDelimitedCount:
-      return iterator_.GetNextVar(field_, cursor_, record_);
+      found = iterator_.GetNextVar(fieldText_, cursor_, record_);
+      break;
     case kFixedColumns:
-      return iterator_.GetVarBuffer(field_, &variable, record_);
+      found = iterator_.GetVarBuffer(fieldText_, &variable, record_);
+      break;
   }
-  return false;
+  field_ = fieldText_;
+  return found;
 }
 
 void SamplingPass::CountRecord() {

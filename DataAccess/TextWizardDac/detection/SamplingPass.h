@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "HostFramework/Messages.h"
@@ -42,9 +43,11 @@ class SamplingPass {
   // Empty fields take no slot: runs of blanks that separate values collapse.
   const bool blanksCollapse_;
 
+  // The field in hand: of the iterator's own record, or of a text that joins several.
+  std::string_view field_;
   std::string record_;
   const char* cursor_ = nullptr;
-  std::string field_;
+  std::string fieldText_;
 };
 
 }  // namespace textwizard

@@ -31,10 +31,13 @@ std::string_view TrimRight(std::string_view text) {
 bool IsBlank(std::string_view text) { return TrimLeft(text).empty(); }
 
 std::size_t LastOf(std::string_view text, std::string_view set) {
+  if (set.size() > 3) return text.find_last_of(set);
+  if (set.empty()) return std::string_view::npos;
+  // One, two or three characters, some of them perhaps twice.
+  const char first = set.front(), middle = set[set.size() / 2], last = set.back();
   for (std::size_t i = text.size(); i-- > 0;) {
-    for (const char c : set) {
-      if (text[i] == c) return i;
-    }
+    const char c = text[i];
+    if (c == first || c == middle || c == last) return i;
   }
   return std::string_view::npos;
 }
@@ -47,10 +50,13 @@ std::uint32_t AsWidth(std::size_t length) {
 void UpdateVarSizes(TxtWzVar& variable, std::string_view value, std::string_view decimalCharacters,
                     Arrangement arrangement) {
   if (arrangement == kDelimitedLines) value = TrimLeft(TrimRight(value));
-  std::size_t length = value.size();
-  const std::size_t point = LastOf(value, decimalCharacters);
+  UpdateVarSizes(variable, value.size(), LastOf(value, decimalCharacters), arrangement);
+}
+
+void UpdateVarSizes(TxtWzVar& variable, std::size_t length, std::size_t point,
+                    Arrangement arrangement) {
   if (point != std::string_view::npos) {
-    const auto decimals = static_cast<std::int32_t>(AsWidth(value.size() - point - 1));
+    const auto decimals = static_cast<std::int32_t>(AsWidth(length - point - 1));
     if (point == 0) --length;
     if (decimals > variable.decimals) {
       const std::int64_t widened = std::int64_t{decimals} + variable.width - variable.decimals;
@@ -99,13 +105,16 @@ bool ValueClassifier::IsNumericSwapped(std::string_view value, char swapped) {
   return numeric_.Accepts(changed_);
 }
 
-bool ValueClassifier::Is(NumberForm form, std::string_view value) {
-  const auto index = static_cast<std::size_t>(form);
-  const std::uint64_t bit = (std::uint64_t{1} << index) & usableForms_;
+NumberForms ValueClassifier::FormsOf(std::string_view value) {
   const PatternAutomaton::Verdict verdict = formAutomaton_->Match(value, formClasses_);
-  if (verdict.matched & bit) return true;
-  if (!(verdict.undecided & bit)) return false;
-  return Decide(formMatchers_[index], unicode_.Assign(value));
+  NumberForms forms(verdict.matched & usableForms_);
+  const NumberForms undecided(verdict.undecided & usableForms_);
+  if (undecided.none()) return forms;
+  const icu::UnicodeString& text = unicode_.Assign(value);
+  for (std::size_t i = 0; i < kNumberForms; ++i) {
+    if (undecided.test(i)) forms.set(i, Decide(formMatchers_[i], text));
+  }
+  return forms;
 }
 
 int ValueClassifier::IsDateTime(std::string_view value) {

@@ -2,7 +2,11 @@
 // comma- or dot-grouped number, and the rule by which a value widens a variable.
 #pragma once
 
+#include <array>
+#include <bitset>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,8 +37,15 @@ std::uint32_t AsWidth(std::size_t length);
 void UpdateVarSizes(TxtWzVar& variable, std::string_view value, std::string_view decimalCharacters,
                     Arrangement arrangement);
 
+// The same for a value of `length` bytes, without blanks to trim, whose fraction starts after the
+// offset `point` (npos: none).
+void UpdateVarSizes(TxtWzVar& variable, std::size_t length, std::size_t point,
+                    Arrangement arrangement);
+
 // Every number form has a pattern of its own in the table.
 enum class NumberForm { kPercentage, kDollar, kComma, kDot };
+inline constexpr std::size_t kNumberForms = 4;
+using NumberForms = std::bitset<kNumberForms>;
 
 // Tests host texts by one pattern table. Same thread rules as the table, which outlives it. Locale:
 // names by the table, decimal character and letter case by the process's locale at construction.
@@ -44,12 +55,20 @@ class ValueClassifier {
   ValueClassifier(const RegExMappings& table, Arrangement arrangement);
 
   bool IsNumeric(std::string_view value) { return numeric_.Accepts(value); }
+  // See NumericRule: only numbers, but not all of them.
+  bool IsPlainNumber(std::string_view value, std::size_t* point) const {
+    return numeric_.AcceptsPlain(value, point);
+  }
   // The same after every `swapped` of the value, unless it is a lone comma or point, has become the
   // other of '.' and ','.
   bool IsNumericSwapped(std::string_view value, char swapped);
 
   // The whole value has the form. Nothing is trimmed.
-  bool Is(NumberForm form, std::string_view value);
+  bool Is(NumberForm form, std::string_view value) {
+    return FormsOf(value).test(static_cast<std::size_t>(form));
+  }
+  // All forms that the value has.
+  NumberForms FormsOf(std::string_view value);
 
   // Key of the first row that the lower-cased value matches, 0 when none does. Blanks at both ends
   // count only with one case per line.
@@ -66,7 +85,7 @@ class ValueClassifier {
   NumericRule numeric_;
   // In key order: bit i of a date verdict is row i.
   std::vector<const RegExToFormatMapping*> rows_;
-  std::array<icu::RegexMatcher*, 4> formMatchers_;
+  std::array<icu::RegexMatcher*, kNumberForms> formMatchers_;
   // Patterns that the library could not compile match nothing: their bits are clear.
   std::uint64_t usableRows_ = 0;
   std::uint64_t usableForms_ = 0;

@@ -315,9 +315,11 @@ bool QANT_TextWizardIterator::ProcessFixedLines() {
 
 // The text of cases, for dictionary building.
 
-std::string QANT_TextWizardIterator::ProcessDlmLinesBuffer() {
-  return std::string(ReadRecord(false) ? record_ : kEndOfDataText);
+std::string_view QANT_TextWizardIterator::NextLine() {
+  return ReadRecord(false) ? record_ : kEndOfDataText;
 }
+
+std::string QANT_TextWizardIterator::ProcessDlmLinesBuffer() { return std::string(NextLine()); }
 
 std::string QANT_TextWizardIterator::ProcessFixedLinesBuffer() {
   std::string text;

@@ -62,6 +62,9 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   // Cuts the next field of record() at `cursor`, which lies in it, and moves the cursor behind the
   // field and its delimiter. False, with an empty field, when the record was used up before.
   bool GetNextVar(std::string& field, const char*& cursor);
+  // The same without a copy, at the record's own cursor: the field is valid until the next cut or
+  // record.
+  bool NextField(std::string_view& field) { return fields_.Next(field); }
   // The same of a record that the caller keeps unchanged while it walks it. A blank at the start of
   // a field is held with MULTIPLESPACES only.
   bool GetNextVar(std::string& field, const char*& cursor, const std::string& record);
@@ -74,6 +77,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   bool ProcessFixedLines();
   // Read the text of one case for dictionary building; kEndOfDataText at the end of the data.
   std::string ProcessDlmLinesBuffer();
+  // The same text, valid until the next record is read.
+  std::string_view NextLine();
   std::string ProcessDlmCountBuffer();
   std::string ProcessFixedLinesBuffer();
 
