@@ -1,11 +1,11 @@
 #include "HostFramework/embedded/values/DateNames.h"
 
 #include <algorithm>
-#include <array>
 #include <clocale>
 #include <cstdint>
 #include <cstring>
 #include <cwchar>
+#include <iterator>
 #include <string_view>
 
 #include <langinfo.h>
@@ -70,7 +70,7 @@ class NameList {
 
   // To be called after the last Add.
   void Arrange() {
-    std::sort(names_.begin(), names_.begin() + size_, [](const Name& left, const Name& right) {
+    std::sort(names_, names_ + size_, [](const Name& left, const Name& right) {
       const int leftGroup = GroupOf(left.characters[0]);
       const int rightGroup = GroupOf(right.characters[0]);
       return leftGroup != rightGroup ? leftGroup < rightGroup : left.length > right.length;
@@ -81,7 +81,7 @@ class NameList {
       while (next < size_ && GroupOf(names_[next].characters[0]) == group) ++next;
     }
     starts_[kGroups] = next;
-    abbreviations_.fill({});
+    std::fill(std::begin(abbreviations_), std::end(abbreviations_), Abbreviation{});
     for (int i = 0; i < size_; ++i) AddAbbreviation(names_[i]);
   }
 
@@ -157,9 +157,9 @@ class NameList {
   }
 
   int size_ = 0;
-  std::array<Abbreviation, kSlots> abbreviations_ = {};
-  std::array<int, kGroups + 1> starts_ = {};
-  std::array<Name, kCapacity> names_ = {};
+  Abbreviation abbreviations_[kSlots] = {};
+  int starts_[kGroups + 1] = {};
+  Name names_[kCapacity] = {};
 };
 
 // The names of one locale together with the English ones.

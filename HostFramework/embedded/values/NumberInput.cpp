@@ -15,8 +15,8 @@ namespace {
 // As many digits always fit an unsigned 64-bit integer.
 constexpr std::ptrdiff_t kIntegerDigits = 19;
 
-// An explicit exponent is held here: no text is long enough for its digits to make up for it.
-constexpr std::int64_t kExponentLimit = 1'000'000'000'000'000'000;
+// No more digits are added to an exponent of this size: no text is long enough to make up for it.
+constexpr std::int64_t kExponentLimit = 100'000'000'000'000'000;
 
 // Stands for a separator that a format does not have: digits are consumed before a separator is
 // looked for, so that it is never found.
