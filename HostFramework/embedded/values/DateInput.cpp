@@ -43,8 +43,8 @@ bool ReadShortNumber(TextCursor& cursor, int& number) {
   return run.count == 1 || run.count == 2;
 }
 
-// Consumes a month in digits, if it is plain that they are not the beginning of a name (the month
-// names of some languages begin with digits): nothing follows, or a separator and more digits.
+// Consumes a month in digits: after it the text ends, or a separator and more digits follow. Digits
+// that go on in another way can only be the beginning of a name, as months have in some languages.
 bool AcceptMonthDigits(TextCursor& cursor, int& month) {
   TextCursor after = cursor;
   if (!ReadShortNumber(after, month)) return false;
@@ -65,14 +65,11 @@ bool Store(const TextCursor& cursor, std::optional<std::int64_t> seconds, double
 bool ReadDay(TextCursor& cursor, int& day) { return ReadShortNumber(cursor, day); }
 
 bool ReadMonth(TextCursor& cursor, int& month, bool& letters) {
-  if (AcceptMonthDigits(cursor, month)) {
-    letters = false;
-    return month >= 1 && month <= 12;
-  }
+  letters = !AcceptMonthDigits(cursor, month);
+  if (!letters) return month >= 1 && month <= 12;
   month = AcceptMonthName(cursor);
   if (month == 0) month = AcceptRomanMonth(cursor);
-  letters = month != 0;
-  return letters || (ReadShortNumber(cursor, month) && month >= 1 && month <= 12);
+  return month != 0;
 }
 
 bool ReadYear(TextCursor& cursor, int& year) {

@@ -1,4 +1,5 @@
 // The reader's own arithmetic gives what the standard library's parser gives, bit by bit.
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cstdint>
@@ -24,15 +25,24 @@ std::uint64_t Bits(double value) { return std::bit_cast<std::uint64_t>(value); }
 
 class NumberRounding : public testing::Test {
  protected:
-  // `text` must be a number in the standard's form. Returns false after a failure, so that a loop
-  // can end.
+  // `text` must be a number in the standard's form. It is read under formats that read it in
+  // different ways. Returns false after a failure, so that a loop can end.
   bool Check(const std::string& text) {
-    double value = 0;
-    const int result = IocvConvertInput(text.data(), text.size(), kF, 0, &value);
     const std::optional<double> expected = Standard(text);
+    CheckUnder(text, kF, expected);
+    CheckUnder(text, kComma, expected);
+    std::string withComma = text;
+    std::replace(withComma.begin(), withComma.end(), '.', ',');
+    CheckUnder(withComma, kDot, expected);
+    return !HasFailure();
+  }
+
+  void CheckUnder(const std::string& text, int format, const std::optional<double>& expected) {
+    double value = 0;
+    const int result = IocvConvertInput(text.data(), text.size(), format, 0, &value);
     if (expected) {
-      EXPECT_EQ(result, 0) << text;
-      EXPECT_EQ(Bits(value), Bits(*expected)) << text << " gave " << value;
+      EXPECT_EQ(result, 0) << text << " under " << format;
+      EXPECT_EQ(Bits(value), Bits(*expected)) << text << " under " << format << " gave " << value;
     } else if (result == 0) {
       EXPECT_EQ(value, 0.0) << text;
       ++tiny_;
@@ -40,7 +50,6 @@ class NumberRounding : public testing::Test {
       EXPECT_EQ(result, 2) << text;
       ++large_;
     }
-    return !HasFailure();
   }
 
   std::string Digits(int count) {
