@@ -90,6 +90,15 @@ TEST(DateNames, NamesThatBeginWithDigits) {
   EXPECT_EQ(Read("土", kWkday), 7.0);
 }
 
+TEST(DateNames, NamesThatGoOnFromDigitsWithASeparator) {
+  const ProcessLocale locale("mn_MN.UTF-8");
+  const HostEncoding utf8("UTF-8");
+  EXPECT_EQ(Read("1-р сар", kMonth), 1.0);
+  EXPECT_EQ(Read("12-Р САР", kMonth), 12.0);
+  EXPECT_EQ(Read("31 1-р сар 2020", kDate), Day1970(18292));
+  EXPECT_EQ(Read("31-1-2020", kDate), Day1970(18292));
+}
+
 TEST(DateNames, FollowTheLocale) {
   const HostEncoding utf8("UTF-8");
   for (int i = 0; i < 3; ++i) {

@@ -7,8 +7,8 @@ namespace embedded {
 
 // Reads `text` (not empty, without blanks and tabs around it) under the number format `code`.
 // `decimal` is the process's decimal character. Returns false and leaves *value alone when the text
-// is not such a number or is too large. Any thread; allocates nothing; one pass over the text, two
-// for numbers that have more digits than a double holds.
+// is not such a number or is too large. Any thread; allocates nothing; a text of up to 16
+// characters costs a few operations on whole words, any other at most three passes.
 bool ReadNumber(std::string_view text, int code, char decimal, double* value);
 
 }  // namespace embedded
