@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "command/CommandTesting.h"
 #include "command/FormatCode.h"
+#include "command/testing/CommandTesting.h"
 
 namespace textwizard {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <random>
 
-#include "command/CommandTesting.h"
 #include "command/FormatCode.h"
+#include "command/testing/CommandTesting.h"
 
 namespace textwizard {
 namespace {

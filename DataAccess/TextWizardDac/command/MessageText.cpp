@@ -19,7 +19,7 @@ std::string Filled(const char* format, Arguments... arguments) {
 }
 
 // The limit that the text of `id` has a placeholder for; 0 for a text without one.
-int LimitOf(int id) {
+int LimitOf(std::uint32_t id) {
   switch (id) {
     case kNameUsed:
     case kNameCut:
@@ -35,7 +35,7 @@ int LimitOf(int id) {
 
 // True when the token stands inside the text of `id`. Four of the numbers are the catalogue's
 // reserve: nothing raises them, but their texts have the placeholder.
-bool TokenFillsText(int id) {
+bool TokenFillsText(std::uint32_t id) {
   switch (id) {
     case kBadLeadingSpaces:
     case 2285:
@@ -55,7 +55,7 @@ bool TokenFillsText(int id) {
 
 }  // namespace
 
-std::string MessageText(int id, const char* token) {
+std::string MessageText(std::uint32_t id, const char* token) {
   const QantServerErrorText entry(kMessageCatalogue, id);
   if (TokenFillsText(id)) return Filled(entry.GetText(), token ? token : "");
   const int limit = LimitOf(id);

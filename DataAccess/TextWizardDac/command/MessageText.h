@@ -12,7 +12,7 @@ namespace textwizard {
 inline constexpr const char* kMessageCatalogue = "lorvane.err";
 
 // Numbers of the catalogue, by what raises them. E: error that ends the command, W: warning.
-enum MessageId : int {
+enum MessageId : std::uint32_t {
   kNoArrangement = 2251,            // E neither delimited nor fixed
   kFixCaseWithDelimited = 2252,     // E
   kDelimitedWithFixed = 2253,       // E DELCASE or DELIMITERS with fixed columns
@@ -63,7 +63,7 @@ using ErrorTextList = std::vector<ErrorText>;
 // The text of message `id` with its token. Where the text has a placeholder for a limit, the limit
 // is filled in; where it has one for the token, the token is; any other text is followed by one
 // blank and the token. A null token adds nothing.
-std::string MessageText(int id, const char* token);
+std::string MessageText(std::uint32_t id, const char* token);
 // The warning for bytes at `position` (from 0) of case `caseNumber` (from 1) that are no character.
 ErrorText UndecodableWarning(std::int64_t caseNumber, std::size_t position);
 // The error that ends a reading pass whose file `fileName` could not be read on.

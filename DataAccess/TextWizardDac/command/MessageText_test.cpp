@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "command/CommandTesting.h"
+#include "command/testing/CommandTesting.h"
 
 namespace textwizard {
 namespace {
@@ -20,7 +20,8 @@ TEST(MessageText, NoTokenLeavesTheTextAsItIs) {
 }
 
 TEST(MessageText, ATokenFillsThePlaceholderOfTheTenTexts) {
-  for (const int id : {2284, 2285, 2287, 2288, 2289, 2291, 2293, 2294, 2296, 2297}) {
+  for (const std::uint32_t id :
+       {2284u, 2285u, 2287u, 2288u, 2289u, 2291u, 2293u, 2294u, 2296u, 2297u}) {
     EXPECT_EQ(MessageText(id, "12x"), FilledText(id, "%s", "12x")) << id;
   }
 }

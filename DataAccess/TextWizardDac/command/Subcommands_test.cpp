@@ -1,8 +1,8 @@
 // One subcommand at a time: what it sets and what it refuses.
 #include <gtest/gtest.h>
 
-#include "command/CommandTesting.h"
 #include "command/FormatCode.h"
+#include "command/testing/CommandTesting.h"
 
 namespace textwizard {
 namespace {

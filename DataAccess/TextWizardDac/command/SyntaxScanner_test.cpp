@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "command/CommandTesting.h"
+#include "command/testing/CommandTesting.h"
 
 namespace textwizard {
 namespace {

@@ -10,7 +10,7 @@ TxtWzParser::TxtWzParser(const char* syntax, DACAdapterBase* adapter)
     : scanner_(syntax), adapter_(adapter) {}
 
 bool TxtWzParser::PostErrorMsg(std::uint32_t id, const char* token, bool warning) {
-  std::string text = MessageText(static_cast<int>(id), token);
+  std::string text = MessageText(id, token);
   if (warning) {
     warnings_.push_back({std::move(text), kMessageWarning, 0});
   } else {

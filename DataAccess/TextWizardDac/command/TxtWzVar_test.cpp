@@ -4,7 +4,7 @@
 
 #include <type_traits>
 
-#include "command/CommandTesting.h"
+#include "command/testing/CommandTesting.h"
 
 namespace textwizard {
 namespace {

@@ -1,8 +1,8 @@
 // The variable list: names, record marks, column ranges and formats.
 #include <gtest/gtest.h>
 
-#include "command/CommandTesting.h"
 #include "command/FormatCode.h"
+#include "command/testing/CommandTesting.h"
 
 namespace textwizard {
 namespace {

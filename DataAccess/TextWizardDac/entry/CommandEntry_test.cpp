@@ -187,7 +187,7 @@ class ProcessDACSyntaxTest : public testing::Test {
   }
 
   // The run failed with this one message and left nothing behind.
-  void ExpectFailure(bool result, int id, const char* token) {
+  void ExpectFailure(bool result, std::uint32_t id, const char* token) {
     EXPECT_FALSE(result);
     EXPECT_EQ(Active(), nullptr);
     ASSERT_EQ(reported.size(), 1u);
@@ -280,7 +280,7 @@ TEST_F(ProcessDACSyntaxTest, ByteOrderMarksContradictLocaleOnly) {
   const struct {
     std::string content;
     const char* encoding;
-    int warning;
+    std::uint32_t warning;
   } cases[] = {{utf8, "LOCALE", 2281},       {utf8, "UTF8", 0},
                {utf8, nullptr, 0},           {little, "LOCALE", 2283},
                {little, "UTF16", 0},         {little, nullptr, 0},

@@ -92,12 +92,13 @@ inline Outcome ParseFixed(const std::string& variables) {
   return Parse("FILE=\"data.txt\" /ARRANGEMENT=FIXED /VARIABLES=" + variables);
 }
 
-inline std::string CatalogueText(int id) {
+inline std::string CatalogueText(std::uint32_t id) {
   return QantServerErrorText(kMessageCatalogue, id).GetText();
 }
 
 // The catalogue's text of `id` with `value` where its placeholder is.
-inline std::string FilledText(int id, const std::string& placeholder, const std::string& value) {
+inline std::string FilledText(std::uint32_t id, const std::string& placeholder,
+                              const std::string& value) {
   std::string text = CatalogueText(id);
   const std::size_t place = text.find(placeholder);
   EXPECT_NE(place, std::string::npos) << id << " has no " << placeholder;
@@ -106,16 +107,16 @@ inline std::string FilledText(int id, const std::string& placeholder, const std:
 }
 
 // The command ended with error `id`; the text of the message is followed by `token` (null: none).
-inline void ExpectError(const Outcome& outcome, int id, const char* token) {
-  EXPECT_EQ(outcome.errorId, static_cast<std::uint32_t>(id));
+inline void ExpectError(const Outcome& outcome, std::uint32_t id, const char* token) {
+  EXPECT_EQ(outcome.errorId, id);
   std::string text = CatalogueText(id);
   if (token) text.append(" ").append(token);
   EXPECT_EQ(outcome.error, text);
 }
 
 // The same for a message whose text has the token inside.
-inline void ExpectFilledError(const Outcome& outcome, int id, const std::string& token) {
-  EXPECT_EQ(outcome.errorId, static_cast<std::uint32_t>(id));
+inline void ExpectFilledError(const Outcome& outcome, std::uint32_t id, const std::string& token) {
+  EXPECT_EQ(outcome.errorId, id);
   EXPECT_EQ(outcome.error, FilledText(id, "%s", token));
 }
 
