@@ -76,8 +76,6 @@ std::uint32_t FormatRow::MaxWidth() const {
   }
 }
 
-std::span<const FormatRow> FormatTable() { return kFormats; }
-
 const FormatRow* FindFormat(std::string_view name) {
   for (const FormatRow& row : kFormats) {
     if (row.name == name) return &row;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string_view>
 
 #include "command/FormatCode.h"
@@ -32,11 +31,8 @@ struct FormatRow {
   std::uint32_t MaxWidth() const;
 };
 
-// Every format that a command can name.
-std::span<const FormatRow> FormatTable();
-
-// The row of a name (exact match, so upper-cased by the caller) or of a code; null when none has
-// it.
+// The row of a format that a command can name, by its name (exact match, so upper-cased by the
+// caller) or by its code; null when none has it.
 const FormatRow* FindFormat(std::string_view name);
 const FormatRow* FindFormat(std::uint32_t code);
 // The row of a type word, in any letter case (host text); null when none has it.

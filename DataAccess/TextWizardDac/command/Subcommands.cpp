@@ -68,7 +68,7 @@ SubcommandResult TxtWzParser::ParseSubCommand(Subcommand& subcommand) {
   }
   if (equals == std::string::npos) {
     if (!Is(subcommand.name, "MAP")) return FailWithoutEquals(subcommand, text);
-    scanner_.MoveTo(end);
+    scanner_.MoveTo(start + subcommand.name.size());
     return kSubcommand;
   }
   if (IsOneOf(subcommand.name, {"FILE", "DELIMITERS", "QUALIFIER"})) {

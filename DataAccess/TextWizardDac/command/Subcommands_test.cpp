@@ -286,6 +286,8 @@ TEST(Map, IsAskedForBeforeTheVariablesOrAtTheirEnd) {
   EXPECT_TRUE(Parse("FILE=x /DELIMITERS=\",\" /MAP /VARIABLES= a F8 /MAP").plan);
 }
 
+TEST(Map, TakesNoWord) { ExpectError(ParseWith("/MAP YES"), 2267, "/"); }
+
 TEST(Map, GivenTwice) { ExpectError(ParseWith("/MAP /MAP"), 2257, "/MAP"); }
 
 TEST(Map, IsSeenWithTheValueOfTheSubcommandBefore) {

@@ -7,7 +7,6 @@
 // memory, and what the adapter throws.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -131,7 +130,6 @@ class TxtWzParser {
   bool Fail(MessageId id, const char* token);
   SubcommandResult FailSubcommand(MessageId id, const char* token);
   SubcommandResult FailWithoutEquals(const Subcommand& subcommand, const std::string& text);
-  void SetName(Subcommand& subcommand, const std::string& text) const;
 
   // One subcommand each; false after posting an error.
   bool SetFile(const Subcommand& subcommand);

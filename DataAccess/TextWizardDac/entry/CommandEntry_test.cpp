@@ -1,6 +1,7 @@
 #include "entry/CommandEntry.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -154,7 +155,8 @@ class ProcessDACSyntaxTest : public testing::Test {
     onMessage = nullptr;
     ServerDataManager::GetInstance()->Remove("");
     const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    path_ = testing::TempDir() + test->test_suite_name() + "_" + test->name() + ".txt";
+    path_ = testing::TempDir() + test->test_suite_name() + "_" + test->name() +
+            std::to_string(getpid());
   }
   void TearDown() override {
     onMessage = nullptr;

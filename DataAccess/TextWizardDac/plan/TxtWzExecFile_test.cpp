@@ -2,6 +2,7 @@
 #include "plan/TxtWzExecFile.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -26,7 +27,8 @@ class TestFile {
  public:
   explicit TestFile(const std::string& content) {
     const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    path_ = testing::TempDir() + test->test_suite_name() + "_" + test->name() + ".txt";
+    path_ = testing::TempDir() + test->test_suite_name() + "_" + test->name() +
+            std::to_string(getpid());
     std::ofstream(path_, std::ios::binary) << content;
   }
   ~TestFile() { std::filesystem::remove(path_); }
