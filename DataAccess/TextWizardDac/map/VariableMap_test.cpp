@@ -1,6 +1,8 @@
 // The report of a pass's variables.
 #include "map/VariableMap.h"
 
+#include <gtest/gtest.h>
+
 #include "reading/ReadingTesting.h"
 
 namespace textwizard {

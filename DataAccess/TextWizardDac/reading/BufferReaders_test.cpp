@@ -1,4 +1,6 @@
 // The record and field operations that dictionary building drives.
+#include <gtest/gtest.h>
+
 #include "reading/ReadingTesting.h"
 
 namespace textwizard {

@@ -1,4 +1,6 @@
 // One case of each arrangement: fields to values, short records, missing lines.
+#include <gtest/gtest.h>
+
 #include "reading/ReadingTesting.h"
 
 namespace textwizard {

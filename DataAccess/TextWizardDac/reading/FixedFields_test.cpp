@@ -1,6 +1,8 @@
 // Fields of fixed columns.
 #include "reading/FixedFields.h"
 
+#include <gtest/gtest.h>
+
 #include "reading/ReadingTesting.h"
 
 namespace textwizard {

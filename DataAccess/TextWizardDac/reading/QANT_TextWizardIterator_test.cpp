@@ -2,8 +2,10 @@
 // character.
 #include "reading/QANT_TextWizardIterator.h"
 
+#include <gtest/gtest.h>
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/messages/Catalogue.h"
+
 #include "reading/ReadingTesting.h"
 
 namespace textwizard {

@@ -3,8 +3,10 @@
 
 #include <cstdlib>
 
+#include <gtest/gtest.h>
 #include "HostFramework/ValueInput.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+
 #include "reading/ReadingTesting.h"
 
 namespace textwizard {

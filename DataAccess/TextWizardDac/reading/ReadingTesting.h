@@ -8,8 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "HostFramework/DataSource.h"
 #include "HostFramework/FileStream.h"
 #include "HostFramework/Messages.h"

@@ -1,6 +1,8 @@
 // Records of UTF-16 files: units, line ends in both byte orders, odd bytes, units in two blocks.
 #include <random>
 
+#include <gtest/gtest.h>
+
 #include "reading/ReadingTesting.h"
 #include "reading/RecordReader.h"
 

@@ -3,6 +3,8 @@
 
 #include <random>
 
+#include <gtest/gtest.h>
+
 #include "reading/ReadingTesting.h"
 
 namespace textwizard {
