@@ -36,6 +36,7 @@ FieldSplitter::Kind FieldSplitter::KindOfCharacter(std::uint32_t ch) const {
 }
 
 void FieldSplitter::UseRules() {
+  spaceOptions_ = rules_.leadingSpaces() || rules_.multipleSpaces();
   blankDelimits_ = rules_.IsDelimiter(' ');
   holdsBlanks_ = blankDelimits_ && (rules_.multipleSpaces() ||
                                     (use_ == SplitUse::kReading && rules_.leadingSpaces()));
@@ -111,13 +112,15 @@ bool FieldSplitter::Next(std::string_view& field) {
   return true;
 }
 
+void FieldSplitter::MarkFrom(std::size_t word) {
+  const std::string_view text = text_.substr(64 * word, 64 * kMarkWords);
+  MarkBytes(text, cutting_, marks_.data());
+  firstMark_ = word;
+  markCount_ = (text.size() + 63) / 64;
+}
+
 inline std::uint64_t FieldSplitter::MarksAt(std::size_t word) {
-  if (word - firstMark_ >= markCount_) {
-    const std::string_view text = text_.substr(64 * word, 64 * kMarkWords);
-    MarkBytes(text, cutting_, marks_.data());
-    firstMark_ = word;
-    markCount_ = (text.size() + 63) / 64;
-  }
+  if (word - firstMark_ >= markCount_) MarkFrom(word);
   return marks_[word - firstMark_];
 }
 
@@ -126,14 +129,19 @@ inline const char* FieldSplitter::NextMark(const char* from) {
   if (from == end_) return end_;
   const auto at = static_cast<std::size_t>(from - text_.data());
   std::size_t word = at / 64;
-  std::uint64_t marks = MarksAt(word) & (~std::uint64_t{0} << (at % 64));
-  const auto size = static_cast<std::size_t>(end_ - text_.data());
-  while (marks == 0) {
-    if (64 * ++word >= size) return end_;
-    marks = MarksAt(word);
+  const std::uint64_t marks = MarksAt(word) >> (at % 64);
+  if (marks != 0) {
+    const char* const found = from + std::countr_zero(marks);
+    return found < end_ ? found : end_;
   }
-  const std::size_t found = 64 * word + static_cast<std::size_t>(std::countr_zero(marks));
-  return found < size ? text_.data() + found : end_;
+  const auto size = static_cast<std::size_t>(end_ - text_.data());
+  while (64 * ++word < size) {
+    if (const std::uint64_t more = MarksAt(word); more != 0) {
+      const char* const found = text_.data() + 64 * word + std::countr_zero(more);
+      return found < end_ ? found : end_;
+    }
+  }
+  return end_;
 }
 
 inline const char* FieldSplitter::NextQualifier(const char* from) {
@@ -154,6 +162,12 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
     field = Text(start, end_);
     cursor_ = end_;
     return Finish(field, true);
+  }
+  if (!spaceOptions_ && KindOf(*mark) >= kDelimiter) {
+    // Most fields: blanks are data or cut like any other delimiter.
+    field = Text(start, mark);
+    cursor_ = mark + 1;
+    return;
   }
   switch (KindOf(*mark)) {
     case kData:

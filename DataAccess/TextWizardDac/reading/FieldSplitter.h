@@ -117,6 +117,7 @@ class FieldSplitter {
   const char* NextMark(const char* from);
   const char* NextQualifier(const char* from);
   std::uint64_t MarksAt(std::size_t word);
+  void MarkFrom(std::size_t word);
   std::size_t ByteCharacterLength(char lead) const;
   void RemoveLastByteCharacter();
 
@@ -141,6 +142,7 @@ class FieldSplitter {
   bool bytesArePlain_ = false;
   // Every delimiter and the qualifier are ASCII.
   bool rulesAreAscii_ = false;
+  bool spaceOptions_ = false;
   bool blankDelimits_ = false;
   // Blanks at the start of a field belong to it.
   bool holdsBlanks_ = false;

@@ -46,19 +46,21 @@ constexpr CompactForm kCompactForms[] = {
     {kFormatTime, 8, "2222", "::."},
 };
 
-// Whether texts of the format that have none of the format's separators are compact.
+constexpr bool SeparatesDate(char ch) {
+  return ch == '/' || ch == '.' || ch == ',' || ch == '-' || ch == '\\';
+}
+constexpr bool SeparatesTime(char ch) { return ch == ':' || ch == '.'; }
+
+// Whether the format has compact texts and the field, without its separators, is one of them.
 bool IsCompact(std::string_view field, std::uint32_t formatType) {
-  const auto none = [field](std::string_view separators) {
-    return field.find_first_of(separators) == std::string_view::npos;
-  };
   switch (formatType) {
     case kFormatDate:
     case kFormatADate:
     case kFormatEDate:
     case kFormatSDate:
-      return none("/.,-\\");
+      return std::none_of(field.begin(), field.end(), SeparatesDate);
     case kFormatTime:
-      return none(":.");
+      return std::none_of(field.begin(), field.end(), SeparatesTime);
     default:
       return false;
   }
