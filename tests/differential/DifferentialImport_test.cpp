@@ -7,43 +7,31 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "HostFramework/DataSource.h"
-#include "HostFramework/embedded/command/Adapter.h"
-#include "HostFramework/embedded/command/CommandLanguage.h"
 #include "HostFramework/embedded/data/MemoryDevice.h"
-#include "HostFramework/embedded/data/StreamDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "command/MessageText.h"
-#include "entry/CommandEntry.h"
-#include "reading/QANT_TextWizardIterator.h"
-#include "reading/QANT_TextWizardSrc.h"
 #include "tests/differential/NaiveImport.h"
 #include "tests/differential/RandomImport.h"
+#include "tests/support/ImportRun.h"
 
 namespace {
 
 constexpr const char* kPath = "random.txt";
-
-std::vector<ErrorText> messages;
-
-void Collect(const char* text, int kind) {
-  messages.push_back({text, static_cast<std::uint8_t>(kind), 0});
-}
 
 std::uint64_t Setting(const char* name, std::uint64_t otherwise) {
   const char* value = std::getenv(name);
   return value ? std::strtoull(value, nullptr, 10) : otherwise;
 }
 
-naive::Cell CellOf(const QANT_Variable& variable, const std::vector<OBS>& row) {
+// `row`: the cells of one case.
+naive::Cell CellOf(const QANT_Variable& variable, const char* row) {
   naive::Cell cell;
-  const OBS* at = row.data() + variable.ObsIndex();
+  const char* const at = row + variable.ObsIndex() * sizeof(OBS);
   if (variable.GetType() == 0) {
     double value = 0.0;
     std::memcpy(&value, at, sizeof value);
@@ -51,22 +39,19 @@ naive::Cell CellOf(const QANT_Variable& variable, const std::vector<OBS>& row) {
     return cell;
   }
   cell.isString = true;
-  cell.text.assign(reinterpret_cast<const char*>(at), static_cast<std::size_t>(variable.GetType()));
+  cell.text.assign(at, static_cast<std::size_t>(variable.GetType()));
   cell.text.erase(cell.text.find_last_not_of(' ') + 1);
   return cell;
 }
 
-// Reads all cases of an iterator and compares them, and the messages posted, with the naive import.
-void ExpectSame(QANT_InputCaseIterator& cases, const QANT_DataSource& source, std::vector<OBS>& row,
+// Compares all cases of a pass, and the messages posted in it, with the naive import.
+void ExpectSame(const whole::Pass& pass, const QANT_DataSource& source,
                 const naive::Import& expected) {
-  messages.clear();
-  QantErrorMonitor monitor(Collect);
-  cases.SetErrorMonitor(&monitor);
-  std::size_t number = 0;
-  for (; cases.Next(); ++number) {
-    ASSERT_LT(number, expected.cases.size()) << "a case too many";
+  ASSERT_EQ(pass.cases, expected.cases.size());
+  for (std::size_t number = 0; number < pass.cases; ++number) {
     const naive::Case& wanted = expected.cases[number];
     ASSERT_EQ(source.GetNVariables(), wanted.size());
+    const char* const row = pass.bytes.data() + number * source.GetObsAreaSize();
     for (std::size_t i = 0; i < wanted.size(); ++i) {
       const naive::Cell got = CellOf(*source.GetVariable(i), row);
       ASSERT_EQ(got, wanted[i]) << "case " << number << ", variable " << i << ": '" << got.text
@@ -74,17 +59,12 @@ void ExpectSame(QANT_InputCaseIterator& cases, const QANT_DataSource& source, st
                                 << wanted[i].text << "' " << wanted[i].number.value_or(-1);
     }
   }
-  ASSERT_EQ(number, expected.cases.size());
-  std::vector<std::string> warnings;
-  for (const ErrorText& message : messages) {
-    ASSERT_EQ(message.kind, kMessageWarning) << message.text;
-    warnings.push_back(message.text);
-  }
-  std::vector<std::string> expectedWarnings;
+  whole::Messages warnings;
   for (const auto& [caseNumber, position] : expected.undecodable) {
-    expectedWarnings.push_back(textwizard::UndecodableWarning(caseNumber, position).text);
+    const ErrorText warning = textwizard::UndecodableWarning(caseNumber, position);
+    warnings.push_back({warning.kind, warning.text});
   }
-  ASSERT_EQ(warnings, expectedWarnings);
+  ASSERT_EQ(pass.messages, warnings);
 }
 
 void Compare(std::uint64_t seed) {
@@ -96,30 +76,13 @@ void Compare(std::uint64_t seed) {
   const embedded::ScopedMemoryFiles files(kPath, import.bytes);
   const embedded::ScopedBlockSize blocks(kBlocks[seed % kBlocks.size()]);
 
-  embedded::CommandReader reader(import.command);
-  embedded::ParsedCommand command;
-  ASSERT_TRUE(reader.Next(command));
-  ASSERT_TRUE(command.ok) << command.error;
-  embedded::Adapter adapter(command.tokens, Collect, nullptr, kWorkers[seed % kWorkers.size()], 0);
-  messages.clear();
-  ASSERT_TRUE(ProcessDACSyntax(&adapter))
-      << (messages.empty() ? "no message" : messages.back().text);
-  const QANT_DataSource* source = ServerDataManager::GetInstance()->Find("");
-  const auto& textSource = dynamic_cast<const textwizard::QANT_TextWizardSrc&>(*source);
-
+  const whole::Import command(import.command, kWorkers[seed % kWorkers.size()]);
+  ASSERT_TRUE(command.made()) << testing::PrintToString(command.messages());
   const naive::Import expected = naive::Read(import.bytes, import.settings, import.variables);
-  std::vector<OBS> row(source->GetObsAreaSize() / sizeof(OBS));
-  {
-    ClearCase(*source, row.data());
-    textwizard::QANT_TextWizardIterator oneThread(textSource, row.data());
-    ExpectSame(oneThread, *source, row, expected);
-  }
+  ExpectSame(command.Read(whole::Reading::kOneThread), command.source(), expected);
   if (!testing::Test::HasFatalFailure()) {
-    ClearCase(*source, row.data());
-    const std::unique_ptr<QANT_InputCaseIterator> chosen(source->MakeIterator(row.data()));
-    ExpectSame(*chosen, *source, row, expected);
+    ExpectSame(command.Read(whole::Reading::kChosen), command.source(), expected);
   }
-  ServerDataManager::GetInstance()->Remove("");
 }
 
 TEST(DifferentialImport, BothEnginesReadWhatTheNaiveReaderReads) {

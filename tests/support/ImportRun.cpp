@@ -1,0 +1,113 @@
+#include "tests/support/ImportRun.h"
+
+#include <cstdlib>
+#include <sstream>
+
+#include "HostFramework/embedded/command/CommandLanguage.h"
+#include "HostFramework/embedded/data/CaseBuffer.h"
+#include "entry/CommandEntry.h"
+#include "reading/QANT_TextWizardIterator.h"
+
+namespace whole {
+namespace {
+
+constexpr const char* kDetectionSwitch = "DISABLE_MULTI_THREAD_AUTO";
+
+// Where the messages of the command that runs go: the host's callback takes no object.
+Messages* commandMessages = nullptr;
+
+void Collect(const char* text, int kind) { commandMessages->push_back({kind, text}); }
+
+std::string FormatText(const QANT_Format& format) {
+  return std::to_string(format.type) + ":" + std::to_string(format.width) + "." +
+         std::to_string(format.decimals);
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& out, const Message& message) {
+  return out << message.kind << ' ' << message.text;
+}
+
+std::vector<std::string> Texts(const Messages& messages, int kind) {
+  std::vector<std::string> texts;
+  for (const Message& message : messages) {
+    if (message.kind == kind) texts.push_back(message.text);
+  }
+  return texts;
+}
+
+Import::Import(std::string_view command, int workers) {
+  static int number = 0;
+  embedded::CommandReader reader(command);
+  embedded::ParsedCommand parsed;
+  if (!reader.Next(parsed) || !parsed.ok) {
+    messages_.push_back({kMessageError, parsed.error});
+    return;
+  }
+  adapter_ =
+      std::make_unique<embedded::Adapter>(std::move(parsed.tokens), Collect, nullptr, workers, 0);
+  commandMessages = &messages_;
+  const bool made = ProcessDACSyntax(adapter_.get());
+  commandMessages = nullptr;
+  if (!made) return;
+  // A name of its own, so that the next command does not replace it.
+  ServerDataManager* const manager = ServerDataManager::GetInstance();
+  QANT_DataSource* const source = manager->Find("");
+  name_ = "import " + std::to_string(++number);
+  manager->Add(source, name_.c_str(), false);
+  source_ = dynamic_cast<const textwizard::QANT_TextWizardSrc*>(source);
+}
+
+Import::~Import() {
+  if (!name_.empty()) ServerDataManager::GetInstance()->Remove(name_.c_str());
+}
+
+Dictionary Import::dictionary() const {
+  Dictionary dictionary;
+  for (std::size_t i = 0; i < source_->GetNVariables(); ++i) {
+    const QANT_Variable& variable = *source_->GetVariable(i);
+    std::ostringstream line;
+    line << variable.GetName() << " type " << variable.GetType() << " print "
+         << FormatText(variable.GetFormat()) << " write " << FormatText(variable.GetWriteFormat())
+         << " display " << variable.GetDisplayWidth() << " cell " << variable.ObsIndex();
+    dictionary.push_back(line.str());
+  }
+  return dictionary;
+}
+
+std::unique_ptr<QANT_InputCaseIterator> Import::MakeIterator(Reading reading, OBS* obs) const {
+  if (reading == Reading::kChosen) {
+    return std::unique_ptr<QANT_InputCaseIterator>(source_->MakeIterator(obs));
+  }
+  return std::make_unique<textwizard::QANT_TextWizardIterator>(*source_, obs);
+}
+
+Pass Import::Read(Reading reading, std::size_t most) const {
+  Pass pass;
+  const embedded::CaseBuffer buffer(*source_);
+  pass.noMemory = buffer.obs() == nullptr;
+  if (pass.noMemory) return pass;
+  MessageKeeper monitor;
+  try {
+    const auto iterator = MakeIterator(reading, buffer.obs());
+    iterator->SetErrorMonitor(&monitor);
+    const auto* const cells = reinterpret_cast<const char*>(buffer.obs());
+    for (; pass.cases < most && iterator->Next(); ++pass.cases) {
+      pass.bytes.append(cells, source_->GetObsAreaSize());
+    }
+  } catch (const int number) {
+    pass.thrown = number;
+  }
+  pass.messages = monitor.messages();
+  pass.rowCount = source_->RowCount();
+  return pass;
+}
+
+ScopedOneThreadDetection::ScopedOneThreadDetection(bool on) {
+  if (on) setenv(kDetectionSwitch, "YES", 1);
+}
+
+ScopedOneThreadDetection::~ScopedOneThreadDetection() { unsetenv(kDetectionSwitch); }
+
+}  // namespace whole
