@@ -100,9 +100,7 @@ TEST(PatternAutomaton, AnswersAsTheExpressionsDoWithNamesBeyondAscii) {
   Comparison comparison;
   for (const char* text :
        {"janv. 2020", "janvx 2020", "janv\n 2020", "janv\xc2\xa0 2020", "f\xc3\xa9vrier",
-        "f\xc3\xa9v. 20", "fevrier", "mars", "ao\xc3\xbbt", "dimanche", "dim.",
-        "D\xc3\x89"
-        "C. 20"}) {
+        "f\xc3\xa9v. 20", "fevrier", "mars", "ao\xc3\xbbt", "dimanche", "dim.", "DÉC. 20"}) {
     comparison.Compare(text);
   }
   comparison.CompareMany(TextCount(50'000));

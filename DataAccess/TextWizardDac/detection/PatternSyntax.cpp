@@ -29,7 +29,8 @@ struct Node {
 
 CharacterSet Range(char first, char last) {
   CharacterSet set;
-  for (int c = first; c <= last; ++c) set.set(static_cast<std::size_t>(c));
+  const auto end = static_cast<unsigned char>(last);
+  for (std::size_t c = static_cast<unsigned char>(first); c <= end; ++c) set.set(c);
   return set;
 }
 

@@ -43,7 +43,8 @@ int TxtWzExecFile::IsDateTime(const std::string& value) const {
   return ValueClassifier(patterns_, settings.arrangement).IsDateTime(value);
 }
 
-void TxtWzExecFile::UpdateVarSizes(int slot, std::string value, std::string decimalChars) {
+void TxtWzExecFile::UpdateVarSizes(int slot, const std::string& value,
+                                   const std::string& decimalChars) {
   if (slot < 0 || static_cast<std::size_t>(slot) >= slots_.size()) return;
   textwizard::UpdateVarSizes(*slots_[static_cast<std::size_t>(slot)], value, decimalChars,
                              settings.arrangement);

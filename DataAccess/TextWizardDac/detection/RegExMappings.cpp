@@ -23,87 +23,87 @@ struct RowText {
   std::int16_t width;
   std::int16_t decimals;
   FormatCode formatType;
+  NameList names;
   const char* formatName;
   const char* icuPattern;
-  NameList names;
   const char* regex;
 };
 
 // Values are lower-cased before they are matched.
 constexpr RowText kRows[] = {
     // clang-format off
-    {1000, 11, 0, kFormatDate, "DATE11", "dd-MMM-yyyy", NameList::kNone,
+    {1000, 11, 0, kFormatDate, NameList::kNone, "DATE11", "dd-MMM-yyyy",
      R"(^([0]?[1-9]|[1|2][0-9]|[3][0|1])(\-|\.|\,|\/|\s)?[a-zA-Z]{3}(\-|\.|\,|\/|\s)?\d{4}$)"},
-    {1001, 9, 0, kFormatDate, "DATE9", "dd-MMM-yy", NameList::kNone,
+    {1001, 9, 0, kFormatDate, NameList::kNone, "DATE9", "dd-MMM-yy",
      R"(^([0]?[1-9]|[1|2][0-9]|[3][0|1])(\-|\.|\,|\/|\s)?[a-zA-Z]{3}(\-|\.|\,|\/|\s)?\d{2}$)"},
-    {1002, 10, 0, kFormatADate, "ADATE10", "MM/dd/yyyy", NameList::kNone,
+    {1002, 10, 0, kFormatADate, NameList::kNone, "ADATE10", "MM/dd/yyyy",
      R"(^([0]?[1-9]|[1][0-2])/([0]?[1-9]|[1|2][0-9]|[3][0|1])/\d{4}$)"},
-    {1003, 8, 0, kFormatADate, "ADATE8", "MM/dd/yy", NameList::kNone,
+    {1003, 8, 0, kFormatADate, NameList::kNone, "ADATE8", "MM/dd/yy",
      R"(^([0]?[1-9]|[1][0-2])/([0]?[1-9]|[1|2][0-9]|[3][0|1])/\d{2}$)"},
-    {1004, 10, 0, kFormatEDate, "EDATE10", "dd.MM.yyyy", NameList::kNone,
+    {1004, 10, 0, kFormatEDate, NameList::kNone, "EDATE10", "dd.MM.yyyy",
      R"(^([0]?[1-9]|[1|2][0-9]|[3][0|1])\.([0]?[1-9]|[1][0-2])\.\d{4}$)"},
-    {1005, 8, 0, kFormatEDate, "EDATE8", "dd.MM.yy", NameList::kNone,
+    {1005, 8, 0, kFormatEDate, NameList::kNone, "EDATE8", "dd.MM.yy",
      R"(^([0]?[1-9]|[1|2][0-9]|[3][0|1])\.([0]?[1-9]|[1][0-2])\.\d{2}$)"},
-    {1008, 8, 0, kFormatSDate, "SDATE8", "yy/MM/dd", NameList::kNone,
+    {1008, 8, 0, kFormatSDate, NameList::kNone, "SDATE8", "yy/MM/dd",
      R"(^\d{2}/([0]?[1-9]|[1][0-2])/([0]?[1-9]|[1|2][0-9]|[3][0|1])$)"},
-    {1009, 10, 0, kFormatSDate, "SDATE10", "yyyy/MM/dd", NameList::kNone,
+    {1009, 10, 0, kFormatSDate, NameList::kNone, "SDATE10", "yyyy/MM/dd",
      R"(^\d{4}/([0]?[1-9]|[1][0-2])/([0]?[1-9]|[1|2][0-9]|[3][0|1])$)"},
-    {1010, 6, 0, kFormatQyr, "QYR6", "q Q yy", NameList::kNone,
+    {1010, 6, 0, kFormatQyr, NameList::kNone, "QYR6", "q Q yy",
      R"(^[1234](\s?)[Qq](\s?)\d{2}$)"},
-    {1011, 8, 0, kFormatQyr, "QYR8", "q Q yyyy", NameList::kNone,
+    {1011, 8, 0, kFormatQyr, NameList::kNone, "QYR8", "q Q yyyy",
      R"(^[1234](\s?)[Qq](\s?)\d{4}$)"},
-    {1012, 6, 0, kFormatMoyr, "MOYR6", "MMM yy", NameList::kShortMonths,
+    {1012, 6, 0, kFormatMoyr, NameList::kShortMonths, "MOYR6", "MMM yy",
      R"(^(%s)\s\d{2}$)"},
-    {1013, 8, 0, kFormatMoyr, "MOYR8", "MMM yyyy", NameList::kShortMonths,
+    {1013, 8, 0, kFormatMoyr, NameList::kShortMonths, "MOYR8", "MMM yyyy",
      R"(^(%s)\s\d{4}$)"},
-    {1014, 8, 0, kFormatWkyr, "WKYR8", "ww WK yy", NameList::kNone,
+    {1014, 8, 0, kFormatWkyr, NameList::kNone, "WKYR8", "ww WK yy",
      R"(^([0]?[1-9]|[1|2|3|4][0-9]|[5][0-3])(\s?)[wW][kK](\s?)\d{2}$)"},
-    {1015, 10, 0, kFormatWkyr, "WKYR10", "ww WK yyyy", NameList::kNone,
+    {1015, 10, 0, kFormatWkyr, NameList::kNone, "WKYR10", "ww WK yyyy",
      R"(^([0]?[1-9]|[1|2|3|4][0-9]|[5][0-3])(\s?)[wW][kK](\s?)\d{4}$)"},
-    {1016, 9, 0, kFormatWkday, "WKDAY9", "EEEE", NameList::kDays,
+    {1016, 9, 0, kFormatWkday, NameList::kDays, "WKDAY9", "EEEE",
      R"(^(%s)$)"},
-    {1017, 9, 0, kFormatMonth, "MONTH9", "MMMM", NameList::kMonths,
+    {1017, 9, 0, kFormatMonth, NameList::kMonths, "MONTH9", "MMMM",
      R"(^(%s)$)"},
-    {1018, 5, 0, kFormatTime, "TIME5", "hh:mm", NameList::kNone,
+    {1018, 5, 0, kFormatTime, NameList::kNone, "TIME5", "hh:mm",
      R"(^(\-|\+?)(\d{1,}):([0-5]?[0-9])$)"},
-    {1019, 8, 0, kFormatTime, "TIME8", "hh:mm:ss", NameList::kNone,
+    {1019, 8, 0, kFormatTime, NameList::kNone, "TIME8", "hh:mm:ss",
      R"(^(\-|\+?)(\d{1,}):([0-5]?[0-9]):([0-5]?[0-9])$)"},
-    {1020, 11, 2, kFormatTime, "TIME11.2", "hh:mm:ss.ss", NameList::kNone,
+    {1020, 11, 2, kFormatTime, NameList::kNone, "TIME11.2", "hh:mm:ss.ss",
      R"(^(\-|\+?)(\d{1,}):([0-5]?[0-9]):([0-5]?[0-9])(\-|\.|\,|\/|\s)\d{1,}$)"},
-    {1021, 9, 0, kFormatDTime, "DTIME9", "ddd hh:mm", NameList::kNone,
+    {1021, 9, 0, kFormatDTime, NameList::kNone, "DTIME9", "ddd hh:mm",
      R"(^(\-|\+?)([0-9]{1,3})\s([0-1]?[0-9]|[2][0-3]):([0-5][0-9])$)"},
-    {1022, 15, 2, kFormatDTime, "DTIME15.2", "ddd hh:mm:ss.ss", NameList::kNone,
+    {1022, 15, 2, kFormatDTime, NameList::kNone, "DTIME15.2", "ddd hh:mm:ss.ss",
      R"(^(\-|\+?)([0-9]{1,3})\s([0-1]?[0-9]|[2][0-3]):([0-5][0-9]):([0-5][0-9])\.\d{1,}$)"},
-    {1023, 17, 0, kFormatDateTime, "DATETIME17", "dd-MMM-yyyy HH:mm", NameList::kNone,
+    {1023, 17, 0, kFormatDateTime, NameList::kNone, "DATETIME17", "dd-MMM-yyyy HH:mm",
      R"(^([0]?[1-9]|[1|2][0-9]|[3][0|1])-[a-zA-Z]{3}-\d{4}\s([0-1]?[0-9]|[2][0-3]):)"
      R"(([0-5][0-9])$)"},
-    {1024, 23, 2, kFormatDateTime, "DATETIME23.2", "dd-MMM-yyyy HH:mm:ss.ss", NameList::kNone,
+    {1024, 23, 2, kFormatDateTime, NameList::kNone, "DATETIME23.2", "dd-MMM-yyyy HH:mm:ss.ss",
      R"(^([0]?[1-9]|[1|2][0-9]|[3][0|1])-[a-zA-Z]{3}-\d{4}\s([0-1]?[0-9]|[2][0-3]):)"
      R"(([0-5][0-9]):([0-5][0-9])(\.|\s)\d{1,}$)"},
-    {1100, 20, 0, kFormatDateTime, "DATETIME20", "dd-MMM-yyyy HH:mm:ss", NameList::kNone,
+    {1100, 20, 0, kFormatDateTime, NameList::kNone, "DATETIME20", "dd-MMM-yyyy HH:mm:ss",
      R"(^([0]?[1-9]|[1|2][0-9]|[3][0|1])-[a-zA-Z]{3}-\d{4}\s([0-1]?[0-9]|[2][0-3]):)"
      R"(([0-5][0-9]):([0-5][0-9])$)"},
-    {1101, 12, 0, kFormatDTime, "DTIME12", "ddd hh:mm:ss", NameList::kNone,
+    {1101, 12, 0, kFormatDTime, NameList::kNone, "DTIME12", "ddd hh:mm:ss",
      R"(^(\-|\+?)([0-9]{1,3})\s([0-1]?[0-9]|[2][0-3]):([0-5][0-9]):([0-5][0-9])$)"},
-    {1102, 3, 0, kFormatWkday, "WKDAY3", "EEE", NameList::kShortDays,
+    {1102, 3, 0, kFormatWkday, NameList::kShortDays, "WKDAY3", "EEE",
      R"(^(%s)$)"},
-    {1103, 3, 0, kFormatMonth, "MONTH3", "MMM", NameList::kShortMonths,
+    {1103, 3, 0, kFormatMonth, NameList::kShortMonths, "MONTH3", "MMM",
      R"(^(%s)$)"},
-    {1113, 16, 0, kFormatYmdhms, "YMDHMS16", "yyyy-MM-dd HH:mm", NameList::kNone,
+    {1113, 16, 0, kFormatYmdhms, NameList::kNone, "YMDHMS16", "yyyy-MM-dd HH:mm",
      R"(^(\d{2}|\d{4})(?:\-|\/|\.|\,|\s)?([0]{1}\d{1}|[1]{1}[0-2]{1})(?:\-|\/|\.|\,|\s)?)"
      R"(([0-2]{1}\d{1}|[3]{1}[0-1]{1})(?:T|\s)?([0-1]{1}\d{1}|[2]{1}[0-3]{1})(?::|\.|\,|\s))"
      R"(([0-5]{1}\d{1})$)"},
-    {1114, 19, 0, kFormatYmdhms, "YMDHMS19", "yyyy-MM-dd HH:mm:ss", NameList::kNone,
+    {1114, 19, 0, kFormatYmdhms, NameList::kNone, "YMDHMS19", "yyyy-MM-dd HH:mm:ss",
      R"(^(\d{2}|\d{4})(?:\-|\/|\.|\,|\s)?([0]{1}\d{1}|[1]{1}[0-2]{1})(?:\-|\/|\.|\,|\s)?)"
      R"(([0-2]{1}\d{1}|[3]{1}[0-1]{1})(?:T|\s)?([0-1]{1}\d{1}|[2]{1}[0-3]{1})(?::|\.|\,|\s))"
      R"(([0-5]{1}\d{1})(?::|\.|\,|\s)([0-5]{1}\d{1})$)"},
-    {1115, 22, 2, kFormatYmdhms, "YMDHMS22.2", "yyyy-MM-dd HH:mm:ss.ss", NameList::kNone,
+    {1115, 22, 2, kFormatYmdhms, NameList::kNone, "YMDHMS22.2", "yyyy-MM-dd HH:mm:ss.ss",
      R"(^(\d{2}|\d{4})(?:\-|\/|\.|\,|\s)?([0]{1}\d{1}|[1]{1}[0-2]{1})(?:\-|\/|\.|\,|\s)?)"
      R"(([0-2]{1}\d{1}|[3]{1}[0-1]{1})(?:T|\s)?([0-1]{1}\d{1}|[2]{1}[0-3]{1})(?::|\.|\,|\s))"
      R"(([0-5]{1}\d{1})(?::|\.|\,|\s)([0-5]{1}\d{1})((:|\.|\,)\d{1,})$)"},
-    {1116, 5, 0, kFormatMTime, "MTIME5", "mm:ss", NameList::kNone,
+    {1116, 5, 0, kFormatMTime, NameList::kNone, "MTIME5", "mm:ss",
      R"(^(\-|\+?)(\d{1,})((:|\.|\,|\s)?)(([0-5]{1}\d{1})|(\d{1}))$)"},
-    {1117, 7, 1, kFormatMTime, "MTIME7", "mm:ss.s", NameList::kNone,
+    {1117, 7, 1, kFormatMTime, NameList::kNone, "MTIME7", "mm:ss.s",
      R"(^(\-|\+?)(\d{1,})((:|\.|\,|\s)?)(([0-5]{1}\d{1})|(\d{1}))(:|\.|\,)\d{1,}$)"},
     // clang-format on
 };

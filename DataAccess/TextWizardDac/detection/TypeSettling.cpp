@@ -83,13 +83,13 @@ void SettleType(TxtWzVar& variable, double minPercentage, const RegExMappings& t
       variable.stringCount + variable.numericCount + variable.dateCount + variable.dollarCount +
       variable.percentCount + variable.commaCount + variable.dotCount);
   const auto share = [sum](std::uint64_t count) {
-    return count == 0 ? 0.0 : static_cast<double>(count) * 100.0 / sum;
+    return count == 0 ? 0.0 : static_cast<double>(count) * kAll / sum;
   };
+  variable.formatType = kFormatA;
   if (minPercentage > kMajority) {
+    // Only one class can hold more than half of the values.
     const auto decides = [&](std::uint64_t count) { return share(count) >= minPercentage; };
-    if (decides(variable.stringCount)) {
-      variable.formatType = kFormatA;
-    } else if (decides(variable.numericCount)) {
+    if (decides(variable.numericCount)) {
       variable.formatType = variable.hasExponent ? kFormatE : kFormatF;
     } else if (decides(variable.dollarCount)) {
       variable.formatType = kFormatDollar;
@@ -101,8 +101,6 @@ void SettleType(TxtWzVar& variable, double minPercentage, const RegExMappings& t
       variable.formatType = kFormatPct;
     } else if (decides(variable.dateCount)) {
       SettleDate(variable, table);
-    } else {
-      variable.formatType = kFormatA;
     }
     return;
   }
@@ -111,8 +109,6 @@ void SettleType(TxtWzVar& variable, double minPercentage, const RegExMappings& t
     variable.formatType = kFormatF;
   } else if (share(variable.dateCount) == kAll) {
     SettleDate(variable, table);
-  } else {
-    variable.formatType = kFormatA;
   }
 }
 

@@ -235,21 +235,21 @@ TEST(DefineVariable, ASkippedFieldMakesNone) {
 
 TEST(DefineVariable, AStringsFormatGrowsByEncodingButNotItsBytes) {
   struct Case {
-    FileEncoding encoding;
     const char* codePage;
+    FileEncoding encoding;
     int formatWidth;
   };
   const Case cases[] = {
-      {kEncodingNone, nullptr, 20},
-      {kEncodingLocale, nullptr, 60},
-      {kEncodingUtf8, nullptr, 20},
-      {kEncodingUtf16BigEndian, nullptr, 60},
-      {kEncodingUtf16LittleEndian, nullptr, 60},
-      {kEncodingNone, "ISO-8859-1", 20},
-      {kEncodingLocale, "ISO-8859-1", 20},
-      {kEncodingUtf8, "ISO-8859-1", 20},
-      {kEncodingUtf16BigEndian, "ISO-8859-1", 40},
-      {kEncodingUtf16LittleEndian, "ISO-8859-1", 40},
+      {nullptr, kEncodingNone, 20},
+      {nullptr, kEncodingLocale, 60},
+      {nullptr, kEncodingUtf8, 20},
+      {nullptr, kEncodingUtf16BigEndian, 60},
+      {nullptr, kEncodingUtf16LittleEndian, 60},
+      {"ISO-8859-1", kEncodingNone, 20},
+      {"ISO-8859-1", kEncodingLocale, 20},
+      {"ISO-8859-1", kEncodingUtf8, 20},
+      {"ISO-8859-1", kEncodingUtf16BigEndian, 40},
+      {"ISO-8859-1", kEncodingUtf16LittleEndian, 40},
   };
   for (const Case& c : cases) {
     const embedded::InCodePage page(c.codePage);

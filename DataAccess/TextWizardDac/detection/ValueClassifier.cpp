@@ -69,8 +69,7 @@ void UpdateVarSizes(TxtWzVar& variable, std::size_t length, std::size_t point,
 }
 
 ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrangement)
-    : table_(table),
-      trimDates_(arrangement != kDelimitedLines),
+    : trimDates_(arrangement != kDelimitedLines),
       formMatchers_{table.percentMatcher.get(), table.dollarMatcher.get(), table.commaMatcher.get(),
                     table.dotMatcher.get()} {
   std::vector<std::string> patterns;

@@ -80,7 +80,6 @@ class ValueClassifier {
   bool Decide(icu::RegexMatcher* matcher, const icu::UnicodeString& text) const;
   const icu::UnicodeString& LowerCased(std::string_view value);
 
-  const RegExMappings& table_;
   const bool trimDates_;
   NumericRule numeric_;
   // In key order: bit i of a date verdict is row i.

@@ -94,7 +94,7 @@ class TxtWzExecFile : public TxtWzFile {
   // Key of the first date or time pattern that matches, 0 when none does.
   int IsDateTime(const std::string& value) const;
   // Widens width and decimals of the slot's variable for `value`.
-  void UpdateVarSizes(int slot, std::string value, std::string decimalChars);
+  void UpdateVarSizes(int slot, const std::string& value, const std::string& decimalChars);
 
   ImportSettings settings;
   // Host handles that messages of the sampling pass are reported with.
