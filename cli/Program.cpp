@@ -40,7 +40,10 @@ int ReportWrongUsage(const CLI::App& program, const CLI::ParseError& error) {
 }  // namespace
 
 int RunProgram(int argc, char** argv) {
+  // The user's month names and codeset; but how numbers are read, and so what types are found, must
+  // not depend on where a command is run: --decimal says it.
   std::setlocale(LC_ALL, "");
+  std::setlocale(LC_NUMERIC, "C");
   int status = kExitSuccess;
   CLI::App program("Imports text data files by GET DATA commands.", "textwizard");
   program.set_version_flag("--version", std::string("textwizard ") + Version());

@@ -36,6 +36,17 @@ TEST_F(RunHost, TheDecimalCharacterDoesNotFollowTheLocale) {
             "point,comma\n1.5,\n");
 }
 
+TEST_F(RunHost, TheTypesThatAreFoundDoNotFollowTheLocale) {
+  folder_.Write("n.csv", "1.5\n2.5\n");
+  environment_ = {{"LC_ALL", "de_DE.UTF-8"}};
+  ASSERT_EQ(Quiet("GET DATA /TYPE=TXT /FILE='n.csv' /DELCASE=VARIABLES 1 /DELIMITERS=';'"
+                  " /VARIABLES=n AUTO.",
+                  {"--dictionary", "d.json"})
+                .status,
+            0);
+  EXPECT_EQ(Json("d.json")["variables"][0]["format"], "F3.1");
+}
+
 TEST_F(RunHost, TheHostWorksInUtf8WhateverTheLocale) {
   folder_.Write("s.csv", "Z\xC3\xBCrich;caf\xC3\xA9\n");
   for (const char* locale : {"C", "de_DE.UTF-8"}) {
