@@ -39,8 +39,7 @@ TEST_F(RunHost, TheDecimalCharacterDoesNotFollowTheLocale) {
 TEST_F(RunHost, TheTypesThatAreFoundDoNotFollowTheLocale) {
   folder_.Write("n.csv", "1.5\n2.5\n");
   environment_ = {{"LC_ALL", "de_DE.UTF-8"}};
-  ASSERT_EQ(Quiet("GET DATA /TYPE=TXT /FILE='n.csv' /DELCASE=VARIABLES 1 /DELIMITERS=';'"
-                  " /VARIABLES=n AUTO.",
+  ASSERT_EQ(Quiet("GET DATA /TYPE=TXT /FILE='n.csv' /ARRANGEMENT=FIXED /VARIABLES=n 0-2 AUTO.",
                   {"--dictionary", "d.json"})
                 .status,
             0);
