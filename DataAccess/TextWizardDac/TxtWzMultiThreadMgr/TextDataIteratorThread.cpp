@@ -189,14 +189,16 @@ std::size_t TextDataIteratorThread::StartRecord(std::string_view text, std::size
 void TextDataIteratorThread::ConvertRecord() {
   fCurrentCase = reinterpret_cast<unsigned char*>(fCases.get()) + fPlan.caseBytes * fConvertIndex;
   if (fPlan.clearCases) ClearCase(fPlan.source, reinterpret_cast<OBS*>(fCurrentCase));
-  std::string_view field;
-  for (const FieldTask& task : fPlan.fields) {
-    GetNextVar(field);
-    if (task.use != FieldUse::kDiscard) ConvertVar(field, task);
+  for (const FieldTask *task = fPlan.fields.data(), *end = task + fPlan.fields.size();
+       task != end;) {
+    const std::size_t cut = GetNextVars(static_cast<std::size_t>(end - task));
+    for (std::size_t i = 0; i < cut; ++i, ++task) {
+      if (task->use != FieldUse::kDiscard) ConvertVar(fFields[i], *task);
+    }
   }
 }
 
-void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask& task) {
+inline void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask& task) {
   if (task.use == FieldUse::kString) {
     const StringValue value = ConvertString(field, task.stringWidth, fPlan.stringRules);
     if (value.truncated) NoteFlag(BatchNote::kStringTruncated, task.variable);
@@ -211,7 +213,7 @@ void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask&
   std::memcpy(fCurrentCase + task.offset, &value, sizeof value);
 }
 
-void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTask& task) {
+inline void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTask& task) {
   unsigned char* const cells = fCurrentCase + task.offset;
   if (text.size() <= task.cellWidth) return StoreText(text, cells, task.cellBytes);
   const std::size_t seen = std::min(text.size(), task.cellWidth + kLongestCharacter);
@@ -222,14 +224,16 @@ void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTa
 
 void TextDataIteratorThread::DetectRecord() {
   fAutoSeen = 0;
-  std::string_view field;
-  for (const FieldTask& task : fPlan.fields) {
-    GetNextVar(field);
-    if (task.use == FieldUse::kDetect) AutoDetectVar(field);
+  for (const FieldTask *task = fPlan.fields.data(), *end = task + fPlan.fields.size();
+       task != end;) {
+    const std::size_t cut = GetNextVars(static_cast<std::size_t>(end - task));
+    for (std::size_t i = 0; i < cut; ++i, ++task) {
+      if (task->use == FieldUse::kDetect) AutoDetectVar(fFields[i]);
+    }
   }
 }
 
-void TextDataIteratorThread::AutoDetectVar(std::string_view field) {
+inline void TextDataIteratorThread::AutoDetectVar(std::string_view field) {
   TxtWzVar& variable = fAutoVars[fAutoSeen++];
   if (!field.empty()) fCounters->Count(field, variable);
 }

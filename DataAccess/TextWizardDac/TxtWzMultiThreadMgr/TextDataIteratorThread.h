@@ -6,6 +6,8 @@
 // Whoever was handed the batch owns every member that is marked so; nobody else touches them.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -122,7 +124,10 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   std::size_t StartRecord(std::string_view text, std::size_t cursor, bool byteText);
   void ConvertRecord();
   void DetectRecord();
-  bool GetNextVar(std::string_view& field) { return fSplitter.Next(field); }
+  // Cuts the record's next fields, at most `wanted`, into fFields; returns how many.
+  std::size_t GetNextVars(std::size_t wanted) {
+    return fSplitter.Cut(fFields.data(), std::min(wanted, fFields.size()));
+  }
   void ConvertVar(std::string_view field, const FieldTask& task);
   void SetColumnValue(std::string_view text, const FieldTask& task);
   void AutoDetectVar(std::string_view field);
@@ -164,6 +169,7 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
 
   // The worker's own.
   FieldSplitter fSplitter;
+  std::array<std::string_view, 64> fFields;
   RecordDecoder fDecoder;
   std::optional<RegExMappings> fRegEx;
   std::optional<DetectionCounters> fCounters;

@@ -104,12 +104,59 @@ bool FieldSplitter::Next(std::string_view& field) {
   if (mode_ == Mode::kUnknown) {
     mode_ = CutsByBytes(Text(begin_, end_)) ? Mode::kBytes : Mode::kCharacters;
   }
-  if (mode_ == Mode::kBytes) {
-    NextOfBytes(field);
-  } else {
+  if (mode_ == Mode::kCharacters) {
     WalkCharacters(field);
+  } else if (spaceOptions_ || CutAtDelimiters(&field, 1) == 0) {
+    NextOfBytes(field);
   }
   return true;
+}
+
+std::size_t FieldSplitter::Cut(std::string_view* fields, std::size_t count) {
+  std::size_t done = 0;
+  while (done < count) {
+    // Blanks are data or cut like any other delimiter.
+    if (mode_ == Mode::kBytes && !spaceOptions_) {
+      done += CutAtDelimiters(fields + done, count - done);
+      if (done == count) break;
+    }
+    const std::string_view& field = fields[done];
+    if (!Next(fields[done++])) {
+      std::fill(fields + done, fields + count, std::string_view());
+      return count;
+    }
+    if (field.data() < begin_ || field.data() > end_) break;
+  }
+  return done;
+}
+
+// Cuts fields without a qualifier, at most `count`. Returns how many those were: less when the
+// record was used up or a qualifier stands in the next field.
+std::size_t FieldSplitter::CutAtDelimiters(std::string_view* fields, std::size_t count) {
+  const char* const text = text_.data();
+  const char* start = cursor_;
+  const char* const end = end_;
+  if (start == end) return 0;
+  std::size_t done = 0;
+  auto word = static_cast<std::size_t>(start - text) / 64;
+  // Marks of the word's bytes that are not passed yet.
+  std::uint64_t marks = MarksAt(word) & ~std::uint64_t{0} << (start - text) % 64;
+  while (done < count) {
+    const char* mark = end;
+    while (marks == 0 && text + 64 * (word + 1) < end) marks = MarksAt(++word);
+    if (marks != 0) mark = std::min(text + 64 * word + std::countr_zero(marks), end);
+    if (mark == end) {
+      if (start != end) fields[done++] = Text(start, end);
+      start = end;
+      break;
+    }
+    if (KindOf(*mark) == kQualifier) break;
+    marks &= marks - 1;
+    fields[done++] = Text(start, mark);
+    start = mark + 1;
+  }
+  cursor_ = start;
+  return done;
 }
 
 void FieldSplitter::MarkFrom(std::size_t word) {
@@ -162,12 +209,6 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
     field = Text(start, end_);
     cursor_ = end_;
     return Finish(field, true);
-  }
-  if (!spaceOptions_ && KindOf(*mark) >= kDelimiter) {
-    // Most fields: blanks are data or cut like any other delimiter.
-    field = Text(start, mark);
-    cursor_ = mark + 1;
-    return;
   }
   switch (KindOf(*mark)) {
     case kData:

@@ -91,6 +91,10 @@ class FieldSplitter {
   // differs from the record's bytes; valid until the next call. False, with an empty field, when
   // the record was used up before the call.
   bool Next(std::string_view& field);
+  // Cuts the next `count` fields (at least one) at once; those that the record does not have are
+  // empty. Returns how many were cut: fewer when the last of them, valid until the next call, is
+  // not a view into the record.
+  std::size_t Cut(std::string_view* fields, std::size_t count);
 
   // Byte offset in the record where the next field begins.
   std::size_t offset() const { return static_cast<std::size_t>(cursor_ - begin_); }
@@ -121,6 +125,7 @@ class FieldSplitter {
   std::size_t ByteCharacterLength(char lead) const;
   void RemoveLastByteCharacter();
 
+  std::size_t CutAtDelimiters(std::string_view* fields, std::size_t count);
   void NextOfBytes(std::string_view& field);
   void WalkBytes(std::string_view& field);
   void WalkCharacters(std::string_view& field);

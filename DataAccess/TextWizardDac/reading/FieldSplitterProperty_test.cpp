@@ -1,5 +1,6 @@
 // Cutting by bytes gives the fields of the character walk, and both those of a splitter that is
 // written as plainly as the rules are, on random rules and records.
+#include <array>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -276,6 +277,56 @@ TEST_F(RandomRecords, RecordsOfOneText) {
       }
     }
   }
+}
+
+// Fields cut several at once are those cut one by one, mixed with such, and empty behind the last.
+TEST_F(RandomRecords, FieldsCutTogether) {
+  int many = 0;
+  for (int round = 0; round < 3000; ++round) {
+    const ImportSettings settings = Rules(kAsciiDelimiters, kAsciiQualifiers);
+    const FieldRules rules(settings);
+    FieldSplitter splitter(rules, SplitUse::kReading, nullptr);
+    PlainSplitter plain(settings, SplitUse::kReading);
+    Strings records;
+    std::string text;
+    const std::string other = round % 5 == 0 ? "\xFF" : "\xC3\xA9";
+    for (int i = 0; i < 20; ++i) {
+      records.push_back(Text({",", ",", " ", "\"", "'", "a", "bcdefgh", other}, i % 9 ? 30 : 900));
+      text += records.back() + "\n";
+    }
+    const embedded::Exact exact(text);
+    const bool byBytes = splitter.CutsByBytes(text);
+    if (byBytes) splitter.SetByteText(exact.view());
+    std::size_t at = 0;
+    for (const std::string& record : records) {
+      const std::string_view view = exact.view().substr(at, record.size());
+      if (byBytes) {
+        splitter.SetRecordOfText(view);
+      } else {
+        splitter.SetRecord(view);
+      }
+      at += record.size() + 1;
+      const Strings expected = plain.Split(record).fields;
+      std::array<std::string_view, 12> fields;
+      for (std::size_t i = 0; i < expected.size() + 3;) {
+        const std::size_t wanted = 1 + Random(fields.size());
+        const std::size_t cut = splitter.Cut(fields.data(), wanted);
+        ASSERT_GE(cut, 1U);
+        ASSERT_LE(cut, wanted);
+        many += cut > 1;
+        for (std::size_t k = 0; k < cut; ++k, ++i) {
+          ASSERT_EQ(fields[k], i < expected.size() ? std::string_view(expected[i]) : "")
+              << testing::PrintToString(record) << " field " << i;
+        }
+        std::string_view field;
+        if (Random(4) != 0) continue;
+        ASSERT_EQ(splitter.Next(field), i < expected.size());
+        ASSERT_EQ(field, i < expected.size() ? std::string_view(expected[i]) : "");
+        ++i;
+      }
+    }
+  }
+  EXPECT_GT(many, 10000);
 }
 
 }  // namespace

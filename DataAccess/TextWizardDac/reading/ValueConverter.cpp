@@ -4,9 +4,6 @@
 #include <array>
 #include <cstring>
 
-#include "HostFramework/ValueInput.h"
-#include "command/FormatCode.h"
-
 namespace textwizard {
 namespace {
 
@@ -51,19 +48,10 @@ constexpr bool SeparatesDate(char ch) {
 }
 constexpr bool SeparatesTime(char ch) { return ch == ':' || ch == '.'; }
 
-// Whether the format has compact texts and the field, without its separators, is one of them.
+// Whether the field has none of the separators of its format.
 bool IsCompact(std::string_view field, std::uint32_t formatType) {
-  switch (formatType) {
-    case kFormatDate:
-    case kFormatADate:
-    case kFormatEDate:
-    case kFormatSDate:
-      return std::none_of(field.begin(), field.end(), SeparatesDate);
-    case kFormatTime:
-      return std::none_of(field.begin(), field.end(), SeparatesTime);
-    default:
-      return false;
-  }
+  return formatType == kFormatTime ? std::none_of(field.begin(), field.end(), SeparatesTime)
+                                   : std::none_of(field.begin(), field.end(), SeparatesDate);
 }
 
 bool Convert(std::string_view text, std::uint32_t formatType, double* value) {
@@ -76,7 +64,7 @@ bool IsEnclosed(std::string_view text) {
 
 }  // namespace
 
-bool ConvertNumber(std::string_view field, std::uint32_t formatType, double* value) {
+bool ConvertDateOrTime(std::string_view field, std::uint32_t formatType, double* value) {
   if (!IsCompact(field, formatType)) return Convert(field, formatType, value);
   for (const CompactForm& form : kCompactForms) {
     if (form.formatType == formatType && form.size == field.size()) {
@@ -86,9 +74,8 @@ bool ConvertNumber(std::string_view field, std::uint32_t formatType, double* val
   return Convert({"", 0}, formatType, value);
 }
 
-StringValue ConvertString(std::string_view field, std::size_t width, const StringRules& rules) {
+StringValue ConvertLongString(std::string_view field, std::size_t width, const StringRules& rules) {
   StringValue result{field, false};
-  if (field.size() <= width) return result;
   if (rules.leadingSpaces) {
     result.text.remove_prefix(std::min(field.find_first_not_of(' '), field.size()));
   }

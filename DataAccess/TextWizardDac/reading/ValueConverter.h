@@ -5,12 +5,15 @@
 #include <cstdint>
 #include <string_view>
 
+#include "HostFramework/ValueInput.h"
+#include "command/FormatCode.h"
+
 namespace textwizard {
 
 // Reads a field of any format but A and X. Compact dates and times without separators are rewritten
 // first. False when the text is not a value: the caller then stores the missing value. Any thread;
 // allocates nothing.
-bool ConvertNumber(std::string_view field, std::uint32_t formatType, double* value);
+inline bool ConvertNumber(std::string_view field, std::uint32_t formatType, double* value);
 
 // How a string variable takes a field.
 struct StringRules {
@@ -29,6 +32,31 @@ struct StringValue {
 };
 
 // `width` is the variable's byte width. Any thread; the result is a view of `field`.
-StringValue ConvertString(std::string_view field, std::size_t width, const StringRules& rules);
+inline StringValue ConvertString(std::string_view field, std::size_t width,
+                                 const StringRules& rules);
+
+// --- The ways of most fields, in line
+bool ConvertDateOrTime(std::string_view field, std::uint32_t formatType, double* value);
+StringValue ConvertLongString(std::string_view field, std::size_t width, const StringRules& rules);
+
+inline bool ConvertNumber(std::string_view field, std::uint32_t formatType, double* value) {
+  switch (formatType) {
+    case kFormatDate:
+    case kFormatADate:
+    case kFormatEDate:
+    case kFormatSDate:
+    case kFormatTime:
+      return ConvertDateOrTime(field, formatType, value);
+    default:
+      return IocvConvertInput(field.data(), field.size(), static_cast<int>(formatType), 0, value) ==
+             0;
+  }
+}
+
+inline StringValue ConvertString(std::string_view field, std::size_t width,
+                                 const StringRules& rules) {
+  if (field.size() <= width) return {field, false};
+  return ConvertLongString(field, width, rules);
+}
 
 }  // namespace textwizard

@@ -1,13 +1,12 @@
 #include "HostFramework/embedded/values/NumberInput.h"
 
-#include <bit>
 #include <charconv>
 #include <cstdint>
-#include <cstring>
 #include <system_error>
 
 #include "HostFramework/embedded/values/Decimal.h"
 #include "HostFramework/embedded/values/FormatCodes.h"
+#include "HostFramework/embedded/values/PlainNumber.h"
 
 namespace embedded {
 namespace {
@@ -30,101 +29,6 @@ struct NumberRules {
 };
 
 bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
-
-template <typename Word>
-Word Load(const char* text) {
-  Word bytes;
-  std::memcpy(&bytes, text, sizeof bytes);
-  return bytes;
-}
-
-// Eight characters at a time: the first one in the lowest byte, texts that are shorter with zeros
-// in front.
-constexpr std::uint64_t kZeros = 0x3030303030303030;
-constexpr std::size_t kWord = sizeof(std::uint64_t);
-
-// The first of `length` characters that are more than one word and at most two.
-std::uint64_t LoadHead(const char* text, std::size_t length) {
-  return Load<std::uint64_t>(text) << (2 * kWord - length) * 8 |
-         (kZeros >> 8) >> (length - kWord - 1) * 8;
-}
-
-// All of 1 to 8 characters. Nothing outside the text is read.
-std::uint64_t LoadShort(const char* text, std::size_t length) {
-  std::uint64_t bytes;
-  if (length >= 4) {
-    bytes = Load<std::uint32_t>(text) | std::uint64_t{Load<std::uint32_t>(text + length - 4)}
-                                            << (length - 4) * 8;
-  } else {
-    const auto at = [text](std::size_t i) {
-      return std::uint64_t{static_cast<unsigned char>(text[i])} << i * 8;
-    };
-    bytes = at(0) | at(length / 2) | at(length - 1);
-  }
-  return bytes << (kWord - length) * 8 | (kZeros >> 8) >> (length - 1) * 8;
-}
-
-// The high bit of each byte that is not a digit.
-std::uint64_t NotDigits(std::uint64_t bytes) {
-  constexpr std::uint64_t kLow = 0x7F7F7F7F7F7F7F7F;
-  constexpr std::uint64_t kAboveNine = 0x7676767676767676;  // 10 more reaches the high bit
-  bytes ^= kZeros;
-  return (((bytes & kLow) + kAboveNine) | bytes) & ~kLow;
-}
-
-// The value of eight digits: neighbours are joined to pairs, pairs to fours, fours to eight.
-std::uint32_t EightDigits(std::uint64_t bytes) {
-  bytes -= kZeros;
-  bytes = bytes * 10 + (bytes >> 8);
-  constexpr std::uint64_t kMask = 0x000000FF000000FF;
-  constexpr std::uint64_t kFirst = 0x000F424000000064;   // 100 + (1000000 << 32)
-  constexpr std::uint64_t kSecond = 0x0000271000000001;  // 1 + (10000 << 32)
-  return static_cast<std::uint32_t>(
-      ((bytes & kMask) * kFirst + ((bytes >> 16) & kMask) * kSecond) >> 32);
-}
-
-// Takes the one character that is no digit out of `bytes`, if it is the decimal character, and
-// moves up those before it; `filler` comes in from below. False when another character is no digit.
-bool CloseGap(std::uint64_t& bytes, std::uint64_t notDigits, char decimal, std::uint64_t filler,
-              int& places) {
-  const int position = std::countr_zero(notDigits) & ~7;
-  if ((notDigits & (notDigits - 1)) != 0) return false;
-  if (static_cast<char>(bytes >> position) != decimal) return false;
-  const std::uint64_t above = bytes & (~std::uint64_t{0} << position) << 8;
-  const std::uint64_t below = bytes & ~(~std::uint64_t{0} << position);
-  bytes = above | below << 8 | filler;
-  places += static_cast<int>(kWord) - 1 - position / 8;
-  return true;
-}
-
-// Reads what most numbers are: 1 to 16 characters, digits with one decimal character or none. All
-// digits are found and valued together, without a branch that depends on their number. Returns
-// false for any other text, which may still be a number.
-bool ReadPlain(const char* text, std::size_t length, char decimal, double* value) {
-  if constexpr (std::endian::native != std::endian::little) return false;
-  constexpr std::uint64_t kZero = '0';
-  int places = 0;
-  if (length <= kWord) {
-    std::uint64_t bytes = LoadShort(text, length);
-    if (const std::uint64_t notDigits = NotDigits(bytes)) {
-      if (length == 1 || !CloseGap(bytes, notDigits, decimal, kZero, places)) return false;
-    }
-    *value = EightDigits(bytes) / kPowersOfTen[places];
-    return true;
-  }
-  std::uint64_t head = LoadHead(text, length);
-  std::uint64_t tail = Load<std::uint64_t>(text + length - kWord);
-  const std::uint64_t notInHead = NotDigits(head);
-  if (const std::uint64_t notInTail = NotDigits(tail)) {
-    if (notInHead != 0 || !CloseGap(tail, notInTail, decimal, head >> 56, places)) return false;
-    head = head << 8 | kZero;
-  } else if (notInHead != 0) {
-    if (!CloseGap(head, notInHead, decimal, kZero, places)) return false;
-    places += static_cast<int>(kWord);
-  }
-  const std::uint64_t digits = EightDigits(head) * std::uint64_t{100'000'000} + EightDigits(tail);
-  return ExactDecimal(digits, -places, value);
-}
 
 // Appends the digits at `at` to `digits` (which overflows silently after kIntegerDigits of them).
 const char* SkipDigits(const char* at, const char* end, std::uint64_t& digits) {
@@ -200,7 +104,10 @@ bool ReadStandard(const char* at, const char* end, double* value) {
 
 bool ReadMagnitude(const char* at, const char* end, const NumberRules& rules, double* value) {
   const auto length = static_cast<std::size_t>(end - at);
-  if (length - 1 < 2 * kWord && ReadPlain(at, length, rules.decimal, value)) return true;
+  if (length - 1 < PlainNumber::kLongest &&
+      PlainNumber::Read(at, length, rules.decimal, false, value)) {
+    return true;
+  }
   if (rules.standard && ReadStandard(at, end, value)) return true;
   return ReadAny(at, end, rules, value);
 }

@@ -1,5 +1,6 @@
 #include "HostFramework/ValueInput.h"
 
+#include <array>
 #include <atomic>
 #include <string_view>
 
@@ -7,6 +8,7 @@
 #include "HostFramework/embedded/values/DateTimeInput.h"
 #include "HostFramework/embedded/values/FormatCodes.h"
 #include "HostFramework/embedded/values/NumberInput.h"
+#include "HostFramework/embedded/values/PlainNumber.h"
 #include "HostFramework/embedded/values/TimeInput.h"
 
 namespace embedded {
@@ -25,6 +27,34 @@ std::string_view Trimmed(const char* text, std::size_t length) {
   while (text != end && isBlank(*text)) ++text;
   while (text != end && isBlank(end[-1])) --end;
   return {text, static_cast<std::size_t>(end - text)};
+}
+
+// By format: the decimal character of a number, kHostsDecimal, or 0 for no number that may have a
+// sign and a decimal character.
+constexpr char kHostsDecimal = 'h';
+constexpr auto kDecimals = [] {
+  std::array<char, 40> decimals{};
+  decimals[kF] = decimals[kE] = decimals[kPct] = kHostsDecimal;
+  decimals[kComma] = decimals[kDollar] = '.';
+  decimals[kDot] = ',';
+  return decimals;
+}();
+
+// Reads a plain number with a sign or none and nothing around it: what nearly all fields are. False
+// for any other text, which may still be a value.
+inline bool ReadCommonNumber(const char* text, std::size_t length, int format, double* value) {
+  const auto code = static_cast<unsigned>(format);
+  if (code >= kDecimals.size() || kDecimals[code] == 0 || length == 0) return false;
+  const char decimal = kDecimals[code] == kHostsDecimal
+                           ? decimalCharacter.load(std::memory_order_relaxed)
+                           : kDecimals[code];
+  // Signs come as they please in a column, so that skipping one is no branch.
+  const char sign = *text;
+  const bool negative = sign == '-';
+  const std::size_t skipped = negative | (sign == '+');
+  length -= skipped;
+  return length - 1 < PlainNumber::kLongest &&
+         PlainNumber::Read(text + skipped, length, decimal, negative, value);
 }
 
 int Convert(std::string_view text, int format, double* value) {
@@ -78,6 +108,7 @@ int Convert(std::string_view text, int format, double* value) {
 
 int IocvConvertInput(const char* text, std::size_t length, int format, int /*flags*/,
                      double* value) {
+  if (embedded::ReadCommonNumber(text, length, format, value)) return embedded::kConverted;
   const std::string_view trimmed = embedded::Trimmed(text, length);
   if (trimmed.empty()) return embedded::kEmpty;
   return embedded::Convert(trimmed, format, value);
