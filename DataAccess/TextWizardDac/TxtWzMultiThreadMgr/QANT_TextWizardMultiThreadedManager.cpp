@@ -87,14 +87,26 @@ bool QANT_TextWizardMultiThreadedManager::Next() {
     fTargetCase = fCaseNumber;
     return true;
   }
+  // Nothing is thrown to the host, even when there is no memory for a message.
+  try {
+    return ReadOn();
+  } catch (...) {
+    fFailed.store(true);
+  }
+  fTargetCase = fCaseNumber;
+  try {
+    EndPass();
+  } catch (...) {
+    // Not even the report could be made: the end is all that is left to tell.
+  }
+  return false;
+}
+
+bool QANT_TextWizardMultiThreadedManager::ReadOn() {
   while (!fEndOfData && MoreCases()) {
     const OBS* const nextCase = GetNextObsArray();
     if (!nextCase) {
-      fEndOfData = true;
-      if (!fFailed.load()) break;
-      if (ErrorMonitor* monitor = Monitor()) {
-        monitor->Report(ReadFailedError(fSource.GetFileSpec()));
-      }
+      EndPass();
       break;
     }
     std::memcpy(fIterator.GetObsPointer(), nextCase, fPlan.caseBytes);
@@ -107,6 +119,12 @@ bool QANT_TextWizardMultiThreadedManager::Next() {
   // A pass that met a failure is not a complete one.
   if (!fEndOfData || !fFailed.load()) fSource.NotePassEnd(fCaseNumber, Monitor());
   return false;
+}
+
+void QANT_TextWizardMultiThreadedManager::EndPass() {
+  fEndOfData = true;
+  ErrorMonitor* const monitor = fFailed.load() ? Monitor() : nullptr;
+  if (monitor) monitor->Report(ReadFailedError(fSource.GetFileSpec()));
 }
 
 const OBS* QANT_TextWizardMultiThreadedManager::GetNextObsArray() {

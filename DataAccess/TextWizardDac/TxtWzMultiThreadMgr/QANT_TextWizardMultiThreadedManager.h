@@ -68,6 +68,10 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
 
   // --- Host's thread
   bool MoreCases() const;
+  // What Next does behind its guards. Throws when memory runs out.
+  bool ReadOn();
+  // No further case comes; posts the error when the pass was given up.
+  void EndPass();
   // The next converted case, or null when there is none; reports what arose from its record.
   const OBS* GetNextObsArray();
   // Adds up batch after batch; true only when the user interrupted.

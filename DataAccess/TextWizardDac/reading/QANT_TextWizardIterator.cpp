@@ -107,6 +107,22 @@ void QANT_TextWizardIterator::Position() {
 bool QANT_TextWizardIterator::Next() {
   if (ended_ && requestedCase_ == currentCase_) return false;
   ended_ = false;
+  outOfMemory_ = false;
+  // Nothing is thrown to the host.
+  try {
+    return ReadOn();
+  } catch (...) {
+    outOfMemory_ = true;
+  }
+  try {
+    return EndOfData();
+  } catch (...) {
+    // Not even the report could be made: the end is all that is left to tell.
+    return false;
+  }
+}
+
+bool QANT_TextWizardIterator::ReadOn() {
   Position();
   while (currentCase_ <= requestedCase_) {
     if (!MoreCases() || !ReadCase()) return EndOfData();
@@ -126,13 +142,13 @@ bool QANT_TextWizardIterator::NextBuffer() {
 }
 
 bool QANT_TextWizardIterator::EndOfData() {
+  requestedCase_ = currentCase_;
+  ended_ = true;
   if (!readFailed()) {
     source_.NotePassEnd(currentCase_, GetErrorMonitor());
   } else if (ErrorMonitor* const monitor = GetErrorMonitor()) {
     monitor->Report(ReadFailedError(source_.GetFileSpec()));
   }
-  requestedCase_ = currentCase_;
-  ended_ = true;
   return false;
 }
 

@@ -38,8 +38,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   bool Next() override;
   void Commit() override {}
 
-  // The file could not be read on; Next posts the error before it ends the data.
-  bool readFailed() const { return reader_.failed(); }
+  // The file could not be read on, or memory ran out; Next posts the error before it ends the data.
+  bool readFailed() const { return outOfMemory_ || reader_.failed(); }
 
   // Records. The record is host text, without its line end.
   bool SeekBegin();
@@ -113,6 +113,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   // Moves to the case that is wanted, or to one before it: to the start of the data, or where the
   // index knows a case.
   void Position();
+  // Delivers the case that is wanted, or ends the data. Throws when memory runs out.
+  bool ReadOn();
   bool EndOfData();
   bool ReadCase();
   void StoreMissing(const Column& column, TxtWzVar* flagged);
@@ -138,6 +140,7 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   bool moreData_ = true;
   // Next has returned false since the latest repositioning.
   bool ended_ = false;
+  bool outOfMemory_ = false;
   bool randomSeeded_ = false;
 };
 

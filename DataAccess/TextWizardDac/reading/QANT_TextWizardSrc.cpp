@@ -1,6 +1,7 @@
 #include "reading/QANT_TextWizardSrc.h"
 
 #include <cstdlib>
+#include <new>
 #include <string_view>
 
 #include "HostFramework/ValueInput.h"
@@ -41,10 +42,14 @@ bool QANT_TextWizardSrc::OpenFile(const char* path) {
 }
 
 QANT_InputCaseIterator* QANT_TextWizardSrc::MakeIterator(OBS* obs) const {
-  if (settings_.arrangement == kDelimitedLines) {
-    return new QANT_TextWizardMultiThreadedIterator(*this, obs, false);
+  try {
+    if (settings_.arrangement == kDelimitedLines) {
+      return new QANT_TextWizardMultiThreadedIterator(*this, obs, false);
+    }
+    return new QANT_TextWizardIterator(*this, obs);
+  } catch (const std::bad_alloc&) {
+    throw int{kReadFailed};
   }
-  return new QANT_TextWizardIterator(*this, obs);
 }
 
 QANT_InputCaseIterator* QANT_TextWizardSrc::MakeAutoDetectIterator(OBS* obs) const {

@@ -23,6 +23,7 @@ class QANT_TextWizardSrc : public QANT_DataSource {
   ~QANT_TextWizardSrc() override;
 
   bool OpenFile(const char* path);
+  // Throws the integer 2269 when the file cannot be opened again or there is no memory.
   QANT_InputCaseIterator* MakeIterator(OBS* obs) const override;
   // Cases of the longest pass that reached the end of the data; -1 before.
   long long RowCount() const override;

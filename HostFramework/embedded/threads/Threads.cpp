@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <csignal>
 #include <ctime>
-#include <system_error>
+#include <exception>
 
 #include <sched.h>
 #include <semaphore.h>
@@ -60,7 +60,8 @@ bool sfThread::activate() {
   const embedded::InterruptBlocked blocked;
   try {
     thread_ = std::thread([this] { threadMain(); });
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {
+    // The system has no thread to give, or there is no memory for one.
     return false;
   }
   ++embedded::started;
