@@ -1,5 +1,6 @@
 #include "detection/NumericRule.h"
 
+#include <clocale>
 #include <cstdlib>
 #include <random>
 #include <string>
@@ -126,15 +127,23 @@ void CompareWithTheRule(int count) {
   std::mt19937 random(20'261'120);
   NumericRule test;
   int accepted = 0;
+  int plain = 0;
   for (int i = 0; i < count; ++i) {
     const std::string text = RandomNumberLike(random);
     const bool expected = IsNumericByTheRule(text);
     ASSERT_EQ(test.Accepts(text), expected) << "[" << text << "]";
     accepted += expected ? 1 : 0;
+    std::size_t point = 0;
+    if (!test.AcceptsPlain(text, &point)) continue;
+    ASSERT_TRUE(expected) << "[" << text << "]";
+    ASSERT_EQ(point, text.find_last_of(".,")) << "[" << text << "]";
+    ASSERT_EQ(text.find_first_of("eE, "), std::string::npos) << "[" << text << "]";
+    ++plain;
   }
   // Both answers were there to be told apart.
   EXPECT_GT(accepted, count / 50);
   EXPECT_LT(accepted, count * 9 / 10);
+  EXPECT_EQ(plain > 0, *std::localeconv()->decimal_point == '.');
 }
 
 TEST(NumericRule, SaysWhatTheRuleSaysOnRandomTexts) { CompareWithTheRule(1'000'000); }
