@@ -22,7 +22,6 @@ CorpusImport Example(const fs::path& folder, const fs::path& root) {
   CorpusImport import;
   import.name = folder.filename().string();
   std::replace(import.name.begin(), import.name.end(), '-', '_');
-  import.onDisk = true;
   for (const auto& entry : fs::directory_iterator(folder)) {
     if (entry.path().extension() == ".sps") import.command = TextOf(entry.path());
   }
@@ -54,26 +53,34 @@ std::string Repeated(const std::string& text, std::size_t times) {
   return all;
 }
 
+// What a file holds, at hand or made on demand.
+struct Bytes {
+  Bytes(const char* text) : Bytes(std::string(text)) {}
+  Bytes(const std::string& text) : make([text] { return text; }) {}
+  Bytes(const std::function<std::string()>& made) : make(made) {}
+  std::function<std::string()> make;
+};
+
 // Collects imports: each delimited file with its declared formats, and with every type found.
 class Generator {
  public:
-  void Delimited(const std::string& name, const std::string& bytes, const std::string& subcommands,
+  void Delimited(const std::string& name, const Bytes& bytes, const std::string& subcommands,
                  const std::string& variables, bool detectionAgrees = true) {
     Add(name, bytes, DelimitedCommand(subcommands, variables));
     Add(name + "_found", bytes, DelimitedCommand(subcommands, Found(variables)), detectionAgrees);
   }
-  void Fixed(const std::string& name, const std::string& bytes, const std::string& subcommands,
+  void Fixed(const std::string& name, const Bytes& bytes, const std::string& subcommands,
              const std::string& variables) {
     Add(name, bytes,
         std::string("GET DATA /TYPE=TXT /FILE='") + kCorpusPath + "' /ARRANGEMENT=FIXED " +
             subcommands + " /VARIABLES=" + variables + ".");
   }
-  CorpusImport& Add(const std::string& name, const std::string& bytes, const std::string& command,
+  CorpusImport& Add(const std::string& name, const Bytes& bytes, const std::string& command,
                     bool detectionAgrees = true) {
     CorpusImport import;
     import.name = name;
     import.command = command;
-    import.bytes = bytes;
+    import.bytes = bytes.make;
     import.detectionAgrees = detectionAgrees;
     imports.push_back(import);
     return imports.back();
@@ -230,10 +237,12 @@ std::string Rows(int rows, const std::string& padding) {
 
 void AddManyBatches(Generator& add) {
   const std::string variables = "i F8.0 d ADATE10 s A3 m F8.2";
-  add.Delimited("some_batches", Rows(20000, "rest"), kComma, variables);
+  add.Delimited("some_batches", std::function([] { return Rows(20000, "rest"); }), kComma,
+                variables);
   // More batches than there are slots in the largest ring.
   const std::size_t large = add.imports.size();
-  add.Delimited("many_batches", Rows(9000, std::string(950, '.')), kComma, variables);
+  add.Delimited("many_batches", std::function([] { return Rows(9000, std::string(950, '.')); }),
+                kComma, variables);
   for (std::size_t i = large; i < add.imports.size(); ++i) add.imports[i].large = true;
 }
 

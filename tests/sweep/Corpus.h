@@ -1,6 +1,7 @@
 // The files that are imported in every way there is: the examples, and awkward ones made here.
 #pragma once
 
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -11,9 +12,9 @@ struct CorpusImport {
   std::string name;
   // A whole command.
   std::string command;
-  // What the file holds that the command names; unused when that is a file on disk.
-  std::string bytes;
-  bool onDisk = false;
+  // Makes what the file holds that the command names; none when that is a file on disk. Called by
+  // the test of the import only, as every test of the program lists the whole corpus.
+  std::function<std::string()> bytes;
   // By the rules, detection on workers and on one thread find the same types, widths and decimals.
   bool detectionAgrees = true;
   // Too large for blocks of a few bytes.

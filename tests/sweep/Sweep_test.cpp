@@ -122,7 +122,7 @@ class Sweep : public testing::TestWithParam<CorpusImport> {
     ASSERT_TRUE(embedded::SetLocaleCodePage(import.localePage.empty() ? nullptr
                                                                       : import.localePage.c_str()));
     if (import.decimalComma) iocvsetdeccharcomma_();
-    if (!import.onDisk) files_.emplace(kCorpusPath, import.bytes);
+    if (import.bytes) files_.emplace(kCorpusPath, import.bytes());
   }
   void TearDown() override {
     iocvsetdecchardot_();
