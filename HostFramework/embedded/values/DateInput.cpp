@@ -2,6 +2,7 @@
 
 #include "HostFramework/embedded/values/Calendar.h"
 #include "HostFramework/embedded/values/DateNames.h"
+#include "HostFramework/embedded/values/FixedLayout.h"
 
 namespace embedded {
 namespace {
@@ -54,6 +55,66 @@ bool AcceptMonthDigits(TextCursor& cursor, int& month) {
   return true;
 }
 
+// DD-MM-YYYY and YYYY-MM-DD: two words that overlap.
+constexpr std::size_t kDateSize = 10;
+constexpr std::size_t kSecondWord = kDateSize - FixedLayout::kSize;
+constexpr FixedLayout kTwoTwo("00-00-00");
+constexpr FixedLayout kTwoFour("-00-0000");
+constexpr FixedLayout kFourTwo("0000-00-");
+
+// DD-MMM-YYYY, the month in letters, and its second word.
+constexpr std::size_t kNamedDateSize = 11;
+constexpr std::size_t kNamedSecondWord = kNamedDateSize - FixedLayout::kSize;
+constexpr std::size_t kMonthPlace = 3;
+constexpr std::size_t kMonthLetters = 3;
+constexpr FixedLayout kDayName("00-aaa-0");
+constexpr FixedLayout kNameYear("aaa-0000");
+
+struct FixedDate {
+  int first;
+  int second;
+  int year;
+};
+
+bool ReadFixedDate(const char* text, FixedDate& date) {
+  std::uint64_t start, end;
+  if (!kTwoTwo.Matches(text, &start) || !kTwoFour.Matches(text + kSecondWord, &end)) return false;
+  date = {FixedLayout::TwoDigits(start, 0), FixedLayout::TwoDigits(end, 1),
+          FixedLayout::FourDigits(end, 4)};
+  return true;
+}
+
+// Consumes DD-MM-YYYY or DD-MMM-YYYY, separated by one character each, when no further digit
+// follows. Nothing, and nothing consumed, when the text is another one or no date.
+std::optional<std::int64_t> AcceptFixedDayMonthYear(TextCursor& cursor) {
+  const std::string_view text = cursor.Rest();
+  const auto endsBehind = [text](std::size_t size) {
+    if (text.size() == size) return true;
+    const auto next = static_cast<unsigned char>(text[size]);
+    return next < '0' || (next > '9' && next < 0x80);
+  };
+  FixedDate date;
+  std::size_t size = kDateSize;
+  if (text.size() < kDateSize) return std::nullopt;
+  if (!ReadFixedDate(text.data(), date)) {
+    size = kNamedDateSize;
+    std::uint64_t start, end;
+    if (text.size() < kNamedDateSize || !kDayName.Matches(text.data(), &start) ||
+        !kNameYear.Matches(text.data() + kNamedSecondWord, &end)) {
+      return std::nullopt;
+    }
+    TextCursor month(text.substr(kMonthPlace));
+    date = {FixedLayout::TwoDigits(start, 0), AcceptMonthName(month),
+            FixedLayout::FourDigits(end, 4)};
+    const auto left = month.Rest().size();
+    if (left + kMonthPlace + kMonthLetters != text.size()) return std::nullopt;
+  }
+  if (!endsBehind(size)) return std::nullopt;
+  const auto midnight = Midnight(date.year, date.second, date.first);
+  if (midnight) cursor.Skip(size);
+  return midnight;
+}
+
 bool Store(const TextCursor& cursor, std::optional<std::int64_t> seconds, double* value) {
   if (!cursor.AtEnd() || !seconds) return false;
   *value = static_cast<double>(*seconds);
@@ -89,6 +150,7 @@ bool ReadSeparator(TextCursor& cursor) {
 }
 
 std::optional<std::int64_t> ReadDayMonthYear(TextCursor& cursor) {
+  if (const auto midnight = AcceptFixedDayMonthYear(cursor)) return midnight;
   int day, month, year;
   bool letters;
   if (!ReadDay(cursor, day)) return std::nullopt;
@@ -96,6 +158,16 @@ std::optional<std::int64_t> ReadDayMonthYear(TextCursor& cursor) {
   if (!ReadMonth(cursor, month, letters) || !(before || letters)) return std::nullopt;
   if (!(ReadSeparator(cursor) || letters) || !ReadYear(cursor, year)) return std::nullopt;
   return Midnight(year, month, day);
+}
+
+std::optional<std::int64_t> FixedYearMonthDay(std::string_view text) {
+  std::uint64_t start, end;
+  if (text.size() < kDateSize || !kFourTwo.Matches(text.data(), &start) ||
+      !kTwoTwo.Matches(text.data() + kSecondWord, &end)) {
+    return std::nullopt;
+  }
+  return Midnight(FixedLayout::FourDigits(start, 0), FixedLayout::TwoDigits(start, 5),
+                  FixedLayout::TwoDigits(end, 6));
 }
 
 bool ReadDate(std::string_view text, double* value) {
@@ -106,6 +178,10 @@ bool ReadDate(std::string_view text, double* value) {
 
 bool ReadADate(std::string_view text, double* value) {
   TextCursor cursor(text);
+  if (FixedDate date; text.size() == kDateSize && ReadFixedDate(text.data(), date)) {
+    cursor.Skip(kDateSize);
+    return Store(cursor, Midnight(date.year, date.first, date.second), value);
+  }
   int day, month, year;
   bool letters;
   if (!ReadMonth(cursor, month, letters) || !(ReadSeparator(cursor) || letters)) return false;
@@ -115,6 +191,12 @@ bool ReadADate(std::string_view text, double* value) {
 
 bool ReadSDate(std::string_view text, double* value) {
   TextCursor cursor(text);
+  if (text.size() == kDateSize) {
+    if (const auto midnight = FixedYearMonthDay(text)) {
+      *value = static_cast<double>(*midnight);
+      return true;
+    }
+  }
   int day, month, year;
   bool letters;
   if (!ReadYear(cursor, year)) return false;

@@ -21,6 +21,10 @@ bool ReadSeparator(TextCursor& cursor);
 // Consumes day, month and year in this order and returns midnight of the date.
 std::optional<std::int64_t> ReadDayMonthYear(TextCursor& cursor);
 
+// Midnight of the date YYYY-MM-DD, with one of - / . , between its parts, that `text` begins with;
+// nothing when it begins otherwise or there is no such date.
+std::optional<std::int64_t> FixedYearMonthDay(std::string_view text);
+
 // Each of these reads `text` (not empty, without blanks and tabs around it) to its end. Returns
 // false and leaves *value alone when it is not a value of the format. Any thread; allocates
 // nothing.

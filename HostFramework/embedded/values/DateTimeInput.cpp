@@ -107,6 +107,19 @@ bool ReadYmdhmsWithYear(std::string_view text, int yearDigits, double* value) {
   return true;
 }
 
+// YYYY-MM-DD hh:mm:ss, or a T for the blank: what most programs write. False for any other text.
+bool ReadFixedYmdhms(std::string_view text, double* value) {
+  constexpr std::size_t kDateSize = 10;
+  const auto midnight = FixedYearMonthDay(text);
+  if (!midnight) return false;
+  TextCursor cursor(text.substr(kDateSize));
+  ClockTime clock;
+  if (!cursor.Accept(' ') && !cursor.AcceptLetter('t')) return false;
+  if (!AcceptFixedClock(cursor, clock) || clock.hours.value >= 24) return false;
+  *value = static_cast<double>(*midnight + clock.WholeSeconds());
+  return true;
+}
+
 }  // namespace
 
 bool ReadDateTime(std::string_view text, double* value) {
@@ -122,6 +135,7 @@ bool ReadDateTime(std::string_view text, double* value) {
 }
 
 bool ReadYmdhms(std::string_view text, double* value) {
+  if (ReadFixedYmdhms(text, value)) return true;
   // How many of the first digits are the year's can depend on what follows them: 2012-31 is a year
   // and a month of two digits each, 201201-31 a year of four. Where both would do, six digits
   // before the hour are yymmdd, and otherwise the year has four.

@@ -5,11 +5,14 @@
 
 #include "HostFramework/embedded/values/Calendar.h"
 #include "HostFramework/embedded/values/Decimal.h"
+#include "HostFramework/embedded/values/FixedLayout.h"
 
 namespace embedded {
 namespace {
 
 constexpr std::uint64_t kHoursOfDay = 24;
+// Minutes of an hour and seconds of a minute.
+constexpr int kSixty = 60;
 
 // Consumes a sign. True when it is a minus.
 bool ReadSign(TextCursor& cursor) {
@@ -70,14 +73,31 @@ double SecondsValue(std::int64_t seconds, const SecondsFraction& fraction) {
 bool ReadSixty(TextCursor& cursor, int& value) {
   const DigitRun run = cursor.Digits(3);
   value = static_cast<int>(run.value);
-  return (run.count == 1 || run.count == 2) && value < 60;
+  return (run.count == 1 || run.count == 2) && value < kSixty;
 }
 
 std::int64_t ClockTime::WholeSeconds() const {
   return static_cast<std::int64_t>(hours.value) * kHour + minutes * kMinute + seconds;
 }
 
+bool AcceptFixedClock(TextCursor& cursor, ClockTime& clock) {
+  constexpr FixedLayout kLayout("00:00:00");
+  const std::string_view text = cursor.Rest();
+  std::uint64_t parts;
+  if (text.size() != FixedLayout::kSize || !kLayout.Matches(text.data(), &parts)) return false;
+  const int minutes = FixedLayout::TwoDigits(parts, 3);
+  const int seconds = FixedLayout::TwoDigits(parts, 6);
+  if (minutes >= kSixty || seconds >= kSixty) return false;
+  clock.hours.value = static_cast<std::uint64_t>(FixedLayout::TwoDigits(parts, 0));
+  clock.hours.count = 2;
+  clock.minutes = minutes;
+  clock.seconds = seconds;
+  cursor.Skip(FixedLayout::kSize);
+  return true;
+}
+
 bool ReadClock(TextCursor& cursor, FractionMark mark, ClockTime& clock) {
+  if (AcceptFixedClock(cursor, clock)) return true;
   clock.hours = cursor.Digits();
   if (clock.hours.count == 0 || !cursor.Accept(':') || !ReadSixty(cursor, clock.minutes)) {
     return false;

@@ -37,6 +37,8 @@ struct ClockTime {
 // What may stand between seconds and their fraction.
 enum class FractionMark { kPoint, kPointOrSeparator };
 
+// Consumes hh:mm:ss when that is all there is and a clock time; else nothing.
+bool AcceptFixedClock(TextCursor& cursor, ClockTime& clock);
 // Consumes a clock time. kPoint takes a point or a comma before the fraction, kPointOrSeparator
 // also a hyphen, a slash or one blank.
 bool ReadClock(TextCursor& cursor, FractionMark mark, ClockTime& clock);
