@@ -1,6 +1,7 @@
 // Short texts into the cells of a string variable.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -47,6 +48,31 @@ inline void StoreText(std::string_view text, unsigned char* cells, std::size_t c
   word |= kBlanks << (8 * rest);
   std::memcpy(cells + at, &word, kWord);
   for (at += kWord; at < cellBytes; at += kWord) std::memcpy(cells + at, &kBlanks, kWord);
+}
+
+// The longest cells that StoreReadableText fills.
+inline constexpr std::size_t kReadableCells = 64;
+
+// The same for at most kReadableCells bytes of cells, when as many can be read from the text's
+// first byte on. Takes no decision that depends on the text: lengths are hard to foresee, and most
+// of the time that a string takes would be lost on wrong guesses.
+inline void StoreReadableText(std::string_view text, unsigned char* cells, std::size_t cellBytes) {
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
+  constexpr std::uint64_t kBlanks = 0x2020202020202020;
+  // The bytes that stay are those before the middle.
+  static constexpr auto kKept = [] {
+    std::array<unsigned char, 2 * kReadableCells> kept{};
+    for (std::size_t i = 0; i < kReadableCells; ++i) kept[i] = 0xFF;
+    return kept;
+  }();
+  const unsigned char* const kept = kKept.data() + kReadableCells - text.size();
+  for (std::size_t at = 0; at < cellBytes; at += kWord) {
+    std::uint64_t word, mask;
+    std::memcpy(&word, text.data() + at, kWord);
+    std::memcpy(&mask, kept + at, kWord);
+    word = ((word ^ kBlanks) & mask) ^ kBlanks;
+    std::memcpy(cells + at, &word, kWord);
+  }
 }
 
 }  // namespace textwizard

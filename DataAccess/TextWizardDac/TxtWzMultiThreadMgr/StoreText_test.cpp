@@ -24,5 +24,20 @@ TEST(StoreText, TextIsFollowedByBlanksToTheEndOfItsCells) {
   }
 }
 
+TEST(StoreText, ATextWithReadableBytesBehindItIsStoredAlike) {
+  for (std::size_t cells = 8; cells <= kReadableCells; cells += 8) {
+    for (std::size_t size = 0; size <= cells; ++size) {
+      const std::unique_ptr<char[]> text(new char[cells]);
+      for (std::size_t i = 0; i < cells; ++i) text[i] = static_cast<char>(0x81 + i);
+      const std::unique_ptr<unsigned char[]> out(new unsigned char[cells]);
+      StoreReadableText({text.get(), size}, out.get(), cells);
+      std::string expected(text.get(), size);
+      expected.resize(cells, ' ');
+      ASSERT_EQ(std::string(reinterpret_cast<const char*>(out.get()), cells), expected)
+          << size << " of " << cells;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace textwizard

@@ -75,8 +75,9 @@ bool TextDataIteratorThread::BeginBatch(std::size_t bytes) {
   if (bytes != fTextCapacity) {
     fText.reset();
     fTextCapacity = 0;
-    fText.reset(new (std::nothrow) char[bytes]);
+    fText.reset(new (std::nothrow) char[bytes + kReadableCells]);
     if (!fText) return false;
+    std::memset(fText.get() + bytes, 0, kReadableCells);
     fTextCapacity = bytes;
   }
   fTextUsed = 0;
@@ -215,7 +216,12 @@ inline void TextDataIteratorThread::ConvertVar(std::string_view field, const Fie
 
 inline void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTask& task) {
   unsigned char* const cells = fCurrentCase + task.offset;
-  if (text.size() <= task.cellWidth) return StoreText(text, cells, task.cellBytes);
+  if (text.size() <= task.cellWidth) {
+    if (task.cellBytes <= kReadableCells && IsInBatch(text)) {
+      return StoreReadableText(text, cells, task.cellBytes);
+    }
+    return StoreText(text, cells, task.cellBytes);
+  }
   const std::size_t seen = std::min(text.size(), task.cellWidth + kLongestCharacter);
   QANTMBCopyToFixed_A(reinterpret_cast<char*>(cells), static_cast<int>(task.cellWidth), text.data(),
                       static_cast<int>(seen));

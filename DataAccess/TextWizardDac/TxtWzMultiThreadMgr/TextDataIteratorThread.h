@@ -130,6 +130,11 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   }
   void ConvertVar(std::string_view field, const FieldTask& task);
   void SetColumnValue(std::string_view text, const FieldTask& task);
+  // The text is a part of the batch text, behind which kReadableCells more bytes can be read.
+  bool IsInBatch(std::string_view text) const {
+    const auto address = [](const char* at) { return reinterpret_cast<std::uintptr_t>(at); };
+    return address(text.data()) - address(fText.get()) < fTextUsed;
+  }
   void AutoDetectVar(std::string_view field);
   void NoteFlag(BatchNote::Kind kind, std::uint32_t variable);
   // Raises fCommand to at least `command`.
