@@ -1,4 +1,5 @@
 #include "cli/RunReport.h"
+#include "HostFramework/embedded/text/HostText.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -69,6 +70,7 @@ TEST(RunReport, Counts) {
 }
 
 TEST(DictionaryJson, HasEveryKeyInItsOrder) {
+  ASSERT_TRUE(embedded::SetCodePage(nullptr));
   TestSource source;
   source.Number("id", 5, 8, 2).String("t\xC3\xA9", 20);
   source.SetFileSpec("data/a \"b\".csv");

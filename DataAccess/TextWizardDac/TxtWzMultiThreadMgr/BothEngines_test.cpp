@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/text/TextTest.h"
-#include "TxtWzMultiThreadMgr/EngineTest.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 #include "reading/QANT_TextWizardIterator.h"
 

@@ -10,7 +10,7 @@
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "TxtWzMultiThreadMgr/AdapterTest.h"
-#include "TxtWzMultiThreadMgr/EngineTest.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 #include "command/MessageText.h"
 #include "detection/DetectionCounters.h"

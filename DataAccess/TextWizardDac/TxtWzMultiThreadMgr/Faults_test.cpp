@@ -13,7 +13,7 @@
 
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/threads/ThreadStarts.h"
-#include "TxtWzMultiThreadMgr/EngineTest.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 #include "command/MessageText.h"
 

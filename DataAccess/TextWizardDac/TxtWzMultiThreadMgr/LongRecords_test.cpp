@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "TxtWzMultiThreadMgr/EngineTest.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 
 namespace textwizard {

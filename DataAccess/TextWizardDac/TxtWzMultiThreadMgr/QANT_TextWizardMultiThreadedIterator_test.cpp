@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/ValueInput.h"
-#include "TxtWzMultiThreadMgr/EngineTest.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 
 namespace textwizard {
 namespace {

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "TxtWzMultiThreadMgr/EngineTest.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 
 namespace textwizard {
 namespace {

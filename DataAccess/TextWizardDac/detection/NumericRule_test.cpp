@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/TestLocale.h"
+#include "detection/testing/TestLocale.h"
 
 namespace textwizard {
 namespace {

@@ -9,9 +9,9 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/PatternTexts.h"
+#include "detection/testing/PatternTexts.h"
 #include "detection/RegExMappings.h"
-#include "detection/TestLocale.h"
+#include "detection/testing/TestLocale.h"
 #include "detection/ValueClassifier.h"
 
 namespace textwizard {

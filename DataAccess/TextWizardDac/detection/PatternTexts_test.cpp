@@ -1,4 +1,4 @@
-#include "detection/PatternTexts.h"
+#include "detection/testing/PatternTexts.h"
 
 #include <string_view>
 

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "command/FormatCode.h"
-#include "detection/TestLocale.h"
+#include "detection/testing/TestLocale.h"
 
 namespace textwizard {
 namespace {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/text/TextTest.h"
-#include "detection/TestLocale.h"
+#include "detection/testing/TestLocale.h"
 #include "plan/TxtWzExecFile.h"
 
 namespace textwizard {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "reading/ReadingTesting.h"
+#include "reading/testing/ReadingTesting.h"
 
 namespace textwizard {
 namespace {

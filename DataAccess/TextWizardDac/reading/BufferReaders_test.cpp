@@ -1,7 +1,7 @@
 // The record and field operations that dictionary building drives.
 #include <gtest/gtest.h>
 
-#include "reading/ReadingTesting.h"
+#include "reading/testing/ReadingTesting.h"
 
 namespace textwizard {
 namespace {

@@ -1,7 +1,7 @@
 // One case of each arrangement: fields to values, short records, missing lines.
 #include <gtest/gtest.h>
 
-#include "reading/ReadingTesting.h"
+#include "reading/testing/ReadingTesting.h"
 
 namespace textwizard {
 namespace {

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/data/StreamDevice.h"
-#include "reading/ReadingTesting.h"
+#include "reading/testing/ReadingTesting.h"
 
 namespace textwizard {
 namespace {

@@ -4,7 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include "HostFramework/embedded/text/HostText.h"
-#include "reading/ReadingTesting.h"
+#include "reading/testing/ReadingTesting.h"
 
 namespace textwizard {
 namespace {

@@ -6,7 +6,7 @@
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/messages/Catalogue.h"
 
-#include "reading/ReadingTesting.h"
+#include "reading/testing/ReadingTesting.h"
 
 namespace textwizard {
 namespace {

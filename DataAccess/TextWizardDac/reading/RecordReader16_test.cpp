@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "reading/ReadingTesting.h"
+#include "reading/testing/ReadingTesting.h"
 #include "reading/RecordReader.h"
 
 namespace textwizard {
