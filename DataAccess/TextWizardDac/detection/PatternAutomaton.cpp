@@ -1,8 +1,11 @@
 #include "detection/PatternAutomaton.h"
 
 #include <algorithm>
+#include <bitset>
 #include <map>
 #include <mutex>
+
+#include <unicode/uchar.h>
 
 namespace textwizard {
 
@@ -12,6 +15,32 @@ namespace {
 constexpr std::size_t kMaxStates = 20000;
 
 using StateSet = std::vector<std::uint32_t>;
+
+// Characters that share all bytes of their UTF-8 but the last.
+constexpr std::size_t kBlockSize = 64;
+constexpr std::size_t kTwoByteBlocks = 0x800 / kBlockSize;
+constexpr std::size_t kThreeByteBlocks = 0x10000 / kBlockSize;
+
+// The blocks of at most three bytes with a digit or a space among them, by the library that decides
+// about the patterns.
+const std::bitset<kThreeByteBlocks>& DigitAndSpaceBlocks() {
+  static const auto known = [] {
+    std::bitset<kThreeByteBlocks> blocks;
+    for (UChar32 c = 0; c < static_cast<UChar32>(kThreeByteBlocks * kBlockSize); ++c) {
+      const bool separates = (U_GET_GC_MASK(c) & U_GC_Z_MASK) != 0;
+      if (u_isdigit(c) || u_isUWhiteSpace(c) || u_isspace(c) || separates) {
+        blocks.set(static_cast<std::size_t>(c) / kBlockSize);
+      }
+    }
+    return blocks;
+  }();
+  return known;
+}
+
+constexpr unsigned char kFirstTwoByteLead = 0xC2;
+constexpr unsigned char kFirstThreeByteLead = 0xE0;
+constexpr unsigned char kFirstFourByteLead = 0xF0;
+constexpr unsigned char kFirstInvalid = 0xF5;
 
 }  // namespace
 
@@ -87,11 +116,10 @@ void PatternAutomaton::SetClasses(const Construction& construction) {
     }
     count = split.size();
   }
-  // Class 0 is that of the bytes beyond ASCII.
   for (std::size_t c = 0; c < kAsciiCount; ++c) {
-    classOf_[c] = static_cast<std::uint8_t>(classOf[c] + 1);
+    classOf_[c] = static_cast<std::uint8_t>(classOf[c] + kWideClasses);
   }
-  classCount_ = count + 1;
+  classCount_ = count + kWideClasses;
 }
 
 PatternAutomaton::PatternAutomaton(const std::vector<std::string>& patterns) {
@@ -106,7 +134,7 @@ PatternAutomaton::PatternAutomaton(const std::vector<std::string>& patterns) {
     }
   }
   SetClasses(construction);
-  std::array<std::size_t, kAsciiCount + 1> member{};
+  std::array<std::size_t, kAsciiCount + kWideClasses> member{};
   for (std::size_t c = 0; c < kAsciiCount; ++c) member[classOf_[c]] = c;
 
   std::map<StateSet, std::uint16_t> numbers;
@@ -121,17 +149,18 @@ PatternAutomaton::PatternAutomaton(const std::vector<std::string>& patterns) {
   if (number(construction.Closure(construction.starts)) == kDead) sets.emplace_back();
   for (std::size_t from = 0; from < sets.size() && sets.size() <= kMaxStates; ++from) {
     const StateSet set = sets[from];
-    std::uint64_t accepted = 0, beyondAscii = 0;
-    for (const std::uint32_t state : set) {
-      accepted |= construction.states[state].accepts;
-      if (construction.states[state].characters.test(kBeyondAscii)) {
-        beyondAscii |= construction.states[state].pattern;
-      }
+    std::uint64_t accepted = 0, wide = 0, wideOther = 0;
+    for (const std::uint32_t index : set) {
+      const Construction::State& state = construction.states[index];
+      accepted |= state.accepts;
+      if (state.characters.test(kWideDigitOrSpace)) wide |= state.pattern;
+      if (state.characters.test(kWideOther)) wideOther |= state.pattern;
     }
     accepted_.push_back(accepted);
-    beyondAscii_.push_back(beyondAscii);
-    next_.push_back(kDead);  // the class of bytes beyond ASCII, never looked up
-    for (std::size_t c = 1; c < classCount_; ++c) {
+    wide_.push_back(wide | wideOther);
+    wideOther_.push_back(wideOther);
+    next_.insert(next_.end(), kWideClasses, kDead);  // never looked up
+    for (std::size_t c = kWideClasses; c < classCount_; ++c) {
       next_.push_back(number(construction.Step(set, member[c])));
     }
   }
@@ -142,18 +171,43 @@ PatternAutomaton::PatternAutomaton(const std::vector<std::string>& patterns) {
     }
     next_.assign(2 * classCount_, kDead);
     accepted_.assign(2, 0);
-    beyondAscii_.assign(2, 0);
+    wide_.assign(2, 0);
+    wideOther_.assign(2, 0);
   }
 }
 
 PatternAutomaton::ByteClasses PatternAutomaton::Classes(
-    const std::array<unsigned char, 256>& mapping) const {
+    const std::array<unsigned char, 256>& mapping, bool utf8) const {
   ByteClasses classes{};
   for (std::size_t byte = 0; byte < classes.size(); ++byte) {
     const unsigned char mapped = mapping[byte];
-    classes[byte] = mapped < kAsciiCount ? classOf_[mapped] : kBeyondAsciiClass;
+    if (mapped < kAsciiCount) {
+      classes[byte] = classOf_[mapped];
+    } else if (!utf8 || (mapped >= kFirstFourByteLead && mapped < kFirstInvalid)) {
+      classes[byte] = kUnknownWide;
+    } else if (mapped >= kFirstThreeByteLead && mapped < kFirstFourByteLead) {
+      classes[byte] = kWideBySecond;
+    } else if (mapped >= kFirstTwoByteLead && mapped < kFirstThreeByteLead) {
+      const bool known = DigitAndSpaceBlocks().test(mapped % kTwoByteBlocks);
+      classes[byte] = known ? kUnknownWide : kOtherWide;
+    } else {
+      // No character begins with it: a replacement character stands for it.
+      classes[byte] = kOtherWide;
+    }
   }
   return classes;
+}
+
+std::uint64_t PatternAutomaton::GoingOn(std::size_t state, std::uint8_t wideClass,
+                                        std::string_view rest) const {
+  if (wideClass == kUnknownWide) return wide_[state];
+  if (wideClass == kWideBySecond && rest.size() > 1) {
+    constexpr unsigned kLeadBits = 0xF, kContinuationBits = 0x3F;
+    const auto byte = [rest](std::size_t i) { return static_cast<unsigned char>(rest[i]); };
+    const std::size_t block = (byte(0) & kLeadBits) * kBlockSize + (byte(1) & kContinuationBits);
+    if (DigitAndSpaceBlocks().test(block)) return wide_[state];
+  }
+  return wideOther_[state];
 }
 
 std::shared_ptr<const PatternAutomaton> PatternAutomaton::Shared(

@@ -37,14 +37,22 @@ class PatternAutomaton {
 
   explicit PatternAutomaton(const std::vector<std::string>& patterns);
 
-  // The classes of bytes that are first replaced by `mapping` (a lower-casing, say).
-  ByteClasses Classes(const std::array<unsigned char, 256>& mapping) const;
+  // The classes of bytes that are first replaced by `mapping` (a lower-casing, say). `utf8`: that
+  // is what the texts are.
+  ByteClasses Classes(const std::array<unsigned char, 256>& mapping, bool utf8) const;
+
+  // Whether a text that begins with a byte of this class can be anything but a mismatch.
+  bool MayBegin(std::uint8_t byteClass) const {
+    return byteClass < kWideClasses || uncompiled_ != 0 || next_[classCount_ + byteClass] != kDead;
+  }
 
   Verdict Match(std::string_view text, const ByteClasses& classes) const {
     std::size_t state = kStart;
-    for (const char c : text) {
-      const std::uint8_t byteClass = classes[static_cast<unsigned char>(c)];
-      if (byteClass == kBeyondAsciiClass) return {0, beyondAscii_[state] | uncompiled_};
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      const std::uint8_t byteClass = classes[static_cast<unsigned char>(text[i])];
+      if (byteClass < kWideClasses) {
+        return {0, GoingOn(state, byteClass, text.substr(i)) | uncompiled_};
+      }
       state = next_[state * classCount_ + byteClass];
       if (state == kDead) return {0, uncompiled_};
     }
@@ -60,19 +68,25 @@ class PatternAutomaton {
  private:
   static constexpr std::size_t kDead = 0;
   static constexpr std::size_t kStart = 1;
-  static constexpr std::uint8_t kBeyondAsciiClass = 0;
+  // The classes of bytes that begin a character beyond ASCII: nothing is known about it; it is
+  // neither a digit nor a space; the byte behind decides about that.
+  enum WideClass : std::uint8_t { kUnknownWide, kOtherWide, kWideBySecond, kWideClasses };
   static constexpr std::size_t kSureLength = 1024;
 
   struct Construction;
+  // The patterns that could go on from the state with the character that `rest` begins with.
+  std::uint64_t GoingOn(std::size_t state, std::uint8_t wideClass, std::string_view rest) const;
   void SetClasses(const Construction& construction);
 
   std::array<std::uint8_t, kAsciiCount> classOf_{};
-  std::size_t classCount_ = 1;
+  std::size_t classCount_ = kWideClasses;
   // state x class -> state
   std::vector<std::uint16_t> next_;
-  // Per state: patterns that match here, and those that could go on with a character beyond ASCII.
+  // Per state: patterns that match here, those that could go on with a character beyond ASCII, and
+  // those of them for which it need be neither a digit nor a space.
   std::vector<std::uint64_t> accepted_;
-  std::vector<std::uint64_t> beyondAscii_;
+  std::vector<std::uint64_t> wide_;
+  std::vector<std::uint64_t> wideOther_;
   std::uint64_t uncompiled_ = 0;
 };
 

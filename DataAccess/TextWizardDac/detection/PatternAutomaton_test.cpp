@@ -9,10 +9,10 @@
 
 #include <gtest/gtest.h>
 
-#include "detection/testing/PatternTexts.h"
 #include "detection/RegExMappings.h"
-#include "detection/testing/TestLocale.h"
 #include "detection/ValueClassifier.h"
+#include "detection/testing/PatternTexts.h"
+#include "detection/testing/TestLocale.h"
 
 namespace textwizard {
 namespace {
@@ -148,7 +148,7 @@ TEST(PatternAutomaton, ALongTextGetsTheLibrarysAnswerEvenWhenItGivesUp) {
 PatternAutomaton::ByteClasses PlainClasses(const PatternAutomaton& automaton) {
   std::array<unsigned char, 256> same{};
   for (std::size_t i = 0; i < same.size(); ++i) same[i] = static_cast<unsigned char>(i);
-  return automaton.Classes(same);
+  return automaton.Classes(same, true);
 }
 
 TEST(PatternAutomaton, ReportsEveryMatchingPattern) {
@@ -178,6 +178,47 @@ TEST(PatternAutomaton, AsksOnlyForPatternsThatCouldGoOnBeyondAscii) {
   EXPECT_EQ(automaton.Match("fe\xc3\xa9", classes).undecided, 0u);
   EXPECT_EQ(automaton.Match("1\xd9\xa3", classes).undecided, 0b100u);
   EXPECT_EQ(automaton.Match("fe", classes).matched, 0b010u);
+}
+
+// The library takes digits and spaces of any script for a digit or a space, and nothing else beyond
+// ASCII: only those are worth asking about.
+TEST(PatternAutomaton, LettersBeyondAsciiAreNeitherDigitsNorSpaces) {
+  const PatternAutomaton automaton({"^\\d$", "^\\s$", "^.$", "^\xc3\xa9$"});
+  const auto classes = PlainClasses(automaton);
+  for (const char* text : {"\xc5\x81", "\xc3\xa9", "\xd0\x96", "\xe4\xb8\xad", "\xc3", "\xff",
+                           "\xe2", "\xe2\x82\xac", "\xc3(", "\x80"}) {
+    EXPECT_EQ(automaton.Match(text, classes).undecided, 0b1100u) << text;
+  }
+  for (const char* text : {"\xd9\xa3", "\xc2\xa0", "\xe2\x80\xa8", "\xe3\x80\x80", "\xef\xbc\x95",
+                           "\xf0\x9d\x9f\x97"}) {
+    EXPECT_EQ(automaton.Match(text, classes).undecided, 0b1111u) << text;
+  }
+  // Nothing is known of texts in another encoding.
+  std::array<unsigned char, 256> same{};
+  for (std::size_t i = 0; i < same.size(); ++i) same[i] = static_cast<unsigned char>(i);
+  EXPECT_EQ(automaton.Match("\xc5", automaton.Classes(same, false)).undecided, 0b1111u);
+}
+
+TEST(PatternAutomaton, AnswersAsTheExpressionsDoOnEveryCharacterOfTwoAndThreeBytes) {
+  const std::vector<std::string> patterns = {"^\\d$", "^\\s$", "^.$"};
+  const PatternAutomaton automaton(patterns);
+  const auto classes = PlainClasses(automaton);
+  UErrorCode status = U_ZERO_ERROR;
+  icu::RegexMatcher digit(icu::UnicodeString::fromUTF8(patterns[0]), 0, status);
+  icu::RegexMatcher space(icu::UnicodeString::fromUTF8(patterns[1]), 0, status);
+  ASSERT_TRUE(U_SUCCESS(status));
+  BareExpressions bare;
+  int members = 0;
+  for (UChar32 c = 0x80; c <= 0xFFFF; ++c) {
+    std::string text;
+    icu::UnicodeString(c).toUTF8String(text);
+    const std::uint64_t undecided = automaton.Match(text, classes).undecided;
+    const bool isDigit = bare.Matches(&digit, text), isSpace = bare.Matches(&space, text);
+    members += isDigit || isSpace;
+    ASSERT_TRUE(!isDigit || (undecided & 1) != 0) << c;
+    ASSERT_TRUE(!isSpace || (undecided & 2) != 0) << c;
+  }
+  EXPECT_GT(members, 300);
 }
 
 TEST(PatternAutomaton, OneAutomatonServesAllTables) {

@@ -34,9 +34,9 @@ CharacterSet Range(char first, char last) {
   return set;
 }
 
-CharacterSet Digits() { return Range('0', '9').set(kBeyondAscii); }
+CharacterSet Digits() { return Range('0', '9').set(kWideDigitOrSpace); }
 
-CharacterSet Spaces() { return Range('\t', '\r').set(' ').set(kBeyondAscii); }
+CharacterSet Spaces() { return Range('\t', '\r').set(' ').set(kWideDigitOrSpace); }
 
 // "." stands for everything but the line ends, which ASCII has four of.
 CharacterSet AnyButLineEnds() { return ~Range('\n', '\r'); }
@@ -122,7 +122,8 @@ class Parser {
   }
 
   static CharacterSet Literal(char c) {
-    return CharacterSet().set(IsAscii(c) ? static_cast<std::size_t>(c) : kBeyondAscii);
+    if (IsAscii(c)) return CharacterSet().set(static_cast<std::size_t>(c));
+    return CharacterSet().set(kWideDigitOrSpace).set(kWideOther);
   }
 
   Node ParseGroup(int depth) {

@@ -10,10 +10,12 @@
 
 namespace textwizard {
 
-// A set of ASCII characters, and whether some character beyond ASCII belongs to it too.
+// A set of ASCII characters, and whether some character beyond ASCII belongs to it too: one that is
+// a digit or a space, or another one.
 inline constexpr std::size_t kAsciiCount = 128;
-inline constexpr std::size_t kBeyondAscii = kAsciiCount;
-using CharacterSet = std::bitset<kAsciiCount + 1>;
+inline constexpr std::size_t kWideDigitOrSpace = kAsciiCount;
+inline constexpr std::size_t kWideOther = kAsciiCount + 1;
+using CharacterSet = std::bitset<kAsciiCount + 2>;
 
 // A nondeterministic automaton: state 0 is the start.
 struct PatternNfa {

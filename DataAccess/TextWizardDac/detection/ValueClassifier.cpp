@@ -5,6 +5,7 @@
 #include <cctype>
 #include <limits>
 
+#include "HostFramework/Text.h"
 #include "command/FormatCode.h"
 
 namespace textwizard {
@@ -91,8 +92,12 @@ ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrange
     same[byte] = static_cast<unsigned char>(byte);
     lower_[byte] = static_cast<unsigned char>(std::tolower(static_cast<int>(byte)));
   }
-  rowClasses_ = rowAutomaton_->Classes(lower_);
-  formClasses_ = formAutomaton_->Classes(same);
+  // Where letter case changes bytes beyond ASCII, a text need not be UTF-8 any more.
+  const bool utf8 = qUTF8mode();
+  const bool keepsWide =
+      std::equal(lower_.begin() + kAsciiCount, lower_.end(), same.begin() + kAsciiCount);
+  rowClasses_ = rowAutomaton_->Classes(lower_, utf8 && keepsWide);
+  formClasses_ = formAutomaton_->Classes(same, utf8);
 }
 
 bool ValueClassifier::IsNumericSwapped(std::string_view value, char swapped) {
