@@ -209,7 +209,7 @@ TEST_F(BadInput, ACommandOfTenMegabytes) {
   const std::string path = folder_.Write("data.txt", "1\n");
   const std::string longWord(kLong, 'x');
   // A path, a value, a subcommand whose equals sign lies beyond what is read of one, a format.
-  ExpectUnreadable("/" + longWord);
+  ExpectError(Command("/" + longWord, "n F8.0"), 2269);
   ExpectError(Command(path, "n F8.0", "/ENCODING=" + longWord + " /DELIMITERS=','"), 2280);
   ExpectError(Command(path, "n F8.0", "/" + longWord + "=1 /DELIMITERS=','"), 2267);
   ExpectError(Command(path, "n " + longWord), 2265);

@@ -14,7 +14,7 @@ namespace whole {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || \
     WHOLE_HAS_FEATURE(address_sanitizer) || WHOLE_HAS_FEATURE(thread_sanitizer)
-inline constexpr std::size_t kEffortDivisor = 11;
+inline constexpr std::size_t kEffortDivisor = 5;
 #else
 inline constexpr std::size_t kEffortDivisor = 1;
 #endif
