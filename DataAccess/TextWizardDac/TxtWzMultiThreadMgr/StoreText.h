@@ -2,15 +2,14 @@
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
 
-namespace textwizard {
+#include "reading/ShortText.h"
 
-static_assert(std::endian::native == std::endian::little, "words are put together by their bytes");
+namespace textwizard {
 
 // Writes `text` and blanks behind it, `cellBytes` bytes in all: a multiple of 8, not less than the
 // text's size. Word by word, because nearly all strings are a few words long and a call of a
@@ -32,18 +31,8 @@ inline void StoreText(std::string_view text, unsigned char* cells, std::size_t c
       std::memcpy(&word, from + size - kWord, kWord);
       word >>= 8 * (kWord - rest);
     }
-  } else if (rest >= 4) {
-    // Two halves that overlap.
-    std::uint32_t low, high;
-    std::memcpy(&low, from, sizeof low);
-    std::memcpy(&high, from + rest - sizeof high, sizeof high);
-    word = low | std::uint64_t{high} << (8 * (rest - 4));
   } else if (rest > 0) {
-    // Three bytes, some of them perhaps the same.
-    const auto byte = [from](std::size_t i) {
-      return std::uint64_t{static_cast<unsigned char>(from[i])} << (8 * i);
-    };
-    word = byte(0) | byte(rest / 2) | byte(rest - 1);
+    word = LoadShortText(from, rest);
   }
   word |= kBlanks << (8 * rest);
   std::memcpy(cells + at, &word, kWord);

@@ -22,6 +22,10 @@ constexpr int kMTime7 = 1117;
 constexpr std::size_t kShortestDate = 3;
 constexpr std::size_t kShortMonthName = 3;
 
+std::size_t Decimals(const TxtWzVar& variable) {
+  return static_cast<std::size_t>(std::max(variable.decimals, 0));
+}
+
 bool Has(std::string_view field, char c) { return field.find(c) != std::string_view::npos; }
 
 }  // namespace
@@ -30,25 +34,37 @@ DetectionCounters::DetectionCounters(const RegExMappings& table, const Detection
     : rules_(rules), table_(table), classifier_(table, rules.arrangement) {}
 
 void DetectionCounters::Count(std::string_view field, TxtWzVar& variable) {
-  // Digits and a point are a number in every respect that matters here.
-  std::size_t point = 0;
-  if (!rules_.swapDecimal && classifier_.IsPlainNumber(field, &point)) {
-    ++variable.numericCount;
-    UpdateVarSizes(variable, field.size(), point, rules_.arrangement);
-    return;
-  }
-  // With both separators a text is no number here, whatever the parser says.
-  if (IsNumeric(field) && !(Has(field, ',') && Has(field, '.'))) {
-    ++variable.numericCount;
-    if (Has(field, 'E') || Has(field, 'e')) variable.hasExponent = true;
-    UpdateVarSizes(variable, field, ".,", rules_.arrangement);
-    return;
+  // Most strings show by their first byte that they are nothing else.
+  unsigned possible = classifier_.PossibleClasses(field);
+  if ((possible & ValueClassifier::kNumber) != 0) {
+    // Digits and a point are a number in every respect that matters here.
+    std::size_t point = 0;
+    if (!rules_.swapDecimal && classifier_.IsPlainNumber(field, &point)) {
+      ++variable.numericCount;
+      // Most are as wide as others before them.
+      const bool widens =
+          rules_.arrangement == kFixedColumns || field.size() > variable.width ||
+          (point != std::string_view::npos && field.size() - point > Decimals(variable) + 1);
+      if (widens) UpdateVarSizes(variable, field.size(), point, rules_.arrangement);
+      return;
+    }
+    if (CountNumber(field, variable)) return;
   }
   if (rules_.leadingSpaces) field = TrimLeft(field);
   if (rules_.multipleSpaces) field = TrimRight(field);
-  if (CountDate(field, variable)) return;
-  if (CountNumberForm(field, variable)) return;
+  possible = classifier_.PossibleClasses(field);
+  if ((possible & ValueClassifier::kDate) != 0 && CountDate(field, variable)) return;
+  if ((possible & ValueClassifier::kNumberForm) != 0 && CountNumberForm(field, variable)) return;
   CountString(field, variable);
+}
+
+bool DetectionCounters::CountNumber(std::string_view field, TxtWzVar& variable) {
+  // With both separators a text is no number here, whatever the parser says.
+  if (!IsNumeric(field) || (Has(field, ',') && Has(field, '.'))) return false;
+  ++variable.numericCount;
+  if (Has(field, 'E') || Has(field, 'e')) variable.hasExponent = true;
+  UpdateVarSizes(variable, field, ".,", rules_.arrangement);
+  return true;
 }
 
 bool DetectionCounters::IsNumeric(std::string_view field) {

@@ -46,6 +46,7 @@ class DetectionCounters {
  private:
   bool IsNumeric(std::string_view field);
   // Each counts the field when it is of its class; else leaves the variable alone.
+  bool CountNumber(std::string_view field, TxtWzVar& variable);
   bool CountDate(std::string_view field, TxtWzVar& variable);
   bool CountNumberForm(std::string_view field, TxtWzVar& variable);
   void CountString(std::string_view field, TxtWzVar& variable) const;

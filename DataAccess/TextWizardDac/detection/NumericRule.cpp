@@ -1,9 +1,13 @@
 #include "detection/NumericRule.h"
 
+#include <bit>
 #include <cctype>
+#include <cstdint>
 #include <cstdlib>
 
 #include <langinfo.h>
+
+#include "reading/ShortText.h"
 
 namespace textwizard {
 
@@ -25,6 +29,16 @@ bool MayBeName(const char* p, const char* end) {
          (IsEither(p[0], 'n', 'N') && IsEither(p[1], 'a', 'A') && IsEither(p[2], 'n', 'N'));
 }
 
+constexpr std::size_t kWord = sizeof(std::uint64_t);
+constexpr std::uint64_t kZeros = 0x3030303030303030;
+
+// The high bit of each byte above 9, up to one far above it: what is said of the bytes behind that
+// can be wrong.
+std::uint64_t NotDigits(std::uint64_t bytes) {
+  constexpr std::uint64_t kAboveNine = 0x7676767676767676;  // 10 more reaches the high bit
+  return (bytes | (bytes + kAboveNine)) & 0x8080808080808080;
+}
+
 const char* SkipDigits(const char* p, const char* end) {
   while (p != end && IsDigit(*p)) ++p;
   return p;
@@ -36,6 +50,13 @@ NumericRule::NumericRule() {
   const char* decimal = nl_langinfo(RADIXCHAR);
   const bool oneByte = decimal[0] && !decimal[1];
   if (oneByte && std::ispunct(static_cast<unsigned char>(decimal[0]))) decimal_ = decimal[0];
+  // What strtod skips, a sign, a digit, a decimal character, the comma after no number, a name.
+  for (std::size_t byte = 0; byte < begins_.size(); ++byte) {
+    const char c = static_cast<char>(byte);
+    const bool mayBeName = IsEither(c, 'i', 'I') || IsEither(c, 'n', 'N');
+    begins_[byte] = decimal_ == 0 || c == decimal_ || IsSpace(c) || IsDigit(c) || mayBeName ||
+                    c == '+' || c == '-' || c == ',' || c == '.';
+  }
 }
 
 bool NumericRule::Accepts(std::string_view text) {
@@ -55,14 +76,39 @@ bool NumericRule::Accepts(std::string_view text) {
 }
 
 bool NumericRule::AcceptsPlain(std::string_view text, std::size_t* point) const {
-  if (decimal_ != '.') return false;
+  if (decimal_ != '.' || text.empty()) return false;
+  const std::size_t sign = text.front() == '-' || text.front() == '+';
+  const char* const digits = text.data() + sign;
+  const std::size_t length = text.size() - sign;
+  if (length - 1 >= 2 * kWord) return length > 0 && AcceptsLongPlain(text, point);
+
+  // The last word of the text, and the part of it before that; digits stand for what they lack.
+  std::uint64_t others = 0, before = 0;
+  if (length <= kWord) {
+    others = NotDigits((LoadShortText(digits, length) ^ kZeros) << (kWord - length) * 8);
+  } else {
+    others = NotDigits(LoadWord(digits + length - kWord) ^ kZeros);
+    before = NotDigits((LoadWord(digits) ^ kZeros) << (2 * kWord - length) * 8);
+  }
+  *point = std::string_view::npos;
+  if ((others | before) == 0) return true;
+  if (others != 0 && before != 0) return false;
+  std::size_t at = length - (others != 0 ? kWord : 2 * kWord);
+  others |= before;
+  at += static_cast<std::size_t>(std::countr_zero(others)) / 8;
+  // A digit before the point is the commoner form; the others are not plain.
+  if ((others & (others - 1)) != 0 || digits[at] != '.' || at == 0) return false;
+  *point = sign + at;
+  return true;
+}
+
+bool NumericRule::AcceptsLongPlain(std::string_view text, std::size_t* point) {
   const char* p = text.data();
   const char* const end = p + text.size();
-  if (p != end && (*p == '-' || *p == '+')) ++p;
+  if (*p == '-' || *p == '+') ++p;
   const char* const digits = p;
   p = SkipDigits(p, end);
   *point = std::string_view::npos;
-  // A digit before the point is the commoner form; the others are not plain.
   if (p == digits) return false;
   if (p != end && *p == '.') {
     *point = static_cast<std::size_t>(p - text.data());

@@ -133,6 +133,7 @@ void CompareWithTheRule(int count) {
     const bool expected = IsNumericByTheRule(text);
     ASSERT_EQ(test.Accepts(text), expected) << "[" << text << "]";
     accepted += expected ? 1 : 0;
+    ASSERT_TRUE(!expected || text.empty() || test.MayBegin(text.front())) << "[" << text << "]";
     std::size_t point = 0;
     if (!test.AcceptsPlain(text, &point)) continue;
     ASSERT_TRUE(expected) << "[" << text << "]";
@@ -144,6 +145,37 @@ void CompareWithTheRule(int count) {
   EXPECT_GT(accepted, count / 50);
   EXPECT_LT(accepted, count * 9 / 10);
   EXPECT_EQ(plain > 0, *std::localeconv()->decimal_point == '.');
+}
+
+TEST(NumericRule, PlainNumbersOfEveryLength) {
+  const NumericRule rule;
+  std::size_t point = 7;
+  for (const std::string sign : {"", "-", "+"}) {
+    EXPECT_FALSE(rule.AcceptsPlain(sign, &point));
+    for (std::size_t length = 1; length <= 40; ++length) {
+      const std::string digits = sign + std::string(length, '5');
+      ASSERT_TRUE(rule.AcceptsPlain(digits, &point)) << digits;
+      ASSERT_EQ(point, std::string::npos) << digits;
+      for (std::size_t at = 0; at < length; ++at) {
+        std::string text = digits;
+        text[sign.size() + at] = '.';
+        // A digit stands before the point.
+        ASSERT_EQ(rule.AcceptsPlain(text, &point), at > 0) << text;
+        if (at > 0) {
+          ASSERT_EQ(point, sign.size() + at) << text;
+        }
+        for (std::size_t other = 0; other < length; ++other) {
+          for (const char c : {'.', ',', '-', '/', ':', 'e', ' ', '\0', '\x80', '\x8A', '\xFF'}) {
+            if (c == '.' && other == at) continue;
+            if (c == '-' && other == 0 && sign.empty()) continue;
+            std::string changed = text;
+            changed[sign.size() + other] = c;
+            ASSERT_FALSE(rule.AcceptsPlain(changed, &point)) << changed;
+          }
+        }
+      }
+    }
+  }
 }
 
 TEST(NumericRule, SaysWhatTheRuleSaysOnRandomTexts) { CompareWithTheRule(1'000'000); }

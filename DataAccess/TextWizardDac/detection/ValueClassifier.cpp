@@ -98,6 +98,14 @@ ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrange
       std::equal(lower_.begin() + kAsciiCount, lower_.end(), same.begin() + kAsciiCount);
   rowClasses_ = rowAutomaton_->Classes(lower_, utf8 && keepsWide);
   formClasses_ = formAutomaton_->Classes(same, utf8);
+  for (std::size_t byte = 0; byte < possible_.size(); ++byte) {
+    const bool number = numeric_.MayBegin(static_cast<char>(byte));
+    // A date is looked for behind blanks.
+    const bool date = byte == ' ' || rowAutomaton_->MayBegin(rowClasses_[byte]);
+    const bool form = formAutomaton_->MayBegin(formClasses_[byte]);
+    possible_[byte] = static_cast<std::uint8_t>((number ? kNumber : 0) | (date ? kDate : 0) |
+                                                (form ? kNumberForm : 0));
+  }
 }
 
 bool ValueClassifier::IsNumericSwapped(std::string_view value, char swapped) {

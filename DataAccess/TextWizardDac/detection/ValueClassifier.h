@@ -54,6 +54,14 @@ class ValueClassifier {
  public:
   ValueClassifier(const RegExMappings& table, Arrangement arrangement);
 
+  // What a value, by its first byte, can be besides a string: any of these bits. Its blanks are
+  // not trimmed.
+  enum Possible : std::uint8_t { kNumber = 1, kDate = 2, kNumberForm = 4 };
+  unsigned PossibleClasses(std::string_view value) const {
+    if (value.empty()) return kNumber | kDate | kNumberForm;
+    return possible_[static_cast<unsigned char>(value.front())];
+  }
+
   bool IsNumeric(std::string_view value) { return numeric_.Accepts(value); }
   // See NumericRule: only numbers, but not all of them.
   bool IsPlainNumber(std::string_view value, std::size_t* point) const {
@@ -93,6 +101,7 @@ class ValueClassifier {
   std::array<unsigned char, 256> lower_;
   PatternAutomaton::ByteClasses rowClasses_;
   PatternAutomaton::ByteClasses formClasses_;
+  std::array<std::uint8_t, 256> possible_;
   // Buffers of the rarer ways.
   std::string changed_;
   UnicodeText unicode_;
