@@ -106,7 +106,7 @@ bool FieldSplitter::Next(std::string_view& field) {
   }
   if (mode_ == Mode::kCharacters) {
     WalkCharacters(field);
-  } else if (spaceOptions_ || CutAtDelimiters(&field, 1) == 0) {
+  } else if (spaceOptions_ || CutViews(&field, 1) == 0) {
     NextOfBytes(field);
   }
   return true;
@@ -117,7 +117,7 @@ std::size_t FieldSplitter::Cut(std::string_view* fields, std::size_t count) {
   while (done < count) {
     // Blanks are data or cut like any other delimiter.
     if (mode_ == Mode::kBytes && !spaceOptions_) {
-      done += CutAtDelimiters(fields + done, count - done);
+      done += CutViews(fields + done, count - done);
       if (done == count) break;
     }
     const std::string_view& field = fields[done];
@@ -130,33 +130,52 @@ std::size_t FieldSplitter::Cut(std::string_view* fields, std::size_t count) {
   return done;
 }
 
-// Cuts fields without a qualifier, at most `count`. Returns how many those were: less when the
-// record was used up or a qualifier stands in the next field.
-std::size_t FieldSplitter::CutAtDelimiters(std::string_view* fields, std::size_t count) {
-  const char* const text = text_.data();
-  const char* start = cursor_;
+// Cuts fields without a qualifier and fields enclosed in two, at most `count`. Returns how many
+// those were: less when the record was used up or the next field has qualifiers elsewhere.
+std::size_t FieldSplitter::CutViews(std::string_view* fields, std::size_t count) {
   const char* const end = end_;
-  if (start == end) return 0;
-  std::size_t done = 0;
-  auto word = static_cast<std::size_t>(start - text) / 64;
-  // Marks of the word's bytes that are not passed yet.
-  std::uint64_t marks = MarksAt(word) & ~std::uint64_t{0} << (start - text) % 64;
-  while (done < count) {
+  const char* start = cursor_;
+  std::string_view* field = fields;
+  std::string_view* const last = fields + count;
+  while (start != end && field != last) {
+    // The word of marks in hand, whose first byte is at `base`; marks that were passed are cleared.
+    const std::size_t offset = static_cast<std::size_t>(start - text_.data());
+    const char* base = start - offset % 64;
+    std::uint64_t marks = MarksAt(offset / 64) & ~std::uint64_t{0} << offset % 64;
     const char* mark = end;
-    while (marks == 0 && text + 64 * (word + 1) < end) marks = MarksAt(++word);
-    if (marks != 0) mark = std::min(text + 64 * word + std::countr_zero(marks), end);
-    if (mark == end) {
-      if (start != end) fields[done++] = Text(start, end);
-      start = end;
-      break;
+    for (; field != last; ++field) {
+      while (marks == 0 && (base += 64) < end) {
+        marks = MarksAt(static_cast<std::size_t>(base - text_.data()) / 64);
+      }
+      // Without a mark the place is beyond the end.
+      mark = base + static_cast<std::size_t>(std::countr_zero(marks));
+      if (mark >= end || KindOf(*mark) == kQualifier) break;
+      *field = Text(start, mark);
+      start = mark + 1;
+      marks &= marks - 1;
     }
-    if (KindOf(*mark) == kQualifier) break;
-    marks &= marks - 1;
-    fields[done++] = Text(start, mark);
-    start = mark + 1;
+    if (field == last) break;
+    if (mark >= end) {
+      if (start != end) *field++ = Text(start, end);
+      start = end;
+    } else if (mark != start || !CutEnclosed(start, *field)) {
+      break;
+    } else {
+      ++field;
+    }
   }
   cursor_ = start;
-  return done;
+  return static_cast<std::size_t>(field - fields);
+}
+
+// Cuts a field that begins with the qualifier at `start` when another one ends it; sets `start` to
+// the next field.
+bool FieldSplitter::CutEnclosed(const char*& start, std::string_view& field) {
+  const char* const close = NextQualifier(start + 1);
+  if (!ClosesField(close)) return false;
+  field = Text(start + 1, close);
+  start = end_ - close <= 2 ? end_ : close + 2;
+  return true;
 }
 
 void FieldSplitter::MarkFrom(std::size_t word) {
@@ -223,10 +242,9 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
       return Finish(field, true);
     case kQualifier: {
       if (mark != text || (text != start && !rules_.leadingSpaces())) break;
-      const char* const close = NextQualifier(mark + 1);
-      if (close != end_ && close + 1 != end_ && KindOf(close[1]) < kDelimiter) break;
-      field = Text(mark + 1, close);
-      cursor_ = end_ - close <= 2 ? end_ : close + 2;
+      const char* next = mark;
+      if (!CutEnclosed(next, field)) break;
+      cursor_ = next;
       return Finish(field, false);
     }
   }

@@ -118,14 +118,20 @@ class FieldSplitter {
   bool DropsBlankBefore(const char* next) const {
     return rules_.multipleSpaces() && next != end_ && KindOf(*next) == kDelimiter;
   }
+  // After a field's first qualifier: does the next one, at `close` (the record's end: there is
+  // none), end the field?
+  bool ClosesField(const char* close) const {
+    return close == end_ || close + 1 == end_ || KindOf(close[1]) >= kDelimiter;
+  }
   const char* NextMark(const char* from);
   const char* NextQualifier(const char* from);
   std::uint64_t MarksAt(std::size_t word);
-  void MarkFrom(std::size_t word);
+  [[gnu::noinline]] void MarkFrom(std::size_t word);
   std::size_t ByteCharacterLength(char lead) const;
   void RemoveLastByteCharacter();
 
-  std::size_t CutAtDelimiters(std::string_view* fields, std::size_t count);
+  std::size_t CutViews(std::string_view* fields, std::size_t count);
+  [[gnu::noinline]] bool CutEnclosed(const char*& start, std::string_view& field);
   void NextOfBytes(std::string_view& field);
   void WalkBytes(std::string_view& field);
   void WalkCharacters(std::string_view& field);
