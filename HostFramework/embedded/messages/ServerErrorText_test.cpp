@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/messages/Catalogue.h"
@@ -41,7 +42,8 @@ class ServerErrorText : public testing::Test {
     std::ofstream(path_, std::ios::binary) << text;
     return path_.c_str();
   }
-  std::string path_ = testing::TempDir() + "catalogue-test.err";
+  // Tests of other processes run at the same time.
+  std::string path_ = testing::TempDir() + "catalogue-test-" + std::to_string(getpid()) + ".err";
 };
 
 TEST_F(ServerErrorText, TheHostsOwnCatalogueIsFoundBesideItsLibrary) {
