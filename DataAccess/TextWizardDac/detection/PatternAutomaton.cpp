@@ -1,6 +1,7 @@
 #include "detection/PatternAutomaton.h"
 
 #include <algorithm>
+#include <bit>
 #include <bitset>
 #include <map>
 #include <mutex>
@@ -120,6 +121,7 @@ void PatternAutomaton::SetClasses(const Construction& construction) {
     classOf_[c] = static_cast<std::uint8_t>(classOf[c] + kWideClasses);
   }
   classCount_ = count + kWideClasses;
+  classBits_ = static_cast<unsigned>(std::bit_width(classCount_ - 1));
 }
 
 PatternAutomaton::PatternAutomaton(const std::vector<std::string>& patterns) {
@@ -163,13 +165,14 @@ PatternAutomaton::PatternAutomaton(const std::vector<std::string>& patterns) {
     for (std::size_t c = kWideClasses; c < classCount_; ++c) {
       next_.push_back(number(construction.Step(set, member[c])));
     }
+    next_.resize((from + 1) << classBits_, kDead);
   }
   if (sets.size() > kMaxStates) {
     // Everything is undecided from the first byte on.
     for (std::size_t i = 0; i < patterns.size() && i < kMaxPatterns; ++i) {
       uncompiled_ |= std::uint64_t{1} << i;
     }
-    next_.assign(2 * classCount_, kDead);
+    next_.assign(std::size_t{2} << classBits_, kDead);
     accepted_.assign(2, 0);
     wide_.assign(2, 0);
     wideOther_.assign(2, 0);

@@ -43,7 +43,8 @@ class PatternAutomaton {
 
   // Whether a text that begins with a byte of this class can be anything but a mismatch.
   bool MayBegin(std::uint8_t byteClass) const {
-    return byteClass < kWideClasses || uncompiled_ != 0 || next_[classCount_ + byteClass] != kDead;
+    return byteClass < kWideClasses || uncompiled_ != 0 ||
+           next_[(kStart << classBits_) + byteClass] != kDead;
   }
 
   Verdict Match(std::string_view text, const ByteClasses& classes) const {
@@ -53,7 +54,7 @@ class PatternAutomaton {
       if (byteClass < kWideClasses) {
         return {0, GoingOn(state, byteClass, text.substr(i)) | uncompiled_};
       }
-      state = next_[state * classCount_ + byteClass];
+      state = next_[(state << classBits_) + byteClass];
       if (state == kDead) return {0, uncompiled_};
     }
     // The library gives up a match that takes it too much memory.
@@ -80,6 +81,8 @@ class PatternAutomaton {
 
   std::array<std::uint8_t, kAsciiCount> classOf_{};
   std::size_t classCount_ = kWideClasses;
+  // A state's classes take a power of two, so that no multiplication stands between two steps.
+  unsigned classBits_ = 0;
   // state x class -> state
   std::vector<std::uint16_t> next_;
   // Per state: patterns that match here, those that could go on with a character beyond ASCII, and

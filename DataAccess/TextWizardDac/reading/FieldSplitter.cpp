@@ -158,24 +158,27 @@ std::size_t FieldSplitter::CutViews(std::string_view* fields, std::size_t count)
     if (mark >= end) {
       if (start != end) *field++ = Text(start, end);
       start = end;
-    } else if (mark != start || !CutEnclosed(start, *field)) {
+    } else if (mark != start) {
       break;
     } else {
-      ++field;
+      // Most such fields end at the next mark.
+      marks &= marks - 1;
+      const char* close = marks != 0 ? base + std::countr_zero(marks) : NextMark(start + 1);
+      close = std::min(close, end);
+      if (close != end && KindOf(*close) != kQualifier) close = NextQualifier(close + 1);
+      if (!ClosesField(close)) break;
+      start = TakeEnclosed(start, close, *field++);
     }
   }
   cursor_ = start;
   return static_cast<std::size_t>(field - fields);
 }
 
-// Cuts a field that begins with the qualifier at `start` when another one ends it; sets `start` to
-// the next field.
-bool FieldSplitter::CutEnclosed(const char*& start, std::string_view& field) {
-  const char* const close = NextQualifier(start + 1);
-  if (!ClosesField(close)) return false;
-  field = Text(start + 1, close);
-  start = end_ - close <= 2 ? end_ : close + 2;
-  return true;
+// The field between two qualifiers of which `close` ends it; returns where the next one begins.
+inline const char* FieldSplitter::TakeEnclosed(const char* open, const char* close,
+                                               std::string_view& field) const {
+  field = Text(open + 1, close);
+  return end_ - close <= 2 ? end_ : close + 2;
 }
 
 void FieldSplitter::MarkFrom(std::size_t word) {
@@ -210,7 +213,7 @@ inline const char* FieldSplitter::NextMark(const char* from) {
   return end_;
 }
 
-inline const char* FieldSplitter::NextQualifier(const char* from) {
+const char* FieldSplitter::NextQualifier(const char* from) {
   const char* at = NextMark(from);
   while (at != end_ && KindOf(*at) != kQualifier) at = NextMark(at + 1);
   return at;
@@ -242,9 +245,9 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
       return Finish(field, true);
     case kQualifier: {
       if (mark != text || (text != start && !rules_.leadingSpaces())) break;
-      const char* next = mark;
-      if (!CutEnclosed(next, field)) break;
-      cursor_ = next;
+      const char* const close = NextQualifier(mark + 1);
+      if (!ClosesField(close)) break;
+      cursor_ = TakeEnclosed(mark, close, field);
       return Finish(field, false);
     }
   }

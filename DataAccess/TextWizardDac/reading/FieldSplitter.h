@@ -124,14 +124,14 @@ class FieldSplitter {
     return close == end_ || close + 1 == end_ || KindOf(close[1]) >= kDelimiter;
   }
   const char* NextMark(const char* from);
-  const char* NextQualifier(const char* from);
+  [[gnu::noinline]] const char* NextQualifier(const char* from);
   std::uint64_t MarksAt(std::size_t word);
   [[gnu::noinline]] void MarkFrom(std::size_t word);
   std::size_t ByteCharacterLength(char lead) const;
   void RemoveLastByteCharacter();
 
   std::size_t CutViews(std::string_view* fields, std::size_t count);
-  [[gnu::noinline]] bool CutEnclosed(const char*& start, std::string_view& field);
+  const char* TakeEnclosed(const char* open, const char* close, std::string_view& field) const;
   void NextOfBytes(std::string_view& field);
   void WalkBytes(std::string_view& field);
   void WalkCharacters(std::string_view& field);

@@ -47,7 +47,8 @@ bool IsLeapYear(int year) { return year % 4 == 0 && (year % 100 != 0 || year % 4
 
 std::optional<std::int64_t> Midnight(int year, int month, int day) {
   if (year < 1 || year > kLastYear || month < 1 || month > 12) return std::nullopt;
-  if (day < 1 || day > DaysOfMonth(year, month)) return std::nullopt;
+  constexpr int kShortestMonth = 28;
+  if (day < 1 || (day > kShortestMonth && day > DaysOfMonth(year, month))) return std::nullopt;
   return MidnightOfDay(DayNumber(year, month, day));
 }
 
