@@ -1,7 +1,7 @@
 # `make run` imports an example and shows it; `make test` builds and runs every test. Both set up
 # the machine first.
 
-.PHONY: setup build run test bench lint clean
+.PHONY: setup build run test bench lint model clean
 
 setup:
 	@tools/install-packages
@@ -27,6 +27,10 @@ bench: setup
 
 lint: setup
 	@tools/lint
+
+# The hand-off between the threads, in every order of their steps; some minutes.
+model: setup
+	@tools/check-model
 
 clean:
 	rm -rf build

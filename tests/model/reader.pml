@@ -1,0 +1,208 @@
+/* The reader thread: one pass over the file into the ring. */
+
+inline GiveUp() {
+  fault = true;
+#ifndef FAILURE_NOT_TOLD
+  /* fault FAILURE_NOT_TOLD (assertion): a pass that was given up looks like a complete one */
+  fFailed = true;
+#endif
+  fPending = false
+}
+
+inline ReadRecord() {
+  atomic {
+    if
+    :: fReaderState != kReading -> fPending = false
+    :: else ->
+      if
+      :: recordsRead < RECORDS -> recordsRead++; fPending = true
+      :: fPending = false
+      :: fault = true; gaveUp = true
+      fi
+    fi
+  }
+  WHEN(gaveUp, GiveUp(); gaveUp = false)
+}
+
+/* Sets `have` when there is a worker then. */
+inline MakeWorker(i) {
+  if
+  :: workers++;
+#ifdef RUNNING_CLEARED
+    /* fault RUNNING_CLEARED (deadlock): the ring shows a worker before it runs, and who stops it
+       takes back that it runs */
+    fThreads[i] = true;
+#endif
+    run Worker(i);
+    worker[i].fRunning;
+    d_step {
+      fThreads[i] = true;
+#ifndef NO_POST_PER_WORKER
+      /* fault NO_POST_PER_WORKER (deadlock): the host's thread waits at an empty slot and does not
+         hear of the worker that has come there */
+      fStartSemaphore++;
+#endif
+      /* A new worker's text is long enough for the record that it is made for. */
+      fOversize = true;
+      have = true
+    }
+#ifdef UNSTARTED_WORKER_AWAITED
+  /* fault UNSTARTED_WORKER_AWAITED (deadlock): the reader waits until a worker runs that could not
+     be started */
+  :: true -> worker[i].fRunning
+#else
+  :: GiveUp()
+#endif
+  fi
+}
+
+#ifdef FREED_SLOT_NOT_AWAITED
+/* fault FREED_SLOT_NOT_AWAITED (assertion): the reader fills a slot before the host's thread has
+   made it available, which it then does when the worker is converting */
+#define FILLABLE(i) (worker[i].fState != kStopped)
+#else
+#define FILLABLE(i) (worker[i].fState != kStopped && worker[i].fState != kFreed)
+#endif
+
+/* Sets `sent` when the batch has been handed over. */
+inline FillBatch(i) {
+  if
+  :: worker[i].fState == kStopped
+  :: FILLABLE(i) -> GiveUp()
+  :: d_step {
+      FILLABLE(i) ->
+      TAKE(i, kReader);
+      worker[i].fText = recordsRead;
+      worker[i].fRecordCount = 0
+    }
+    do
+    :: fPending && count < 2 -> count++; ReadRecord()
+    :: !fPending || count > 0 || !fOversize -> break
+    od;
+    fOversize = count == 0;
+    if
+    :: d_step { fReaderState != kReading -> LEAVE(i, kReader) }
+    :: fReaderState == kReading ->
+#ifdef COMMAND_LOWERED
+      /* fault COMMAND_LOWERED (deadlock): the command to convert replaces one to stop that has been
+         given since it was looked for */
+      lowers = worker[i].fCommand < kStop;
+#define CONVERTS lowers
+#else
+#define CONVERTS worker[i].fCommand < kStop
+#endif
+      d_step {
+        worker[i].fRecordCount = count;
+        worker[i].fFirstCase = fCasesSent;
+        worker[i].fConsumeIndex = 0;
+        LEAVE(i, kReader);
+        if
+        :: CONVERTS ->
+          worker[i].fCommand = kConvert;
+          POST(worker[i].fWorkSemaphore);
+          fInFlight++;
+          fCasesSent = fCasesSent + count;
+          sent = true
+        :: else
+        fi
+      }
+    fi;
+    count = 0
+  fi
+}
+
+inline WalkRing() {
+  do
+  :: fReaderState != kReading -> break
+  :: fReaderState == kReading ->
+    if
+    :: fThreads[slot] ->
+      d_step {
+#ifndef FREE_NOT_AWAITED
+        /* fault FREE_NOT_AWAITED (assertion): the reader fills a batch that has not been given
+           back */
+        WAIT(worker[slot].fFreeSemaphore);
+#endif
+        assert(fInFlight > 0);
+        fInFlight--;
+        have = true
+      }
+    :: else -> WHEN(fPending, MakeWorker(slot))
+    fi;
+    WHEN(have && fPending, WHEN(fReaderState == kReading, FillBatch(slot)));
+    if
+    :: sent
+    :: else ->
+#ifdef STOPS_FROM_CURRENT_SLOT
+      WHEN(have && !fPending, Stop(slot));
+#else
+      WHEN(have, Stop(slot));
+#endif
+#ifdef WALK_GOES_ON
+      /* fault WALK_GOES_ON (livelock): the reader goes round past empty slots when nothing is in
+         flight */
+      d_step { WHEN(have && fInFlight == 0, RAISE_READER_STATE(kStopping)) }
+#elif defined(ENDS_WITH_BATCHES_IN_FLIGHT)
+      /* fault ENDS_WITH_BATCHES_IN_FLIGHT (assertion): workers are stopped whose batches have not
+         been delivered */
+      d_step { RAISE_READER_STATE(kStopping) }
+#else
+      d_step { WHEN(fInFlight == 0, RAISE_READER_STATE(kStopping)) }
+#endif
+    fi;
+    d_step { have = false; sent = false; slot = (slot + 1) % SLOTS }
+  od
+}
+
+proctype Reader() {
+  bool fPending;
+  bool fOversize;
+  byte fInFlight;
+  byte slot;
+  byte count;
+  bool have;
+  bool sent;
+  bool gaveUp;
+  bool stops;
+#ifdef COMMAND_LOWERED
+  bool lowers;
+#endif
+
+  if
+  :: fReaderState == kReading ->
+    ReadRecord();
+    WalkRing();
+    atomic { fPending = false; fOversize = false; fInFlight = 0 }
+#ifndef STOPS_FROM_CURRENT_SLOT
+    /* fault STOPS_FROM_CURRENT_SLOT (deadlock): nobody stops a worker whose batch was not handed
+       over, when the walk has ended behind it */
+    slot = 0;
+#endif
+#ifndef NO_POST_AT_END
+    /* fault NO_POST_AT_END (deadlock): the host's thread waits at an empty slot for a worker that
+       never comes */
+    fStartSemaphore++;
+#endif
+    do
+    :: slot < workers -> Stop(slot); slot++
+    :: else -> break
+    od;
+    slot = 0;
+    do
+    :: slot < workers -> worker[slot].fCommand == kExited; slot++
+    :: else -> break
+    od;
+    atomic { slot = 0; RAISE_READER_STATE(kEnded) }
+#ifndef SKIPPED_PASS_NOT_ENDED
+  /* fault SKIPPED_PASS_NOT_ENDED (assertion): a reader that was stopped before it began does not
+     say that it has ended */
+  :: else -> d_step { RAISE_READER_STATE(kEnded) }
+#else
+  :: else
+#endif
+  fi;
+  atomic {
+    assert(!destroyed);
+    readerEnded = true
+  }
+}
