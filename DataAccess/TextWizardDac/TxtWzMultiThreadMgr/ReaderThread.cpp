@@ -104,6 +104,7 @@ bool QANT_TextWizardMultiThreadedManager::FillBatch(TextDataIteratorThread& work
   std::uint32_t records = 0;
   while (fPending && records < fPlan.maxRecords && worker.AppendRecord(fRecord)) {
     ++records;
+    records += worker.AppendRun(fReader, fPlan.maxRecords - records);
     ReadRecord();
   }
   fOversize = records == 0;

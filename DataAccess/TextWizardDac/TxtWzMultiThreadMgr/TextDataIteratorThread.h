@@ -25,6 +25,7 @@
 #include "detection/RegExMappings.h"
 #include "reading/FieldSplitter.h"
 #include "reading/RecordDecoder.h"
+#include "reading/RecordReader.h"
 
 namespace textwizard {
 
@@ -92,6 +93,13 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
     fText[fTextUsed++] = '\n';
     ++fRecordCount;
     return true;
+  }
+  // Adds the records that `reader` can copy at once, at most `most`; returns how many.
+  std::uint32_t AppendRun(RecordReader& reader, std::uint32_t most) {
+    std::uint32_t count = 0;
+    fTextUsed += reader.ReadRun(fText.get() + fTextUsed, fTextCapacity - fTextUsed, most, &count);
+    fRecordCount += count;
+    return count;
   }
   // Hands the batch to the worker; false when that has been stopped. `firstCase`: cases before the
   // batch. `decoded`: the records are host text already.

@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstring>
 
+static_assert(std::endian::native == std::endian::little, "a word's bits are stored by bytes");
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "reading/ByteScan.cpp"
 #include "hwy/foreach_target.h"
@@ -68,23 +70,60 @@ std::size_t FindLineEnd16(const char* text, std::size_t size) {
   return i;
 }
 
-// One bit per lane: is the byte in the set?
-std::uint64_t MarkVector(const std::uint8_t* text, const ByteSet& set) {
-  const Vector v = hn::LoadU(kBytes, text);
-  auto hit = hn::Eq(v, hn::Set(kBytes, set.bytes[0]));
-  for (std::size_t k = 1; k < set.count; ++k) {
-    hit = hn::Or(hit, hn::Eq(v, hn::Set(kBytes, set.bytes[k])));
+// Nearly every set is one of three bytes or fewer; these stay in registers.
+class FewBytes {
+ public:
+  static constexpr std::size_t kMost = 3;
+  explicit FewBytes(const ByteSet& set)
+      : first_(hn::Set(kBytes, set.bytes[0])),
+        second_(hn::Set(kBytes, set.bytes[set.count > 1 ? 1 : 0])),
+        third_(hn::Set(kBytes, set.bytes[set.count > 2 ? 2 : 0])) {}
+  auto In(Vector v) const {
+    return hn::Or(hn::Eq(v, first_), hn::Or(hn::Eq(v, second_), hn::Eq(v, third_)));
   }
+
+ private:
+  Vector first_, second_, third_;
+};
+
+class ManyBytes {
+ public:
+  explicit ManyBytes(const ByteSet& set) : set_(set) {}
+  auto In(Vector v) const {
+    auto hit = hn::Eq(v, hn::Set(kBytes, set_.bytes[0]));
+    for (std::size_t k = 1; k < set_.count; ++k) {
+      hit = hn::Or(hit, hn::Eq(v, hn::Set(kBytes, set_.bytes[k])));
+    }
+    return hit;
+  }
+
+ private:
+  const ByteSet& set_;
+};
+
+// One bit per lane: is the byte in the set?
+template <typename Set>
+std::uint64_t MarkVector(const std::uint8_t* text, const Set& set) {
   std::uint8_t bits[8] = {};
-  hn::StoreMaskBits(kBytes, hit, bits);
+  hn::StoreMaskBits(kBytes, set.In(hn::LoadU(kBytes, text)), bits);
   std::uint64_t word;
   std::memcpy(&word, bits, sizeof word);
   return word;
 }
 
-void MarkBytes(const char* text, std::size_t size, const ByteSet& set, std::uint64_t* words) {
+template <typename Set>
+void MarkAll(const char* text, std::size_t size, const Set& set, std::uint64_t* words) {
   std::size_t i = 0;
   std::uint64_t word = 0;
+  if constexpr (kLanes >= 8) {
+    // The bits of whole words go where they belong, a vector's at a time.
+    auto* const bytes = reinterpret_cast<std::uint8_t*>(words);
+    for (; i + 64 <= size; i += 64) {
+      for (std::size_t k = i; k < i + 64; k += kLanes) {
+        hn::StoreMaskBits(kBytes, set.In(hn::LoadU(kBytes, AsBytes(text) + k)), bytes + k / 8);
+      }
+    }
+  }
   for (; i + kLanes <= size; i += kLanes) {
     word |= MarkVector(AsBytes(text) + i, set) << (i % 64);
     if ((i + kLanes) % 64 == 0) {
@@ -105,6 +144,14 @@ void MarkBytes(const char* text, std::size_t size, const ByteSet& set, std::uint
     word |= last << (i % 64);
   }
   if (size % 64 != 0) words[size / 64] = word;
+}
+
+void MarkBytes(const char* text, std::size_t size, const ByteSet& set, std::uint64_t* words) {
+  if (set.count <= FewBytes::kMost) {
+    MarkAll(text, size, FewBytes(set), words);
+  } else {
+    MarkAll(text, size, ManyBytes(set), words);
+  }
 }
 
 bool IsAsciiVector(const std::uint8_t* text) {

@@ -42,6 +42,11 @@ class RecordReader {
   // The same in one of the two widths, whatever mark was found.
   bool Read8(bool keepEmpty);
   bool Read16(bool keepEmpty);
+  // Copies the records that follow to `out`, each with a LF behind it: those without NULs that a LF
+  // ends, that are not empty and lie in the block in hand. They take fewer than `room` bytes
+  // together and are `most` at most; *count becomes their number. Returns their bytes. Any other
+  // record, and every 16-bit one, waits for Read. Leaves record() empty and its position undefined.
+  std::size_t ReadRun(char* out, std::size_t room, std::uint32_t most, std::uint32_t* count);
   // The record read last; valid until the next Read or Seek.
   std::string_view record() const { return record_; }
   // File position in bytes where that record began.
@@ -63,6 +68,8 @@ class RecordReader {
 
   template <LineEnd (RecordReader::*ReadLine)()>
   bool ReadRecord(bool keepEmpty);
+  std::size_t RunLength(std::string_view block, std::size_t room, std::uint32_t most,
+                        std::uint32_t* count) const;
   LineEnd ReadLine8();
   LineEnd ReadLine16();
   LineEnd EndData();

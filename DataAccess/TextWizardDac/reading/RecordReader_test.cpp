@@ -263,5 +263,82 @@ TEST(RecordReader, RandomFilesGiveTheSameRecordsInBlocksOfAnySize) {
   }
 }
 
+// Records copied in runs, one read now and then, are the records read one by one.
+TEST(RecordReader, RunsHoldTheRecordsThatReadWouldGive) {
+  std::mt19937 random(5);
+  const auto below = [&](std::size_t limit) { return random() % limit; };
+  std::size_t inRuns = 0, alone = 0;
+  for (int round = 0; round < 2000; ++round) {
+    std::string file;
+    const std::string ends[] = {"\n", "\n", "\n", "\n", "\r\n", "\r", "\n\n", std::string(1, '\0')};
+    const std::size_t longest = round % 10 == 0 ? 6000 : 12;
+    for (std::size_t lines = below(40); lines > 0; --lines) {
+      file += std::string(below(longest), static_cast<char>('a' + below(26)));
+      file += ends[below(round % 3 == 0 ? 1 : std::size(ends))];
+    }
+    const OpenFile open(file, kBlockSizes[below(std::size(kBlockSizes))]);
+    RecordReader whole(open.stream());
+    const Strings expected = AllRecords(whole, false);
+    RecordReader reader(open.stream());
+    Strings records;
+    for (bool more = true; more;) {
+      const std::size_t room = below(4) ? below(40) : below(20'000);
+      const auto most = static_cast<std::uint32_t>(below(3) ? 1000 : below(4));
+      std::string out(room, '#');
+      std::uint32_t count = 0;
+      const std::size_t bytes = reader.ReadRun(out.data(), room, most, &count);
+      ASSERT_TRUE(bytes < room || bytes == 0);
+      ASSERT_LE(count, most);
+      EXPECT_EQ(reader.record(), "");
+      std::string_view text(out.data(), bytes);
+      for (std::uint32_t i = 0; i < count; ++i) {
+        const std::size_t end = text.find('\n');
+        ASSERT_NE(end, std::string_view::npos);
+        records.emplace_back(text.substr(0, end));
+        text.remove_prefix(end + 1);
+      }
+      ASSERT_TRUE(text.empty());
+      inRuns += count;
+      more = reader.Read(false);
+      if (more) records.emplace_back(reader.record());
+      alone += more;
+    }
+    ASSERT_EQ(records, expected);
+    EXPECT_FALSE(reader.failed());
+  }
+  EXPECT_GT(inRuns, 5000U);
+  EXPECT_GT(alone, 5000U);
+}
+
+TEST(RecordReader, ARunGoesOnUntilTheNextRecordWouldFillItsRoom) {
+  const OpenFile open("ab\ncd\nef\n\ngh");
+  RecordReader reader(open.stream());
+  char out[16];
+  std::uint32_t count = 0;
+  EXPECT_EQ(reader.ReadRun(out, 6, 9, &count), 3U);
+  EXPECT_EQ(count, 1U);
+  EXPECT_EQ(reader.ReadRun(out, 4, 9, &count), 3U);
+  EXPECT_EQ(std::string_view(out, 3), "cd\n");
+  EXPECT_EQ(reader.ReadRun(out, 3, 9, &count), 0U);
+  EXPECT_EQ(reader.ReadRun(out, 16, 0, &count), 0U);
+  EXPECT_EQ(reader.ReadRun(out, 16, 9, &count), 3U);
+  // An empty line, and then a record without a line end.
+  EXPECT_EQ(reader.ReadRun(out, 16, 9, &count), 0U);
+  EXPECT_EQ(count, 0U);
+  ASSERT_TRUE(reader.Read(false));
+  EXPECT_EQ(reader.record(), "gh");
+}
+
+TEST(RecordReader, AStoppedReaderCopiesNoRun) {
+  const OpenFile open("ab\ncd\n");
+  RecordReader reader(open.stream());
+  std::atomic<std::int32_t> stop{1};
+  reader.SetStop(&stop);
+  char out[16];
+  std::uint32_t count = 7;
+  EXPECT_EQ(reader.ReadRun(out, 16, 9, &count), 0U);
+  EXPECT_EQ(count, 0U);
+}
+
 }  // namespace
 }  // namespace textwizard
