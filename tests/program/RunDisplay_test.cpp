@@ -1,11 +1,17 @@
 // What `textwizard run` shows: tables, counts, figures, progress; and what Ctrl-C does.
 
+#include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <thread>
+#include <vector>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <pty.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/program/Program.h"
 
@@ -114,6 +120,44 @@ TEST_F(RunDisplay, StatsAreTheLastLineAfterAFailureToo) {
   EXPECT_EQ(nlohmann::json::parse(ended.out)["cases"], 0);
 }
 
+// Takes what is written into a pipe, but not at once: whoever writes more than the pipe holds has
+// to wait, however fast it is.
+class SlowPipe {
+ public:
+  explicit SlowPipe(const std::string& path) {
+    EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
+    // Open for writing too, so that neither side waits for the other to open it.
+    pipe_ = open(path.c_str(), O_RDWR | O_CLOEXEC);
+    EXPECT_GE(pipe_, 0);
+  }
+  void Start() {
+    drain_ = std::thread([this] { Drain(); });
+  }
+  ~SlowPipe() {
+    ended_ = true;
+    if (drain_.joinable()) drain_.join();
+    close(pipe_);
+  }
+  SlowPipe(const SlowPipe&) = delete;
+  SlowPipe& operator=(const SlowPipe&) = delete;
+
+ private:
+  void Drain() {
+    // Longer than the program waits before it shows how far it is.
+    std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    std::vector<char> block(1 << 16);
+    pollfd ready{pipe_, POLLIN, 0};
+    while (!ended_) {
+      if (poll(&ready, 1, 10) <= 0) continue;
+      EXPECT_GT(read(pipe_, block.data(), block.size()), 0);
+    }
+  }
+
+  int pipe_ = -1;
+  std::atomic<bool> ended_{false};
+  std::thread drain_;
+};
+
 // Runs with standard error on a terminal and returns what was written there.
 class RunOnTerminal : public RunDisplay {
  protected:
@@ -126,12 +170,17 @@ class RunOnTerminal : public RunDisplay {
                   " /VARIABLES=n F8.0 s A12 d SDATE10.");
   }
   std::string TerminalText(std::vector<std::string> arguments) const {
+    const std::string cases = folder_ / "cases";
+    std::filesystem::remove(cases);
+    SlowPipe pipe(cases);
     int terminal = -1;
     const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (child == 0) {
-      arguments.insert(arguments.begin(), {"run", "command.sps", "--cases", "c.csv"});
+      arguments.insert(arguments.begin(),
+                       {"run", "command.sps", "--cases", "cases", "--format", "csv"});
       Execute(arguments);
     }
+    pipe.Start();
     std::string text;
     char block[4096];
     for (ssize_t length = 0; (length = read(terminal, block, sizeof block)) > 0;) {
