@@ -85,7 +85,7 @@ std::int64_t PeakOfReading(std::int64_t size, MadeDevice::ByteAt byteAt, const c
 
 class LongRecords : public testing::Test {
  protected:
-#if defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
   void SetUp() override { GTEST_SKIP() << "the sanitizer's own memory would be measured"; }
 #endif
 };
