@@ -1,42 +1,24 @@
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 
-#include "HostFramework/ValueInput.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedManager.h"
 #include "command/MessageText.h"
 #include "reading/QANT_TextWizardSrc.h"
 
 namespace textwizard {
-namespace {
-
-void SetDecimalCharacter(int character) {
-  if (character == '.') {
-    iocvsetdecchardot_();
-  } else {
-    iocvsetdeccharcomma_();
-  }
-}
-
-}  // namespace
 
 QANT_TextWizardMultiThreadedIterator::QANT_TextWizardMultiThreadedIterator(
     const QANT_TextWizardSrc& source, OBS* obs, bool detection)
-    : QANT_InputCaseIterator(source, obs), fSavedDecimalChar(iocvgetdecchar_()) {
-  SetDecimalCharacter(source.decimalCharacter());
+    : QANT_InputCaseIterator(source, obs), fSavedDecimalChar(source.decimalCharacter()) {
   try {
     fManager = std::make_unique<QANT_TextWizardMultiThreadedManager>(source, *this, detection,
-                                                                     fSavedDecimalChar);
+                                                                     fSavedDecimalChar.found());
   } catch (...) {
-    SetDecimalCharacter(fSavedDecimalChar);
     throw int{kReadFailed};
   }
   if (!detection) fManager->Start();
 }
 
-QANT_TextWizardMultiThreadedIterator::~QANT_TextWizardMultiThreadedIterator() {
-  // The workers read numbers by the character until they have ended.
-  fManager.reset();
-  SetDecimalCharacter(fSavedDecimalChar);
-}
+QANT_TextWizardMultiThreadedIterator::~QANT_TextWizardMultiThreadedIterator() = default;
 
 bool QANT_TextWizardMultiThreadedIterator::IsSeekOK() { return fManager->IsSeekOK(); }
 

@@ -8,6 +8,7 @@
 
 #include "HostFramework/DACAdapter.h"
 #include "HostFramework/DataSource.h"
+#include "reading/DecimalCharacterPin.h"
 
 namespace textwizard {
 
@@ -35,8 +36,9 @@ class QANT_TextWizardMultiThreadedIterator : public QANT_InputCaseIterator {
   std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count);
 
  private:
+  // Outlives the manager: the workers read numbers by the character until they have ended.
+  const DecimalCharacterPin fSavedDecimalChar;
   std::unique_ptr<QANT_TextWizardMultiThreadedManager> fManager;
-  int fSavedDecimalChar;
 };
 
 }  // namespace textwizard

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "HostFramework/ValueInput.h"
 #include "command/FormatCode.h"
 #include "command/MessageText.h"
 #include "map/VariableMap.h"
@@ -18,26 +17,17 @@ namespace {
 // The largest number that the sampling rule's random generator draws.
 constexpr double kLargestRandom = 2147483647.0;
 
-void SetDecimalCharacter(int ch) {
-  if (ch == '.') {
-    iocvsetdecchardot_();
-  } else {
-    iocvsetdeccharcomma_();
-  }
-}
-
 }  // namespace
 
 QANT_TextWizardIterator::QANT_TextWizardIterator(const QANT_TextWizardSrc& source, OBS* obs)
     : QANT_InputCaseIterator(source, obs),
       source_(source),
-      savedDecimalCharacter_(iocvgetdecchar_()),
+      decimalCharacter_(source.decimalCharacter()),
       rules_(source.settings()),
       reader_(source.stream()),
       decoder_(source.settings().encoding),
       fields_(rules_, SplitUse::kReading, this),
       suppliedFields_(rules_, SplitUse::kSuppliedRecord, this) {
-  SetDecimalCharacter(source.decimalCharacter());
   unsigned column = 0;
   for (const auto& variable : source.variables()) {
     columns_.push_back({variable.get(), column});
@@ -50,7 +40,7 @@ QANT_TextWizardIterator::QANT_TextWizardIterator(const QANT_TextWizardSrc& sourc
   });
 }
 
-QANT_TextWizardIterator::~QANT_TextWizardIterator() { SetDecimalCharacter(savedDecimalCharacter_); }
+QANT_TextWizardIterator::~QANT_TextWizardIterator() = default;
 
 // Positions and cases.
 

@@ -11,6 +11,7 @@
 
 #include "HostFramework/DataSource.h"
 #include "command/TxtWzVar.h"
+#include "reading/DecimalCharacterPin.h"
 #include "reading/FieldSplitter.h"
 #include "reading/RecordDecoder.h"
 #include "reading/RecordReader.h"
@@ -120,7 +121,7 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   void StoreMissing(const Column& column, TxtWzVar* flagged);
 
   const QANT_TextWizardSrc& source_;
-  const int savedDecimalCharacter_;
+  const DecimalCharacterPin decimalCharacter_;
   FieldRules rules_;
   RecordReader reader_;
   RecordDecoder decoder_;
