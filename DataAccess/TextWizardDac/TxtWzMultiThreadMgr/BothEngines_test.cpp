@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/text/TextTest.h"
-#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "reading/QANT_TextWizardIterator.h"
 
 namespace textwizard {

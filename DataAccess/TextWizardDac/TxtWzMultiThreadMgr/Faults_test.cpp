@@ -13,8 +13,8 @@
 
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/threads/ThreadStarts.h"
-#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "command/MessageText.h"
 
 namespace textwizard {

@@ -10,8 +10,8 @@
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "TxtWzMultiThreadMgr/AdapterTest.h"
-#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 
 namespace textwizard {
 namespace {

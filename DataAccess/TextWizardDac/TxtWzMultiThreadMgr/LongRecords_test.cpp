@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+#include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 
 namespace textwizard {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "reading/testing/ReadingTesting.h"
 #include "reading/RecordReader.h"
+#include "reading/testing/ReadingTesting.h"
 
 namespace textwizard {
 namespace {

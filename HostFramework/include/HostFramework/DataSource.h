@@ -138,8 +138,8 @@ class QANT_InputCaseIterator {
   OBS* GetObsPointer() const { return obs_; }
   ErrorMonitor* GetErrorMonitor() const { return monitor_; }
   // Stores a value in the cells of column `column` (counted from 0 over the source's variables).
-  // Text is cut to whole characters that fit the variable's width, or padded with blanks. Nothing is
-  // stored without a case buffer, in a column that does not exist, or in one of the other kind.
+  // Text is cut to whole characters that fit the variable's width, or padded with blanks. Nothing
+  // is stored without a case buffer, in a column that does not exist, or in one of the other kind.
   void SetColumnValue(int column, const char* text);
   void SetColumnValue(int column, std::string_view text);
   void SetColumnValue(int column, double value);
