@@ -372,10 +372,12 @@ class Reader {
 
   bool ReadFixedCase(Case& values) {
     std::vector<Case> byVariable(variables_.size());
+    // Of this case; the next one tries again, as a unit FFFF only looks like the end.
+    bool atEnd = false;
     for (std::size_t line = 1; line <= settings_.recordsPerCase; ++line) {
-      const bool read = fixedAtEnd_ ? false : NextRecord(true);
+      const bool read = atEnd ? false : NextRecord(true);
       if (!read && line == 1) return false;
-      if (!read) fixedAtEnd_ = true;
+      if (!read) atEnd = true;
       for (std::size_t i = 0; i < variables_.size(); ++i) {
         const Variable& variable = variables_[i];
         if (variable.record != line || variable.format == 0) continue;
@@ -401,7 +403,6 @@ class Reader {
   std::size_t at_ = 0;
   bool bigEndian_ = false;
   bool littleEndian_ = false;
-  bool fixedAtEnd_ = false;
   std::string record_;
   std::size_t countedCursor_ = 0;
   Import import_;
