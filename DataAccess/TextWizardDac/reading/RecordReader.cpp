@@ -33,18 +33,20 @@ bool RecordReader::SeekTo(std::int64_t position) {
 
 void RecordReader::HandleByteOrderMark() {
   hasMark_ = false;
-  unsigned char byte = 0;
+  // The first byte alone decides which mark it may be.
+  unsigned char first = 0;
   const auto follows = [&](unsigned char wanted) {
+    unsigned char byte = 0;
     return stream_.ReadByte(&byte) && byte == wanted;
   };
-  if (stream_.ReadByte(&byte)) {
-    if (byte == 0xEF && follows(0xBB) && follows(0xBF)) {
+  if (stream_.ReadByte(&first)) {
+    if (first == 0xEF && follows(0xBB) && follows(0xBF)) {
       mark_ = ByteOrderMark::kUtf8;
       hasMark_ = true;
-    } else if (byte == 0xFE && follows(0xFF)) {
+    } else if (first == 0xFE && follows(0xFF)) {
       mark_ = ByteOrderMark::kUtf16BigEndian;
       hasMark_ = true;
-    } else if (byte == 0xFF && follows(0xFE)) {
+    } else if (first == 0xFF && follows(0xFE)) {
       mark_ = ByteOrderMark::kUtf16LittleEndian;
       hasMark_ = true;
     }

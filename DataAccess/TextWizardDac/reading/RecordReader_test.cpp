@@ -109,6 +109,13 @@ TEST(RecordReader, APartOfAMarkIsData) {
   ExpectRecords("\xFF\xFF", false, {"\xFF\xFF"});
 }
 
+TEST(RecordReader, AMarkBehindAPartOfAnotherIsData) {
+  for (const char* const text : {"\xEF\xFF\xFEz", "\xEF\xFE\xFFz", "\xEF\xBB\xFF\xFEz",
+                                 "\xFE\xFE\xFFz", "\xFE\xEF\xBB\xBFz", "\xFF\xFF\xFEz"}) {
+    ExpectRecords(text, false, {text});
+  }
+}
+
 TEST(RecordReader, AMarkStaysKnownWhenTheStartIsLookedAtAgain) {
   const OpenFile open("\xEF\xBB\xBFx");
   RecordReader reader(open.stream());
