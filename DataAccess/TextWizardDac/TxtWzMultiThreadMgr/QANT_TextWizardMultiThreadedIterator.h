@@ -32,7 +32,9 @@ class QANT_TextWizardMultiThreadedIterator : public QANT_InputCaseIterator {
   // Where progress and interruption of a detection pass go.
   void SetDacAdapter(DACAdapterBase* adapter);
   // Counts every AUTO variable of `variables` (the plan's slots, one per variable) over the whole
-  // file. Returns the number of records examined. Detection mode, once.
+  // file, or as far as the user let it. Returns the number of records examined, one more after an
+  // interruption; throws the integer 2269 when the pass could not be completed. Detection mode,
+  // once.
   std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count);
 
  private:

@@ -51,7 +51,8 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   bool Next();
 
   // Adds up the counters of every AUTO variable among `variables`. Returns the number of records
-  // examined; throws the integer 2269 when the pass could not be completed. Detection mode, once.
+  // examined, one more after an interruption; throws the integer 2269 when the pass could not be
+  // completed. Detection mode, once.
   std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count);
   // Gives messages, progress and interruption a way to the host when the iterator has no monitor.
   void SetDacAdapter(DACAdapterBase* adapter);

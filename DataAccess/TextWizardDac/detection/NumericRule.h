@@ -13,9 +13,9 @@ class NumericRule {
  public:
   NumericRule();
 
-  // True when `text`, without trailing blanks, is a number that strtod consumes whole, or several
-  // of them with one comma after each but perhaps the last (so 1,000,000 and "5,"); "," and "."
-  // alone are not. An empty text is. Cost linear in the text; allocates only for the rare forms
+  // True when strtod consumes `text`, without trailing blanks, whole, or stops at a comma and the
+  // text behind that is accepted in turn (so 1,000,000 and "5," and ",5"). "," and "." alone are
+  // not accepted, an empty text is. Cost linear in the text; allocates only for the rare forms
   // (hexadecimal, infinity, not-a-number) that grow the buffer.
   bool Accepts(std::string_view text);
   // False when no number begins with this byte: then Accepts is false of every text that does.

@@ -167,7 +167,8 @@ std::shared_ptr<const icu::RegexPattern> SharedPattern(const std::string& regex)
   UParseError where;
   std::shared_ptr<const icu::RegexPattern> pattern(
       icu::RegexPattern::compile(icu::UnicodeString::fromUTF8(key), 0, where, status));
-  if (U_FAILURE(status)) pattern.reset();
+  // Not kept: memory that was short now need not be at the next try.
+  if (U_FAILURE(status)) return nullptr;
   known.emplace(key, pattern);
   return pattern;
 }

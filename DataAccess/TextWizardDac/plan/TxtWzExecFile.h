@@ -79,7 +79,9 @@ class TxtWzExecFile : public TxtWzFile {
   bool SampleCase();
 
   // Settles the type of every AUTO variable and makes the host's variables. 1 when done, 0 when
-  // the user interrupted the sampling pass.
+  // the user interrupted the sampling pass: then no variable is made. (Workers that were
+  // interrupted leave what they have counted, and that decides.) Throws the integer 2269 when
+  // reading the file fails.
   int SetDictionary(QANT_DataSource* source);
 
   // Classification of one value; none changes it.
