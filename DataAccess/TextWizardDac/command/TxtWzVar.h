@@ -47,7 +47,8 @@ class TxtWzVar {
   bool hasExponent;
   // While reading cases: a value could not be converted and a missing value was stored.
   bool missingStored;
-  // While reading cases: a string was longer than the variable's width.
+  // While reading cases: a string was longer than the variable's width. Workers that detect types
+  // set it, too, for a variable whose string lengths vary.
   bool stringTruncated;
 };
 
