@@ -50,6 +50,7 @@ void FieldSplitter::UseRules() {
   cutting_ = {};
   asciiIsPlain_ = bytesArePlain_ = true;
   for (unsigned byte = 1; byte < 256; ++byte) {
+    dropsBlank_[byte] = byte != ' ' && rules_.IsDelimiter(byte);
     const char text[2] = {static_cast<char>(byte), '\0'};
     std::uint32_t ch = 0;
     if (QANTMBU32GetC_A(converter_, &ch, text, 0, 1) != 1) {
@@ -239,10 +240,14 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
       field = Text(start, mark);
       cursor_ = mark + 1;
       return Finish(field, true);
-    case kBlankDelimiter:
+    case kBlankDelimiter: {
+      const bool drops = mark != start && DropsBlankBefore(mark + 1);
+      // A byte may have a delimiter's number and be another character, which the field takes in.
+      if (drops && KindOf(mark[1]) != kDelimiter) break;
       field = Text(start, mark);
-      cursor_ = mark + (mark != start && DropsBlankBefore(mark + 1) ? 2 : 1);
+      cursor_ = mark + (drops ? 2 : 1);
       return Finish(field, true);
+    }
     case kQualifier: {
       if (mark != text || (text != start && !rules_.leadingSpaces())) break;
       const char* const close = NextQualifier(mark + 1);
@@ -370,9 +375,7 @@ void FieldSplitter::WalkCharacters(std::string_view& field) {
         break;
       case State::kPlain:
         if (kind == kBlankDelimiter) {
-          // The next byte is compared as it stands, whatever character it begins.
-          ended = !rules_.multipleSpaces() || next == end_ || *next == ' ' ||
-                  !rules_.IsDelimiter(static_cast<unsigned char>(*next));
+          ended = !DropsBlankBefore(next);
         } else if (kind == kDelimiter) {
           ended = true;
         } else if (kind == kQualifier) {

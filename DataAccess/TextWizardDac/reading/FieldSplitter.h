@@ -115,8 +115,10 @@ class FieldSplitter {
   Kind KindOf(char byte) const { return kinds_[static_cast<unsigned char>(byte)]; }
   Kind KindOfCharacter(std::uint32_t ch) const;
   // After an unqualified blank that is a delimiter: is it dropped, since another delimiter follows?
+  // The next byte is compared as it stands, whatever character it is or begins.
   bool DropsBlankBefore(const char* next) const {
-    return rules_.multipleSpaces() && next != end_ && KindOf(*next) == kDelimiter;
+    return rules_.multipleSpaces() && next != end_ &&
+           dropsBlank_[static_cast<unsigned char>(*next)];
   }
   // After a field's first qualifier: does the next one, at `close` (the record's end: there is
   // none), end the field?
@@ -147,6 +149,8 @@ class FieldSplitter {
   QANTMBConverter* const converter_;
   const bool utf8_;
   std::array<Kind, 256> kinds_{};
+  // The byte's number is that of a delimiter, and not the blank's.
+  std::array<bool, 256> dropsBlank_{};
   ByteSet cutting_;
   // Every byte 1 to 127 is a character; every byte 1 to 255 is.
   bool asciiIsPlain_ = false;

@@ -2,6 +2,7 @@
 // written as plainly as the rules are, on random rules and records.
 #include <array>
 #include <random>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -232,6 +233,19 @@ TEST_F(RandomRecords, ASingleByteCodePage) {
                                        {",", " ", "\"", "a", "\xA6", "\xE9", "\xAB", "\xFF"});
   EXPECT_EQ(walked, 0);
   EXPECT_GT(bytes, 0);
+}
+
+// Where a character's number is not its byte: the euro sign is 80, and E9, the number of an e with
+// an acute accent (82), is a U with one.
+TEST_F(RandomRecords, SingleByteCodePagesOfOtherNumbers) {
+  for (const auto& [page, delimiter, other] :
+       {std::tuple{"windows-1252", "\x80", "\x85"}, std::tuple{"IBM850", "\x82", "\xE9"}}) {
+    const embedded::InCodePage host(page);
+    const auto [bytes, walked] = Compare(1500, {",", " ", delimiter}, {"\"", "\xAB"},
+                                         {",", " ", " ", "\"", "a", delimiter, other, "\xAB"});
+    EXPECT_EQ(walked, 0);
+    EXPECT_GT(bytes, 0);
+  }
 }
 
 TEST_F(RandomRecords, AMultibyteCodePage) {

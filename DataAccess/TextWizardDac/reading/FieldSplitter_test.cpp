@@ -289,6 +289,26 @@ TEST(FieldSplitter, ASingleByteCodePageIsCutByBytes) {
             (Strings{"1", "2"}));
 }
 
+TEST(FieldSplitter, TheByteBehindABlankIsComparedAsItStands) {
+  const InCodePage windows("windows-1252");
+  // 80 is the euro sign, whose number is another: it ends a field, but it is no delimiter that a
+  // blank is dropped before.
+  EXPECT_EQ(Fields("1 \x80"
+                   "2",
+                   " \x80", nullptr, kMultiple),
+            (Strings{"1", "", "2"}));
+  const InCodePage dos("IBM850");
+  // 82 has the number E9, and the byte E9 is data.
+  EXPECT_EQ(Fields("1 \xE9"
+                   "2\x82"
+                   "3 \x82"
+                   "4",
+                   " \x82", nullptr, kMultiple),
+            (Strings{"1\xE9"
+                     "2",
+                     "3", "", "4"}));
+}
+
 TEST(FieldSplitter, AMultibyteCodePageIsWalkedCharacterByCharacter) {
   const InCodePage host("Shift_JIS");
   // 83 7C is one character whose second byte is a bar.
