@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "HostFramework/embedded/messages/Attention.h"
+#include "cli/ExitStatus.h"
 
 namespace cli {
 namespace {
@@ -18,10 +19,14 @@ static_assert(std::atomic<const char*>::is_always_lock_free, "signal handlers re
 
 // Everything below runs inside a signal handler and calls only what is allowed there.
 
-void EndAtOnce(int signal) {
+void RemoveUnfinished() {
   for (const auto& slot : unfinished) {
     if (const char* path = slot.load()) unlink(path);
   }
+}
+
+void EndAtOnce(int signal) {
+  RemoveUnfinished();
   // The signal's own end, so that whoever waits for the process sees what ended it.
   struct sigaction byDefault {};
   byDefault.sa_handler = SIG_DFL;
@@ -33,8 +38,11 @@ void EndAtOnce(int signal) {
   raise(signal);
 }
 
-void OnInterrupt(int signal) {
-  if (embedded::AttentionRequested()) EndAtOnce(signal);
+void OnInterrupt(int /*signal*/) {
+  if (embedded::AttentionRequested()) {
+    RemoveUnfinished();
+    _exit(kExitInterrupted);
+  }
   embedded::RequestAttention();
 }
 

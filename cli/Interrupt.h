@@ -6,8 +6,9 @@
 namespace cli {
 
 // From now on the first Ctrl-C asks the run to stop at its next check (the host's attention), and
-// the second one, like a hang-up, a broken pipe or a request to terminate, ends the process at
-// once, after removing the unfinished files. Once, on the main thread.
+// the second one ends the process at once with kExitInterrupted, after removing the unfinished
+// files. A hang-up, a broken pipe and a request to terminate remove them too and then end the
+// process as they do by themselves. Once, on the main thread.
 void HandleInterrupts();
 
 // Names a file that a signal which ends the process removes. `path` stays where it is, unchanged,

@@ -258,7 +258,7 @@ TEST_F(RunInterrupted, TwiceEndsAtOnce) {
     kill(child_, SIGINT);
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
-  EXPECT_EQ(StatusOf(waited), -SIGINT);
+  EXPECT_EQ(StatusOf(waited), 130);
   EXPECT_EQ(folder_.Count(), 3U);
 }
 
