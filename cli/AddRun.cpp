@@ -1,3 +1,4 @@
+#include <limits>
 #include <map>
 #include <memory>
 
@@ -99,7 +100,7 @@ void AddRun(CLI::App& program, int* status) {
 
   run->add_option("--show", options->show, "Cases shown (default: 10)")
       ->type_name("N")
-      ->check(CLI::NonNegativeNumber.description(""))
+      ->check(CLI::Range(0LL, std::numeric_limits<long long>::max()).description(""))
       ->group("Display");
   run->add_flag("--stats", options->stats, "At the end one line of JSON: the figures of the run")
       ->group("Display");

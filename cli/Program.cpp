@@ -3,8 +3,11 @@
 #include <clocale>
 #include <cstdio>
 #include <exception>
+#include <iostream>
 #include <string>
 
+#include <fcntl.h>
+#include <unistd.h>
 #include <CLI/CLI.hpp>
 
 #include "cli/ExitStatus.h"
@@ -24,6 +27,24 @@ constexpr char kExamples[] = R"(Examples:
   textwizard preview survey.csv
 )";
 
+// Gives each standard stream that was closed a descriptor on which it fails, so that no file which
+// is opened later takes its number and with it what is meant for the stream.
+void FillStandardStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) != -1) continue;
+    // The lowest number that is free: `stream`.
+    static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+  }
+}
+
+// Shows the help or the version that was asked for.
+int Show(const CLI::App& program, const CLI::ParseError& request) {
+  program.exit(request);
+  if (std::cout.flush()) return kExitSuccess;
+  std::fprintf(stderr, "error: cannot write standard output\n");
+  return kExitUsage;
+}
+
 // Says what is wrong with the arguments, and where help is.
 int ReportWrongUsage(const CLI::App& program, const CLI::ParseError& error) {
   std::string command = program.get_name();
@@ -40,6 +61,7 @@ int ReportWrongUsage(const CLI::App& program, const CLI::ParseError& error) {
 }  // namespace
 
 int RunProgram(int argc, char** argv) {
+  FillStandardStreams();
   // The user's month names and codeset; but how numbers are read, and so what types are found, must
   // not depend on where a command is run: --decimal says it.
   std::setlocale(LC_ALL, "");
@@ -55,7 +77,7 @@ int RunProgram(int argc, char** argv) {
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == kExitSuccess) return program.exit(error);
+    if (error.get_exit_code() == kExitSuccess) return Show(program, error);
     return ReportWrongUsage(program, error);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "error: %s\n", error.what());

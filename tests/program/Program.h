@@ -65,6 +65,15 @@ class ProgramTest : public testing::Test {
     return Wait(Start(arguments, input));
   }
 
+  // Runs the program from a shell; `line` is what stands behind its name, redirections too.
+  Ended Shell(const std::string& line) const {
+    const std::string command = "cd '" + folder_.path().string() +
+                                "' && '" TEXTWIZARD_BINARY_DIR "/bin/textwizard' >'" +
+                                (streams_ / "out") + "' 2>'" + (streams_ / "err") + "' " + line;
+    const int status = StatusOf(std::system(command.c_str()));
+    return {status, streams_.Text("out"), streams_.Text("err")};
+  }
+
   // Runs the command file `command` quietly with more arguments.
   Ended Quiet(const std::string& command, std::vector<std::string> arguments = {}) const {
     folder_.Write("command.sps", command);

@@ -127,11 +127,20 @@ TEST_F(RunFailures, AFullDiskIsNoticedWhileReading) {
 
 TEST_F(RunFailures, StandardOutputOnAFullDiskIsSaid) {
   folder_.Write("command.sps", Towns());
-  const std::string command = "cd '" + folder_.path().string() +
-                              "' && '" TEXTWIZARD_BINARY_DIR
-                              "/bin/textwizard' run command.sps >/dev/full 2>err";
-  EXPECT_EQ(StatusOf(std::system(command.c_str())), 2);
-  EXPECT_THAT(folder_.Text("err"), HasSubstr("error: cannot write standard output"));
+  const Ended ended = Shell("run command.sps >/dev/full");
+  EXPECT_EQ(ended.status, 2);
+  EXPECT_THAT(ended.err, HasSubstr("error: cannot write standard output"));
+}
+
+TEST_F(RunFailures, NothingThatIsForAClosedStreamGoesIntoAFile) {
+  folder_.Write("command.sps", Towns() + "LIST.\n");
+  EXPECT_EQ(Shell("run --quiet command.sps --cases right.csv").status, 1);
+  const std::string cases = folder_.Text("right.csv");
+  for (const char* closed : {">&-", "2>&-", "<&-", ">&- 2>&-", ">&- 2>&- <&-"}) {
+    const int status = Shell(std::string("run command.sps --cases c.csv ") + closed).status;
+    EXPECT_EQ(status, std::string(closed).substr(0, 3) == ">&-" ? 2 : 1) << closed;
+    EXPECT_EQ(folder_.Text("c.csv"), cases) << closed;
+  }
 }
 
 TEST_F(RunFailures, AFolderThatCannotBeWrittenIsSaid) {

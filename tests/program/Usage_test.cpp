@@ -21,6 +21,25 @@ TEST_F(Usage, HelpShowsAnExampleOnEveryLevel) {
   EXPECT_EQ(run.status, 0);
   EXPECT_THAT(run.out, HasSubstr("Examples:\n  textwizard run import.sps\n"));
   EXPECT_THAT(run.out, HasSubstr("GET DATA /TYPE=TXT"));
+  const Ended preview = Run({"preview", "--help"});
+  EXPECT_EQ(preview.status, 0);
+  EXPECT_THAT(preview.out, HasSubstr("Examples:\n  textwizard preview survey.csv\n"));
+}
+
+TEST_F(Usage, HelpThatCannotBeWrittenIsSaid) {
+  for (const char* question : {"--help", "--version"}) {
+    const Ended ended = Shell(std::string(question) + " >/dev/full");
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_THAT(ended.err, HasSubstr("cannot write standard output"));
+  }
+}
+
+TEST_F(Usage, ACountIsAWholeNumber) {
+  for (const char* count : {"-1", "1.5", "ten", ""}) {
+    const Ended ended = Run({"run", "c.sps", "--show", count});
+    EXPECT_EQ(ended.status, 2) << count;
+    EXPECT_THAT(ended.err, HasSubstr("not in range 0 to 9223372036854775807")) << count;
+  }
 }
 
 TEST_F(Usage, HelpNamesEveryOption) {
