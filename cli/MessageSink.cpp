@@ -39,7 +39,7 @@ void MessageSink::Post(std::string_view hostText, int kind) {
 
 void MessageSink::PostError(std::string_view text) {
   const std::lock_guard guard(mutex_);
-  Write(text, kMessageError);
+  Write(ownText_.ToUtf8(text), kMessageError);
 }
 
 void MessageSink::Write(std::string_view text, int kind) {

@@ -32,7 +32,7 @@ class MessageSink {
 
   // One message: host text and its kind.
   void Post(std::string_view hostText, int kind);
-  // An error of the program's own, in UTF-8.
+  // An error of the program's own: UTF-8, or what a name from outside makes of it.
   void PostError(std::string_view text);
 
   // Errors posted so far.
@@ -48,6 +48,7 @@ class MessageSink {
   std::mutex mutex_;  // guards what follows
   OutputFile* file_ = nullptr;
   Utf8Converter hostText_;
+  Utf8Converter ownText_{"UTF-8"};
 };
 
 }  // namespace cli

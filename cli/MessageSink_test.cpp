@@ -77,6 +77,16 @@ TEST(MessageSink, TextOfACodePageBecomesUtf8) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "warning: name \xC3\xA9\n");
 }
 
+TEST(MessageSink, ABadNameLeavesTheFileUtf8) {
+  testing::internal::CaptureStderr();
+  {
+    Console console({});
+    MessageSink sink(console);
+    sink.PostError("caf\xE9.sps");
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: caf\xEF\xBF\xBD.sps\n");
+}
+
 TEST(MessageSink, ShowsCountsAsProgressUntilTheyEnd) {
   testing::internal::CaptureStderr();
   {

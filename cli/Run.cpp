@@ -20,6 +20,7 @@
 #include "cli/ExitStatus.h"
 #include "cli/Interrupt.h"
 #include "cli/MessageSink.h"
+#include "cli/Utf8Converter.h"
 
 namespace cli {
 namespace {
@@ -115,7 +116,9 @@ int Runner::Run(const std::string& commands) {
 
 CommandEnd Runner::RunOne(embedded::ParsedCommand command, int number) {
   if (!command.ok) {
-    messages_.PostError(CommandFileName(options_.commandFile) + ", " + command.error);
+    std::string error = CommandFileName(options_.commandFile) + ", ";
+    error += Utf8Converter().ToUtf8(command.error);
+    messages_.PostError(error);
     return CommandEnd::kFailed;
   }
   if (several_ && !options_.quiet && !WritesStandardOutput(options_)) {

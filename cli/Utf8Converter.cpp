@@ -19,7 +19,7 @@ bool IsAscii(std::string_view text) {
   return true;
 }
 
-Utf8Converter::Utf8Converter() : converter_(QANTMBConverterNew_A(nullptr)) {}
+Utf8Converter::Utf8Converter(const char* codePage) : converter_(QANTMBConverterNew_A(codePage)) {}
 
 std::string_view Utf8Converter::ToUtf8(std::string_view text) {
   if (IsAscii(text)) return text;

@@ -13,8 +13,9 @@ namespace cli {
 // Converts host text to UTF-8. What is not valid becomes U+FFFD. One thread at a time.
 class Utf8Converter {
  public:
-  // For the host's text encoding as it is now; make it after the host's settings were made.
-  Utf8Converter();
+  // For the host's text encoding as it is now (make it after the host's settings were made), or for
+  // the code page that is named.
+  explicit Utf8Converter(const char* codePage = nullptr);
 
   // The text in UTF-8: the text itself when it is ASCII, else a view of this object's buffer, valid
   // until the next call. Allocates only while the buffer grows.

@@ -136,6 +136,16 @@ TEST_F(RunOutputs, MessagesAreJsonLinesWithoutProgress) {
   EXPECT_EQ(messages[5], nlohmann::json::parse(R"({"kind":"log","text":"\n"})"));
 }
 
+TEST_F(RunOutputs, MessagesAreUtf8WhateverTheCommandFileHolds) {
+  const auto text = [this](const std::vector<std::string>& options) {
+    std::vector<std::string> arguments{"--messages", "-"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return nlohmann::json::parse(Quiet("GR\xD6SSE x.\n", arguments).out)["text"].get<std::string>();
+  };
+  EXPECT_THAT(text({"--code-page", "ISO-8859-1"}), HasSubstr("\"GR\u00D6SSE\""));
+  EXPECT_THAT(text({}), HasSubstr("\"GR\uFFFDSSE\""));
+}
+
 TEST_F(RunOutputs, MessagesGoToStandardOutput) {
   const Ended ended = Quiet(
       "GET DATA /TYPE=TXT /FILE='none.csv' /DELCASE=LINE /DELIMITERS=','"
