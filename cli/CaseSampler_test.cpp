@@ -1,38 +1,12 @@
 #include "cli/CaseSampler.h"
 
 #include <cstdlib>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace cli {
 namespace {
-
-std::optional<double> FractionOf(const std::string& rest) {
-  const std::string text = "GET DATA /TYPE=TXT /" + rest + ".";
-  embedded::CommandReader reader(text);
-  embedded::ParsedCommand command;
-  EXPECT_TRUE(reader.Next(command));
-  EXPECT_TRUE(command.ok) << command.error;
-  return SampleFraction(command.tokens);
-}
-
-TEST(CaseSampler, ReadsThePercentage) {
-  EXPECT_EQ(FractionOf("FILE='a' /IMPORTCASE=PERCENT 10 /VARIABLES=x F8"), 0.1);
-  EXPECT_EQ(FractionOf("importcase = Percent 100 /VARIABLES=x F8"), 1.0);
-}
-
-TEST(CaseSampler, OtherSamplingHasNoFraction) {
-  EXPECT_EQ(FractionOf("FILE='a' /IMPORTCASE=FIRST 10 /VARIABLES=x F8"), std::nullopt);
-  EXPECT_EQ(FractionOf("FILE='a' /IMPORTCASE=ALL /VARIABLES=x F8"), std::nullopt);
-  EXPECT_EQ(FractionOf("FILE='a' /VARIABLES=x F8"), std::nullopt);
-  EXPECT_EQ(FractionOf("FILE='a' /IMPORTCASE=PERCENT"), std::nullopt);
-}
-
-TEST(CaseSampler, OnlyTheSubcommandCounts) {
-  EXPECT_EQ(FractionOf("FILE='IMPORTCASE' /VARIABLES=IMPORTCASE F8 PERCENT F8"), std::nullopt);
-  EXPECT_EQ(FractionOf("DELIMITERS='/IMPORTCASE=PERCENT 5' /VARIABLES=x F8"), std::nullopt);
-  EXPECT_EQ(FractionOf("VARIABLES=x F8 /IMPORTCASE=PERCENT 5"), std::nullopt);
-}
 
 TEST(CaseSampler, KeepsWhatTheRuleKeeps) {
   std::srand(42);

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
+#include "cli/CommandTokens.h"
 
 namespace cli {
 namespace {
@@ -43,14 +44,12 @@ std::string CommandFileName(const std::string& path) {
   return path == "-" ? "standard input" : path;
 }
 
-bool HoldsSeveralCommands(const std::string& text) {
+std::vector<CommandOutline> OutlinesOf(const std::string& text) {
+  std::vector<CommandOutline> outlines;
   embedded::CommandReader reader(text);
   embedded::ParsedCommand command;
-  int found = 0;
-  while (found < 2 && reader.Next(command)) {
-    if (command.ok) ++found;
-  }
-  return found > 1;
+  while (reader.Next(command)) outlines.push_back({command.ok, DataFile(command.tokens)});
+  return outlines;
 }
 
 }  // namespace cli

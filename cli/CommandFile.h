@@ -2,18 +2,24 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace cli {
 
-// Reads the whole of `path` ("-": standard input). False when it
-// cannot be read; then *error says why, naming the file. A signal that the user sent ends a wait
-// for standard input.
+// Reads the whole of `path` ("-": standard input). False when it cannot be read; then *error says
+// why, naming the file. A signal that the user sent ends a wait for standard input.
 bool ReadCommandFile(const std::string& path, std::string* text, std::string* error);
 
 // The file as messages name it.
 std::string CommandFileName(const std::string& path);
 
-// True when the text holds more than one command that can be run.
-bool HoldsSeveralCommands(const std::string& text);
+// What must be known of a command before any runs.
+struct CommandOutline {
+  bool canRun;           // it is a GET DATA command
+  std::string dataFile;  // as DataFile (CommandTokens.h) has it
+};
+
+// The commands of a text, in their order.
+std::vector<CommandOutline> OutlinesOf(const std::string& text);
 
 }  // namespace cli

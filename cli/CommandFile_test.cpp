@@ -26,12 +26,18 @@ TEST(CommandFile, NamesAFileThatCannotBeRead) {
   EXPECT_EQ(error, "cannot read " + folder.path().string() + ": Is a directory");
 }
 
-TEST(CommandFile, CountsTheCommandsThatCanBeRun) {
-  const std::string one = "GET DATA /TYPE=TXT /FILE='a' /VARIABLES=x F8.\n";
-  EXPECT_FALSE(HoldsSeveralCommands(""));
-  EXPECT_FALSE(HoldsSeveralCommands(one));
-  EXPECT_FALSE(HoldsSeveralCommands(one + "LIST.\n"));
-  EXPECT_TRUE(HoldsSeveralCommands(one + "LIST.\n" + one));
+TEST(CommandFile, TellsWhichCommandsCanBeRunAndTheirData) {
+  EXPECT_TRUE(OutlinesOf("").empty());
+  const auto outlines = OutlinesOf(
+      "GET DATA /TYPE=TXT /FILE='a' /VARIABLES=x F8.\nLIST.\n"
+      "GET DATA /TYPE=TXT /VARIABLES=x F8.\n");
+  ASSERT_EQ(outlines.size(), 3U);
+  EXPECT_TRUE(outlines[0].canRun);
+  EXPECT_EQ(outlines[0].dataFile, "a");
+  EXPECT_FALSE(outlines[1].canRun);
+  EXPECT_EQ(outlines[1].dataFile, "");
+  EXPECT_TRUE(outlines[2].canRun);
+  EXPECT_EQ(outlines[2].dataFile, "");
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "HostFramework/embedded/threads/ThreadStarts.h"
 #include "cli/CaseBatch.h"
 #include "cli/CaseSampler.h"
+#include "cli/CommandTokens.h"
 #include "cli/DictionaryJson.h"
 #include "cli/Progress.h"
 #include "cli/RunReport.h"
@@ -25,7 +26,7 @@ namespace {
 
 // Cases between two looks at the clock for the progress line: a mask.
 constexpr long long kProgressMask = 0xFF;
-// The component's number for a file that cannot be read, which an iterator may throw.
+// Where the message has its text whose number an iterator may throw.
 constexpr char kCatalogue[] = "lorvane.err";
 
 using Clock = std::chrono::steady_clock;
@@ -71,6 +72,7 @@ class CommandRunner {
   const RunOptions& options_;
   const int number_;
   RunStats& stats_;
+  std::string dataFile_;  // as the command names it
   std::unique_ptr<OutputFile> casesFile_;
   std::unique_ptr<OutputFile> dictionaryFile_;
 };
@@ -80,6 +82,7 @@ CommandEnd CommandRunner::Run(std::vector<embedded::CommandToken> tokens) {
   if (!OpenOutputs()) return CommandEnd::kOutputFailed;
 
   const std::optional<double> fraction = SampleFraction(tokens);
+  dataFile_ = DataFile(tokens);
   embedded::Adapter adapter(std::move(tokens), MessageSink::Callback(), nullptr, options_.workers,
                             0);
   // Made after the adapter: the source, which uses it, is destroyed first.
@@ -112,12 +115,6 @@ bool CommandRunner::Open(const std::string& name, std::unique_ptr<OutputFile>* f
 
 CommandEnd CommandRunner::ReadSource(const QANT_DataSource& source,
                                      std::optional<double> fraction) {
-  for (const OutputFile* file : {casesFile_.get(), dictionaryFile_.get()}) {
-    if (file != nullptr && SameFile(file->target(), source.GetFileSpec())) {
-      context_.console.Error("not written: " + file->target() + " is the data file itself");
-      return CommandEnd::kOutputFailed;
-    }
-  }
   stats_.variables = static_cast<long long>(source.GetNVariables());
   stats_.bytes = FileBytes(source.GetFileSpec());
   if (shows()) context_.console.Print(VariableTable(source) + "\n");
@@ -195,7 +192,8 @@ void CommandRunner::ReadLoop(QANT_InputCaseIterator& iterator, CaseSampler& samp
 }
 
 CommandEnd CommandRunner::Publish(const QANT_DataSource& source) {
-  if (dictionaryFile_ != nullptr) WriteDictionary(source, stats_.cases, *dictionaryFile_);
+  if (dictionaryFile_ != nullptr)
+    WriteDictionary(source, dataFile_, stats_.cases, *dictionaryFile_);
   // All are complete before the first takes its name.
   for (const auto& step : {&OutputFile::Finish, &OutputFile::Publish}) {
     for (OutputFile* file : {casesFile_.get(), dictionaryFile_.get()}) {

@@ -1,7 +1,5 @@
 #include "cli/DictionaryJson.h"
 
-#include <string>
-
 #include <nlohmann/json.hpp>
 
 #include "cli/FormatName.h"
@@ -10,10 +8,11 @@
 
 namespace cli {
 
-void WriteDictionary(const QANT_DataSource& source, long long cases, OutputFile& file) {
+void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile, long long cases,
+                     OutputFile& file) {
   Utf8Converter utf8;
   file.Append("{\"file\":");
-  AppendJsonString(file, utf8.ToUtf8(source.GetFileSpec()));
+  AppendJsonString(file, utf8.ToUtf8(dataFile));
   file.Append(",\"cases\":" + std::to_string(cases) + ",\"variables\":[");
   for (std::size_t index = 0; index < source.GetNVariables(); ++index) {
     const QANT_Variable& variable = *source.GetVariable(index);

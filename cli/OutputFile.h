@@ -64,7 +64,7 @@ class OutputFile {
   std::string error_;
 };
 
-// True when `target` names the same file as `other`, which exists.
-bool SameFile(const std::string& target, const std::string& other);
+// True when both name the same regular file, which exists.
+bool SameFile(const std::string& one, const std::string& other);
 
 }  // namespace cli

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -71,8 +72,9 @@ class Runner {
 };
 
 int Runner::Run(const std::string& commands) {
-  several_ = HoldsSeveralCommands(commands);
-  std::string error = WhatIsWrong(options_, several_);
+  const std::vector<CommandOutline> outlines = OutlinesOf(commands);
+  several_ = SeveralRun(outlines);
+  std::string error = WhatIsWrong(options_, outlines);
   if (!error.empty() || !component_.Load(&error)) {
     console_.Error(error);
     return kExitUsage;

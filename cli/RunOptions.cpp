@@ -7,6 +7,8 @@
 
 #include <fmt/format.h>
 
+#include "cli/OutputFile.h"
+
 namespace cli {
 namespace {
 
@@ -61,7 +63,12 @@ bool WritesStandardOutput(const RunOptions& options) {
          options.messages == kStandardOutput;
 }
 
-std::string WhatIsWrong(const RunOptions& options, bool severalCommands) {
+bool SeveralRun(const std::vector<CommandOutline>& commands) {
+  return std::count_if(commands.begin(), commands.end(),
+                       [](const CommandOutline& command) { return command.canRun; }) > 1;
+}
+
+std::string WhatIsWrong(const RunOptions& options, const std::vector<CommandOutline>& commands) {
   if (!options.cases.empty() && !CaseFormatOf(options)) {
     return fmt::format(
         "--cases {}: the ending is none of .csv, .tsv and .jsonl; name the format with --format",
@@ -79,17 +86,22 @@ std::string WhatIsWrong(const RunOptions& options, bool severalCommands) {
         return fmt::format("{} and {} are both {}", other->option, output.option, output.name);
       }
     }
-    if (output.name != kStandardOutput && options.commandFile != kStandardOutput &&
-        NameSameFile(output.name, options.commandFile)) {
+    if (output.name == kStandardOutput) continue;
+    if (options.commandFile != kStandardOutput && NameSameFile(output.name, options.commandFile)) {
       return fmt::format("{} {} would overwrite the command file", output.option, output.name);
     }
-    const bool overwrites = output.name != kStandardOutput && !IsPerCommand(output.name) &&
-                            &output.name != &options.messages;
-    if (severalCommands && overwrites) {
+    const bool overwrites = !IsPerCommand(output.name) && &output.name != &options.messages;
+    if (SeveralRun(commands) && overwrites) {
       return fmt::format(
           "{} {}: the file holds several commands, and the second would overwrite the first's; put "
           "%d, the command's number, into the name",
           output.option, output.name);
+    }
+    for (std::size_t index = 0; index < commands.size(); ++index) {
+      const std::string name = NameForCommand(output.name, static_cast<int>(index + 1));
+      if (SameFile(name, commands[index].dataFile)) {
+        return fmt::format("{} {} would overwrite the data file", output.option, name);
+      }
     }
   }
   return {};

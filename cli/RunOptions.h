@@ -3,8 +3,10 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/CaseWriter.h"
+#include "cli/CommandFile.h"
 
 namespace cli {
 
@@ -33,10 +35,13 @@ struct RunOptions {
   bool noProgress = false;
 };
 
-// What is wrong with options that are right one by one: outputs that would overwrite one another, a
-// file of cases without a known format. Empty when nothing is. `severalCommands` tells whether the
-// command file holds more than one command.
-std::string WhatIsWrong(const RunOptions& options, bool severalCommands);
+// What is wrong with options that are right one by one: outputs that would overwrite one another,
+// the command file or the data of one of its `commands`, a file of cases without a known format.
+// Empty when nothing is.
+std::string WhatIsWrong(const RunOptions& options, const std::vector<CommandOutline>& commands);
+
+// True when more than one of the commands can be run.
+bool SeveralRun(const std::vector<CommandOutline>& commands);
 
 // The format of the cases: what was asked for, or the one that the file's ending names; CSV for
 // standard output. Nothing when the ending names none.

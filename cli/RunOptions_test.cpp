@@ -3,11 +3,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "cli/testing/TestFolder.h"
+
 namespace cli {
 namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+
+const std::vector<CommandOutline> kOne = {{true, ""}};
+const std::vector<CommandOutline> kTwo = {{true, ""}, {true, ""}};
 
 RunOptions WithCases(const std::string& name) {
   RunOptions options;
@@ -32,16 +37,16 @@ TEST(RunOptions, TheFormatThatWasAskedForWins) {
 }
 
 TEST(RunOptions, AnUnknownEndingIsWrong) {
-  EXPECT_THAT(WhatIsWrong(WithCases("cases.txt"), false), HasSubstr("--format"));
+  EXPECT_THAT(WhatIsWrong(WithCases("cases.txt"), kOne), HasSubstr("--format"));
   RunOptions named = WithCases("cases.txt");
   named.format = CaseFormat::kCsv;
-  EXPECT_THAT(WhatIsWrong(named, false), IsEmpty());
+  EXPECT_THAT(WhatIsWrong(named, kOne), IsEmpty());
 }
 
 TEST(RunOptions, AFormatWithoutCasesIsWrong) {
   RunOptions options = WithCases("");
   options.format = CaseFormat::kCsv;
-  EXPECT_THAT(WhatIsWrong(options, false), HasSubstr("--cases"));
+  EXPECT_THAT(WhatIsWrong(options, kOne), HasSubstr("--cases"));
 }
 
 TEST(RunOptions, TheNumberOfTheCommandFillsEveryMark) {
@@ -52,34 +57,63 @@ TEST(RunOptions, TheNumberOfTheCommandFillsEveryMark) {
 }
 
 TEST(RunOptions, SeveralCommandsNeedFilesOfTheirOwn) {
-  EXPECT_THAT(WhatIsWrong(WithCases("a.csv"), true), HasSubstr("%d"));
-  EXPECT_THAT(WhatIsWrong(WithCases("a%d.csv"), true), IsEmpty());
-  EXPECT_THAT(WhatIsWrong(WithCases("-"), true), IsEmpty());
+  EXPECT_THAT(WhatIsWrong(WithCases("a.csv"), kTwo), HasSubstr("%d"));
+  EXPECT_THAT(WhatIsWrong(WithCases("a%d.csv"), kTwo), IsEmpty());
+  EXPECT_THAT(WhatIsWrong(WithCases("-"), kTwo), IsEmpty());
   RunOptions options = WithCases("");
   options.dictionary = "d.json";
-  EXPECT_THAT(WhatIsWrong(options, true), HasSubstr("--dictionary d.json"));
-  EXPECT_THAT(WhatIsWrong(options, false), IsEmpty());
+  EXPECT_THAT(WhatIsWrong(options, kTwo), HasSubstr("--dictionary d.json"));
+  EXPECT_THAT(WhatIsWrong(options, kOne), IsEmpty());
   options.dictionary.clear();
   options.messages = "m.jsonl";
-  EXPECT_THAT(WhatIsWrong(options, true), IsEmpty());
+  EXPECT_THAT(WhatIsWrong(options, kTwo), IsEmpty());
 }
 
 TEST(RunOptions, TwoOutputsAreNotTheSameFile) {
   RunOptions options = WithCases("a.csv");
   options.dictionary = "./a.csv";
-  EXPECT_THAT(WhatIsWrong(options, false), HasSubstr("--cases and --dictionary"));
+  EXPECT_THAT(WhatIsWrong(options, kOne), HasSubstr("--cases and --dictionary"));
   options = WithCases("-");
   options.messages = "-";
-  EXPECT_THAT(WhatIsWrong(options, false), HasSubstr("--cases and --messages"));
+  EXPECT_THAT(WhatIsWrong(options, kOne), HasSubstr("--cases and --messages"));
   options.messages = "m.jsonl";
-  EXPECT_THAT(WhatIsWrong(options, false), IsEmpty());
+  EXPECT_THAT(WhatIsWrong(options, kOne), IsEmpty());
+}
+
+TEST(RunOptions, OnlyCommandsThatRunCount) {
+  EXPECT_FALSE(SeveralRun({}));
+  EXPECT_FALSE(SeveralRun(kOne));
+  EXPECT_FALSE(SeveralRun({{true, ""}, {false, ""}}));
+  EXPECT_TRUE(SeveralRun({{true, ""}, {false, ""}, {true, ""}}));
+}
+
+TEST(RunOptions, NoOutputIsTheDataFileOfItsCommand) {
+  const TestFolder folder;
+  const std::string data = folder.Write("data2.csv", "1\n");
+  const std::vector<CommandOutline> commands = {{false, ""}, {true, data}};
+  EXPECT_THAT(WhatIsWrong(WithCases(data), commands), HasSubstr("overwrite the data file"));
+  EXPECT_THAT(WhatIsWrong(WithCases(folder / "data%d.csv"), commands),
+              HasSubstr("overwrite the data file"));
+  EXPECT_THAT(WhatIsWrong(WithCases(folder / "other%d.csv"), commands), IsEmpty());
+  RunOptions options = WithCases("");
+  options.dictionary = data;
+  EXPECT_THAT(WhatIsWrong(options, commands), HasSubstr("--dictionary"));
+  options.dictionary.clear();
+  options.messages = data;
+  EXPECT_THAT(WhatIsWrong(options, commands), HasSubstr("--messages"));
+}
+
+TEST(RunOptions, ADeviceIsNotOverwritten) {
+  RunOptions options = WithCases("/dev/null");
+  options.format = CaseFormat::kCsv;
+  EXPECT_THAT(WhatIsWrong(options, {{true, "/dev/null"}}), IsEmpty());
 }
 
 TEST(RunOptions, TheCommandFileIsNoOutput) {
-  EXPECT_THAT(WhatIsWrong(WithCases("./import.sps"), false), HasSubstr("ending"));
+  EXPECT_THAT(WhatIsWrong(WithCases("./import.sps"), kOne), HasSubstr("ending"));
   RunOptions options = WithCases("");
   options.messages = "import.sps";
-  EXPECT_THAT(WhatIsWrong(options, false), HasSubstr("overwrite the command file"));
+  EXPECT_THAT(WhatIsWrong(options, kOne), HasSubstr("overwrite the command file"));
 }
 
 }  // namespace

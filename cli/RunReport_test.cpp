@@ -73,14 +73,14 @@ TEST(DictionaryJson, HasEveryKeyInItsOrder) {
   ASSERT_TRUE(embedded::SetCodePage(nullptr));
   TestSource source;
   source.Number("id", 5, 8, 2).String("t\xC3\xA9", 20);
-  source.SetFileSpec("data/a \"b\".csv");
+  source.SetFileSpec("/proc/self/fd/3");
   source.GetVariable(0)->SetWriteFormat(5, 9, 3);
   source.GetVariable(1)->SetDisplayWidth(12);
   const TestFolder folder;
   std::string error;
   const auto file = OutputFile::Open(folder / "d.json", &error);
   ASSERT_NE(file, nullptr) << error;
-  WriteDictionary(source, 3, *file);
+  WriteDictionary(source, "data/a \"b\".csv", 3, *file);
   ASSERT_TRUE(file->Finish() && file->Publish());
   EXPECT_EQ(
       folder.Text("d.json"),

@@ -14,7 +14,8 @@ inline constexpr std::size_t kValueTextRoom = 512;
 bool IsMissing(double value);
 
 // Writes the fewest digits that read back to the same double, and returns the end of the text.
-// Plain digits from 0.0001 to below 1e16, where a person reads them best; an exponent beyond.
+// Plain digits from 0.0001 to below 1e16, where a person reads them best; beyond, an exponent or
+// plain digits, whichever is shorter.
 char* WriteNumber(char* out, double value);
 
 // Writes a value that is not missing, and returns the end of the text: a date as yyyy-mm-dd, a

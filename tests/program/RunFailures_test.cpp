@@ -161,9 +161,19 @@ TEST_F(RunFailures, AnOutputThatIsAFolderIsSaid) {
 
 TEST_F(RunFailures, TheDataFileIsNotOverwritten) {
   const std::string before = folder_.Text("town.csv");
-  const Ended ended = Quiet(Towns(), {"--cases", "town.csv"});
-  EXPECT_EQ(ended.status, 2);
-  EXPECT_EQ(folder_.Text("town.csv"), before);
+  const std::string named = folder_ / "named.csv";
+  std::filesystem::create_symlink("town.csv", named);
+  for (const char* option : {"--cases", "--dictionary", "--messages"}) {
+    for (const char* name : {"town.csv", "./town.csv", "named.csv"}) {
+      // Also not by the messages of a command that fails.
+      for (const std::string& command : {Towns(), Towns("/NONSENSE=1")}) {
+        const Ended ended = Quiet(command, {option, name});
+        EXPECT_EQ(ended.status, 2) << option << " " << name;
+        EXPECT_THAT(ended.err, HasSubstr("would overwrite the data file"));
+        EXPECT_EQ(folder_.Text("town.csv"), before);
+      }
+    }
+  }
 }
 
 TEST_F(RunFailures, ADataFileThatIsAFolderFailsTheCommand) {

@@ -112,6 +112,16 @@ TEST_F(RunOutputs, TheDictionaryGoesToStandardOutput) {
   EXPECT_EQ(nlohmann::json::parse(ended.out)["cases"], 3);
 }
 
+TEST_F(RunOutputs, TheDictionaryNamesTheFileAsTheCommandDoes) {
+  folder_.Write("piped.sps",
+                "GET DATA /TYPE=TXT /FILE='-' /DELCASE=LINE /DELIMITERS=',' /VARIABLES=n F4.0.");
+  const Ended ended = Run({"run", "piped.sps", "--dictionary", "-"}, "1\n2\n");
+  EXPECT_EQ(ended.status, 0);
+  const auto dictionary = nlohmann::json::parse(ended.out);
+  EXPECT_EQ(dictionary["file"], "-");
+  EXPECT_EQ(dictionary["cases"], 2);
+}
+
 TEST_F(RunOutputs, MessagesAreJsonLinesWithoutProgress) {
   folder_.Write("bom.csv",
                 "\xEF\xBB\xBF"
