@@ -72,7 +72,7 @@ void MessageSink::ShowCount(std::string_view count) {
   if (EndsProgress(count)) {
     console_.ClearProgress();
   } else if (console_.showsProgress()) {
-    console_.ShowProgress(fmt::format("finding the types of the variables: {} records", count));
+    console_.ShowProgress(fmt::format("{} records, finding the types of the variables", count));
   }
 }
 

@@ -99,7 +99,7 @@ TEST(MessageSink, ShowsCountsAsProgressUntilTheyEnd) {
     MessageSink::Callback()("after", kMessageError);
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "finding the types of the variables: 2000 records\r\033[Kerror: after\n");
+            "2000 records, finding the types of the variables\r\033[Kerror: after\n");
 }
 
 TEST(MessageSink, NobodyListensOutsideARun) { MessageSink::Callback()("lost", kMessageError); }

@@ -1,5 +1,6 @@
 #include "cli/Preview.h"
 
+#include <limits>
 #include <memory>
 
 #include <fmt/format.h>
@@ -41,7 +42,7 @@ Exit status: 0 shown, 1 the file cannot be opened, 2 wrong usage.
 void PrintRecords(embedded::PackageConnection& wizard, const FileOpenRequest& file,
                   const PreviewOptions& options, Console& console) {
   const std::size_t numberWidth = std::to_string(options.records).size();
-  unsigned long shown = 0;
+  long long shown = 0;
   TextWizardDacStringResponse record;
   for (; shown < options.records; ++shown) {
     if (wizard.Call(kRecord, file, record) != 0 || record.GetError().GetCode() == kNoRecord) break;
@@ -49,7 +50,7 @@ void PrintRecords(embedded::PackageConnection& wizard, const FileOpenRequest& fi
     console.Print(fmt::format("{:>{}}  {}{}\n", shown + 1, numberWidth,
                               VisibleText(record.GetText()), cut ? "  [the record is cut]" : ""));
   }
-  if (shown == 0) console.Note("the file has no records");
+  if (shown == 0 && options.records > 0) console.Note("the file has no records");
 }
 
 }  // namespace
@@ -97,7 +98,7 @@ void AddPreview(CLI::App& program, int* status) {
       ->type_name("NAME");
   preview->add_option("--records", options->records, "Records shown (default: 20)")
       ->type_name("N")
-      ->check(CLI::NonNegativeNumber.description(""));
+      ->check(CLI::Range(0LL, std::numeric_limits<long long>::max()).description(""));
   preview->footer(kExamples);
   preview->callback([options, status] { *status = Preview(*options); });
 }

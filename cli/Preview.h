@@ -10,7 +10,7 @@ namespace cli {
 struct PreviewOptions {
   std::string dataFile;
   std::string encoding = "UTF-8";
-  unsigned long records = 20;
+  long long records = 20;
 };
 
 // Registers the subcommand with the program. When it was called, *status becomes the exit status.
