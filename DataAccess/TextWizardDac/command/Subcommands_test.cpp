@@ -312,6 +312,20 @@ TEST(WithFixedColumns, OptionsOfDelimitedDataAreRefusedBehindTheArrangementOnly)
   }
 }
 
+TEST(WithFixedColumns, RepetitionIsFoundFirstAndABadValueLast) {
+  const std::string twice = "FILE=x /MAP /LEADINGSPACES IGNORE=YES /MULTIPLESPACES IGNORE=YES ";
+  const std::string fixed = "/ARRANGEMENT=FIXED ";
+  const std::string list = " /VARIABLES= a 0-3 F4";
+  ExpectError(Parse(twice + fixed + "/LEADINGSPACES IGNORE=MAYBE" + list), 2257, "/LEADINGSPACES");
+  ExpectError(Parse(twice + fixed + "/MULTIPLESPACES IGNORE=MAYBE" + list), 2257,
+              "/MULTIPLESPACES");
+  ExpectError(Parse(twice + fixed + "/MAP" + list), 2257, "/MAP");
+  ExpectError(Parse("FILE=x " + fixed + "/LEADINGSPACES IGNORE=MAYBE" + list), 2292,
+              "/LEADINGSPACES");
+  ExpectError(Parse("FILE=x " + fixed + "/MULTIPLESPACES IGNORE=MAYBE" + list), 2292,
+              "/MULTIPLESPACES");
+}
+
 TEST(UnknownSubcommand, IsNamed) {
   ExpectError(ParseWith("/SHEET=2"), 2256, "SHEET");
   ExpectError(ParseWith("/TYPE=TXT"), 2256, "TYPE");

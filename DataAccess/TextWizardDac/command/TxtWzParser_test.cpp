@@ -98,6 +98,20 @@ TEST(Verify, SubcommandsOfTheOtherArrangement) {
               "/DELIMITERS");
 }
 
+TEST(Verify, TheChecksHaveAnOrder) {
+  ExpectError(Parse("FIXCASE=1 /FIRSTCASE=2"), 2255, "/VARIABLES");
+  ExpectError(Parse("FIXCASE=1 /VARIABLES= a F8"), 2255, "/FILE");
+  ExpectError(Parse("FILE=x /FIXCASE=1 /VARIABLES= a F8"), 2252, "/FIXCASE");
+  ExpectError(Parse("FILE=x /QUALIFIER=\",\" /VARIABLES= a F8"), 2255, "/DELIMITERS");
+  ExpectError(Parse("DELIMITERS=\",\" /DELCASE=LINE /ARRANGEMENT=FIXED /VARIABLES= a 0-3 F4"), 2255,
+              "/FILE");
+  ExpectError(Parse("FILE=x /DELIMITERS=\",\" /DELCASE=LINE /ARRANGEMENT=FIXED /VARIABLES= a Q"),
+              2253, "/DELCASE");
+  // The list is read after the checks, and its length is compared when it has been read.
+  ExpectError(ParseWith("/QUALIFIER=\",\" /DELCASE=VARIABLES 9"), 2275, "");
+  ExpectError(Parse("FILE=x /DELIMITERS=\",\" /DELCASE=VARIABLES 9 /VARIABLES= a Q"), 2265, nullptr);
+}
+
 TEST(Verify, TheFirstErrorEndsTheCommand) {
   const Outcome outcome = ParseWith("/QUALIFIER='||' /FIRSTCASE=0 /ENCODING=LATIN1");
   ExpectError(outcome, 2259, "0");

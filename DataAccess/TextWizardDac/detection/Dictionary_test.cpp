@@ -45,6 +45,7 @@ class Import {
       : files_(kPath, std::move(file), std::move(faults)), source_(kPath, 2, 0, nullptr) {
     Progress().clear();
     plan.settings.delimiters = ",";
+    plan.settings.importMode = kImportAll;
     plan.errorMonitorHandle = &KeepProgress;
   }
 

@@ -28,7 +28,8 @@ struct ImportSettings {
   std::int64_t firstCase = 1;
   Arrangement arrangement = kDelimitedLines;
   ImportMode importMode = kImportAll;
-  // Cases to deliver with kImportFirst; 0 is no limit.
+  // Cases to deliver with kImportFirst, 0 with the other modes. Type detection looks at as many
+  // records, at all of them when it is 0.
   std::int64_t caseLimit = 0;
   // Share of the cases to keep with kImportPercent, 0 to 1.
   double sampleFraction = 0.0;

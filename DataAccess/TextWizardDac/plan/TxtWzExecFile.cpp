@@ -8,7 +8,10 @@
 
 namespace textwizard {
 
-TxtWzExecFile::TxtWzExecFile() = default;
+TxtWzExecFile::TxtWzExecFile() {
+  // Until it is told which cases to import, a plan has none: the first ones, and none of them.
+  settings.importMode = kImportFirst;
+}
 
 TxtWzExecFile::~TxtWzExecFile() = default;
 

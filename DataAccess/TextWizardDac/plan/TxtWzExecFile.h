@@ -84,9 +84,11 @@ class TxtWzExecFile : public TxtWzFile {
   // reading the file fails.
   int SetDictionary(QANT_DataSource* source);
 
-  // Classification of one value; none changes it.
+  // Take the blanks (no other white space) off one side of a value.
   static void TrimLeft(std::string& value);
   static void TrimRight(std::string& value);
+  // Classification of one value.
+  // True when it holds nothing but blanks.
   static bool IsEmptyString(const std::string& value);
   bool IsNumeric(const std::string& value) const;
   bool IsPercentage(const std::string& value) const;

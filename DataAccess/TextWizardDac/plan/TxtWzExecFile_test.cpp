@@ -88,6 +88,7 @@ TEST(CaseSampling, FirstCountsUpToTheLimit) {
 
 TEST(CaseSampling, AllKeepsEveryCase) {
   TxtWzDlmLines plan;
+  plan.settings.importMode = kImportAll;
   plan.settings.caseLimit = 1;
   plan.StartSampling();
   for (int i = 0; i < 10; ++i) {
@@ -124,6 +125,23 @@ TEST(CaseSampling, ZeroPercentKeepsACaseOnlyWhenTheDrawIsZero) {
   for (int i = 0; i < 1000; ++i) expected.push_back(std::rand() == 0);
   std::srand(11);
   for (int i = 0; i < 1000; ++i) ASSERT_EQ(plan.SampleCase(), expected[static_cast<size_t>(i)]);
+}
+
+TEST(NewPlan, HasItsDefaults) {
+  TxtWzDlmLines plan;
+  EXPECT_TRUE(plan.slots().empty());
+  EXPECT_EQ(plan.variableCount(), 0u);
+  EXPECT_EQ(plan.fileName(), "");
+  EXPECT_EQ(plan.settings.firstCase, 1);
+  EXPECT_FALSE(plan.settings.qualifierSet);
+  EXPECT_EQ(plan.settings.qualifier, "");
+  EXPECT_FALSE(plan.settings.leadingSpaces);
+  EXPECT_FALSE(plan.settings.multipleSpaces);
+  EXPECT_EQ(plan.settings.dataTypeMinPercentage, 95.0);
+  EXPECT_FALSE(plan.settings.mapRequested);
+  EXPECT_EQ(plan.settings.importMode, kImportFirst);
+  EXPECT_EQ(plan.settings.caseLimit, 0);
+  EXPECT_FALSE(plan.MoreCases()) << "the first cases, and none of them";
 }
 
 TEST(PlanKinds, CarryTheirArrangement) {
