@@ -109,7 +109,8 @@ TEST(Verify, TheChecksHaveAnOrder) {
               2253, "/DELCASE");
   // The list is read after the checks, and its length is compared when it has been read.
   ExpectError(ParseWith("/QUALIFIER=\",\" /DELCASE=VARIABLES 9"), 2275, "");
-  ExpectError(Parse("FILE=x /DELIMITERS=\",\" /DELCASE=VARIABLES 9 /VARIABLES= a Q"), 2265, nullptr);
+  ExpectError(Parse("FILE=x /DELIMITERS=\",\" /DELCASE=VARIABLES 9 /VARIABLES= a Q"), 2265,
+              nullptr);
 }
 
 TEST(Verify, TheFirstErrorEndsTheCommand) {

@@ -1,11 +1,10 @@
-// The plan's own cut of a record into fields, delimited and fixed.
+// The plan's own cut of a record into fields between delimiters.
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
 #include "HostFramework/embedded/text/HostText.h"
-#include "command/FormatCode.h"
 #include "plan/TxtWzExecFile.h"
 
 namespace textwizard {
@@ -93,53 +92,6 @@ TEST(DelimitedCut, TheFirstDelimitersStay) {
   none.SetDelimiters("");
   none.SetDelimiters(";");
   EXPECT_EQ(none.settings.delimiters, "");
-}
-
-class FixedCut : public testing::Test {
- protected:
-  bool Cut(const char* record) { return plan_.GetVarBuffer(out_, &variable_, record); }
-
-  TxtWzFixedLines plan_;
-  TxtWzVar variable_;
-  char out_[64] = "left";
-};
-
-TEST_F(FixedCut, NumbersAreAsWideAsTheirWidthAndStringsAsTheirLength) {
-  variable_.startColumn = 2;
-  variable_.width = 3;
-  variable_.maxStringLength = 5;
-  variable_.formatType = kFormatF;
-  EXPECT_TRUE(Cut("0123456789"));
-  EXPECT_STREQ(out_, "234");
-  variable_.formatType = kFormatA;
-  EXPECT_TRUE(Cut("0123456789"));
-  EXPECT_STREQ(out_, "23456");
-}
-
-TEST_F(FixedCut, TheRecordsEndCutsTheField) {
-  variable_.startColumn = 2;
-  variable_.width = 3;
-  variable_.formatType = kFormatF;
-  EXPECT_TRUE(Cut("0123"));
-  EXPECT_STREQ(out_, "23");
-  EXPECT_TRUE(Cut("01"));
-  EXPECT_STREQ(out_, "");
-}
-
-TEST_F(FixedCut, ARecordShorterThanTheStartColumnEndsTheFields) {
-  variable_.startColumn = 2;
-  variable_.width = 3;
-  EXPECT_FALSE(Cut("0"));
-  EXPECT_STREQ(out_, "");
-  EXPECT_FALSE(Cut(nullptr));
-}
-
-TEST_F(FixedCut, ACharacterIsNotCutInTheMiddle) {
-  embedded::SetCodePage(nullptr);
-  variable_.width = 2;
-  variable_.formatType = kFormatF;
-  EXPECT_TRUE(Cut("a\xC3\xA9z"));
-  EXPECT_STREQ(out_, "a");
 }
 
 }  // namespace
