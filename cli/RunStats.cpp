@@ -1,6 +1,10 @@
 #include "cli/RunStats.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <string_view>
 
 #include <sys/resource.h>
 
@@ -11,7 +15,16 @@ namespace {
 
 constexpr long long kBytesPerKilobyte = 1024;
 
+// Of this program alone, where the system tells: ru_maxrss begins at what the process held that
+// started it.
 long long PeakMemory() {
+  constexpr std::string_view kPeak = "VmHWM:";
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with(kPeak)) {
+      return std::strtoll(line.c_str() + kPeak.size(), nullptr, 10) * kBytesPerKilobyte;
+    }
+  }
   struct rusage usage {};
   getrusage(RUSAGE_SELF, &usage);
   return usage.ru_maxrss * kBytesPerKilobyte;

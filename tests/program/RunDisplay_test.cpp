@@ -101,6 +101,12 @@ TEST_F(RunDisplay, StatsAreOneLineWithItsKeysInOrder) {
   EXPECT_GE(stats["threads"], 1);
 }
 
+TEST_F(RunDisplay, PeakMemoryIsOfTheProgramAlone) {
+  const std::string held(std::size_t{400} << 20, 'x');
+  const auto stats = nlohmann::json::parse(Shown({"--quiet", "--stats"}).out);
+  EXPECT_LT(stats["peak_rss_bytes"], static_cast<std::int64_t>(held.size()));
+}
+
 TEST_F(RunDisplay, WritingHasItsOwnTime) {
   const Ended ended = Shown({"--quiet", "--stats", "--cases", "c.csv"});
   EXPECT_GT(nlohmann::json::parse(ended.out)["write_seconds"], 0.0);
