@@ -1,6 +1,8 @@
 // Bytes per second of reading records, by length of line and width of unit.
 #include "reading/RecordReader.h"
 
+#include <vector>
+
 #include <benchmark/benchmark.h>
 
 #include "HostFramework/embedded/data/MemoryDevice.h"
@@ -48,6 +50,28 @@ void BM_Records(benchmark::State& state) {
   ReadAll(state, Lines(static_cast<std::size_t>(state.range(0)), "\n"));
 }
 BENCHMARK(BM_Records)->Arg(10)->Arg(50)->Arg(100)->Arg(1000);
+
+// The way of the multi-threaded engine: runs copied at once, what they leave one by one.
+void BM_Runs(benchmark::State& state) {
+  std::string file = Lines(static_cast<std::size_t>(state.range(0)), "\n");
+  const auto size = static_cast<std::int64_t>(file.size());
+  const embedded::ScopedMemoryFiles files("data.txt", std::move(file));
+  QANT_FileStream stream;
+  stream.Open("data.txt", "", "rb");
+  RecordReader reader(stream);
+  std::vector<char> batch(125000);
+  std::int64_t records = 0;
+  for (auto _ : state) {
+    reader.SeekBegin();
+    for (std::uint32_t count = 0; reader.Read(false); records += count + 1) {
+      reader.ReadRun(batch.data(), batch.size(), 0xFFFFFFFF, &count);
+      benchmark::DoNotOptimize(batch.data());
+    }
+  }
+  state.SetBytesProcessed(size * state.iterations());
+  state.SetItemsProcessed(records);
+}
+BENCHMARK(BM_Runs)->Arg(10)->Arg(50)->Arg(100)->Arg(1000);
 
 void BM_RecordsCrLf(benchmark::State& state) { ReadAll(state, Lines(50, "\r\n")); }
 BENCHMARK(BM_RecordsCrLf);
