@@ -1,7 +1,7 @@
 # `make run` imports an example and shows it; `make test` builds and runs every test. Both set up
 # the machine first.
 
-.PHONY: setup build run test bench lint model clean
+.PHONY: setup build run test bench bench-units bench-build lint model clean
 
 setup:
 	@tools/install-packages
@@ -29,7 +29,20 @@ test: setup
 	ctest --preset asan-ubsan
 	ctest --preset dev
 
-bench: setup
+# Whole imports against the floor and other readers, into docs/benchmarks.md; ends in some twenty
+# minutes. `bench-units`: bytes a second of each stage of an import.
+ROUNDS ?= 3
+MEGABYTES ?= 200
+REPORT ?= docs/benchmarks.md
+bench: bench-build
+	@tools/install-bench-peers
+	/usr/bin/python3 bench/run_benchmarks.py --bin build/bench/bin --rounds $(ROUNDS) \
+	  --megabytes $(MEGABYTES) --report $(REPORT)
+
+bench-units: bench-build
+	@for program in build/bench/bin/*_benchmarks; do echo "== $${program##*/}"; $$program || exit 1; done
+
+bench-build: setup
 	cmake --preset bench >/dev/null && cmake --build --preset bench
 
 lint: setup

@@ -1,10 +1,11 @@
 // Writes the data files that the whole-system benchmarks read, with one command file that declares
-// every format and one that leaves every type to be found.
+// every format and one that leaves every type to be found, and the types in words for other
+// readers.
 //
 //   generate_data KIND MEGABYTES SEED FOLDER      KIND: mixed, numeric, strings or wide
 //
-// Makes FOLDER/KIND.csv, FOLDER/KIND.sps and FOLDER/KIND-auto.sps. The same arguments give the same
-// bytes.
+// Makes FOLDER/KIND.csv, FOLDER/KIND.sps, FOLDER/KIND-auto.sps and FOLDER/KIND.types, which has one
+// line a column: integer, real, date, datetime or text. The same arguments give the same bytes.
 
 #include <array>
 #include <charconv>
@@ -89,30 +90,31 @@ void City(std::string& out, Random& random) {
 
 struct Column {
   std::string format;
+  const char* type;
   std::function<void(std::string&, Random&)> write;
 };
 
 Column Whole(std::uint64_t bound) {
-  return {"F10.0",
+  return {"F10.0", "integer",
           [bound](std::string& out, Random& random) { Digits(out, Below(random, bound)); }};
 }
 
 Column Fraction(std::uint64_t wholes, int decimals) {
-  return {std::string("F12.").append(std::to_string(decimals)),
+  return {std::string("F12.").append(std::to_string(decimals)), "real",
           [=](std::string& out, Random& random) { Decimal(out, random, wholes, decimals); }};
 }
 
 Column Text(std::size_t from, std::size_t to) {
-  return {std::string("A").append(std::to_string(to)),
+  return {std::string("A").append(std::to_string(to)), "text",
           [=](std::string& out, Random& random) { Word(out, random, from, to); }};
 }
 
 std::vector<Column> Columns(const std::string& kind) {
   std::vector<Column> columns;
   if (kind == "mixed") {
-    columns = {Whole(100000000), Fraction(100000, 2), {"ADATE10", UsDate},
-               {"A12", City},    Whole(100),          {"DATETIME20", DateTime},
-               {"A40", Note},    Fraction(10, 4),     Text(4, 8),
+    columns = {Whole(100000000),      Fraction(100000, 2), {"ADATE10", "date", UsDate},
+               {"A12", "text", City}, Whole(100),          {"DATETIME20", "datetime", DateTime},
+               {"A40", "text", Note}, Fraction(10, 4),     Text(4, 8),
                Whole(100000)};
   } else if (kind == "numeric") {
     for (int i = 0; i < 20; ++i) {
@@ -125,7 +127,7 @@ std::vector<Column> Columns(const std::string& kind) {
     for (int i = 0; i < 9; ++i) {
       columns.push_back(Text(2 + static_cast<std::size_t>(i), 8 + 2 * static_cast<std::size_t>(i)));
     }
-    columns.push_back({"A12", City});
+    columns.push_back({"A12", "text", City});
   } else if (kind == "wide") {
     for (int i = 0; i < 2000; ++i) {
       columns.push_back(i % 5 == 4 ? Text(3, 8) : i % 2 == 0 ? Whole(10000) : Fraction(100, 3));
@@ -147,6 +149,13 @@ bool WriteCommand(const std::string& path, const std::string& data,
     std::fprintf(file, "\n    v%zu %s", i + 1, automatic ? "AUTO" : columns[i].format.c_str());
   }
   std::fputs(".\n", file);
+  return std::fclose(file) == 0;
+}
+
+bool WriteTypes(const std::string& path, const std::vector<Column>& columns) {
+  FILE* file = std::fopen(path.c_str(), "w");
+  if (!file) return false;
+  for (const Column& column : columns) std::fprintf(file, "%s\n", column.type);
   return std::fclose(file) == 0;
 }
 
@@ -191,7 +200,7 @@ int main(int argc, char** argv) {
   const std::uint64_t bytes = std::strtoull(argv[2], nullptr, 10) * 1000000;
   if (!WriteCommand(base + ".sps", base + ".csv", columns, false) ||
       !WriteCommand(base + "-auto.sps", base + ".csv", columns, true) ||
-      !WriteData(base + ".csv", bytes, random, columns)) {
+      !WriteTypes(base + ".types", columns) || !WriteData(base + ".csv", bytes, random, columns)) {
     std::perror(base.c_str());
     return 1;
   }

@@ -1,0 +1,162 @@
+"""The report of a run of the benchmarks, in Markdown."""
+import os
+import pathlib
+import platform
+import re
+import statistics
+import subprocess
+from dataclasses import dataclass
+
+BEGIN, END = "<!-- measured: begin -->", "<!-- measured: end -->"
+MIB = 2**20
+
+# Goals. Shares are of the fastest peer that loads typed columns from declared types, and of DuckDB
+# where it finds the types; ours then is finding the types in the whole file and reading it.
+DECLARED_SHARE = {"mixed": 0.7, "numeric": 1.2, "strings": 1.0, "wide": 1.0}
+WHOLE_SHARE = 0.4
+SAMPLED_SHARE = {"mixed": 1.0}
+PEAK_MIB = {"wide": 128}
+OTHER_PEAK_MIB = 64
+PROPORTION = 0.1
+
+
+@dataclass
+class Measured:
+    """One file: the contestants on it, and TextWizard's two on the one with a tenth of the rows."""
+    file: object
+    contestants: list
+    small: object
+    small_contestants: list
+
+    def find(self, name, mode):
+        return next(c for c in self.contestants if (c.name, c.mode) == (name, mode))
+
+    def ours(self, mode):
+        return self.find("TextWizard", "declared" if mode == "declared" else "whole")
+
+    def best_declared(self):
+        """The fastest peer from declared types, or None."""
+        peers = [c for c in self.contestants if is_peer(c) and c.mode == "declared"
+                 and c.text_columns == self.file.text_columns and c.seconds]
+        return min(peers, key=median, default=None)
+
+
+def is_peer(contestant):
+    return contestant.name not in ("floor", "TextWizard")
+
+
+def median(contestant):
+    return statistics.median(contestant.seconds)
+
+
+def table(head, rows):
+    lines = [head, ["---"] + ["---:"] * (len(head) - 2) + ["---"], *rows]
+    return "\n".join("| " + " | ".join(line) + " |" for line in lines) + "\n"
+
+
+def first_line(*command):
+    try:
+        return subprocess.run(command, capture_output=True, text=True).stdout.partition("\n")[0]
+    except FileNotFoundError:
+        return "not installed"
+
+
+def machine(threads, measured):
+    processor = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
+    memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
+    versions = {c.name: c.version for m in measured for c in m.contestants if c.version}
+    peers = ", ".join(f"{name} {version}" for name, version in versions.items())
+    r = first_line("Rscript", "--version")
+    return [f"- Processor: {processor.group(1) if processor else platform.machine()}, {threads} "
+            f"threads used of {os.cpu_count()}; memory {memory:.0f} GiB",
+            f"- System: {platform.freedesktop_os_release()['PRETTY_NAME']}",
+            f"- Compiler: {first_line('g++', '--version')}",
+            f"- Peers: {peers}; Node.js {first_line('node', '--version')}, {r}, "
+            f"Python {platform.python_version()}"]
+
+
+def note(measured, contestant):
+    if contestant.failure:
+        return f"left out: {contestant.failure}"
+    if contestant.name == "floor":
+        return "bytes cut and numbers parsed, no types"
+    if contestant.name == "TextWizard" and contestant.mode == "whole":
+        detection = statistics.median(contestant.detection)
+        return f"types found in {detection:.3f} s, then read"
+    more = contestant.text_columns - measured.file.text_columns
+    return f"{more} of the dates left as text" if more > 0 else ""
+
+
+def file_section(measured):
+    floor = median(measured.contestants[0])
+    rows = []
+    for c in measured.contestants:
+        row = [c.name, c.mode]
+        if c.failure:
+            row += [""] * 5
+        else:
+            share = median(measured.ours(c.mode)) / median(c)
+            row += [f"{median(c):.3f}", f"{min(c.seconds):.3f} to {max(c.seconds):.3f}",
+                    f"{median(c) / floor:.1f}", f"{share:.2f}" if is_peer(c) else "",
+                    f"{c.peak / MIB:.0f}"]
+        rows.append(row + [note(measured, c)])
+    file = measured.file
+    return (f"### {file.kind}: {file.megabytes:.0f} MB, {file.rows:,} rows, {file.columns:,} columns"
+            "\n\n" + table(["Reader", "Types", "Seconds", "Least to most", "Of the floor",
+                            "TextWizard's share", "Peak MiB", ""], rows))
+
+
+def limit(goal, most, ours, other):
+    """A row for a share of a contestant's time, which may be missing."""
+    if other is None or not other.seconds:
+        return [goal, f"at most {most:.2f}", "", "not measured"]
+    share = median(ours) / median(other)
+    return [f"{goal} ({other.name})", f"at most {most:.2f}", f"{share:.2f}", met(share <= most)]
+
+
+def met(is_met):
+    return "met" if is_met else "**missed**"
+
+
+def goals(measured):
+    kind = measured.file.kind
+    whole = measured.ours("whole")
+    rows = [limit(f"{kind}, declared: share of the best peer", DECLARED_SHARE[kind],
+                  measured.ours("declared"), measured.best_declared()),
+            limit(f"{kind}, types from the whole file: share of the same", WHOLE_SHARE, whole,
+                  measured.find("DuckDB", "whole"))]
+    if kind in SAMPLED_SHARE:
+        rows.append(limit(f"{kind}, types from the whole file: share of types from a sample",
+                          SAMPLED_SHARE[kind], whole, measured.find("DuckDB", "sampled")))
+    most = PEAK_MIB.get(kind, OTHER_PEAK_MIB)
+    more = measured.file.rows / measured.small.rows
+    for small in measured.small_contestants:
+        ours = measured.ours(small.mode)
+        what = f"{kind}, {'declared' if small.mode == 'declared' else 'AUTO'}"
+        peak = ours.peak / MIB
+        rows.append([f"{what}: peak memory", f"under {most} MiB", f"{peak:.1f} MiB",
+                     met(peak < most)])
+        time = median(ours) / median(small) / more
+        memory = ours.peak / small.peak
+        rows.append([f"{what}: time a row when there are {more:.1f} times the rows",
+                     f"{1 - PROPORTION:.2f} to {1 + PROPORTION:.2f}", f"{time:.2f}",
+                     met(abs(time - 1) <= PROPORTION)])
+        rows.append([f"{what}: memory when there are {more:.1f} times the rows",
+                     f"at most {1 + PROPORTION:.2f}", f"{memory:.2f}", met(memory <= 1 + PROPORTION)])
+    return rows
+
+
+def markdown(options, threads, measured):
+    lines = [f"Made by `make bench ROUNDS={options.rounds} MEGABYTES={options.megabytes}`; seconds "
+             f"are medians of {options.rounds} rounds.", "", *machine(threads, measured), ""]
+    lines += [file_section(each) for each in measured]
+    lines += ["### Goals", "", table(["Goal", "Limit", "Measured", ""],
+                                     [row for each in measured for row in goals(each)])]
+    return "\n".join(lines)
+
+
+def write(path, text):
+    old = path.read_text() if path.exists() else ""
+    if BEGIN in old and END in old:
+        text = old.partition(BEGIN)[0] + BEGIN + "\n" + text + END + old.partition(END)[2]
+    path.write_text(text)
