@@ -1,5 +1,6 @@
-// Memory runs out once, at any allocation of the command, of the making of an iterator, or of the
-// reading of a case, on whatever thread: one numbered error, no wrong case, no thread left behind.
+// Memory runs out once, at any allocation of the command, of the making of an iterator, of the
+// reading of a case, on whatever thread, or of a call of the wizard: one numbered error, no wrong
+// case, no thread left behind.
 
 #include <memory>
 #include <string>
@@ -7,12 +8,16 @@
 
 #include <gtest/gtest.h>
 
+#include "HostFramework/FileMessages.h"
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "HostFramework/embedded/data/CaseBuffer.h"
+#include "HostFramework/embedded/text/HostText.h"
+#include "cli/testing/TestFolder.h"
 #include "entry/CommandEntry.h"
 #include "tests/faults/FailingMemory.h"
 #include "tests/faults/FaultyFile.h"
 #include "tests/support/Effort.h"
+#include "wizard/TextWizardDACHandler.h"
 
 namespace whole {
 namespace {
@@ -129,6 +134,47 @@ TEST_P(Memory, RunsOutWhileCasesAreRead) {
     if (HasFailure() || !reached) break;
   }
   manager->Remove("");
+}
+
+// The wizard's calls: every failure is answered in the response, like a file that cannot be opened
+// and a record that cannot be had.
+TEST(WizardMemory, RunsOutInACall) {
+  ASSERT_TRUE(embedded::SetCodePage(nullptr));
+  const cli::TestFolder folder;
+  const FileOpenRequest request(folder.Write("data.txt", "a\nlonger than the first\n"), "UTF-8",
+                                false);
+  bool openRefused = false;
+  bool recordRefused = false;
+  bool reached = true;
+  for (long failing = 0; reached; ++failing) {
+    SCOPED_TRACE("allocation " + std::to_string(failing));
+    textwizard::TextWizardDACHandler wizard(nullptr);
+    FileOpenResponse opened;
+    TextWizardDacStringResponse first, second;
+    {
+      const FailingMemory memory(failing);
+      ASSERT_EQ(wizard.OnCallSynchronous(1002, request, opened), 0);
+      ASSERT_EQ(wizard.OnCallSynchronous(1004, request, first), 0);
+      ASSERT_EQ(wizard.OnCallSynchronous(1004, request, second), 0);
+      reached = MemoryFailed();
+    }
+    if (opened.HasError()) {
+      openRefused = true;
+      EXPECT_EQ(opened.GetError().GetCode(), 2004U);
+      EXPECT_EQ(opened.GetError().GetText(), request.GetFileName());
+      EXPECT_FALSE(wizard.CloseFile());
+    }
+    for (const TextWizardDacStringResponse* record : {&first, &second}) {
+      if (record->GetError().GetCode() == 0) continue;
+      recordRefused = recordRefused || !opened.HasError();
+      EXPECT_EQ(record->GetError().GetCode(), 1006U);
+      EXPECT_EQ(record->GetText(), "");
+    }
+    EXPECT_TRUE(reached || second.GetText() == "longer than the first");
+    if (HasFailure()) break;
+  }
+  EXPECT_TRUE(openRefused);
+  EXPECT_TRUE(recordRefused);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Memory, testing::ValuesIn(Arrangements()),

@@ -26,7 +26,7 @@ class RecordReader {
   bool SeekBegin();
   bool SeekTo(std::int64_t position);
   // At the start of the file: steps behind a byte-order mark, or back to offset 0 when there is
-  // none. Once found, a mark stays known (IsUtf16 and mark()).
+  // none. Once found, a mark stays known (isUtf16 and mark).
   void HandleByteOrderMark();
   // A mark was found by the latest HandleByteOrderMark.
   bool hasMark() const { return hasMark_; }
@@ -37,7 +37,8 @@ class RecordReader {
 
   // Reads the next record, without its line end: 8-bit bytes without NULs, or 16-bit units in the
   // file's order after a UTF-16 mark, up to the first unit that is zero. Empty lines are skipped
-  // unless `keepEmpty`. False at the end, and from then on until the next Seek.
+  // unless `keepEmpty`. False at the end, and from then on until the next Seek. A unit FFFF counts
+  // as the end for the one call that meets it; the next call reads on behind it.
   bool Read(bool keepEmpty) { return isUtf16() ? Read16(keepEmpty) : Read8(keepEmpty); }
   // The same in one of the two widths, whatever mark was found.
   bool Read8(bool keepEmpty);

@@ -221,7 +221,13 @@ void TextWizardDACHandler::AnswerOpen(const FileOpenRequest& request, FileOpenRe
   if (std::find(kEncodings.begin(), kEncodings.end(), encoding) == kEncodings.end()) {
     response = Refusal(kUnknownEncoding, fileName);
   }
-  if (!OpenFile(fileName, encoding)) {
+  bool opened = false;
+  try {
+    opened = OpenFile(fileName, encoding);
+  } catch (...) {
+    // Memory ran out: a file that cannot be opened.
+  }
+  if (!opened) {
     response = Refusal(kOpenFailed, fileName);
     CloseFile();
   } else if (request.GetValidateOnly()) {
@@ -230,10 +236,16 @@ void TextWizardDACHandler::AnswerOpen(const FileOpenRequest& request, FileOpenRe
 }
 
 void TextWizardDACHandler::AnswerRecord(TextWizardDacStringResponse& response) {
-  char* record = nullptr;
-  response = GetRecord(&record)
-                 ? TextWizardDacStringResponse({}, record, truncated_ ? 1 : 0)
-                 : TextWizardDacStringResponse(DACErrorResponse(kNoRecord, ""), "", 0);
+  try {
+    char* record = nullptr;
+    if (GetRecord(&record)) {
+      response = TextWizardDacStringResponse({}, record, truncated_ ? 1 : 0);
+      return;
+    }
+  } catch (...) {
+    // Memory ran out: a record that cannot be had.
+  }
+  response = TextWizardDacStringResponse(DACErrorResponse(kNoRecord, ""), "", 0);
 }
 
 int TextWizardDACHandler::OnCallSynchronous(unsigned short method, const VSerializable& request,
@@ -274,7 +286,7 @@ int TextWizardDACHandler::OnCallSynchronous(unsigned short method, const VSerial
         return 1;
     }
   } catch (...) {
-    // Memory ran out; nothing may be thrown to the host.
+    // Not even the answer could be made; nothing may be thrown to the host.
     return 1;
   }
 }

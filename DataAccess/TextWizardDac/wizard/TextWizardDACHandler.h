@@ -27,13 +27,16 @@ class TextWizardDACHandler : public PackageProxy, public TwExecInput {
   // already, or it cannot be opened or read, or begins with a UTF-32 mark.
   bool OpenFile(const std::string& fileName, const std::string& encoding) override;
   // Points *record at the next record in host text, valid until the next call; false at the end.
+  // A line of more than 256 MiB comes as several records.
   bool GetRecord(char** record) override;
   bool CloseFile() override;
-  // Moves to the first record: behind the byte-order mark. False without a file.
+  // Moves to the first record: behind the byte-order mark, which every UTF-16 file is taken to
+  // have. False without a file.
   bool SeekBegin();
 
   // The numbered calls: 1002 open, 1003 rewind, 1004 record, 1005 close. A failure is answered in
-  // the response; the result is 1 only for another number or messages of the wrong class.
+  // the response; the result is 1 only for another number, messages of the wrong class, or when
+  // there is no memory for an answer.
   int OnCallSynchronous(unsigned short method, const VSerializable& request,
                         VSerializable& response) override;
   int OnCallAsynchronous(unsigned short method, const VSerializable& request) override;
@@ -63,7 +66,8 @@ class TextWizardDACHandler : public PackageProxy, public TwExecInput {
   // The first line is longer than what is read of one.
   bool truncated_ = false;
   int mode_ = kWizardBytes;
-  // The file has no byte-order mark although its encoding has one.
+  // A file was opened as UTF-8 and had no byte-order mark. Stays set until one is met: with it the
+  // name "UTF-16" keeps the mode of the file before.
   bool noMark_ = false;
   std::string encoding_;
 };

@@ -10,6 +10,7 @@
 
 #include "HostFramework/embedded/packages/PackageRegistry.h"
 #include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/TextTest.h"
 
 extern "C" int DllMain(void* handle, unsigned reason);
 
@@ -112,6 +113,62 @@ TEST_F(WizardTest, AnEmptyFirstLineOfUtf16IsARecord) {
 TEST_F(WizardTest, LocaleTextIsConverted) {
   ASSERT_TRUE(embedded::SetLocaleCodePage("ISO-8859-1"));
   EXPECT_EQ(RecordsOf("caf\xE9\n", "Locale"), (std::vector<std::string>{"caf\u00e9"}));
+}
+
+TEST_F(WizardTest, OnlyThreeNamesChooseAnotherModeThanBytes) {
+  ASSERT_TRUE(embedded::SetLocaleCodePage("ISO-8859-1"));
+  for (const char* name : {"UTF8", "UTF16", "UTF16LE", "UTF16BE", "Locale", "anything"}) {
+    EXPECT_EQ(RecordsOf("caf\xE9\n", name), (std::vector<std::string>{"caf\u00e9"})) << name;
+  }
+  EXPECT_EQ(RecordsOf("caf\u00e9\n", "UTF-8"), (std::vector<std::string>{"caf\u00e9"}));
+}
+
+TEST_F(WizardTest, Utf16KeepsTheModeOnlyOnceAFileHadNoMark) {
+  ASSERT_TRUE(embedded::SetLocaleCodePage("ISO-8859-1"));
+  const std::string path = File("\u00e9\n");
+  const auto first = [&](const std::string& encoding) {
+    EXPECT_TRUE(handler_.OpenFile(path, encoding));
+    std::vector<std::string> records = Records(handler_);
+    EXPECT_TRUE(handler_.CloseFile());
+    return records.empty() ? "" : records[0];
+  };
+  EXPECT_EQ(first("UTF-16"), "\u00c3\u00a9");
+  EXPECT_EQ(first("UTF-8"), "\u00e9");
+  EXPECT_EQ(first("UTF-16"), "\u00e9");
+  // Without a name nothing is chosen.
+  EXPECT_EQ(first(""), "\u00e9");
+  EXPECT_EQ(first("Locale"), "\u00c3\u00a9");
+}
+
+TEST_F(WizardTest, AUtf16FileIsTakenToHaveAMark) {
+  for (const bool bigEndian : {false, true}) {
+    const char* const name = bigEndian ? "UTF-16BE" : "UTF-16LE";
+    EXPECT_EQ(RecordsOf(Utf16(u"abc\nd", bigEndian), name), (std::vector<std::string>{"bc", "d"}));
+  }
+}
+
+TEST_F(WizardTest, AMarkDecidesBeforeTheName) {
+  EXPECT_EQ(RecordsOf("\uFEFF\u00e9", "UTF-16LE"), (std::vector<std::string>{"\u00e9"}));
+  EXPECT_EQ(RecordsOf(Utf16(u"\uFEFF\u00e9", false), "UTF-16BE"),
+            (std::vector<std::string>{"\u00e9"}));
+  EXPECT_EQ(RecordsOf(Utf16(u"\uFEFF\u00e9", true), "UTF-8"), (std::vector<std::string>{"\u00e9"}));
+}
+
+TEST_F(WizardTest, AMarkNeedsAFileOfThreeBytes) {
+  ASSERT_TRUE(embedded::SetLocaleCodePage("ISO-8859-1"));
+  EXPECT_EQ(RecordsOf("\xFF\xFE", "Locale"), (std::vector<std::string>{"\u00ff\u00fe"}));
+  // The start of a UTF-32 mark is a UTF-16 one; the odd byte is a unit with FF.
+  EXPECT_EQ(RecordsOf(std::string("\xFF\xFE\0", 3), "Locale"),
+            (std::vector<std::string>{"\uFF00"}));
+}
+
+TEST_F(WizardTest, InACodePageEveryModeGivesThatPage) {
+  const embedded::InCodePage host("windows-1252");
+  const std::vector<std::string> expected = {"caf\xE9 \x80"};
+  EXPECT_EQ(RecordsOf("caf\xE9 \x80\n", "Locale"), expected);
+  EXPECT_EQ(RecordsOf("caf\u00e9 \u20ac\n", "UTF-8"), expected);
+  EXPECT_EQ(RecordsOf(Utf16(u"\uFEFFcaf\u00e9 \u20ac\n", false), ""), expected);
+  EXPECT_EQ(RecordsOf(Utf16(u"\uFEFFcaf\u00e9 \u20ac\n", true), ""), expected);
 }
 
 TEST_F(WizardTest, AUtf32MarkCannotBeOpened) {
@@ -232,6 +289,40 @@ TEST_F(WizardTest, AFirstLineOverTwoMillionBytesCutsEveryRecordAndSetsTheFlag) {
   Call(1005, file);
   ASSERT_FALSE(Call(1002, FileOpenRequest(File("short\n"), "UTF-8", false)).HasError());
   EXPECT_EQ(Record().GetNumber(), 0U);
+}
+
+TEST_F(WizardTest, AUnitOfTheFirstLineCountsTwoBytes) {
+  for (const std::size_t units : {1000000U, 1000001U}) {
+    const std::u16string line(units - 1, u'a');
+    const FileOpenRequest file(File(Utf16(u"\uFEFF" + line + u"\n", false)), "", false);
+    Call(1002, file);
+    // The mark is measured, too, but not read.
+    EXPECT_EQ(Record().GetNumber(), units > 1000000 ? 1U : 0U);
+    Call(1005, file);
+  }
+}
+
+TEST_F(WizardTest, InBigEndianFilesOnlySwappedLineEndsEndTheMeasuring) {
+  std::u16string text = u"\uFEFFshort\n" + std::u16string(1000000, u'b') + u"\n";
+  const FileOpenRequest unswapped(File(Utf16(text, true)), "", false);
+  Call(1002, unswapped);
+  EXPECT_EQ(Record().GetText(), "short");
+  EXPECT_EQ(Record().GetNumber(), 1U);
+  Call(1005, unswapped);
+  // The same in the other order is measured by its first line.
+  const FileOpenRequest little(File(Utf16(text, false)), "", false);
+  Call(1002, little);
+  EXPECT_EQ(Record().GetText(), "short");
+  EXPECT_EQ(Record().GetText().size(), 1000000U);
+  EXPECT_EQ(Record().GetNumber(), 0U);
+  Call(1005, little);
+  for (const char16_t swapped : {u'\u0D00', u'\u0A00'}) {
+    text[3] = swapped;
+    const FileOpenRequest file(File(Utf16(text, true)), "", false);
+    Call(1002, file);
+    EXPECT_EQ(Record().GetNumber(), 0U);
+    Call(1005, file);
+  }
 }
 
 TEST_F(WizardTest, AFirstLineOfTwoMillionBytesIsWhole) {
