@@ -9,12 +9,12 @@
 
 namespace textwizard {
 
-void TxtWzExecFile::TrimLeft(std::string& value) {
-  value.erase(0, value.size() - textwizard::TrimLeft(value).size());
+std::string TxtWzExecFile::TrimLeft(const std::string& value) {
+  return std::string(textwizard::TrimLeft(value));
 }
 
-void TxtWzExecFile::TrimRight(std::string& value) {
-  value.resize(textwizard::TrimRight(value).size());
+std::string TxtWzExecFile::TrimRight(const std::string& value) {
+  return std::string(textwizard::TrimRight(value));
 }
 
 bool TxtWzExecFile::IsEmptyString(const std::string& value) { return IsBlank(value); }

@@ -312,11 +312,11 @@ TEST(UpdateVarSizes, InColumnsTheWidthBecomesTheLength) {
 // The plan offers the tests under their own names.
 TEST(PlanClassification, AnswersForThePlan) {
   TxtWzDlmLines plan;
+  // The caller's text stays as it is.
   std::string value = "  a  ";
-  TxtWzExecFile::TrimLeft(value);
-  EXPECT_EQ(value, "a  ");
-  TxtWzExecFile::TrimRight(value);
-  EXPECT_EQ(value, "a");
+  EXPECT_EQ(TxtWzExecFile::TrimLeft(value), "a  ");
+  EXPECT_EQ(TxtWzExecFile::TrimRight(value), "  a");
+  EXPECT_EQ(value, "  a  ");
   EXPECT_TRUE(TxtWzExecFile::IsEmptyString("   "));
   EXPECT_FALSE(TxtWzExecFile::IsEmptyString(" x "));
   EXPECT_TRUE(plan.IsNumeric("12,"));

@@ -84,10 +84,10 @@ class TxtWzExecFile : public TxtWzFile {
   // reading the file fails.
   int SetDictionary(QANT_DataSource* source);
 
-  // Take the blanks (no other white space) off one side of a value.
-  static void TrimLeft(std::string& value);
-  static void TrimRight(std::string& value);
-  // Classification of one value.
+  // Classification of one value; none changes it.
+  // The value without the blanks (no other white space) of one side.
+  static std::string TrimLeft(const std::string& value);
+  static std::string TrimRight(const std::string& value);
   // True when it holds nothing but blanks.
   static bool IsEmptyString(const std::string& value);
   bool IsNumeric(const std::string& value) const;
