@@ -165,10 +165,11 @@ bool DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& variab
 }
 
 void DetectionCounters::CountString(std::string_view field, TxtWzVar& variable) const {
+  // Never a blank text: that is a number.
+  ++variable.stringCount;
   const std::uint32_t length =
       static_cast<std::uint32_t>(std::min<std::size_t>(field.size(), kMaxStringWidth + 1));
   if (rules_.pass == DetectionPass::kSampling) {
-    if (!IsBlank(field)) ++variable.stringCount;
     // Measured against the width, so the latest such length stays and not the longest.
     if (length > kMaxStringWidth) {
       variable.maxStringLength = kMaxStringWidth;
@@ -177,7 +178,6 @@ void DetectionCounters::CountString(std::string_view field, TxtWzVar& variable) 
     }
     return;
   }
-  if (!field.empty()) ++variable.stringCount;
   if (length > kMaxStringWidth) {
     variable.maxStringLength = kMaxStringWidth;
   } else if (length > variable.maxStringLength) {

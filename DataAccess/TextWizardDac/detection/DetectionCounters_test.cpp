@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "command/FormatCode.h"
+#include "detection/testing/TestLocale.h"
 
 namespace textwizard {
 namespace {
@@ -86,9 +87,15 @@ TEST(DetectionCounters, NumberFormsCountFractionsByTheirOwnDecimalCharacter) {
 }
 
 TEST(DetectionCounters, BlanksAloneAreANumber) {
-  const TxtWzVar v = Counted(Sampling(), {"   "});
-  EXPECT_EQ(v.numericCount, 1u);
-  EXPECT_EQ(v.width, 0u);
+  DetectionRules swapping = Worker();
+  swapping.swapDecimal = true;
+  swapping.decimalCharacter = ',';
+  for (const DetectionRules& rules : {Sampling(), Worker(), swapping}) {
+    const TxtWzVar v = Counted(rules, {"   "});
+    EXPECT_EQ(v.numericCount, 1u);
+    EXPECT_EQ(v.stringCount, 0u);
+    EXPECT_EQ(v.width, 0u);
+  }
 }
 
 TEST(DetectionCounters, SpaceOptionsTrimBeforeDatesAndForms) {
@@ -103,9 +110,12 @@ TEST(DetectionCounters, SpaceOptionsTrimBeforeDatesAndForms) {
 }
 
 TEST(DetectionCounters, AShortTextIsNoDate) {
-  // Two characters that the minutes-and-seconds layout would take, were they asked.
-  EXPECT_EQ(Counted(Sampling(), {"5:"}).stringCount, 1u);
-  EXPECT_EQ(Counted(Sampling(), {"5 5"}).dateCount, 1u);
+  // German names of days have two letters, and the table would take them.
+  const TestLocale names(LC_TIME, "de_DE.UTF-8");
+  for (const DetectionRules& rules : {Sampling(), Worker()}) {
+    EXPECT_EQ(Counted(rules, {"Mo"}).stringCount, 1u);
+    EXPECT_EQ(Counted(rules, {"5 5"}).dateCount, 1u);
+  }
 }
 
 TEST(DetectionCounters, TimesSetWidthAndDecimals) {
@@ -221,6 +231,9 @@ TEST(DetectionCounters, SamplingKeepsMinutesAndSecondsAgainstTimes) {
   EXPECT_EQ(Counted(Sampling(), {"10:30:45.5"}, adopted).dateKey, 1116);
   EXPECT_EQ(Counted(Sampling(), {"10:30:45.5"}, adopted).width, 11u);
   EXPECT_EQ(Counted(Worker(), {"10:30:45"}, adopted).dateKey, 1019);
+  // The row before those two gives way.
+  adopted.dateKey = 1115;
+  EXPECT_EQ(Counted(Sampling(), {"10:30:45"}, adopted).dateKey, 1019);
 }
 
 TEST(DetectionCounters, TheAdoptedRowIsTriedWithoutTrimming) {
@@ -247,7 +260,7 @@ TEST(DetectionCounters, SamplingKeepsTheLengthOfTheLatestStringBeyondTheWidth) {
 }
 
 TEST(DetectionCounters, WorkersKeepTheLongestStringAndNoteThatLengthsVary) {
-  TxtWzVar v = Counted(Worker(), {"aaaaa", "bbb"});
+  TxtWzVar v = Counted(Worker(), {"aaaaa", "bbb", "ccccc"});
   EXPECT_EQ(v.maxStringLength, 5u);
   EXPECT_FALSE(v.stringTruncated);
   v = Counted(Worker(), {"bbb", "aaaaa"});
