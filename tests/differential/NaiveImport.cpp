@@ -3,10 +3,8 @@
 #include "HostFramework/ValueInput.h"
 
 namespace naive {
-namespace {
 
-// Length of the UTF-8 character at `at`, 0 when the bytes there are none.
-std::size_t Decode(const std::string& text, std::size_t at, char32_t* ch) {
+std::size_t HostText::Decode(const std::string& text, std::size_t at, char32_t* ch) const {
   const auto byte = [&](std::size_t i) -> unsigned {
     return at + i < text.size() ? static_cast<unsigned char>(text[at + i]) : 0U;
   };
@@ -36,7 +34,8 @@ std::size_t Decode(const std::string& text, std::size_t at, char32_t* ch) {
   return 0;
 }
 
-void AppendUtf8(std::string& out, char32_t c) {
+void HostText::Append(std::string& out, char32_t c) const {
+  if (c == kInvalid) c = 0xFFFD;
   const auto put = [&](char32_t value) { out += static_cast<char>(value); };
   if (c < 0x80) {
     put(c);
@@ -55,8 +54,7 @@ void AppendUtf8(std::string& out, char32_t c) {
   }
 }
 
-// Bytes at the end of the text that begin a character without ending it.
-std::size_t UnfinishedTail(const std::string& text) {
+std::size_t HostText::UnfinishedTail(const std::string& text) const {
   for (std::size_t length = 3; length > 0; --length) {
     if (length > text.size()) continue;
     const std::string tail = text.substr(text.size() - length);
@@ -77,6 +75,8 @@ std::size_t UnfinishedTail(const std::string& text) {
   return 0;
 }
 
+namespace {
+
 std::string LeadingBlanksRemoved(const std::string& text) {
   const std::size_t first = text.find_first_not_of(' ');
   return first == std::string::npos ? std::string() : text.substr(first);
@@ -84,8 +84,9 @@ std::string LeadingBlanksRemoved(const std::string& text) {
 
 class Reader {
  public:
-  Reader(const std::string& bytes, const Settings& settings, const std::vector<Variable>& variables)
-      : bytes_(bytes), settings_(settings), variables_(variables) {}
+  Reader(const std::string& bytes, const Settings& settings, const std::vector<Variable>& variables,
+         const HostText& host)
+      : bytes_(bytes), settings_(settings), variables_(variables), host_(host) {}
 
   Import Run() {
     StepOverMark();
@@ -121,9 +122,10 @@ class Reader {
   bool NextRecord(bool keepEmpty) {
     while (true) {
       bool atEnd = false;
-      const std::string read = bigEndian_ || littleEndian_ ? Units(&atEnd) : Bytes(&atEnd);
+      const bool wide = bigEndian_ || littleEndian_;
+      const std::string read = wide ? Units(&atEnd) : Bytes(&atEnd);
       if (!read.empty() || (keepEmpty && !atEnd)) {
-        record_ = read;
+        record_ = wide || read.empty() ? read : host_.FromRecord(read);
         return true;
       }
       if (atEnd) {
@@ -191,9 +193,9 @@ class Reader {
           value(i + 1) <= 0xDFFF) {
         c = 0x10000 + ((c - 0xD800) << 10) + (value(++i) - 0xDC00);
       } else if (c >= 0xD800 && c <= 0xDFFF) {
-        c = 0xFFFD;
+        c = HostText::kInvalid;
       }
-      AppendUtf8(text, c);
+      host_.Append(text, c);
     }
     return text;
   }
@@ -214,7 +216,7 @@ class Reader {
     std::size_t lastLength = 0;
     while (!ended && cursor < record_.size()) {
       char32_t c = 0;
-      std::size_t length = Decode(record_, cursor, &c);
+      std::size_t length = host_.Decode(record_, cursor, &c);
       if (length == 0) {
         import_.undecodable.emplace_back(static_cast<std::int64_t>(import_.cases.size()) + 1,
                                          cursor);
@@ -300,19 +302,23 @@ class Reader {
     return f;
   }
 
+  static std::size_t FieldWidth(const Variable& variable) {
+    return variable.fieldWidth != 0 ? variable.fieldWidth : variable.width;
+  }
+
   Cell Converted(const Variable& variable, std::string field) const {
     Cell cell;
     if (variable.format == 1) {
       cell.isString = true;
-      if (field.size() > variable.width && settings_.leadingSpaces) {
+      if (field.size() > FieldWidth(variable) && settings_.leadingSpaces) {
         field = LeadingBlanksRemoved(field);
       }
       // What fits, in whole characters; an unfinished one at the end is none.
-      if (field.size() > variable.width) field.resize(field.size() - UnfinishedTail(field));
+      if (field.size() > variable.width) field.resize(field.size() - host_.UnfinishedTail(field));
       std::size_t kept = 0;
       while (kept < field.size()) {
         char32_t c = 0;
-        std::size_t length = Decode(field, kept, &c);
+        std::size_t length = host_.Decode(field, kept, &c);
         if (length == 0) length = 1;
         if (kept + length > variable.width) break;
         kept += length;
@@ -383,7 +389,7 @@ class Reader {
         if (variable.record != line || variable.format == 0) continue;
         if (read && variable.start <= record_.size()) {
           byVariable[i].push_back(
-              Converted(variable, record_.substr(variable.start, variable.width)));
+              Converted(variable, record_.substr(variable.start, FieldWidth(variable))));
         } else {
           Missing(variable, byVariable[i]);
         }
@@ -400,6 +406,7 @@ class Reader {
   const std::string& bytes_;
   const Settings& settings_;
   const std::vector<Variable>& variables_;
+  const HostText& host_;
   std::size_t at_ = 0;
   bool bigEndian_ = false;
   bool littleEndian_ = false;
@@ -411,8 +418,8 @@ class Reader {
 }  // namespace
 
 Import Read(const std::string& bytes, const Settings& settings,
-            const std::vector<Variable>& variables) {
-  return Reader(bytes, settings, variables).Run();
+            const std::vector<Variable>& variables, const HostText& host) {
+  return Reader(bytes, settings, variables, host).Run();
 }
 
 }  // namespace naive

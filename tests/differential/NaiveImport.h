@@ -1,7 +1,7 @@
 // A reader written as plainly as the rules are: byte by byte, one copy after another, nothing
 // shared with the component. The differential test compares both engines with it.
 //
-// Host text is UTF-8 here. Only value input itself (text of a field to a number) is the host's.
+// Only value input itself (text of a field to a number) is the host's.
 #pragma once
 
 #include <cstdint>
@@ -17,6 +17,8 @@ enum class Lines { kOneCase, kCounted, kFixed };
 struct Variable {
   int format = 5;  // display-format code; 0 is skipped, 1 is a string
   std::size_t width = 8;
+  // Bytes of a string's field, where an encoding gives it more than the width; else 0.
+  std::size_t fieldWidth = 0;
   std::size_t record = 1;  // fixed: from 1
   std::size_t start = 0;   // fixed: from 0
 };
@@ -48,7 +50,28 @@ struct Import {
   std::vector<std::pair<std::int64_t, std::size_t>> undecodable;
 };
 
+// What host text is, and what makes host text of a file. This one is UTF-8 and takes 8-bit records
+// as they are.
+class HostText {
+ public:
+  // A character of UTF-16 that is none.
+  static constexpr char32_t kInvalid = 0xFFFFFFFF;
+
+  HostText() = default;
+  HostText(const HostText&) = delete;
+  HostText& operator=(const HostText&) = delete;
+  virtual ~HostText() = default;
+
+  // Length of the character at `at`, 0 when the bytes there are none.
+  virtual std::size_t Decode(const std::string& text, std::size_t at, char32_t* ch) const;
+  // Bytes at the end of the text that begin a character without ending it.
+  virtual std::size_t UnfinishedTail(const std::string& text) const;
+  // An 8-bit record that is not empty.
+  virtual std::string FromRecord(const std::string& raw) const { return raw; }
+  virtual void Append(std::string& text, char32_t ch) const;
+};
+
 Import Read(const std::string& bytes, const Settings& settings,
-            const std::vector<Variable>& variables);
+            const std::vector<Variable>& variables, const HostText& host = HostText());
 
 }  // namespace naive
