@@ -12,13 +12,11 @@
 #include <string_view>
 #include <vector>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/messages/Catalogue.h"
 #include "command/MessageText.h"
 #include "fuzz/FuzzTarget.h"
+#include "fuzz/MemoryFile.h"
 
 namespace {
 
@@ -130,23 +128,6 @@ void CompareProblems(const std::string& problems, const std::vector<std::size_t>
   fuzz::Require(count == badLines.size(), "bad lines are not named: " + problems);
 }
 
-// A file in memory, by a path.
-class File {
- public:
-  explicit File(const std::string& bytes) : descriptor_(memfd_create("catalogue", MFD_CLOEXEC)) {
-    fuzz::Require(descriptor_ >= 0 && write(descriptor_, bytes.data(), bytes.size()) ==
-                                          static_cast<ssize_t>(bytes.size()),
-                  "no file in memory");
-  }
-  ~File() { close(descriptor_); }
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-  std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
- private:
-  const int descriptor_;
-};
-
 std::string TextInUse(long id) { return QantServerErrorText("lorvane.err", id).GetText(); }
 
 void RequireInUse(const Texts& texts) {
@@ -196,7 +177,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::Require(problems.empty(), "written back: " + problems);
   }
 
-  const File file(text);
+  const fuzz::MemoryFile file(text);
   const bool loaded = embedded::LoadCatalogue(file.path().c_str(), &problems);
   fuzz::Require(loaded == badLines.empty() && loaded == problems.empty() &&
                     embedded::CatalogueProblems() == problems,
@@ -204,8 +185,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   RequireInUse(texts);
   if (tooLarge) {
     // What cannot be a catalogue leaves the one in use.
-    const File large(text + std::string(kLargestFile + 1 - std::min(size, kLargestFile), '\n') +
-                     text);
+    const fuzz::MemoryFile large(
+        text + std::string(kLargestFile + 1 - std::min(size, kLargestFile), '\n') + text);
     fuzz::Require(!embedded::LoadCatalogue(large.path().c_str(), &problems) && !problems.empty(),
                   "too large a file was taken");
     RequireInUse(texts);
