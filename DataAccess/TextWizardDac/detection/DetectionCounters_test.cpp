@@ -86,6 +86,16 @@ TEST(DetectionCounters, NumberFormsCountFractionsByTheirOwnDecimalCharacter) {
   EXPECT_EQ(Counted(Sampling(), {"$1,234.50"}).width, 9u);
 }
 
+TEST(DetectionCounters, OneMoreDecimalWidensANumberThatIsNoLonger) {
+  for (const DetectionRules& rules : {Sampling(), Worker()}) {
+    TxtWzVar before = WithWidth(8);
+    before.decimals = 2;
+    const TxtWzVar v = Counted(rules, {"123.45", "123.456"}, before);
+    EXPECT_EQ(v.decimals, 3);
+    EXPECT_EQ(v.width, 9u);
+  }
+}
+
 TEST(DetectionCounters, BlanksAloneAreANumber) {
   DetectionRules swapping = Worker();
   swapping.swapDecimal = true;

@@ -190,6 +190,11 @@ TEST_P(BothEngines, ReadingStartsBehindTheMarkAtTheFirstCase) {
   Lines import("\xEF\xBB\xBFname,when\n\n1,2020/01/31\n2,2020/02/28\n");
   import.plan.settings.firstCase = 2;
   EXPECT_EQ(import.Auto(2).Formats(), "5:1.0 39:10.0");
+  EXPECT_EQ(Lines("\xEF\xBB\xBF"
+                  "1\n2\n")
+                .Auto()
+                .Formats(),
+            "5:1.0");
 }
 
 TEST_P(BothEngines, AValueBeyondTheLongestStringIsCut) {
@@ -404,6 +409,13 @@ TEST(DictionaryOfColumns, ARecordThatEndsBeforeAColumnEndsTheSampleOfIt) {
   import.AutoColumns(0, 1).AutoColumns(2, 1);
   EXPECT_EQ(import.Formats(), "5:1.0 1:1.0");
   EXPECT_EQ(import.variable(1).stringCount, 1u);
+}
+
+TEST(DictionaryOfColumns, AnEmptyFieldHasItsPlaceEvenWhereBlanksSeparate) {
+  Columns import("1\n2x\n");
+  import.plan.settings.delimiters = " ";
+  import.AutoColumns(0, 1).AutoColumns(1, 1);
+  EXPECT_EQ(import.Formats(), "5:1.0 1:1.0");
 }
 
 }  // namespace

@@ -109,8 +109,6 @@ ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrange
 }
 
 bool ValueClassifier::IsNumericSwapped(std::string_view value, char swapped) {
-  value = TrimRight(value);
-  if (value == "," || value == ".") return false;
   if (value.find(swapped) == std::string_view::npos) return numeric_.Accepts(value);
   changed_.assign(value);
   std::replace(changed_.begin(), changed_.end(), swapped, swapped == '.' ? ',' : '.');

@@ -67,8 +67,8 @@ class ValueClassifier {
   bool IsPlainNumber(std::string_view value, std::size_t* point) const {
     return numeric_.AcceptsPlain(value, point);
   }
-  // The same after every `swapped` of the value, unless it is a lone comma or point, has become the
-  // other of '.' and ','.
+  // The same after every `swapped` of the value has become the other of '.' and ','. Alone, neither
+  // is a number, before and after.
   bool IsNumericSwapped(std::string_view value, char swapped);
 
   // The whole value has the form. Nothing is trimmed.

@@ -260,11 +260,20 @@ TEST(UpdateVarSizes, MoreDecimalsWidenByTheDifference) {
   EXPECT_EQ(variable.width, 9u);
 }
 
-TEST(UpdateVarSizes, FewerDecimalsChangeNothing) {
-  TxtWzVar variable = Sized(8, 2);
-  UpdateVarSizes(variable, "1.5", ".,", kDelimitedLines);
-  EXPECT_EQ(variable.decimals, 2);
-  EXPECT_EQ(variable.width, 8u);
+TEST(UpdateVarSizes, NoMoreDecimalsChangeNothing) {
+  for (const char* value : {"1.5", "1.55"}) {
+    TxtWzVar variable = Sized(50, 2);
+    UpdateVarSizes(variable, value, ".,", kDelimitedLines);
+    EXPECT_EQ(variable.decimals, 2) << value;
+    EXPECT_EQ(variable.width, 50u) << value;
+  }
+}
+
+TEST(UpdateVarSizes, MoreDecimalsTakeAWidthAbove40BackTo40) {
+  TxtWzVar variable = Sized(50, 2);
+  UpdateVarSizes(variable, "1.555", ".,", kDelimitedLines);
+  EXPECT_EQ(variable.decimals, 3);
+  EXPECT_EQ(variable.width, 40u);
 }
 
 TEST(UpdateVarSizes, DecimalsWidenTo40AtMostAndLengthWithoutBound) {
