@@ -1,8 +1,5 @@
 // The compact header: an import told by a type word, a few numbers, the delimiters and the file,
 // and variables told by a name, a type word and a length, one piece after another.
-#include <algorithm>
-
-#include "HostFramework/Text.h"
 #include "command/FormatTable.h"
 #include "command/TxtWzParser.h"
 
@@ -17,15 +14,15 @@ std::unique_ptr<TxtWzExecFile> TxtWzParser::ParseFileType() {
   const std::string type(scanner_.ParseWord());
   std::unique_ptr<TxtWzExecFile> plan;
   TxtWzDelimiters* delimited = nullptr;
-  if (QANTMBstricmp_A(type.c_str(), "DL") == 0) {
+  if (IsKeyword(type, "DL")) {
     auto lines = std::make_unique<TxtWzDlmLines>();
     delimited = lines.get();
     plan = std::move(lines);
-  } else if (QANTMBstricmp_A(type.c_str(), "DC") == 0) {
+  } else if (IsKeyword(type, "DC")) {
     auto count = std::make_unique<TxtWzDlmCount>();
     delimited = count.get();
     plan = std::move(count);
-  } else if (QANTMBstricmp_A(type.c_str(), "FL") == 0) {
+  } else if (IsKeyword(type, "FL")) {
     plan = std::make_unique<TxtWzFixedLines>();
   } else {
     return nullptr;
@@ -64,7 +61,7 @@ void TxtWzParser::ParseFileName(TxtWzExecFile* plan) {
   scanner_.SkipWhiteSpace();
   std::string name(scanner_.ParseDelims());
   std::string prefix = name.substr(0, kPrefix.size());
-  if (QANTMBstricmp_A(prefix.c_str(), kPrefix.data()) == 0) name.erase(0, kPrefix.size());
+  if (IsKeyword(prefix, kPrefix.data())) name.erase(0, kPrefix.size());
   const bool unquoted = name.empty() || name[0] != '\'';
   if (!unquoted) SyntaxScanner::StripQuotes(name);
   if (adapter_) {

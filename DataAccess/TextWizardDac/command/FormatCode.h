@@ -40,7 +40,5 @@ inline constexpr std::uint32_t kMaxNumberWidth = 40;
 
 // Decimals that no format may exceed.
 inline constexpr std::uint32_t kMaxDecimals = 16;
-// Characters of a variable's name; the rest of a longer one is cut off.
-inline constexpr std::uint32_t kMaxNameCharacters = 64;
 
 }  // namespace textwizard

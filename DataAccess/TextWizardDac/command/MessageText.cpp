@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "command/FormatCode.h"
+#include "command/TxtWzVar.h"
 
 namespace textwizard {
 namespace {

@@ -14,14 +14,10 @@ constexpr std::size_t kMaxSubcommandBytes = 1022;
 // Of a word that is kept for a message.
 constexpr std::size_t kMaxScratchBytes = 1023;
 
-bool Is(const std::string& word, const char* keyword) {
-  return QANTMBstricmp_A(word.c_str(), keyword) == 0;
-}
-
 template <std::size_t N>
 bool IsOneOf(const std::string& word, const char* const (&keywords)[N]) {
   for (const char* keyword : keywords) {
-    if (Is(word, keyword)) return true;
+    if (IsKeyword(word, keyword)) return true;
   }
   return false;
 }
@@ -60,14 +56,14 @@ SubcommandResult TxtWzParser::ParseSubCommand(Subcommand& subcommand) {
   subcommand.name = text.substr(0, equals);
   SyntaxScanner::StripSpaces(subcommand.name);
 
-  if (Is(subcommand.name, "VARIABLES")) {
+  if (IsKeyword(subcommand.name, "VARIABLES")) {
     const char* place = equals == std::string::npos ? end : start + equals;
     scanner_.MoveTo(*place == '\0' ? place : place + 1);
     variablesSeen_ = true;
     return kSubcommandsEnd;
   }
   if (equals == std::string::npos) {
-    if (!Is(subcommand.name, "MAP")) return FailWithoutEquals(subcommand, text);
+    if (!IsKeyword(subcommand.name, "MAP")) return FailWithoutEquals(subcommand, text);
     scanner_.MoveTo(start + subcommand.name.size());
     return kSubcommand;
   }
@@ -76,13 +72,13 @@ SubcommandResult TxtWzParser::ParseSubCommand(Subcommand& subcommand) {
     if (GetFilePath(subcommand)) return kSubcommand;
     return FailSubcommand(kBadSubcommand, subcommand.name.c_str());
   }
-  if (Is(subcommand.name, "LEADINGSPACES") && !Holds(text, "IGNORE")) {
+  if (IsKeyword(subcommand.name, "LEADINGSPACES") && !Holds(text, "IGNORE")) {
     return FailSubcommand(kLeadingSpacesNoIgnore, nullptr);
   }
-  if (Is(subcommand.name, "MULTIPLESPACES") && !Holds(text, "IGNORE")) {
+  if (IsKeyword(subcommand.name, "MULTIPLESPACES") && !Holds(text, "IGNORE")) {
     return FailSubcommand(kMultipleSpacesNoIgnore, nullptr);
   }
-  if (Is(subcommand.name, "DATATYPEMIN") && !Holds(text, "PERCENTAGE")) {
+  if (IsKeyword(subcommand.name, "DATATYPEMIN") && !Holds(text, "PERCENTAGE")) {
     return FailSubcommand(kDataTypeMinNoPercentage, nullptr);
   }
   const char* p = text.c_str() + equals + 1;
@@ -95,15 +91,15 @@ SubcommandResult TxtWzParser::ParseSubCommand(Subcommand& subcommand) {
 // A subcommand other than MAP that has no "=".
 SubcommandResult TxtWzParser::FailWithoutEquals(const Subcommand& subcommand,
                                                 const std::string& text) {
-  if (Is(subcommand.name, "LEADINGSPACES")) {
+  if (IsKeyword(subcommand.name, "LEADINGSPACES")) {
     return Holds(text, "IGNORE") ? FailSubcommand(kLeadingSpacesNoEquals, text.c_str())
                                  : FailSubcommand(kLeadingSpacesNoIgnore, nullptr);
   }
-  if (Is(subcommand.name, "MULTIPLESPACES")) {
+  if (IsKeyword(subcommand.name, "MULTIPLESPACES")) {
     return Holds(text, "IGNORE") ? FailSubcommand(kMultipleSpacesNoEquals, text.c_str())
                                  : FailSubcommand(kMultipleSpacesNoIgnore, nullptr);
   }
-  if (Is(subcommand.name, "DATATYPEMIN")) {
+  if (IsKeyword(subcommand.name, "DATATYPEMIN")) {
     return Holds(text, "PERCENTAGE") ? FailSubcommand(kDataTypeMinNoEquals, text.c_str())
                                      : FailSubcommand(kDataTypeMinNoPercentage, nullptr);
   }
@@ -131,7 +127,7 @@ bool TxtWzParser::GetFilePath(Subcommand& subcommand) {
     subcommand.value.assign(start, p);
     if (*p != '\0') ++p;
   }
-  if (adapter_ && Is(subcommand.name, "FILE")) {
+  if (adapter_ && IsKeyword(subcommand.name, "FILE")) {
     std::string converted;
     subcommand.value = adapter_->ConvertFilePath(converted, subcommand.value, unquoted);
   }
@@ -183,7 +179,7 @@ bool TxtWzParser::SetSyntaxParam(const Subcommand& subcommand) {
     return Fail(kBadSubcommand, subcommand.name.c_str());
   }
   for (const Setter& setter : kSetters) {
-    if (Is(subcommand.name, setter.name)) return (this->*setter.set)(subcommand);
+    if (IsKeyword(subcommand.name, setter.name)) return (this->*setter.set)(subcommand);
   }
   return Fail(kBadSubcommand, subcommand.name.c_str());
 }
@@ -195,7 +191,7 @@ bool TxtWzParser::SetFile(const Subcommand& subcommand) {
 }
 
 bool TxtWzParser::SetEncoding(const Subcommand& subcommand) {
-  if (Is(subcommand.value, "LOCALE")) {
+  if (IsKeyword(subcommand.value, "LOCALE")) {
     encoding_ = kEncodingLocale;
   } else if (IsOneOf(subcommand.value, {"UTF8", "UTF-8"})) {
     encoding_ = kEncodingUtf8;
@@ -211,9 +207,9 @@ bool TxtWzParser::SetEncoding(const Subcommand& subcommand) {
 
 bool TxtWzParser::SetArrangement(const Subcommand& subcommand) {
   if (arrangement_ != kLayoutUnset) return Fail(kRepeatedSubcommand, "/ARRANGEMENT");
-  if (Is(subcommand.value, "DELIMITED")) {
+  if (IsKeyword(subcommand.value, "DELIMITED")) {
     arrangement_ = kLayoutDelimited;
-  } else if (Is(subcommand.value, "FIXED")) {
+  } else if (IsKeyword(subcommand.value, "FIXED")) {
     arrangement_ = kLayoutFixed;
   } else {
     return Fail(kBadArrangement, subcommand.value.c_str());
@@ -229,11 +225,11 @@ bool TxtWzParser::SetFirstCase(const Subcommand& subcommand) {
 
 bool TxtWzParser::SetDelCase(const Subcommand& subcommand) {
   if (delCase_ != kCaseUnset) return Fail(kRepeatedSubcommand, "/DELCASE");
-  if (Is(subcommand.value, "LINE")) {
+  if (IsKeyword(subcommand.value, "LINE")) {
     delCase_ = kCaseLine;
     return true;
   }
-  if (!Is(subcommand.value, "VARIABLES")) return Fail(kBadDelCase, subcommand.value.c_str());
+  if (!IsKeyword(subcommand.value, "VARIABLES")) return Fail(kBadDelCase, subcommand.value.c_str());
   delCaseCount_ = Count(subcommand.number);
   if (delCaseCount_ == 0) return Fail(kBadDelCase, scratch_.c_str());
   delCase_ = kCaseVariables;
@@ -249,12 +245,12 @@ bool TxtWzParser::SetFixCase(const Subcommand& subcommand) {
 bool TxtWzParser::SetImportCase(const Subcommand& subcommand) {
   constexpr std::int64_t kWhole = 100;
   if (importCase_ != kImportUnset) return Fail(kRepeatedSubcommand, "/IMPORTCASE");
-  if (Is(subcommand.value, "ALL")) {
+  if (IsKeyword(subcommand.value, "ALL")) {
     importCase_ = kImportAllCases;
     return true;
   }
-  const bool first = Is(subcommand.value, "FIRST");
-  if (!first && !Is(subcommand.value, "PERCENT")) {
+  const bool first = IsKeyword(subcommand.value, "FIRST");
+  if (!first && !IsKeyword(subcommand.value, "PERCENT")) {
     return Fail(kBadImportCase, subcommand.value.c_str());
   }
   if (subcommand.number < 1 || (!first && subcommand.number > kWhole)) {
@@ -287,8 +283,8 @@ bool TxtWzParser::SetIgnore(const Subcommand& subcommand, const char* slashName,
   if (given) return Fail(kRepeatedSubcommand, slashName);
   // Only an arrangement that stands before is known here; one that follows is not held against it.
   if (arrangement_ == kLayoutFixed) return Fail(kNotWithFixed, slashName);
-  ignore = Is(subcommand.value, "YES");
-  if (!ignore && !Is(subcommand.value, "NO")) return Fail(bad, subcommand.value.c_str());
+  ignore = IsKeyword(subcommand.value, "YES");
+  if (!ignore && !IsKeyword(subcommand.value, "NO")) return Fail(bad, subcommand.value.c_str());
   given = true;
   return true;
 }

@@ -36,6 +36,10 @@ std::string_view TakeAndStep(const char*& p, std::size_t length, std::size_t lim
 
 }  // namespace
 
+bool IsKeyword(const std::string& word, const char* keyword) {
+  return QANTMBstricmp_A(word.c_str(), keyword) == 0;
+}
+
 std::int64_t LeadingInteger(std::string_view text) {
   text = WithoutPlus(text);
   std::int64_t value = 0;

@@ -12,6 +12,8 @@ namespace textwizard {
 
 inline constexpr std::size_t kNoLimit = std::string_view::npos;
 
+// True when `word` is `keyword`, in any letter case.
+bool IsKeyword(const std::string& word, const char* keyword);
 // The decimal integer, with or without a sign, at the start of `text`; 0 when there is none, the
 // nearest limit of the type when it is too large.
 std::int64_t LeadingInteger(std::string_view text);

@@ -112,6 +112,13 @@ TEST(SyntaxScanner, ACommandEndsAtAFullStopOrTheEndOfTheText) {
   EXPECT_FALSE(SyntaxScanner(" .").AtEnd());
 }
 
+TEST(IsKeyword, LetterCaseDoesNotCountAndTheRestDoes) {
+  for (const char* word : {"FILE", "file", "FiLe"}) EXPECT_TRUE(IsKeyword(word, "FILE")) << word;
+  for (const char* word : {"", "FIL", "FILES", " FILE", "/FILE"}) {
+    EXPECT_FALSE(IsKeyword(word, "FILE")) << word;
+  }
+}
+
 TEST(LeadingInteger, ReadsASignAndDigits) {
   EXPECT_EQ(LeadingInteger("12abc"), 12);
   EXPECT_EQ(LeadingInteger("-3"), -3);

@@ -47,15 +47,15 @@ std::unique_ptr<TxtWzExecFile> TxtWzParser::ParseToExecutor() {
 
 bool TxtWzParser::GetSyntax() {
   std::string word(scanner_.ParseWord());
-  if (QANTMBstricmp_A(word.c_str(), "GET") != 0) return Fail(kNotGetData, nullptr);
+  if (!IsKeyword(word, "GET")) return Fail(kNotGetData, nullptr);
   word = scanner_.ParseWord();
-  if (QANTMBstricmp_A(word.c_str(), "DATA") != 0) return Fail(kNotGetData, nullptr);
+  if (!IsKeyword(word, "DATA")) return Fail(kNotGetData, nullptr);
 
   Subcommand subcommand;
   SubcommandResult result = ParseSubCommand(subcommand);
   if (result == kSubcommandError) return false;
-  if (result != kSubcommand || QANTMBstricmp_A(subcommand.name.c_str(), "TYPE") != 0 ||
-      QANTMBstricmp_A(subcommand.value.c_str(), "TXT") != 0) {
+  if (result != kSubcommand || !IsKeyword(subcommand.name, "TYPE") ||
+      !IsKeyword(subcommand.value, "TXT")) {
     return Fail(kNotTypeText, nullptr);
   }
   while ((result = ParseSubCommand(subcommand)) == kSubcommand) {

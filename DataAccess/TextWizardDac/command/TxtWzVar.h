@@ -7,6 +7,9 @@
 
 namespace textwizard {
 
+// Characters of a variable's name; the rest of a longer one is cut off.
+inline constexpr std::uint32_t kMaxNameCharacters = 64;
+
 class TxtWzVar {
  public:
   TxtWzVar();

@@ -47,7 +47,7 @@ VariableResult TxtWzParser::ParseVariable(TxtWzExecFile* plan) {
 VariableResult TxtWzParser::ParseDelimitedVariable(TxtWzExecFile* plan) {
   std::string name;
   GetVarName(name);
-  if (QANTMBstricmp_A(name.c_str(), "/MAP") == 0) {
+  if (IsKeyword(name, "/MAP")) {
     mapOn_ = true;
     return kVariablesEndAtMap;
   }

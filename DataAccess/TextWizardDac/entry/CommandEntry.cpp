@@ -7,8 +7,8 @@
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Messages.h"
 #include "HostFramework/Names.h"
-#include "HostFramework/Text.h"
 #include "command/MessageText.h"
+#include "command/SyntaxScanner.h"
 #include "command/TxtWzParser.h"
 #include "plan/TxtWzExecFile.h"
 #include "reading/QANT_TextWizardSrc.h"
@@ -19,10 +19,6 @@ namespace {
 
 constexpr const char* kCommandStart = "GET DATA /TYPE = TXT  /";
 constexpr const char* kCommandEnd = "\n.";
-
-bool Is(const std::string& token, const char* keyword) {
-  return QANTMBstricmp_A(token.c_str(), keyword) == 0;
-}
 
 std::string CurrentToken(const DACTokenSource& tokens) {
   const char* text = nullptr;
@@ -107,11 +103,11 @@ std::string BuildCommandText(DACTokenSource& tokens) {
   do {
     const std::string token = CurrentToken(tokens);
     if (prevNotSlash && pending == kNothing && !token.empty() && token[0] != '-') command += ' ';
-    if (Is(token, "VARIABLES")) beforeVariables = false;
+    if (IsKeyword(token, "VARIABLES")) beforeVariables = false;
     if (pending == kNothing) {
       // A variable may be named FILE.
-      if ((beforeVariables && Is(token, "FILE")) || Is(token, "DELIMITERS") ||
-          Is(token, "QUALIFIER")) {
+      if ((beforeVariables && IsKeyword(token, "FILE")) || IsKeyword(token, "DELIMITERS") ||
+          IsKeyword(token, "QUALIFIER")) {
         pending = kKeyword;
       }
       command += token;
