@@ -73,6 +73,15 @@ std::unique_ptr<QANT_TextWizardSrc> BuildSource(DACAdapterBase& adapter, const c
   return nullptr;
 }
 
+// What the host throws at a warning does not undo the import that it is about.
+void ReportWarnings(const ErrorTextList& warnings, ErrorMonitor& monitor) {
+  try {
+    for (const ErrorText& warning : warnings) monitor.Report(warning);
+  } catch (...) {
+    // The warnings that are left are lost.
+  }
+}
+
 bool RunCommand(DACAdapterBase& adapter, ErrorMonitor& monitor) {
   const std::string command = BuildCommandText(*adapter.GetTokenSource());
   TxtWzParser parser(command.c_str(), &adapter);
@@ -80,7 +89,7 @@ bool RunCommand(DACAdapterBase& adapter, ErrorMonitor& monitor) {
     if (plan->settings.encoding == kEncodingLocale) CheckByteOrderMark(parser);
     if (auto source = BuildSource(adapter, parser.GetFile(), *plan)) {
       ServerDataManager::GetInstance()->Add(source.release(), "", false);
-      for (const ErrorText& warning : parser.warnings()) monitor.Report(warning);
+      ReportWarnings(parser.warnings(), monitor);
       return true;
     }
     parser.PostErrorMsg(kReadFailed, parser.GetFile(), false);

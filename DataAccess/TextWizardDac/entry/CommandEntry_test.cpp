@@ -326,6 +326,15 @@ TEST_F(ProcessDACSyntaxTest, WhatTheHostThrowsElsewhereDoesNotEscape) {
   ExpectFailure(ProcessDACSyntax(&adapter), 2269, nullptr);
 }
 
+TEST_F(ProcessDACSyntaxTest, AWarningThatTheHostCannotTakeDoesNotUndoTheImport) {
+  Write("1,x\n");
+  onMessage = [] { throw std::bad_alloc(); };
+  EXPECT_TRUE(Run(Command({{"QUALIFIER"}, {"="}, Literal("||"), {"/"}})));
+  EXPECT_TRUE(Active());
+  ASSERT_EQ(reported.size(), 1u);
+  EXPECT_EQ(reported[0].kind, kMessageWarning) << "no error is told of an import that is there";
+}
+
 TEST_F(ProcessDACSyntaxTest, AVariableNamedFileIsImported) {
   Write("1,x\n");
   EXPECT_TRUE(Run(Command({}, {{"FILE"}, {"F8"}, {"b"}, {"A5"}})));
