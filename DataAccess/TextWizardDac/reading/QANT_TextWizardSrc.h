@@ -28,7 +28,8 @@ class QANT_TextWizardSrc : public QANT_DataSource {
   // Cases of the longest pass that reached the end of the data; -1 before.
   long long RowCount() const override;
   // An iterator for type detection; `obs` may be null. Multi-threaded for one case per line unless
-  // DISABLE_MULTI_THREAD_AUTO is "YES".
+  // DISABLE_MULTI_THREAD_AUTO is "YES"; that one throws the integer 2269 when the file cannot be
+  // opened again.
   virtual QANT_InputCaseIterator* MakeAutoDetectIterator(OBS* obs) const;
 
   // What the plan hands over while it executes; before any iterator but the detection's.
