@@ -72,17 +72,21 @@ File MakeFile(const std::string& kind) {
   return file;
 }
 
-void ReadPass(benchmark::State& state, const std::string& kind) {
-  embedded::SetCodePage(nullptr);
-  const File file = MakeFile(kind);
-  const embedded::ScopedMemoryFiles files("data.txt", file.text);
-  QANT_TextWizardSrc source("data.txt", static_cast<int>(state.range(0)), 0, nullptr);
+ImportSettings CsvSettings() {
   ImportSettings settings;
   settings.delimiters = ",";
   settings.qualifierSet = true;
   settings.qualifier = "\"";
   settings.encoding = kEncodingUtf8;
-  source.SetSettings(settings);
+  return settings;
+}
+
+void ReadPass(benchmark::State& state, const std::string& kind) {
+  embedded::SetCodePage(nullptr);
+  const File file = MakeFile(kind);
+  const embedded::ScopedMemoryFiles files("data.txt", file.text);
+  QANT_TextWizardSrc source("data.txt", static_cast<int>(state.range(0)), 0, nullptr);
+  source.SetSettings(CsvSettings());
   std::vector<std::unique_ptr<TxtWzVar>> variables;
   for (const auto& [format, width] : file.columns) {
     variables.push_back(std::make_unique<TxtWzVar>());
@@ -106,12 +110,7 @@ void DetectPass(benchmark::State& state, const std::string& kind) {
   const File file = MakeFile(kind);
   const embedded::ScopedMemoryFiles files("data.txt", file.text);
   QANT_TextWizardSrc source("data.txt", static_cast<int>(state.range(0)), 0, nullptr);
-  ImportSettings settings;
-  settings.delimiters = ",";
-  settings.qualifierSet = true;
-  settings.qualifier = "\"";
-  settings.encoding = kEncodingUtf8;
-  source.SetSettings(settings);
+  source.SetSettings(CsvSettings());
   for (auto _ : state) {
     std::vector<TxtWzVar> variables(file.columns.size());
     std::vector<TxtWzVar*> pointers;

@@ -175,35 +175,23 @@ TEST(RecordReader, StopsAsIfTheDataEndedWhenAskedTo) {
   }
 }
 
-TEST(RecordReader, StopsAtTheNextBlockOfALongLine) {
-  const auto faults = std::make_shared<embedded::StreamFaults>();
-  std::atomic<std::int32_t> stop{0};
-  std::int64_t farthest = 0;
-  faults->beforeRead = [&](std::int64_t offset) {
-    farthest = offset;
-    if (offset >= 40) stop = 1;
-  };
-  const OpenFile open(std::string(100000, 'x'), 10, faults);
-  RecordReader reader(open.stream());
-  reader.SetStop(&stop);
-  EXPECT_FALSE(reader.Read(false));
-  EXPECT_EQ(reader.record(), "");
-  EXPECT_LE(farthest, 60);
-}
-
-TEST(RecordReader, StopsBetweenEmptyLines) {
-  const auto faults = std::make_shared<embedded::StreamFaults>();
-  std::atomic<std::int32_t> stop{0};
-  std::int64_t farthest = 0;
-  faults->beforeRead = [&](std::int64_t offset) {
-    farthest = offset;
-    if (offset >= 40) stop = 1;
-  };
-  const OpenFile open(std::string(100000, '\n'), 10, faults);
-  RecordReader reader(open.stream());
-  reader.SetStop(&stop);
-  EXPECT_FALSE(reader.Read(false));
-  EXPECT_LE(farthest, 60);
+// Whether a long line is read or empty lines are skipped.
+TEST(RecordReader, StopsAtTheNextBlock) {
+  for (const char everywhere : {'x', '\n'}) {
+    const auto faults = std::make_shared<embedded::StreamFaults>();
+    std::atomic<std::int32_t> stop{0};
+    std::int64_t farthest = 0;
+    faults->beforeRead = [&](std::int64_t offset) {
+      farthest = offset;
+      if (offset >= 40) stop = 1;
+    };
+    const OpenFile open(std::string(100000, everywhere), 10, faults);
+    RecordReader reader(open.stream());
+    reader.SetStop(&stop);
+    EXPECT_FALSE(reader.Read(false));
+    EXPECT_EQ(reader.record(), "");
+    EXPECT_LE(farthest, 60);
+  }
 }
 
 TEST(RecordReader, MillionsOfEmptyLinesAreSkippedWithoutRecursion) {
