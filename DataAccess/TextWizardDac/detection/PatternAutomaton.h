@@ -62,7 +62,6 @@ class PatternAutomaton {
     return {accepted_[state], uncompiled_};
   }
 
-  std::size_t stateCount() const { return accepted_.size(); }
   // Patterns that are always left to the library.
   std::uint64_t uncompiled() const { return uncompiled_; }
 
