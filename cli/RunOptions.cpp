@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::string_view kNumberMark = "%d";
 constexpr std::string_view kStandardOutput = "-";
+constexpr std::string_view kStandardInput = "-";
 
 struct Output {
   const char* option;
@@ -30,6 +31,48 @@ bool NameSameFile(const std::string& left, const std::string& right) {
   if (left == right) return true;
   if (left == kStandardOutput || right == kStandardOutput) return false;
   return Resolved(left) == Resolved(right);
+}
+
+// How many things are read from standard input.
+std::ptrdiff_t ReadersOfInput(const RunOptions& options,
+                              const std::vector<CommandOutline>& commands) {
+  return (options.commandFile == kStandardInput ? 1 : 0) +
+         std::count_if(commands.begin(), commands.end(), [](const CommandOutline& command) {
+           return command.dataFile == kStandardInput;
+         });
+}
+
+// The file that both outputs are for the same one of `commands` commands; empty when there is none.
+std::string CommonName(const Output& one, const Output& other, std::size_t commands) {
+  const int last = std::max(1, static_cast<int>(commands));
+  for (int number = 1; number <= last; ++number) {
+    std::string name = NameForCommand(other.name, number);
+    if (NameSameFile(NameForCommand(one.name, number), name)) return name;
+  }
+  return {};
+}
+
+// Says what an output, a file, would overwrite; empty when nothing.
+std::string Overwritten(const Output& output, const RunOptions& options,
+                        const std::vector<CommandOutline>& commands) {
+  if (options.commandFile != kStandardInput && NameSameFile(output.name, options.commandFile)) {
+    return fmt::format("{} {} would overwrite the command file", output.option, output.name);
+  }
+  const bool itself = !IsPerCommand(output.name) && &output.name != &options.messages;
+  if (itself && SeveralRun(commands)) {
+    return fmt::format(
+        "{} {}: the file holds several commands, and the second would overwrite the first's; put "
+        "%d, the command's number, into the name",
+        output.option, output.name);
+  }
+  int number = 0;
+  for (const CommandOutline& command : commands) {
+    const std::string name = NameForCommand(output.name, ++number);
+    if (SameFile(name, command.dataFile)) {
+      return fmt::format("{} {} would overwrite the data file", output.option, name);
+    }
+  }
+  return {};
 }
 
 }  // namespace
@@ -75,6 +118,10 @@ std::string WhatIsWrong(const RunOptions& options, const std::vector<CommandOutl
         options.cases);
   }
   if (options.format && options.cases.empty()) return "--format needs --cases";
+  if (ReadersOfInput(options, commands) > 1) {
+    return "standard input can be read only once, but more than one of the command file and the "
+           "data files is -";
+  }
 
   const Output outputs[] = {{"--cases", options.cases},
                             {"--dictionary", options.dictionary},
@@ -82,27 +129,13 @@ std::string WhatIsWrong(const RunOptions& options, const std::vector<CommandOutl
   for (const Output& output : outputs) {
     if (output.name.empty()) continue;
     for (const Output* other = outputs; other != &output; ++other) {
-      if (!other->name.empty() && NameSameFile(other->name, output.name)) {
-        return fmt::format("{} and {} are both {}", other->option, output.option, output.name);
+      if (other->name.empty()) continue;
+      if (std::string name = CommonName(*other, output, commands.size()); !name.empty()) {
+        return fmt::format("{} and {} are both {}", other->option, output.option, name);
       }
     }
     if (output.name == kStandardOutput) continue;
-    if (options.commandFile != kStandardOutput && NameSameFile(output.name, options.commandFile)) {
-      return fmt::format("{} {} would overwrite the command file", output.option, output.name);
-    }
-    const bool overwrites = !IsPerCommand(output.name) && &output.name != &options.messages;
-    if (SeveralRun(commands) && overwrites) {
-      return fmt::format(
-          "{} {}: the file holds several commands, and the second would overwrite the first's; put "
-          "%d, the command's number, into the name",
-          output.option, output.name);
-    }
-    for (std::size_t index = 0; index < commands.size(); ++index) {
-      const std::string name = NameForCommand(output.name, static_cast<int>(index + 1));
-      if (SameFile(name, commands[index].dataFile)) {
-        return fmt::format("{} {} would overwrite the data file", output.option, name);
-      }
-    }
+    if (std::string what = Overwritten(output, options, commands); !what.empty()) return what;
   }
   return {};
 }

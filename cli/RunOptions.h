@@ -36,8 +36,8 @@ struct RunOptions {
 };
 
 // What is wrong with options that are right one by one: outputs that would overwrite one another,
-// the command file or the data of one of its `commands`, a file of cases without a known format.
-// Empty when nothing is.
+// the command file or the data of one of its `commands`, standard input that would be read twice, a
+// file of cases without a known format. Empty when nothing is.
 std::string WhatIsWrong(const RunOptions& options, const std::vector<CommandOutline>& commands);
 
 // True when more than one of the commands can be run.

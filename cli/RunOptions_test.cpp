@@ -80,6 +80,15 @@ TEST(RunOptions, TwoOutputsAreNotTheSameFile) {
   EXPECT_THAT(WhatIsWrong(options, kOne), IsEmpty());
 }
 
+TEST(RunOptions, NumbersMakeNoTwoOutputsTheSameFile) {
+  RunOptions options = WithCases("out%d.csv");
+  options.messages = "out2.csv";
+  EXPECT_THAT(WhatIsWrong(options, kOne), IsEmpty());
+  EXPECT_THAT(WhatIsWrong(options, kTwo), HasSubstr("--cases and --messages are both out2.csv"));
+  options.messages = "./out%d.csv";
+  EXPECT_THAT(WhatIsWrong(options, kOne), HasSubstr("--cases and --messages"));
+}
+
 TEST(RunOptions, OnlyCommandsThatRunCount) {
   EXPECT_FALSE(SeveralRun({}));
   EXPECT_FALSE(SeveralRun(kOne));
@@ -101,6 +110,16 @@ TEST(RunOptions, NoOutputIsTheDataFileOfItsCommand) {
   options.dictionary.clear();
   options.messages = data;
   EXPECT_THAT(WhatIsWrong(options, commands), HasSubstr("--messages"));
+}
+
+TEST(RunOptions, StandardInputIsReadOnce) {
+  RunOptions options = WithCases("");
+  const std::vector<CommandOutline> one = {{true, "a.csv"}, {true, "-"}};
+  EXPECT_THAT(WhatIsWrong(options, one), IsEmpty());
+  EXPECT_THAT(WhatIsWrong(options, {{true, "-"}, {true, "-"}}), HasSubstr("only once"));
+  options.commandFile = "-";
+  EXPECT_THAT(WhatIsWrong(options, kTwo), IsEmpty());
+  EXPECT_THAT(WhatIsWrong(options, one), HasSubstr("only once"));
 }
 
 TEST(RunOptions, ADeviceIsNotOverwritten) {

@@ -176,6 +176,15 @@ TEST_F(RunFailures, TheDataFileIsNotOverwritten) {
   }
 }
 
+TEST_F(RunFailures, StandardInputThatWouldBeReadTwiceIsWrongUsage) {
+  const Ended ended = Run({"run", "-", "--cases", "-"},
+                          "GET DATA /TYPE=TXT /FILE='-' /DELCASE=LINE /DELIMITERS=','"
+                          " /VARIABLES=n F4.0.\n");
+  EXPECT_EQ(ended.status, 2);
+  EXPECT_THAT(ended.err, HasSubstr("standard input can be read only once"));
+  EXPECT_THAT(ended.out, IsEmpty());
+}
+
 TEST_F(RunFailures, ADataFileThatIsAFolderFailsTheCommand) {
   const Ended ended = Quiet(
       "GET DATA /TYPE=TXT /FILE='.' /DELCASE=LINE /DELIMITERS=','"
