@@ -84,6 +84,14 @@ TEST(DetectionCounters, NumberFormsCountFractionsByTheirOwnDecimalCharacter) {
   EXPECT_EQ(Counted(Sampling(), {"1,234.567"}).decimals, 3);
   EXPECT_EQ(Counted(Sampling(), {"1.234,5"}).decimals, 1);
   EXPECT_EQ(Counted(Sampling(), {"$1,234.50"}).width, 9u);
+  // Groups are no fraction.
+  EXPECT_EQ(Counted(Sampling(), {"1.234.567"}).dotCount, 1u);
+  EXPECT_EQ(Counted(Sampling(), {"1.234.567"}).decimals, 0);
+  DetectionRules swapping = Worker();
+  swapping.swapDecimal = true;
+  swapping.decimalCharacter = ',';
+  EXPECT_EQ(Counted(swapping, {"1,234,567"}).commaCount, 1u);
+  EXPECT_EQ(Counted(swapping, {"1,234,567"}).decimals, 0);
 }
 
 TEST(DetectionCounters, OneMoreDecimalWidensANumberThatIsNoLonger) {
