@@ -2,7 +2,8 @@
 // host's code page, the rules, how the fields are shared out to workers, and the threshold; the
 // others are the fields, a NUL behind each. The classifier, with its automata and fast ways, is
 // compared with strtod and the bare regular expressions, the counters with the naive reader's, and
-// those of workers, merged in any order, with each other and with the sampling pass.
+// those of workers, merged in any order, with each other and with the sampling pass. The fields as
+// the lines of a file give both engines' imports the variable of the naive count.
 
 #include <algorithm>
 #include <clocale>
@@ -11,9 +12,11 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "HostFramework/embedded/data/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "detection/DetectionCounters.h"
 #include "detection/RegExMappings.h"
@@ -21,6 +24,7 @@
 #include "detection/ValueClassifier.h"
 #include "fuzz/FuzzTarget.h"
 #include "tests/differential/NaiveDetection.h"
+#include "tests/support/ImportRun.h"
 
 namespace {
 
@@ -172,6 +176,45 @@ TxtWzVar CountOnWorkers(Tables& tables, const DetectionRules& rules,
   return counted;
 }
 
+bool MakesLines(const std::vector<std::string>& fields) {
+  if (fields.empty()) return false;
+  for (const std::string_view mark : {"\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF"}) {
+    if (fields[0].starts_with(mark)) return false;
+  }
+  return std::all_of(fields.begin(), fields.end(), [](const std::string& field) {
+    return field.find_first_of("\n\r\x01") == std::string::npos;
+  });
+}
+
+// Imports the fields, one a line, as a variable whose type is to be found.
+void CompareImports(Tables& tables, const std::vector<std::string>& fields, double percentage) {
+  constexpr const char* kPath = "fuzz.txt";
+  std::string bytes;
+  for (const std::string& field : fields) bytes += field + "\n";
+  const embedded::ScopedMemoryFiles files(kPath, bytes);
+  std::ostringstream command;
+  command << "GET DATA /TYPE=TXT /FILE='" << kPath
+          << "' /DELIMITERS='\x01' /DATATYPEMIN PERCENTAGE=" << percentage << " /VARIABLES=v AUTO.";
+  for (const bool oneThread : {true, false}) {
+    const whole::ScopedOneThreadDetection detection(oneThread);
+    const embedded::ScopedBlockSize block(oneThread ? 1 : 0);
+    const whole::Import import(command.str(), 2);
+    fuzz::Require(import.made(), "the command fails: " + command.str());
+    naive::CountingRules rules;
+    rules.worker = !oneThread;
+    const bool readsComma = *std::localeconv()->decimal_point == ',';
+    if (!oneThread && readsComma) rules.swapped = '.';
+    TxtWzVar counted, expected;
+    if (oneThread) counted.width = counted.maxStringLength = 1;
+    for (const std::string& field : fields) tables.naive.Count(field, rules, counted);
+    expected.width = expected.maxStringLength = 1;
+    naive::Detection::Merge(counted, expected);
+    tables.naive.Settle(expected, percentage);
+    RequireSame(*import.source().variables().at(0), expected,
+                oneThread ? "import on one thread" : "import on workers");
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -197,6 +240,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   rules.pass = DetectionPass::kWorker;
   rules.swapDecimal = (data[1] & 16U) != 0;
   rules.decimalCharacter = data[1] & 32U ? ',' : '.';
+  if ((data[1] & 64U) != 0 && percentage > 50 && MakesLines(fields)) {
+    CompareImports(tables, fields, percentage);
+  }
   const TxtWzVar merged = CountOnWorkers(tables, rules, fields, data[2], percentage);
   // A short text can be a date only where a layout was adopted.
   const auto isShort = [](const std::string& field) { return field.size() < 3; };
