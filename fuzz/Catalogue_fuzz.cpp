@@ -3,7 +3,6 @@
 // and with the same texts; the file put in use gives the same texts, and messages with arguments
 // are those texts filled. A first byte of 0xFF makes the file larger than a catalogue may be.
 
-#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <map>
@@ -185,8 +184,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   RequireInUse(texts);
   if (tooLarge) {
     // What cannot be a catalogue leaves the one in use.
-    const fuzz::MemoryFile large(
-        text + std::string(kLargestFile + 1 - std::min(size, kLargestFile), '\n') + text);
+    const fuzz::MemoryFile large(std::string(kLargestFile + 1, '\n') + text);
     fuzz::Require(!embedded::LoadCatalogue(large.path().c_str(), &problems) && !problems.empty(),
                   "too large a file was taken");
     RequireInUse(texts);
