@@ -15,9 +15,10 @@
  * set in one section of fStateMutex, changes in one step. Waiting for a semaphore or a mutex shares
  * the step of the access that follows, posting one and giving back the other that of the access
  * before: what other threads do in between could as well be done before or after. What a thread
- * does to its own members, or to a batch that it has been handed, shares a step, too; fOwner, which
- * the code does not have, shows that nobody else has the batch meanwhile. Values that nobody will
- * look at any more are forgotten, so that states which differ in nothing else are one state.
+ * does to its own members, or to a batch that it has been handed, shares a step, too; the owners,
+ * which the code does not have, show that nobody else has a worker's batch meanwhile. Values that
+ * nobody will look at any more are forgotten, so that states which differ in nothing else are one
+ * state.
  *
  * What is left out: the contents of records, cases and counters (a record is its number in the
  * file, from 1); notes and messages (they belong to the batch); positions asked for ahead (cases
@@ -70,14 +71,11 @@
 #define kStop 2
 #define kExited 3
 
-/* fOwner */
+/* fRecordsOwner, fCasesOwner */
 #define kNobody 0
 #define kReader 1
 #define kWorker 2
 #define kHost 3
-
-/* fConsumed: no worker */
-#define kNone SLOTS
 
 typedef TextDataIteratorThread {
   byte fCommand = kNew;
@@ -88,15 +86,17 @@ typedef TextDataIteratorThread {
   byte fFreeSemaphore;
   bool fControlMutex;
   byte fState = kAvailable;
-  /* The batch. Of its first record, the number in the file: in the text and in what the worker has
-     made of the text. */
-  byte fOwner = kNobody;
+  /* fRecords: of its first record, the number in the file. */
+  byte fRecordsOwner = kNobody;
   byte fText;
+  byte fTextCount;
+  byte fTextFirstCase;
+  /* fCases: the same for what the worker has made of the text. */
+  byte fCasesOwner = kNobody;
   byte fCases;
   byte fCounted;
   byte fRecordCount;
   byte fFirstCase;
-  byte fConsumeIndex;
   bool fFailed
 };
 
@@ -127,11 +127,13 @@ bool cutShort;
 /* Never more than the token of a batch and that of the stop procedure. */
 #define POST(semaphore) semaphore++; assert(semaphore <= 2)
 
-#define TAKE(i, who) assert(worker[i].fOwner == kNobody); worker[i].fOwner = who
-#define LEAVE(i, who) assert(worker[i].fOwner == who); worker[i].fOwner = kNobody
-#define FORGET(i) \
-  worker[i].fText = 0; worker[i].fCases = 0; worker[i].fCounted = 0; worker[i].fRecordCount = 0; \
-  worker[i].fFirstCase = 0; worker[i].fConsumeIndex = 0; worker[i].fFailed = false
+#define TAKE(owner, who) assert(owner == kNobody); owner = who
+#define LEAVE(owner, who) assert(owner == who); owner = kNobody
+#define FORGET_RECORDS(i) \
+  worker[i].fText = 0; worker[i].fTextCount = 0; worker[i].fTextFirstCase = 0
+#define FORGET_CASES(i) \
+  worker[i].fCases = 0; worker[i].fCounted = 0; worker[i].fRecordCount = 0; \
+  worker[i].fFirstCase = 0; worker[i].fFailed = false
 
 /* The command of a stopped slot has been raised before. */
 #define SET_STATE(i, to) \

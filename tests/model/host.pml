@@ -13,8 +13,21 @@ inline Start() {
   fi
 }
 
-/* Sets fConsumed when there is a batch, otherwise `ended`. */
-inline WaitForBatch() {
+/* Leaves the number of the slot in fReleased. */
+inline ReleaseSlot() {
+  d_step {
+    fReleased = fCurrentThread;
+    fCurrentThread = (fCurrentThread + 1) % SLOTS;
+    SET_STATE(fReleased, kFreed);
+#ifndef RELEASED_BEFORE_TAKEN
+    POST(worker[fReleased].fFreeSemaphore)
+#endif
+  }
+  d_step { SET_STATE(fReleased, kAvailable) }
+}
+
+/* Leaves the batch of the current slot in fTaken..., or sets `ended` when there is none. */
+inline TakeBatch() {
 #ifdef NEXT_AFTER_END_WAITS
   /* fault NEXT_AFTER_END_WAITS (deadlock): as long as no case has been delivered every call waits
      for the reader to begin, so asking again after the end of an empty file waits for ever */
@@ -51,36 +64,28 @@ inline WaitForBatch() {
       :: d_step {
           worker[fCurrentThread].fState != kStopped ->
 #ifdef RELEASED_BEFORE_TAKEN
-          /* fault RELEASED_BEFORE_TAKEN (assertion): the host's thread gives a batch back before it
+          /* fault RELEASED_BEFORE_TAKEN (assertion): the host's thread gives a slot back before it
              has taken the cases */
           POST(worker[fCurrentThread].fFreeSemaphore);
 #endif
-          fConsumed = fCurrentThread;
-          TAKE(fConsumed, kHost)
+          TAKE(worker[fCurrentThread].fCasesOwner, kHost)
         }
+        d_step {
+          fTaken = worker[fCurrentThread].fCases;
+          fTakenCounted = worker[fCurrentThread].fCounted;
+          fTakenCount = worker[fCurrentThread].fRecordCount;
+          fTakenFirstCase = worker[fCurrentThread].fFirstCase;
+          fTakenFailed = worker[fCurrentThread].fFailed;
+          fConsumeIndex = 0;
+          FORGET_CASES(fCurrentThread);
+          LEAVE(worker[fCurrentThread].fCasesOwner, kHost)
+        }
+        WHEN(!fTakenFailed, ReleaseSlot());
         break
       :: worker[fCurrentThread].fState == kStopped
       fi
     fi
   od
-}
-
-/* Leaves the number of the slot in fReleased. */
-inline ReleaseBatch() {
-  d_step {
-    LEAVE(fConsumed, kHost);
-    fReleased = fConsumed;
-    fConsumed = kNone;
-    fCurrentThread = (fCurrentThread + 1) % SLOTS;
-#ifndef COUNT_AFTER_RELEASE
-    FORGET(fReleased);
-#endif
-    SET_STATE(fReleased, kFreed);
-#ifndef RELEASED_BEFORE_TAKEN
-    POST(worker[fReleased].fFreeSemaphore)
-#endif
-  }
-  d_step { SET_STATE(fReleased, kAvailable) }
 }
 
 /* The record taken next from the batch is the next one of the file. */
@@ -92,27 +97,30 @@ inline Next() {
 #endif
   do
   :: ended -> break
-  :: !ended && fConsumed == kNone -> WaitForBatch()
-  :: !ended && fConsumed != kNone ->
+  :: !ended ->
     if
     :: d_step {
-        worker[fConsumed].fConsumeIndex < worker[fConsumed].fRecordCount ->
-        CHECK_RECORD(worker[fConsumed].fCases + worker[fConsumed].fConsumeIndex);
-        CHECK_RECORD(worker[fConsumed].fFirstCase + worker[fConsumed].fConsumeIndex + 1);
-        worker[fConsumed].fConsumeIndex++;
+        fConsumeIndex < fTakenCount ->
+        CHECK_RECORD(fTaken + fConsumeIndex);
+        CHECK_RECORD(fTakenFirstCase + fConsumeIndex + 1);
+        fConsumeIndex++;
         delivered++
       }
       break
-    :: worker[fConsumed].fConsumeIndex < worker[fConsumed].fRecordCount ->
+    :: fConsumeIndex < fTakenCount ->
       /* No memory for what there is to say of the record. */
       fault = true;
       cutShort = true;
       fFailed = true;
       ended = true
-    :: worker[fConsumed].fConsumeIndex >= worker[fConsumed].fRecordCount ->
+    :: fConsumeIndex >= fTakenCount ->
       if
-      :: worker[fConsumed].fFailed -> fFailed = true; ended = true
-      :: else -> ReleaseBatch()
+      :: fTakenFailed -> fFailed = true; ended = true
+      :: else ->
+        d_step {
+          fTaken = 0; fTakenCounted = 0; fTakenCount = 0; fTakenFirstCase = 0; fConsumeIndex = 0
+        }
+        TakeBatch()
       fi
     fi
   od
@@ -121,24 +129,22 @@ inline Next() {
 /* Takes batches until the end, or until the user interrupts. */
 inline GetAutoNext() {
   do
-  :: WaitForBatch();
+  :: TakeBatch();
     WHEN(ended, break);
     d_step {
-      WHEN(worker[fConsumed].fCounted > 0, CHECK_RECORD(worker[fConsumed].fCases));
-      merged = merged + worker[fConsumed].fCounted;
-#ifndef COUNT_AFTER_RELEASE
-      delivered = delivered + worker[fConsumed].fRecordCount;
-      assert(merged == delivered)
-#endif
-    }
-    WHEN(worker[fConsumed].fFailed, fFailed = true; ended = true; break);
-    ReleaseBatch();
+      WHEN(fTakenCounted > 0, CHECK_RECORD(fTaken));
+      merged = merged + fTakenCounted;
 #ifdef COUNT_AFTER_RELEASE
-    /* fault COUNT_AFTER_RELEASE (assertion): the records of a batch are counted when the reader may
-       be filling the next one */
-    delivered = delivered + worker[fReleased].fRecordCount;
-    assert(merged == delivered);
+      /* fault COUNT_AFTER_RELEASE (assertion): the records of a batch are counted in its slot, which
+         the reader may be filling again */
+      delivered = delivered + worker[fReleased].fRecordCount;
+#else
+      delivered = delivered + fTakenCount;
 #endif
+      assert(merged == delivered);
+      fTaken = 0; fTakenCounted = 0; fTakenCount = 0; fTakenFirstCase = 0
+    }
+    WHEN(fTakenFailed, fFailed = true; ended = true; break);
     if
     :: true
     :: true ->
@@ -160,14 +166,14 @@ inline Destroy() {
 #endif
   d_step {
     RAISE_READER_STATE(kStopping);
-    WHEN(fConsumed != kNone, LEAVE(fConsumed, kHost));
     /* From here on only how the threads end is looked at. */
     i = 0;
     do
-    :: i < SLOTS -> FORGET(i); i++
+    :: i < SLOTS -> FORGET_RECORDS(i); FORGET_CASES(i); i++
     :: else -> break
     od;
-    fConsumed = kNone; fCurrentThread = 0; fReleased = 0; fEndOfData = false;
+    fTaken = 0; fTakenCounted = 0; fTakenCount = 0; fTakenFirstCase = 0; fTakenFailed = false;
+    fConsumeIndex = 0; fCurrentThread = 0; fReleased = 0; fEndOfData = false;
     asks = false; ended = false; delivered = 0; merged = 0; detection = false;
     recordsRead = 0; fCasesSent = 0; fFailed = false; fault = false; cutShort = false
   }
@@ -196,7 +202,13 @@ inline Destroy() {
 init {
   byte fCurrentThread;
   byte fReleased;
-  byte fConsumed = kNone;
+  /* The batch that is being delivered. */
+  byte fTaken;
+  byte fTakenCounted;
+  byte fTakenCount;
+  byte fTakenFirstCase;
+  bool fTakenFailed;
+  byte fConsumeIndex;
   byte delivered;
   byte merged;
   byte i;

@@ -56,6 +56,21 @@ inline MakeWorker(i) {
   fi
 }
 
+/* Sets `filled` when there is a batch, which may be empty. */
+inline FillBatch() {
+  if
+  :: GiveUp()
+  :: count = 0;
+    fBatch = recordsRead;
+    do
+    :: fPending && count < 2 -> count++; ReadRecord()
+    :: !fPending || count > 0 || !fOversize -> break
+    od;
+    fOversize = count == 0;
+    filled = true
+  fi
+}
+
 #ifdef FREED_SLOT_NOT_AWAITED
 /* fault FREED_SLOT_NOT_AWAITED (assertion): the reader fills a slot before the host's thread has
    made it available, which it then does when the worker is converting */
@@ -65,23 +80,12 @@ inline MakeWorker(i) {
 #endif
 
 /* Sets `sent` when the batch has been handed over. */
-inline FillBatch(i) {
+inline SendBatch(i) {
   if
   :: worker[i].fState == kStopped
-  :: FILLABLE(i) -> GiveUp()
-  :: d_step {
-      FILLABLE(i) ->
-      TAKE(i, kReader);
-      worker[i].fText = recordsRead;
-      worker[i].fRecordCount = 0
-    }
-    do
-    :: fPending && count < 2 -> count++; ReadRecord()
-    :: !fPending || count > 0 || !fOversize -> break
-    od;
-    fOversize = count == 0;
+  :: FILLABLE(i) ->
     if
-    :: d_step { fReaderState != kReading -> LEAVE(i, kReader) }
+    :: fReaderState != kReading
     :: fReaderState == kReading ->
 #ifdef COMMAND_LOWERED
       /* fault COMMAND_LOWERED (deadlock): the command to convert replaces one to stop that has been
@@ -91,23 +95,29 @@ inline FillBatch(i) {
 #else
 #define CONVERTS worker[i].fCommand < kStop
 #endif
-      d_step {
-        worker[i].fRecordCount = count;
-        worker[i].fFirstCase = fCasesSent;
-        worker[i].fConsumeIndex = 0;
-        LEAVE(i, kReader);
-        if
-        :: CONVERTS ->
-          worker[i].fCommand = kConvert;
-          POST(worker[i].fWorkSemaphore);
-          fInFlight++;
-          fCasesSent = fCasesSent + count;
-          sent = true
-        :: else
-        fi
-      }
-    fi;
-    count = 0
+      if
+      :: worker[i].fCommand >= kStop
+      :: d_step {
+          worker[i].fCommand < kStop ->
+          TAKE(worker[i].fRecordsOwner, kReader);
+          worker[i].fText = fBatch;
+          worker[i].fTextCount = count;
+          worker[i].fTextFirstCase = fCasesSent
+        }
+        d_step {
+          LEAVE(worker[i].fRecordsOwner, kReader);
+          if
+          :: CONVERTS ->
+            worker[i].fCommand = kConvert;
+            POST(worker[i].fWorkSemaphore);
+            fInFlight++;
+            fCasesSent = fCasesSent + count;
+            sent = true
+          :: else
+          fi
+        }
+      fi
+    fi
   fi
 }
 
@@ -116,20 +126,24 @@ inline WalkRing() {
   :: fReaderState != kReading -> break
   :: fReaderState == kReading ->
     if
-    :: fThreads[slot] ->
+    :: fThreads[slot] -> have = true
+    :: else -> isNew = true; WHEN(fPending, MakeWorker(slot))
+    fi;
+    WHEN(have && fPending, FillBatch());
+    if
+    :: have && !isNew ->
       d_step {
 #ifndef FREE_NOT_AWAITED
-        /* fault FREE_NOT_AWAITED (assertion): the reader fills a batch that has not been given
-           back */
+        /* fault FREE_NOT_AWAITED (assertion): the reader hands over a batch when the one before has
+           not been given back */
         WAIT(worker[slot].fFreeSemaphore);
 #endif
         assert(fInFlight > 0);
-        fInFlight--;
-        have = true
+        fInFlight--
       }
-    :: else -> WHEN(fPending, MakeWorker(slot))
+    :: else
     fi;
-    WHEN(have && fPending, WHEN(fReaderState == kReading, FillBatch(slot)));
+    WHEN(filled, SendBatch(slot));
     if
     :: sent
     :: else ->
@@ -150,7 +164,10 @@ inline WalkRing() {
       d_step { WHEN(fInFlight == 0, RAISE_READER_STATE(kStopping)) }
 #endif
     fi;
-    d_step { have = false; sent = false; slot = (slot + 1) % SLOTS }
+    d_step {
+      have = false; isNew = false; filled = false; sent = false; count = 0; fBatch = 0;
+      slot = (slot + 1) % SLOTS
+    }
   od
 }
 
@@ -159,8 +176,12 @@ proctype Reader() {
   bool fOversize;
   byte fInFlight;
   byte slot;
+  /* The batch that is being filled: its first record and how many. */
+  byte fBatch;
   byte count;
   bool have;
+  bool isNew;
+  bool filled;
   bool sent;
   bool gaveUp;
   bool stops;

@@ -58,10 +58,13 @@ proctype Worker(byte i) {
     :: worker[i].fCommand != kConvert -> break
     :: d_step {
         worker[i].fCommand == kConvert ->
-        TAKE(i, kWorker);
+        TAKE(worker[i].fRecordsOwner, kWorker);
+        TAKE(worker[i].fCasesOwner, kWorker);
         assert(worker[i].fState == kConverting);
         worker[i].fCases = worker[i].fText;
-        worker[i].fText = 0
+        worker[i].fRecordCount = worker[i].fTextCount;
+        worker[i].fFirstCase = worker[i].fTextFirstCase;
+        FORGET_RECORDS(i)
       }
     fi;
     atomic {
@@ -73,7 +76,8 @@ proctype Worker(byte i) {
       d_step {
         worker[i].fCounted = worker[i].fRecordCount;
         assert(worker[i].fState == kConverting);
-        LEAVE(i, kWorker);
+        LEAVE(worker[i].fRecordsOwner, kWorker);
+        LEAVE(worker[i].fCasesOwner, kWorker);
         SET_STATE(i, kConverted);
         POST(worker[i].fDoneSemaphore)
       }

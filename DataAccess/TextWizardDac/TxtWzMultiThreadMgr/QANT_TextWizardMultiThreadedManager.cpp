@@ -128,18 +128,26 @@ void QANT_TextWizardMultiThreadedManager::EndPass() {
 }
 
 const OBS* QANT_TextWizardMultiThreadedManager::GetNextObsArray() {
-  while (fConsumed || (fConsumed = WaitForBatch())) {
-    if (const OBS* const nextCase = fConsumed->GetNextOBSPointer()) {
-      TakeNotes(*fConsumed);
+  do {
+    if (const OBS* const nextCase = fTaken.GetNextOBSPointer()) {
+      TakeNotes();
       return nextCase;
     }
-    if (fConsumed->failed()) {
+    if (fTaken.failed()) {
       fFailed.store(true);
       return nullptr;
     }
-    ReleaseBatch(*fConsumed);
-  }
+  } while (TakeBatch());
   return nullptr;
+}
+
+bool QANT_TextWizardMultiThreadedManager::TakeBatch() {
+  TextDataIteratorThread* const worker = WaitForBatch();
+  if (!worker) return false;
+  worker->TakeBatch(fTaken);
+  // Nothing behind a failure is wanted.
+  if (!fTaken.failed()) ReleaseSlot(*worker);
+  return true;
 }
 
 TextDataIteratorThread* QANT_TextWizardMultiThreadedManager::WaitForBatch() {
@@ -158,20 +166,19 @@ TextDataIteratorThread* QANT_TextWizardMultiThreadedManager::WaitForBatch() {
   }
 }
 
-void QANT_TextWizardMultiThreadedManager::ReleaseBatch(TextDataIteratorThread& worker) {
-  fConsumed = nullptr;
+void QANT_TextWizardMultiThreadedManager::ReleaseSlot(TextDataIteratorThread& worker) {
   fCurrentThread = (fCurrentThread + 1) % fThreads.size();
   worker.SetState(TextDataIteratorThread::kFreed);
   worker.PostFree();
   worker.SetState(TextDataIteratorThread::kAvailable);
 }
 
-void QANT_TextWizardMultiThreadedManager::TakeNotes(TextDataIteratorThread& worker) {
-  while (const BatchNote* const note = worker.NextNote()) {
+void QANT_TextWizardMultiThreadedManager::TakeNotes() {
+  while (const BatchNote* const note = fTaken.NextNote()) {
     switch (note->kind) {
       case BatchNote::kUndecodable:
         if (ErrorMonitor* monitor = Monitor()) {
-          monitor->Report(UndecodableWarning(worker.CaseNumber(*note), note->detail));
+          monitor->Report(UndecodableWarning(fTaken.CaseNumber(*note), note->detail));
         }
         break;
       case BatchNote::kMissingStored:
@@ -203,18 +210,17 @@ std::int64_t QANT_TextWizardMultiThreadedManager::PerformAutoDetection(TxtWzVar*
 
 bool QANT_TextWizardMultiThreadedManager::GetAutoNext() {
   std::int64_t lastThousands = 0;
-  while (TextDataIteratorThread* const worker = WaitForBatch()) {
-    const std::vector<TxtWzVar>& counters = worker->TakeCounters();
-    for (std::size_t i = 0; i < counters.size(); ++i) {
-      DetectionCounters::Merge(counters[i], *fAutoVariables[fPlan.autoVariables[i]]);
+  while (TakeBatch()) {
+    for (std::size_t i = 0; i < fTaken.counters.size(); ++i) {
+      DetectionCounters::Merge(fTaken.counters[i], *fAutoVariables[fPlan.autoVariables[i]]);
     }
-    TakeNotes(*worker);
-    fCaseNumber += worker->recordCount();
-    if (worker->failed()) {
+    fTaken.TakeAll();
+    TakeNotes();
+    fCaseNumber += fTaken.recordCount();
+    if (fTaken.failed()) {
       fFailed.store(true);
       break;
     }
-    ReleaseBatch(*worker);
     if (fCaseNumber / 1000 <= lastThousands) continue;
     lastThousands = fCaseNumber / 1000;
     ReportCaseCount(static_cast<std::int32_t>(lastThousands * 1000));

@@ -3,8 +3,9 @@
 // and the host's thread, which takes the results out of the ring in the order of the file.
 //
 // The reader fills the slots of the ring one after another and fills a slot again once the host's
-// thread has given it back; the host's thread empties one slot before it goes to the next. So the
-// cases keep their order, and at most one batch a slot is in memory.
+// thread has given it back; the host's thread goes round in the same order. So the cases keep their
+// order, and in memory is one batch a slot, the next one of the reader, and the one that the host's
+// thread delivers.
 #pragma once
 
 #include <atomic>
@@ -77,11 +78,14 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   const OBS* GetNextObsArray();
   // Adds up batch after batch; true only when the user interrupted.
   bool GetAutoNext();
+  // Takes the next batch out of the ring into fTaken, once its worker has finished it; false at the
+  // end of the pass.
+  bool TakeBatch();
   // The worker whose batch is next, once it has finished it; null at the end of the pass.
   TextDataIteratorThread* WaitForBatch();
-  // Gives the batch of the current slot back to the reader and goes to the next slot.
-  void ReleaseBatch(TextDataIteratorThread& worker);
-  void TakeNotes(TextDataIteratorThread& worker);
+  // Gives the current slot back to the reader and goes to the next one.
+  void ReleaseSlot(TextDataIteratorThread& worker);
+  void TakeNotes();
   void ReportCaseCount(std::int32_t count);
   ErrorMonitor* Monitor() const;
 
@@ -92,9 +96,11 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   void ReadRecord();
   // A worker for the slot, started; null, with the pass given up, when that is not possible.
   TextDataIteratorThread* MakeWorker(std::size_t slot);
-  // Puts as many records as fit into the worker's batch and hands it over; false when it was not
-  // handed over.
-  bool FillBatch(TextDataIteratorThread& worker);
+  // Puts as many records as fit into fBatch, whose text is for `worker`; false when there is no
+  // memory for it.
+  bool FillBatch(const TextDataIteratorThread& worker);
+  // Hands fBatch to the worker; false when that has been stopped.
+  bool SendBatch(TextDataIteratorThread& worker);
   // The pass cannot go on: what has been read is delivered, then the host's thread reports it.
   void GiveUp();
 
@@ -124,13 +130,15 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   std::string_view fRecord;
   // The pending record did not fit an empty batch: the next one is made for it.
   bool fOversize = false;
+  // Read while its slot is still being converted.
+  RecordBatch fBatch;
   std::int64_t fCasesSent = 0;
   std::size_t fInFlight = 0;
 
   // Host's thread only.
   std::size_t fCurrentThread = 0;
-  // The worker whose cases are being taken; null between two batches.
-  TextDataIteratorThread* fConsumed = nullptr;
+  // The batch that is being delivered while its slot is filled again.
+  CaseBatch fTaken;
   std::int64_t fCaseNumber = 0;
   std::int64_t fTargetCase = 0;
   bool fEndOfData = false;

@@ -25,14 +25,15 @@ void QANT_TextWizardMultiThreadedManager::threadMain() {
 void QANT_TextWizardMultiThreadedManager::WalkRing() {
   for (std::size_t slot = 0; fReaderState.load() == kReading; slot = (slot + 1) % fThreads.size()) {
     TextDataIteratorThread* worker = fThreads[slot].load();
+    const bool isNew = !worker;
+    if (isNew && fPending) worker = MakeWorker(slot);
     if (worker) {
-      worker->WaitFree();
-      --fInFlight;
-    } else if (fPending) {
-      worker = MakeWorker(slot);
-    }
-    if (worker) {
-      if (fPending && fReaderState.load() == kReading && FillBatch(*worker)) continue;
+      const bool filled = fPending && FillBatch(*worker);
+      if (!isNew) {
+        worker->WaitFree();
+        --fInFlight;
+      }
+      if (filled && SendBatch(*worker)) continue;
       worker->Stop();
     }
     if (fInFlight == 0) RaiseReaderState(kStopping);
@@ -88,27 +89,32 @@ TextDataIteratorThread* QANT_TextWizardMultiThreadedManager::MakeWorker(std::siz
   return worker;
 }
 
-bool QANT_TextWizardMultiThreadedManager::FillBatch(TextDataIteratorThread& worker) {
+bool QANT_TextWizardMultiThreadedManager::FillBatch(const TextDataIteratorThread& worker) {
+  const std::size_t room =
+      fOversize ? std::max(worker.textLimit(), fRecord.size() + 2) : worker.textLimit();
+  if (!fBatch.Begin(room)) {
+    GiveUp();
+    return false;
+  }
+  const auto full = [this] { return fBatch.recordCount() >= fPlan.maxRecords; };
+  while (fPending && !full() && fBatch.Append(fRecord)) {
+    fBatch.AppendRun(fReader, fPlan.maxRecords - fBatch.recordCount());
+    ReadRecord();
+  }
+  fOversize = fBatch.recordCount() == 0;
+  fBatch.End(fCasesSent, fReader.isUtf16());
+  return true;
+}
+
+bool QANT_TextWizardMultiThreadedManager::SendBatch(TextDataIteratorThread& worker) {
   TextDataIteratorThread::State state = worker.state();
   // The host's thread makes a slot available right after it has said that it is free.
   for (PatientWait wait; state == TextDataIteratorThread::kFreed; state = worker.state()) {
     wait.Pause();
   }
-  if (state == TextDataIteratorThread::kStopped) return false;
-  const std::size_t room =
-      fOversize ? std::max(worker.textLimit(), fRecord.size() + 2) : worker.textLimit();
-  if (!worker.BeginBatch(room)) {
-    GiveUp();
-    return false;
-  }
-  std::uint32_t records = 0;
-  while (fPending && records < fPlan.maxRecords && worker.AppendRecord(fRecord)) {
-    ++records;
-    records += worker.AppendRun(fReader, fPlan.maxRecords - records);
-    ReadRecord();
-  }
-  fOversize = records == 0;
-  if (fReaderState.load() != kReading || !worker.SendBatch(fCasesSent, fReader.isUtf16())) {
+  const std::uint32_t records = fBatch.recordCount();
+  if (state == TextDataIteratorThread::kStopped || fReaderState.load() != kReading ||
+      !worker.SendBatch(fBatch)) {
     return false;
   }
   ++fInFlight;

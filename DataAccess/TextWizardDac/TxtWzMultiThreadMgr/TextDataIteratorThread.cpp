@@ -70,27 +70,10 @@ void TextDataIteratorThread::Stop() {
   fFreeSemaphore.post();
 }
 
-bool TextDataIteratorThread::BeginBatch(std::size_t bytes) {
-  // The exact size: a buffer that grew for one record is given back after it.
-  if (bytes != fTextCapacity) {
-    fText.reset();
-    fTextCapacity = 0;
-    fText.reset(new (std::nothrow) char[bytes + kReadableCells]);
-    if (!fText) return false;
-    std::memset(fText.get() + bytes, 0, kReadableCells);
-    fTextCapacity = bytes;
-  }
-  fTextUsed = 0;
-  fRecordCount = 0;
-  return true;
-}
-
-bool TextDataIteratorThread::SendBatch(std::int64_t firstCase, bool decoded) {
-  fText[fTextUsed] = '\0';
-  fFirstCase = firstCase;
-  fDecoded = decoded;
-  fConsumeIndex = 0;
+bool TextDataIteratorThread::SendBatch(RecordBatch& batch) {
   std::int32_t now = fCommand.load();
+  if (now >= kStop) return false;
+  std::swap(fRecords, batch);
   while (now < kStop) {
     if (fCommand.compare_exchange_weak(now, kConvert)) {
       fWorkSemaphore.post();
@@ -98,17 +81,6 @@ bool TextDataIteratorThread::SendBatch(std::int64_t firstCase, bool decoded) {
     }
   }
   return false;
-}
-
-const OBS* TextDataIteratorThread::GetNextOBSPointer() {
-  if (fConsumeIndex >= fRecordCount) return nullptr;
-  const std::size_t cells = fPlan.caseBytes / sizeof(OBS);
-  return fCases.get() + cells * fConsumeIndex++;
-}
-
-const std::vector<TxtWzVar>& TextDataIteratorThread::TakeCounters() {
-  fConsumeIndex = fRecordCount;
-  return fAutoVars;
 }
 
 void TextDataIteratorThread::threadMain() {
@@ -126,56 +98,53 @@ void TextDataIteratorThread::threadMain() {
 
 void TextDataIteratorThread::ConvertBatch() {
   fConvertIndex = 0;
+  bool failed = false;
+  fCases.Begin(fRecords.firstCase());
   try {
     PrepareBatch();
-    const std::string_view text(fText.get(), fTextUsed);
-    const bool byteText = fSplitter.CutsByBytes(text);
-    std::size_t cursor = 0;
-    for (; fConvertIndex < fRecordCount; ++fConvertIndex) {
-      cursor = StartRecord(text, cursor, byteText);
-      if (fPlan.detection) {
-        DetectRecord();
-      } else {
-        ConvertRecord();
-      }
-    }
+    ConvertRecords();
   } catch (...) {
     // Lack of memory, in whatever form a library reports it.
-    fRecordCount = fConvertIndex;
-    fFailed = true;
+    failed = true;
+  }
+  fCases.End(fConvertIndex, failed);
+  for (const BatchNote& note : fCases.notes()) {
+    if (note.kind != BatchNote::kUndecodable) fFlagNoted[note.detail * 2 + (note.kind & 1)] = 0;
   }
 }
 
 void TextDataIteratorThread::PrepareBatch() {
-  for (const BatchNote& note : fNotes) {
-    if (note.kind != BatchNote::kUndecodable) fFlagNoted[note.detail * 2 + (note.kind & 1)] = 0;
-  }
-  fNotes.clear();
-  fNextNote = 0;
   fTextMarked = false;
-  if (fPlan.detection) {
-    if (!fRegEx) {
-      fRegEx.emplace();
-      fCounters.emplace(*fRegEx, fPlan.detectionRules);
-      fAutoVars.resize(fPlan.autoVariables.size());
-    }
-    for (TxtWzVar& variable : fAutoVars) variable.ClearAllValues();
+  if (!fPlan.detection) {
+    fCases.MakeRoom(fRecords.recordCount(), fPlan.caseBytes / sizeof(OBS));
     return;
   }
-  const std::size_t cells = fPlan.caseBytes / sizeof(OBS) * fRecordCount;
-  if (cells > fCaseCells || !fCases) {
-    fCases.reset();
-    fCaseCells = 0;
-    fCases.reset(new OBS[cells]);
-    fCaseCells = cells;
+  if (!fRegEx) {
+    fRegEx.emplace();
+    fCounters.emplace(*fRegEx, fPlan.detectionRules);
+  }
+  fCases.counters.resize(fPlan.autoVariables.size());
+  for (TxtWzVar& variable : fCases.counters) variable.ClearAllValues();
+}
+
+void TextDataIteratorThread::ConvertRecords() {
+  const bool byteText = fSplitter.CutsByBytes(fRecords.text());
+  std::size_t cursor = 0;
+  for (; fConvertIndex < fRecords.recordCount(); ++fConvertIndex) {
+    cursor = StartRecord(cursor, byteText);
+    if (fPlan.detection) {
+      DetectRecord();
+    } else {
+      ConvertRecord();
+    }
   }
 }
 
-std::size_t TextDataIteratorThread::StartRecord(std::string_view text, std::size_t cursor,
-                                                bool byteText) {
+std::size_t TextDataIteratorThread::StartRecord(std::size_t cursor, bool byteText) {
+  const std::string_view text = fRecords.text();
   const std::size_t end = text.find('\n', cursor);
   const std::string_view raw = text.substr(cursor, end - cursor);
-  const std::string_view record = fDecoded ? raw : fDecoder.Decode8(raw);
+  const std::string_view record = fRecords.decoded() ? raw : fDecoder.Decode8(raw);
   if (byteText && record.data() == raw.data()) {
     if (!fTextMarked) fSplitter.SetByteText(text);
     fTextMarked = true;
@@ -188,8 +157,9 @@ std::size_t TextDataIteratorThread::StartRecord(std::string_view text, std::size
 }
 
 void TextDataIteratorThread::ConvertRecord() {
-  fCurrentCase = reinterpret_cast<unsigned char*>(fCases.get()) + fPlan.caseBytes * fConvertIndex;
-  if (fPlan.clearCases) ClearCase(fPlan.source, reinterpret_cast<OBS*>(fCurrentCase));
+  OBS* const nextCase = fCases.Case(fConvertIndex);
+  fCurrentCase = reinterpret_cast<unsigned char*>(nextCase);
+  if (fPlan.clearCases) ClearCase(fPlan.source, nextCase);
   for (const FieldTask *task = fPlan.fields.data(), *end = task + fPlan.fields.size();
        task != end;) {
     const std::size_t cut = GetNextVars(static_cast<std::size_t>(end - task));
@@ -217,7 +187,7 @@ inline void TextDataIteratorThread::ConvertVar(std::string_view field, const Fie
 inline void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTask& task) {
   unsigned char* const cells = fCurrentCase + task.offset;
   if (text.size() <= task.cellWidth) {
-    if (task.cellBytes <= kReadableCells && IsInBatch(text)) {
+    if (task.cellBytes <= kReadableCells && fRecords.Contains(text)) {
       return StoreReadableText(text, cells, task.cellBytes);
     }
     return StoreText(text, cells, task.cellBytes);
@@ -240,19 +210,19 @@ void TextDataIteratorThread::DetectRecord() {
 }
 
 inline void TextDataIteratorThread::AutoDetectVar(std::string_view field) {
-  TxtWzVar& variable = fAutoVars[fAutoSeen++];
+  TxtWzVar& variable = fCases.counters[fAutoSeen++];
   if (!field.empty()) fCounters->Count(field, variable);
 }
 
 void TextDataIteratorThread::NoteFlag(BatchNote::Kind kind, std::uint32_t variable) {
   std::uint8_t& noted = fFlagNoted[std::size_t{variable} * 2 + (kind & 1)];
   if (noted) return;
-  fNotes.push_back({variable, fConvertIndex, kind});
+  fCases.Add({variable, fConvertIndex, kind});
   noted = 1;
 }
 
 void TextDataIteratorThread::OnUndecodable(std::size_t position) {
-  fNotes.push_back({position, fConvertIndex, BatchNote::kUndecodable});
+  fCases.Add({position, fConvertIndex, BatchNote::kUndecodable});
 }
 
 }  // namespace textwizard

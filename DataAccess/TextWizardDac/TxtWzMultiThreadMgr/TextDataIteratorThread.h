@@ -1,9 +1,9 @@
-// A conversion worker: a thread with one batch of records, which it turns into cases, or counts for
-// type detection.
+// A conversion worker: a thread that turns batches of records into cases, or counts them for type
+// detection, one batch after another.
 //
-// A batch passes from the reader thread (which fills the text) through the worker to the host's
-// thread (which takes the cases) and back. Three semaphores hand it on: work, done and free.
-// Whoever was handed the batch owns every member that is marked so; nobody else touches them.
+// The reader thread exchanges a batch of records for the one converted last, the host's thread the
+// cases for those it has delivered: so the reader reads on, and the host's thread delivers, while
+// the worker converts. Three semaphores hand the worker's two batches on: work, done and free.
 #pragma once
 
 #include <algorithm>
@@ -11,36 +11,21 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
-#include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-#include "HostFramework/DataSource.h"
 #include "HostFramework/Threads.h"
+#include "TxtWzMultiThreadMgr/CaseBatch.h"
+#include "TxtWzMultiThreadMgr/RecordBatch.h"
 #include "TxtWzMultiThreadMgr/WorkerPlan.h"
-#include "command/TxtWzVar.h"
 #include "detection/DetectionCounters.h"
 #include "detection/RegExMappings.h"
 #include "reading/FieldSplitter.h"
 #include "reading/RecordDecoder.h"
-#include "reading/RecordReader.h"
 
 namespace textwizard {
-
-// Something that a record of a batch gave rise to and that is reported when its case is delivered.
-struct BatchNote {
-  enum Kind : std::uint8_t {
-    kUndecodable,      // detail: byte position in the record
-    kMissingStored,    // detail: position in the list of variables; first of the batch only
-    kStringTruncated,  // the same
-  };
-  std::uint64_t detail;
-  // Number in the batch, from 0.
-  std::uint32_t record;
-  Kind kind;
-};
 
 class TextDataIteratorThread : public sfThread, private UndecodableListener {
  public:
@@ -80,56 +65,29 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   // for it. Only the first call on a running worker does something.
   void Stop();
 
-  // --- Reader thread, while the slot is available: the batch text
+  // --- Reader thread
   // The text that an ordinary batch has room for.
   std::size_t textLimit() const { return fTextLimit; }
-  // Starts a batch with room for `bytes`; false when there is no memory for it.
-  bool BeginBatch(std::size_t bytes);
-  // Adds a record; false when it does not fit.
-  bool AppendRecord(std::string_view record) {
-    if (record.size() + 1 >= fTextCapacity - fTextUsed) return false;
-    std::memcpy(fText.get() + fTextUsed, record.data(), record.size());
-    fTextUsed += record.size();
-    fText[fTextUsed++] = '\n';
-    ++fRecordCount;
-    return true;
-  }
-  // Adds the records that `reader` can copy at once, at most `most`; returns how many.
-  std::uint32_t AppendRun(RecordReader& reader, std::uint32_t most) {
-    std::uint32_t count = 0;
-    fTextUsed += reader.ReadRun(fText.get() + fTextUsed, fTextCapacity - fTextUsed, most, &count);
-    fRecordCount += count;
-    return count;
-  }
-  // Hands the batch to the worker; false when that has been stopped. `firstCase`: cases before the
-  // batch. `decoded`: the records are host text already.
-  bool SendBatch(std::int64_t firstCase, bool decoded);
   void WaitFree() { fFreeSemaphore.wait(); }
+  // Hands a batch to the worker in exchange for one that is done with, while the slot is available;
+  // false when the worker has been stopped.
+  bool SendBatch(RecordBatch& batch);
 
-  // --- Host's thread, between WaitDone and PostFree: what has become of the batch
+  // --- Host's thread
   void WaitDone() { fDoneSemaphore.wait(); }
+  // Takes what has become of the batch in exchange for one that is done with, between WaitDone and
+  // PostFree.
+  void TakeBatch(CaseBatch& batch) { std::swap(fCases, batch); }
   void PostFree() { fFreeSemaphore.post(); }
-  std::uint32_t recordCount() const { return fRecordCount; }
-  // Conversion: the next case, or null after the last one.
-  const OBS* GetNextOBSPointer();
-  // The next note of a record not after the case taken last; null when there is none.
-  const BatchNote* NextNote() {
-    if (fNextNote == fNotes.size() || fNotes[fNextNote].record >= fConsumeIndex) return nullptr;
-    return &fNotes[fNextNote++];
-  }
-  // Number of the case, from 1, that `note` belongs to.
-  std::int64_t CaseNumber(const BatchNote& note) const { return fFirstCase + note.record + 1; }
-  // Detection: takes all records at once. The counters of each AUTO variable.
-  const std::vector<TxtWzVar>& TakeCounters();
-  // The worker ran out of memory: the batch holds only the cases before that.
-  bool failed() const { return fFailed; }
 
  private:
   void OnUndecodable(std::size_t position) override;
   void ConvertBatch();
   void PrepareBatch();
-  // Makes fSplitter ready for the record of `text` at `cursor`; returns where the next one begins.
-  std::size_t StartRecord(std::string_view text, std::size_t cursor, bool byteText);
+  void ConvertRecords();
+  // Makes fSplitter ready for the record at `cursor` of the text; returns where the next one
+  // begins.
+  std::size_t StartRecord(std::size_t cursor, bool byteText);
   void ConvertRecord();
   void DetectRecord();
   // Cuts the record's next fields, at most `wanted`, into fFields; returns how many.
@@ -138,11 +96,6 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   }
   void ConvertVar(std::string_view field, const FieldTask& task);
   void SetColumnValue(std::string_view text, const FieldTask& task);
-  // The text is a part of the batch text, behind which kReadableCells more bytes can be read.
-  bool IsInBatch(std::string_view text) const {
-    const auto address = [](const char* at) { return reinterpret_cast<std::uintptr_t>(at); };
-    return address(text.data()) - address(fText.get()) < fTextUsed;
-  }
   void AutoDetectVar(std::string_view field);
   void NoteFlag(BatchNote::Kind kind, std::uint32_t variable);
   // Raises fCommand to at least `command`.
@@ -165,20 +118,10 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   // Guarded by fStateMutex.
   State fState = kAvailable;
 
-  // Owned by whoever has the batch.
-  std::unique_ptr<char[]> fText;
-  std::size_t fTextCapacity = 0;
-  std::size_t fTextUsed = 0;
-  std::uint32_t fRecordCount = 0;
-  std::int64_t fFirstCase = 0;
-  bool fDecoded = false;
-  std::unique_ptr<OBS[]> fCases;
-  std::size_t fCaseCells = 0;
-  std::uint32_t fConsumeIndex = 0;
-  std::vector<BatchNote> fNotes;
-  std::size_t fNextNote = 0;
-  std::vector<TxtWzVar> fAutoVars;
-  bool fFailed = false;
+  // From SendBatch to WaitDone the worker's, then untouched.
+  RecordBatch fRecords;
+  // From SendBatch to WaitDone the worker's, then the host's thread's until PostFree.
+  CaseBatch fCases;
 
   // The worker's own.
   FieldSplitter fSplitter;

@@ -29,21 +29,27 @@ class Worker : public testing::Test {
     if (worker_) worker_->Stop();
   }
 
+  // Hands over one batch, behind 100 cases.
+  bool Send(const std::vector<std::string>& records) {
+    EXPECT_TRUE(records_.Begin(worker_->textLimit()));
+    for (const std::string& record : records) EXPECT_TRUE(records_.Append(record));
+    records_.End(100, false);
+    return worker_->SendBatch(records_);
+  }
   // Converts one batch and returns its cases.
   std::vector<const OBS*> Convert(const std::vector<std::string>& records) {
-    EXPECT_TRUE(worker_->BeginBatch(worker_->textLimit()));
-    for (const std::string& record : records) EXPECT_TRUE(worker_->AppendRecord(record));
-    EXPECT_TRUE(worker_->SendBatch(100, false));
+    EXPECT_TRUE(Send(records));
     worker_->WaitDone();
     EXPECT_EQ(worker_->state(), TextDataIteratorThread::kConverted);
+    worker_->TakeBatch(taken_);
     std::vector<const OBS*> cases;
-    while (const OBS* next = worker_->GetNextOBSPointer()) cases.push_back(next);
-    EXPECT_FALSE(worker_->failed());
+    while (const OBS* next = taken_.GetNextOBSPointer()) cases.push_back(next);
+    EXPECT_FALSE(taken_.failed());
     return cases;
   }
   std::vector<BatchNote> Notes() {
     std::vector<BatchNote> notes;
-    while (const BatchNote* note = worker_->NextNote()) notes.push_back(*note);
+    while (const BatchNote* note = taken_.NextNote()) notes.push_back(*note);
     return notes;
   }
   static double Number(const OBS* cell) {
@@ -59,6 +65,8 @@ class Worker : public testing::Test {
   std::unique_ptr<QANT_TextWizardSrc> source_;
   std::unique_ptr<WorkerPlan> plan_;
   std::unique_ptr<TextDataIteratorThread> worker_;
+  RecordBatch records_;
+  CaseBatch taken_;
 };
 
 TEST_F(Worker, OneCaseARecordInRecordOrder) {
@@ -73,15 +81,33 @@ TEST_F(Worker, OneCaseARecordInRecordOrder) {
   EXPECT_EQ(Number(cases[3] + 1), 5);
 }
 
-TEST_F(Worker, CaseArrayIsKeptForBatchesThatAreNotLarger) {
+TEST_F(Worker, TwoCaseArraysTakeTurnsAndAreKeptForBatchesThatAreNotLarger) {
   Start(Numbers(1), CommaSettings());
   const OBS* const first = Convert({"1", "2", "3"})[0];
-  EXPECT_EQ(Convert({"4", "5"})[0], first);
+  const OBS* const second = Convert({"4", "5"})[0];
+  EXPECT_NE(second, first);
   EXPECT_EQ(Convert({"6", "7", "8"})[0], first);
+  EXPECT_EQ(Convert({"9", "10"})[0], second);
   const std::vector<std::string> more(1000, "9");
   const auto cases = Convert(more);
   ASSERT_EQ(cases.size(), 1000u);
   for (const OBS* one : cases) EXPECT_EQ(Number(one), 9);
+}
+
+TEST_F(Worker, CasesAreDeliveredWhileTheNextBatchIsConverted) {
+  Start(Numbers(1), CommaSettings());
+  ASSERT_TRUE(Send({"1", "x"}));
+  worker_->WaitDone();
+  worker_->TakeBatch(taken_);
+  EXPECT_EQ(Number(taken_.GetNextOBSPointer()), 1);
+  ASSERT_TRUE(Send({"3", "4", "5"}));
+  worker_->WaitDone();
+  EXPECT_EQ(Number(taken_.GetNextOBSPointer()), kSystemMissing);
+  EXPECT_EQ(Notes().size(), 1u);
+  EXPECT_EQ(taken_.GetNextOBSPointer(), nullptr);
+  worker_->TakeBatch(taken_);
+  EXPECT_EQ(taken_.recordCount(), 3u);
+  EXPECT_EQ(Number(taken_.GetNextOBSPointer()), 3);
 }
 
 TEST_F(Worker, SkippedVariableTakesAFieldButNoColumn) {
@@ -179,20 +205,19 @@ TEST_F(Worker, BytesThatAreNoCharacterAreNotedWithTheirPosition) {
   EXPECT_EQ(notes[0].detail, 1u);
   EXPECT_EQ(notes[1].detail, 3u);
   // The batch begins behind 100 cases.
-  EXPECT_EQ(worker_->CaseNumber(notes[0]), 102);
+  EXPECT_EQ(taken_.CaseNumber(notes[0]), 102);
 }
 
 TEST_F(Worker, NotesWaitForTheirCase) {
   Start(Numbers(1), CommaSettings());
-  ASSERT_TRUE(worker_->BeginBatch(worker_->textLimit()));
-  for (const char* const record : {"1", "x"}) ASSERT_TRUE(worker_->AppendRecord(record));
-  ASSERT_TRUE(worker_->SendBatch(0, false));
+  ASSERT_TRUE(Send({"1", "x"}));
   worker_->WaitDone();
-  EXPECT_EQ(worker_->NextNote(), nullptr);
-  worker_->GetNextOBSPointer();
-  EXPECT_EQ(worker_->NextNote(), nullptr);
-  worker_->GetNextOBSPointer();
-  EXPECT_NE(worker_->NextNote(), nullptr);
+  worker_->TakeBatch(taken_);
+  EXPECT_EQ(taken_.NextNote(), nullptr);
+  taken_.GetNextOBSPointer();
+  EXPECT_EQ(taken_.NextNote(), nullptr);
+  taken_.GetNextOBSPointer();
+  EXPECT_NE(taken_.NextNote(), nullptr);
 }
 
 TEST_F(Worker, OtherArrangementsConvertNothing) {
@@ -206,20 +231,9 @@ TEST_F(Worker, OtherArrangementsConvertNothing) {
   }
 }
 
-TEST_F(Worker, BatchTextTakesRecordsWhileOneMoreByteIsLeft) {
-  Start(Numbers(1), CommaSettings());
-  EXPECT_EQ(worker_->textLimit(), 125000u);
-  ASSERT_TRUE(worker_->BeginBatch(worker_->textLimit()));
-  EXPECT_FALSE(worker_->AppendRecord(std::string(124999, '1')));
-  EXPECT_TRUE(worker_->AppendRecord(std::string(124990, '1')));
-  EXPECT_FALSE(worker_->AppendRecord(std::string(8, '1')));
-  EXPECT_TRUE(worker_->AppendRecord(std::string(7, '1')));
-  EXPECT_FALSE(worker_->AppendRecord(""));
-  EXPECT_EQ(worker_->recordCount(), 2u);
-}
-
 TEST_F(Worker, BatchTextGrowsWithTheFirstRecordWithinReason) {
   Start(Numbers(1), CommaSettings());
+  EXPECT_EQ(worker_->textLimit(), 125000u);
   EXPECT_EQ(TextDataIteratorThread(*plan_, 6250).textLimit(), 125000u);
   EXPECT_EQ(TextDataIteratorThread(*plan_, 6251).textLimit(), 125020u);
   EXPECT_EQ(TextDataIteratorThread(*plan_, 100000000).textLimit(), std::size_t{8} << 20);
@@ -235,7 +249,7 @@ TEST_F(Worker, StoppedSlotStaysStopped) {
   // Nobody waits for a stopped worker for ever, and it takes no more batches.
   worker_->WaitDone();
   worker_->WaitFree();
-  EXPECT_FALSE(worker_->SendBatch(0, false));
+  EXPECT_FALSE(Send({"2"}));
   worker_->join();
   EXPECT_TRUE(worker_->exited());
 }
