@@ -87,11 +87,18 @@ void Adapt(naive::RandomImport& import, const Encoding& encoding, const naive::C
 // From this second byte on.
 constexpr unsigned kRepeated = 0xFC;
 
+constexpr std::size_t kTwoBatches = 130'000;
+
 void Repeat(std::string& bytes) {
-  constexpr std::size_t kThreeBatches = 260'000;
   // A line end of either width.
   const std::string more = bytes + std::string("\n\0\n", 3);
-  while (bytes.size() < kThreeBatches) bytes += more;
+  while (bytes.size() < kTwoBatches) bytes += more;
+}
+
+// Whether reading so many copies takes long: a warning costs more than a byte.
+bool HasManyWarnings(const naive::Import& once, std::size_t size) {
+  constexpr std::size_t kMost = 500;
+  return once.undecodable.size() * (kTwoBatches / (size + 1)) > kMost;
 }
 
 }  // namespace
@@ -109,7 +116,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Adapt(import, encoding, text);
   std::string bytes(reinterpret_cast<const char*>(data) + kHead, size - kHead);
   if (data[1] >= kRepeated && !encoding.host && import.settings.lines == naive::Lines::kOneCase) {
-    Repeat(bytes);
+    const naive::Import once = naive::Read(bytes, import.settings, import.variables, text);
+    if (!HasManyWarnings(once, bytes.size())) Repeat(bytes);
   }
   const embedded::ScopedMemoryFiles files(kPath, bytes);
   const embedded::ScopedBlockSize blocks(kBlocks[seed % std::size(kBlocks)]);

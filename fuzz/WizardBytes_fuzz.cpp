@@ -226,7 +226,13 @@ void CompareRecords(const std::string& path, const std::string& bytes, const std
       fuzz::Require(records.size() <= bytes.size(), "more records than bytes");
     }
     fuzz::Require(record.GetError().GetCode() == 1006, "no error at the end");
-    fuzz::Require(!expected || records == *expected, "other records, pass " + std::to_string(pass));
+    if (expected && records != *expected) {
+      std::string difference = "other records, pass " + std::to_string(pass) + ":";
+      for (const std::string& got : records) difference += " [" + got + "]";
+      difference += ", not";
+      for (const std::string& wanted : *expected) difference += " [" + wanted + "]";
+      fuzz::Require(false, difference);
+    }
     fuzz::Require(wizard->Call(kRewind, request, done) == 0 && !done.HasError(), "no rewinding");
   }
   fuzz::Require(wizard->Call(kClose, request, done) == 0 && !done.HasError(), "no closing");

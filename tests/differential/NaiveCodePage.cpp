@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string_view>
+#include <vector>
 
 #include <unicode/ucnv_cb.h>
 #include <unicode/ucnv_err.h>
@@ -74,6 +75,30 @@ std::string Encoded(UConverter* converter, std::u16string units) {
   return text;
 }
 
+// The text with a question mark for what is no character in it.
+std::string Repaired(UConverter* converter, const std::string& text) {
+  std::vector<UChar> units(text.size() * 2 + 8);
+  std::vector<int32_t> offsets(units.size());
+  UChar* out = units.data();
+  const char* in = text.data();
+  UErrorCode error = U_ZERO_ERROR;
+  ucnv_reset(converter);
+  ucnv_toUnicode(converter, &out, out + units.size(), &in, in + text.size(), offsets.data(), true,
+                 &error);
+  RequireSuccess(error);
+  const auto count = static_cast<std::size_t>(out - units.data());
+  std::string repaired;
+  for (std::size_t i = 0; i < count;) {
+    const auto from = static_cast<std::size_t>(offsets[i]);
+    const bool isCharacter = units[i] != kNoCharacter;
+    // A character may be two units.
+    for (++i; i < count && offsets[i] == offsets[i - 1];) ++i;
+    const auto end = i < count ? static_cast<std::size_t>(offsets[i]) : text.size();
+    repaired += isCharacter ? text.substr(from, end - from) : "?";
+  }
+  return repaired;
+}
+
 }  // namespace
 
 CodePageText::Converter CodePageText::Open(const char* page) {
@@ -143,7 +168,10 @@ std::string CodePageText::ToHost(UConverter* from, const std::string& text) cons
 }
 
 std::string CodePageText::FromRecord(const std::string& raw) const {
-  if (records_ == Records::kLocale) return ToHost(source_.get(), raw);
+  if (records_ == Records::kLocale) {
+    // Some pages have two codes for a character: text that stays in its page keeps its own.
+    return utf8Host_ ? ToHost(source_.get(), raw) : Repaired(source_.get(), raw);
+  }
   if (records_ == Records::kUtf8 && !utf8Host_) return ToHost(utf8_.get(), raw);
   return raw;
 }
