@@ -16,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "detection/DetectionCounters.h"
 #include "detection/RegExMappings.h"

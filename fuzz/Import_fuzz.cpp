@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "fuzz/FuzzTarget.h"
 #include "tests/differential/NaiveCodePage.h"

@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "tests/differential/NaiveImport.h"
 #include "tests/differential/PassDifference.h"

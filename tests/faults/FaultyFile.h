@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "command/MessageText.h"
 #include "tests/support/ImportRun.h"

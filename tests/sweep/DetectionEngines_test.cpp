@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "command/FormatCode.h"

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 #include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 #include "reading/QANT_TextWizardIterator.h"

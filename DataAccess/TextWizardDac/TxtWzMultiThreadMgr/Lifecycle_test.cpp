@@ -9,8 +9,8 @@
 #include "HostFramework/Threads.h"
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/messages/Attention.h"
-#include "TxtWzMultiThreadMgr/AdapterTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+#include "TxtWzMultiThreadMgr/testing/AdapterTest.h"
 #include "TxtWzMultiThreadMgr/testing/EngineTest.h"
 
 namespace textwizard {

@@ -9,7 +9,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 #include "command/FormatCode.h"

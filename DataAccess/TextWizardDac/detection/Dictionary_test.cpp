@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "command/FormatCode.h"
 #include "plan/TxtWzExecFile.h"

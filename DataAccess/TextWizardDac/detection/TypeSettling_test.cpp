@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "command/FormatCode.h"
 
 namespace textwizard {

@@ -8,7 +8,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "command/FormatCode.h"
 #include "detection/DetectionCounters.h"

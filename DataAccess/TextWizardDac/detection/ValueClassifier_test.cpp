@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "detection/testing/TestLocale.h"
 #include "plan/TxtWzExecFile.h"
 

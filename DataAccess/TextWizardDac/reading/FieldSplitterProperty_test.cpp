@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "reading/FieldSplitter.h"
 
 namespace textwizard {

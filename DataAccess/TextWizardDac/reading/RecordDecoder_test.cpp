@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace textwizard {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 
 namespace textwizard {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "HostFramework/embedded/packages/PackageRegistry.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 extern "C" int DllMain(void* handle, unsigned reason);
 

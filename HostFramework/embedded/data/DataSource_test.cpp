@@ -8,7 +8,7 @@
 
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "HostFramework/embedded/data/FormatWidth.h"
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace {
 

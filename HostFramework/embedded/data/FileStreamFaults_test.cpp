@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/FileStream.h"
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 
 namespace {
 

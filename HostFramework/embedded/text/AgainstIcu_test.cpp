@@ -3,7 +3,7 @@
 #include <unicode/ucnv_cb.h>
 
 #include "HostFramework/Text.h"
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace embedded {
 namespace {

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "HostFramework/Text.h"
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace embedded {
 namespace {

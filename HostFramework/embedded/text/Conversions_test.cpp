@@ -1,6 +1,6 @@
 // Whole texts and buffers from one encoding into another.
 #include "HostFramework/Text.h"
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace embedded {
 namespace {

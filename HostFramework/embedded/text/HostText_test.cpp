@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "HostFramework/Text.h"
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace embedded {
 namespace {

@@ -1,6 +1,6 @@
 #include "HostFramework/Names.h"
 
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace embedded {
 namespace {

@@ -2,7 +2,7 @@
 #include <cwchar>
 
 #include "HostFramework/Names.h"
-#include "HostFramework/embedded/text/TextTest.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace embedded {
 namespace {

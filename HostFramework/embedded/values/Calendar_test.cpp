@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "HostFramework/embedded/values/ValueInputTesting.h"
 #include "HostFramework/embedded/values/ValueSettings.h"
+#include "HostFramework/embedded/values/testing/ValueInputTesting.h"
 
 namespace embedded {
 namespace {

@@ -1,5 +1,5 @@
 // The rules of the date formats, text by text.
-#include "HostFramework/embedded/values/ValueInputTesting.h"
+#include "HostFramework/embedded/values/testing/ValueInputTesting.h"
 
 namespace embedded {
 namespace {

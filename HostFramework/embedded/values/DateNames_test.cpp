@@ -2,7 +2,7 @@
 #include <thread>
 #include <vector>
 
-#include "HostFramework/embedded/values/ValueInputTesting.h"
+#include "HostFramework/embedded/values/testing/ValueInputTesting.h"
 
 namespace embedded {
 namespace {

@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "HostFramework/embedded/values/ValueInputTesting.h"
+#include "HostFramework/embedded/values/testing/ValueInputTesting.h"
 
 namespace embedded {
 namespace {

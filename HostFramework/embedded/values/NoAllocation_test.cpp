@@ -7,7 +7,7 @@
 #include <string>
 #include <thread>
 
-#include "HostFramework/embedded/values/ValueInputTesting.h"
+#include "HostFramework/embedded/values/testing/ValueInputTesting.h"
 
 namespace {
 

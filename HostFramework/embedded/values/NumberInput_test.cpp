@@ -4,7 +4,7 @@
 #include <limits>
 #include <string>
 
-#include "HostFramework/embedded/values/ValueInputTesting.h"
+#include "HostFramework/embedded/values/testing/ValueInputTesting.h"
 
 namespace embedded {
 namespace {

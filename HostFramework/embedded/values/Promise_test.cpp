@@ -9,8 +9,8 @@
 #include <unicode/regex.h>
 
 #include "HostFramework/Text.h"
-#include "HostFramework/embedded/values/LayoutText.h"
-#include "HostFramework/embedded/values/ValueInputTesting.h"
+#include "HostFramework/embedded/values/testing/LayoutText.h"
+#include "HostFramework/embedded/values/testing/ValueInputTesting.h"
 
 namespace embedded {
 namespace {

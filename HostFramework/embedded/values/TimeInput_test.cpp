@@ -1,7 +1,7 @@
 // The rules of the time and duration formats, text by text.
 #include <string>
 
-#include "HostFramework/embedded/values/ValueInputTesting.h"
+#include "HostFramework/embedded/values/testing/ValueInputTesting.h"
 
 namespace embedded {
 namespace {

@@ -13,7 +13,7 @@
 
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Messages.h"
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "command/FormatCode.h"
 #include "command/TxtWzVar.h"

@@ -12,7 +12,7 @@
 #include "HostFramework/FileStream.h"
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/data/CaseBuffer.h"
-#include "HostFramework/embedded/data/MemoryDevice.h"
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "command/FormatCode.h"
 #include "reading/QANT_TextWizardIterator.h"
 #include "reading/QANT_TextWizardSrc.h"
