@@ -64,11 +64,11 @@ std::shared_ptr<const Catalogue> ReadCatalogue(const char* path, std::string* pr
   return catalogue;
 }
 
-// The catalogue in use; an empty one when the host's own cannot be read. Call with the mutex held.
+// The catalogue in use; null when the host's own cannot be read. That is tried again for the next
+// text: what was lacking, a descriptor perhaps, may be there by then. Call with the mutex held.
 std::shared_ptr<const Catalogue> UseCatalogue(InUse& inUse) {
   if (!inUse.catalogue) {
     inUse.catalogue = ReadCatalogue(DefaultCataloguePath().c_str(), &inUse.problems);
-    if (!inUse.catalogue) inUse.catalogue = std::make_shared<const Catalogue>();
   }
   return inUse.catalogue;
 }

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "HostFramework/Messages.h"
@@ -29,6 +30,23 @@ std::string Formatted(long id, Arguments... arguments) {
   char text[2048];
   std::snprintf(text, sizeof text, TextOf(id).c_str(), arguments...);
   return text;
+}
+
+// Comes first: the catalogue is not in use yet.
+TEST(FirstText, WithoutADescriptorDoesNotSpoilTheNext) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the sanitizer's check of object types needs descriptors itself";
+#endif
+  rlimit before;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  rlimit none = before;
+  none.rlim_cur = 0;
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+  const std::string first = TextOf(2258);
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  EXPECT_THAT(first, StartsWith("[2258] "));
+  EXPECT_THAT(TextOf(2258), StartsWith("[2258] ARRANGEMENT"));
+  EXPECT_THAT(embedded::CatalogueProblems(), IsEmpty());
 }
 
 class ServerErrorText : public testing::Test {
