@@ -4,28 +4,60 @@
 #include <cstdlib>
 #include <new>
 
+#include <unicode/uclean.h>
+
 namespace whole {
 namespace {
 
-// Allocations until the one that fails; negative when none is to.
-std::atomic<long> left{-1};
+// Of the FailingMemory that lives; its number is 0 when there is none.
+std::atomic<unsigned> alive{0};
+std::atomic<long> left{0};
+std::atomic<int> chosen{kAllThreads};
+std::atomic<Afterwards> afterwards{Afterwards::kMemoryIsBack};
+std::atomic<int> threads{0};
+
 std::atomic<bool> failed{false};
+std::atomic<bool> icuCounted{true};
+
+// The number of this thread under a FailingMemory.
+constexpr int kMaker = -2;
+struct Numbered {
+  unsigned under = 0;
+  int number = 0;
+};
+thread_local Numbered numbered;
 thread_local int notCounted = 0;
 
+bool IsCounted() {
+  const unsigned under = alive;
+  if (under == 0 || notCounted > 0) return false;
+  if (chosen == kAllThreads) return true;
+  if (numbered.under != under) numbered = {under, threads.fetch_add(1)};
+  return numbered.number == chosen;
+}
+
 bool Fails() {
-  if (notCounted > 0 || left.load() < 0) return false;
-  if (left.fetch_sub(1) != 0) return false;
-  failed = true;
-  return true;
+  if (!IsCounted()) return false;
+  const long before = left.fetch_sub(1);
+  if (before == 0) failed = true;
+  return before == 0 || (before < 0 && afterwards.load() == Afterwards::kAllFail);
 }
 
 }  // namespace
 
-FailingMemory::FailingMemory(long failing) {
+FailingMemory::FailingMemory(long failing, int thread, Afterwards after) {
+  static unsigned made = 0;
   failed = false;
+  threads = 0;
   left = failing;
+  chosen = thread;
+  afterwards = after;
+  numbered = {++made, kMaker};
+  if (failing >= 0) alive = made;
 }
-FailingMemory::~FailingMemory() { left = -1; }
+FailingMemory::~FailingMemory() { alive = 0; }
+
+void CountIcuMemory(bool count) { icuCounted = count; }
 
 bool MemoryFailed() { return failed; }
 
@@ -41,6 +73,22 @@ void* AllocateOrThrow(std::size_t bytes) {
   if (!memory) throw std::bad_alloc();
   return memory;
 }
+
+void* U_CALLCONV IcuAllocate(const void* /*context*/, std::size_t bytes) {
+  return icuCounted && Fails() ? nullptr : std::malloc(bytes);
+}
+void* U_CALLCONV IcuReallocate(const void* /*context*/, void* memory, std::size_t bytes) {
+  return icuCounted && Fails() ? nullptr : std::realloc(memory, bytes);
+}
+void U_CALLCONV IcuFree(const void* /*context*/, void* memory) { std::free(memory); }
+
+// Before any test, and so before ICU has memory of its own.
+[[maybe_unused]] const bool icuIsCounted = [] {
+  UErrorCode status = U_ZERO_ERROR;
+  u_setMemoryFunctions(nullptr, IcuAllocate, IcuReallocate, IcuFree, &status);
+  if (U_FAILURE(status)) std::abort();
+  return true;
+}();
 
 }  // namespace
 }  // namespace whole

@@ -165,10 +165,12 @@ std::shared_ptr<const icu::RegexPattern> SharedPattern(const std::string& regex)
   if (place != known.end()) return place->second;
   UErrorCode status = U_ZERO_ERROR;
   UParseError where;
+  const icu::UnicodeString text = icu::UnicodeString::fromUTF8(key);
+  if (text.isBogus()) CheckMemory(U_MEMORY_ALLOCATION_ERROR);
   std::shared_ptr<const icu::RegexPattern> pattern(
-      icu::RegexPattern::compile(icu::UnicodeString::fromUTF8(key), 0, where, status));
-  // Not kept: memory that was short now need not be at the next try.
-  if (U_FAILURE(status)) return nullptr;
+      icu::RegexPattern::compile(text, 0, where, status));
+  CheckMemory(status);
+  if (U_FAILURE(status)) pattern.reset();
   known.emplace(key, pattern);
   return pattern;
 }
@@ -178,6 +180,7 @@ std::shared_ptr<icu::RegexMatcher> NewMatcher(const std::string& regex) {
   if (!pattern) return nullptr;
   UErrorCode status = U_ZERO_ERROR;
   std::unique_ptr<icu::RegexMatcher> matcher(pattern->matcher(status));
+  CheckMemory(status);
   if (U_FAILURE(status)) return nullptr;
   // The matcher uses the pattern as long as it lives.
   return {matcher.release(), [pattern](icu::RegexMatcher* finished) { delete finished; }};

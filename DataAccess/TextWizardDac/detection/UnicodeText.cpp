@@ -1,6 +1,7 @@
 #include "detection/UnicodeText.h"
 
 #include <limits>
+#include <new>
 
 #include <unicode/ustring.h>
 
@@ -21,6 +22,10 @@ std::string_view ToUtf8(std::string_view hostText, std::string& buffer) {
   return buffer;
 }
 
+void CheckMemory(UErrorCode status) {
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+}
+
 const icu::UnicodeString& UnicodeText::Assign(std::string_view hostText) {
   const std::string_view utf8 = ToUtf8(hostText, utf8_);
   text_.remove();
@@ -29,7 +34,7 @@ const icu::UnicodeString& UnicodeText::Assign(std::string_view hostText) {
   // UTF-8 never has fewer bytes than the text has 16-bit units.
   const auto capacity = static_cast<std::int32_t>(utf8.size());
   char16_t* units = text_.getBuffer(capacity);
-  if (!units) return text_;
+  if (!units) CheckMemory(U_MEMORY_ALLOCATION_ERROR);
   std::int32_t length = 0;
   UErrorCode status = U_ZERO_ERROR;
   u_strFromUTF8WithSub(units, capacity, &length, utf8.data(), capacity, kReplacement, nullptr,

@@ -156,7 +156,9 @@ bool ValueClassifier::MatchesRow(std::string_view value, int key) {
 bool ValueClassifier::Decide(icu::RegexMatcher* matcher, const icu::UnicodeString& text) const {
   matcher->reset(text);
   UErrorCode status = U_ZERO_ERROR;
-  return matcher->matches(status) && U_SUCCESS(status);
+  const bool matches = matcher->matches(status);
+  CheckMemory(status);
+  return matches && U_SUCCESS(status);
 }
 
 const icu::UnicodeString& ValueClassifier::LowerCased(std::string_view value) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <new>
+#include <utility>
 
 #include <unicode/uniset.h>
 
@@ -46,7 +47,7 @@ const CodePage& CodePage::Utf8() {
   return *page;
 }
 
-const CodePage* CodePage::Find(const char* name) try {
+const CodePage* CodePage::Find(const char* name) {
   static std::mutex mutex;
   static auto* const pages = new std::map<std::string, std::unique_ptr<const CodePage>>();
 
@@ -59,8 +60,6 @@ const CodePage* CodePage::Find(const char* name) try {
   if (!IsStatelessSupersetOfAscii(icu)) return nullptr;
   std::unique_ptr<const CodePage> page(new CodePage(icu));
   return pages->emplace(key, std::move(page)).first->second.get();
-} catch (const std::bad_alloc&) {
-  return nullptr;
 }
 
 char32_t CodePage::Entry(const Character& character) {
@@ -86,6 +85,7 @@ CodePage::CodePage(IcuConverter& icu) : name_(icu.Name()), kind_(Kind::kSingleBy
   UErrorCode error = U_ZERO_ERROR;
   icu::UnicodeSet known;
   ucnv_getUnicodeSet(icu.get(), known.toUSet(), UCNV_ROUNDTRIP_AND_FALLBACK_SET, &error);
+  if (known.isBogus()) throw std::bad_alloc();
   for (std::int32_t range = 0; range < known.getRangeCount(); ++range) {
     const auto last = static_cast<char32_t>(known.getRangeEnd(range));
     if (last > 0xFFFF) encodesByIcu_ = true;
@@ -184,7 +184,10 @@ IcuConverter& ThreadConverter(const CodePage& page) {
   thread_local const CodePage* of = nullptr;
   thread_local IcuConverter converter;
   if (of != &page) {
-    converter = IcuConverter(page.name().c_str());
+    IcuConverter opened(page.name().c_str());
+    // The page was made with such a converter, so only memory can be lacking.
+    if (!opened.IsOpen()) throw std::bad_alloc();
+    converter = std::move(opened);
     of = &page;
   }
   return converter;

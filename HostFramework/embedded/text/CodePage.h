@@ -19,8 +19,8 @@ namespace embedded {
 class CodePage {
  public:
   static const CodePage& Utf8();
-  // The page that ICU knows under this name. Null for an unknown name, a page that is not a
-  // stateless superset of ASCII, and when memory ran out. Takes a lock; any thread.
+  // The page that ICU knows under this name. Null for an unknown name and a page that is not a
+  // stateless superset of ASCII. Throws std::bad_alloc. Takes a lock; any thread.
   static const CodePage* Find(const char* name);
 
   CodePage(const CodePage&) = delete;
@@ -87,7 +87,8 @@ class CodePage {
   std::vector<std::uint16_t> codes_;
 };
 
-// The calling thread's ICU converter of `page`: kept until the thread asks for another page's.
+// The calling thread's ICU converter of `page`, kept until it asks for another page's. Throws
+// std::bad_alloc.
 IcuConverter& ThreadConverter(const CodePage& page);
 
 }  // namespace embedded

@@ -18,9 +18,8 @@ constinit std::atomic<const CodePage*> localePage{nullptr};
 const CodePage& Decided(std::atomic<const CodePage*>& setting) {
   if (const CodePage* page = setting.load(std::memory_order_acquire)) return *page;
   const CodePage* page = CodePage::Find(nl_langinfo(CODESET));
+  // A codeset that ICU does not know; this one it always does.
   if (page == nullptr) page = CodePage::Find("US-ASCII");
-  // Only without memory for a table does even that fail; UTF-8 needs none.
-  if (page == nullptr) page = &CodePage::Utf8();
   const CodePage* before = nullptr;
   return setting.compare_exchange_strong(before, page) ? *page : *before;
 }

@@ -13,7 +13,7 @@ namespace embedded {
 // code page and the locale's. False, with nothing changed, for an unknown name and for a page that
 // host text cannot be in: host text is stateless and a superset of ASCII. Of the control characters
 // 1A, 1C and 7F, which ICU rotates in the pages of the DOS family, host text has the ASCII meaning.
-// Costs some milliseconds the first time that a multibyte page is named.
+// Costs some milliseconds the first time that a multibyte page is named. Throws std::bad_alloc.
 bool SetCodePage(const char* name);
 
 // What ENCODING=LOCALE means in UTF-8 mode; null is the locale's codeset. False, with nothing

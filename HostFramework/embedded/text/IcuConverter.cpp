@@ -1,6 +1,7 @@
 #include "HostFramework/embedded/text/IcuConverter.h"
 
 #include <algorithm>
+#include <new>
 
 #include <unicode/ucnv_err.h>
 #include <unicode/utf16.h>
@@ -12,6 +13,7 @@ IcuConverter::IcuConverter(const char* name) {
   if (name == nullptr || *name == '\0') return;
   UErrorCode error = U_ZERO_ERROR;
   converter_.reset(ucnv_open(name, &error));
+  if (error == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
   if (U_FAILURE(error)) converter_.reset();
   if (!IsOpen()) return;
   ucnv_setToUCallBack(get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);

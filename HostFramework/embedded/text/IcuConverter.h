@@ -14,7 +14,7 @@ namespace embedded {
 class IcuConverter {
  public:
   IcuConverter() = default;
-  // Opens the converter of that name; IsOpen() is false when there is none.
+  // Opens the converter of that name; IsOpen() is false when there is none. Throws bad_alloc.
   explicit IcuConverter(const char* name);
 
   bool IsOpen() const { return converter_ != nullptr; }

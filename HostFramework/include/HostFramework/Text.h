@@ -3,8 +3,8 @@
 // "Host text" is the encoding that the host works in: UTF-8 when qUTF8mode() is true, else the
 // host's active code page. "The locale's code page" is what ENCODING=LOCALE names; outside UTF-8
 // mode it is the active code page. Unless a function says otherwise, char texts are NUL-terminated
-// host text, nothing throws, and every function may be called on any thread as long as two threads
-// do not share a converter.
+// host text, nothing throws but std::bad_alloc where a conversion lacks memory, and every function
+// may be called on any thread as long as two threads do not share a converter.
 #pragma once
 
 #include <cstddef>
@@ -52,10 +52,10 @@ void QANTMBCopyToFixed_A(char* field, int width, const char* text, int length);
 
 // Whole-text conversions. The first argument's encoding is the code page of the name (the source of
 // the first two, the target of the third); null means the locale's code page, with a converter of
-// the calling thread's own. `out` is replaced (its capacity is kept); `in` must not lie inside it;
-// only growing `out` can throw (std::bad_alloc). Bytes that
-// are not valid in the source become U+FFFD in UTF-8 and "?" in a code page, as does a character
-// that the code page lacks.
+// the calling thread's own. `out` is replaced (its capacity is kept), and
+// undefined after a throw; `in` must not lie inside it.
+// Bytes that are not valid in the source become U+FFFD in UTF-8 and "?" in a code page, as does a
+// character that the code page lacks.
 void QANTMBCodePageToU8(QANTMBConverter* converter, std::string& out, std::string_view in);
 void QANTMBCodePageToGeneric(QANTMBConverter* converter, std::string& out, std::string_view in);
 void QANTMBU8ToCodePage(QANTMBConverter* converter, std::string& out, std::string_view in);
