@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <nlohmann/json.hpp>
@@ -49,6 +50,10 @@ class ProgramTest : public testing::Test {
     for (std::string& argument : copies) words.push_back(argument.data());
     words.push_back(nullptr);
     for (const auto& [name, value] : environment_) setenv(name.c_str(), value.c_str(), 1);
+    if (addressSpace_ > 0) {
+      const rlimit limit{addressSpace_, addressSpace_};
+      setrlimit(RLIMIT_AS, &limit);
+    }
     signal(SIGINT, SIG_DFL);
     signal(SIGPIPE, SIG_DFL);
     if (chdir(folder_.path().c_str()) == 0) execv(path.c_str(), words.data());
@@ -103,6 +108,8 @@ class ProgramTest : public testing::Test {
 
   cli::TestFolder folder_;
   std::vector<std::pair<std::string, std::string>> environment_;
+  // Bytes of memory that the program can have; 0 is no limit.
+  rlim_t addressSpace_ = 0;
 
  private:
   void Redirect(const char* name, int flags, int target) const {
