@@ -1,7 +1,7 @@
 # `make run` imports an example and shows it; `make test` builds and runs every test. Both set up
 # the machine first.
 
-.PHONY: setup build run test bench bench-units bench-build lint model clean
+.PHONY: setup build run test coverage bench bench-units bench-build lint model clean
 
 setup:
 	@tools/install-packages
@@ -28,6 +28,10 @@ test: setup
 	ctest --preset tsan -R '^($(subst $(space),|,$(threaded_tests))):'
 	ctest --preset asan-ubsan
 	ctest --preset dev
+
+# Which lines and branches the tests reach; some minutes.
+coverage: setup
+	@tools/measure-coverage
 
 # Whole imports against the floor and other readers, into docs/benchmarks.md; ends in some twenty
 # minutes. `bench-units`: bytes a second of each stage of an import.
