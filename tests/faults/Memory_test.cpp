@@ -328,7 +328,7 @@ TEST_F(FirstCommand, LeavesNothingHalfMade) {
 #endif
   int right = 0;
   // Each in a process of its own; the further, the more they are alike.
-  for (long failing = 0;; failing += 1 + failing / 8) {
+  for (long failing = 0;; failing += 1 + failing / 2) {
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) _exit(TryTwice(failing));
