@@ -148,7 +148,7 @@ inline WalkRing() {
     :: sent
     :: else ->
 #ifdef STOPS_FROM_CURRENT_SLOT
-      WHEN(have && !fPending, Stop(slot));
+      WHEN(have && !filled, Stop(slot));
 #else
       WHEN(have, Stop(slot));
 #endif
