@@ -125,6 +125,14 @@ naive::CountingRules NaiveRules(const DetectionRules& rules) {
 }
 
 // Counts by both, and settles by both.
+void RequireSettledAlike(Tables& tables, TxtWzVar found, TxtWzVar expected, double percentage,
+                         const std::string& what) {
+  textwizard::SettleType(found, percentage, tables.table);
+  textwizard::NormaliseFormat(found);
+  tables.naive.Settle(expected, percentage);
+  RequireSame(found, expected, what);
+}
+
 TxtWzVar CountOnOneThread(Tables& tables, const DetectionRules& rules,
                           const std::vector<std::string>& fields, double percentage) {
   DetectionCounters counters(tables.table, rules);
@@ -136,12 +144,8 @@ TxtWzVar CountOnOneThread(Tables& tables, const DetectionRules& rules,
     tables.naive.Count(field, naiveRules, expected);
     RequireSame(found, expected, "one thread at [" + field + "]");
   }
-  const TxtWzVar counted = found;
-  textwizard::SettleType(found, percentage, tables.table);
-  textwizard::NormaliseFormat(found);
-  tables.naive.Settle(expected, percentage);
-  RequireSame(found, expected, "settled");
-  return counted;
+  RequireSettledAlike(tables, found, expected, percentage, "settled");
+  return found;
 }
 
 TxtWzVar CountOnWorkers(Tables& tables, const DetectionRules& rules,
@@ -168,12 +172,8 @@ TxtWzVar CountOnWorkers(Tables& tables, const DetectionRules& rules,
   std::reverse(order.begin(), order.end());
   for (const std::size_t i : order) DetectionCounters::Merge(batches[i], backwards);
   RequireSame(backwards, expected, "merged backwards");
-  const TxtWzVar counted = total;
-  textwizard::SettleType(total, percentage, tables.table);
-  textwizard::NormaliseFormat(total);
-  tables.naive.Settle(expected, percentage);
-  RequireSame(total, expected, "settled after merging");
-  return counted;
+  RequireSettledAlike(tables, total, expected, percentage, "settled after merging");
+  return total;
 }
 
 bool MakesLines(const std::vector<std::string>& fields) {
