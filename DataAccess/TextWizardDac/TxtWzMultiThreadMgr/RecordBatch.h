@@ -29,12 +29,11 @@ class RecordBatch {
     ++fRecordCount;
     return true;
   }
-  // Adds the records that `reader` can copy at once, at most `most`; returns how many.
-  std::uint32_t AppendRun(RecordReader& reader, std::uint32_t most) {
+  // Adds the records that `reader` can copy at once, at most `most`.
+  void AppendRun(RecordReader& reader, std::uint32_t most) {
     std::uint32_t count = 0;
     fUsed += reader.ReadRun(fText.get() + fUsed, fRoom - fUsed, most, &count);
     fRecordCount += count;
-    return count;
   }
   // Ends the text. `firstCase`: cases before the batch. `decoded`: the records are host text
   // already.
