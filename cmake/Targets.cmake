@@ -38,6 +38,9 @@ function(textwizard_sources OUT FOLDER KIND)
   set(${OUT} ${found} PARENT_SCOPE)
 endfunction()
 
+configure_file(${PROJECT_SOURCE_DIR}/tests/support/TreePaths.h.in
+  ${CMAKE_BINARY_DIR}/generated/TreePaths.h @ONLY)
+
 # One test program NAME of all X_test.cpp of FOLDER, linked with the libraries that follow; every
 # test of it is an entry of ctest.
 function(textwizard_tests NAME FOLDER)
@@ -50,9 +53,7 @@ function(textwizard_tests NAME FOLDER)
   endif()
   add_executable(${NAME} ${sources})
   target_link_libraries(${NAME} PRIVATE textwizard_options GTest::gmock GTest::gtest_main ${ARGN})
-  target_include_directories(${NAME} PRIVATE ${PROJECT_SOURCE_DIR})
-  target_compile_definitions(${NAME} PRIVATE
-    TEXTWIZARD_SOURCE_DIR="${PROJECT_SOURCE_DIR}" TEXTWIZARD_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  target_include_directories(${NAME} PRIVATE ${PROJECT_SOURCE_DIR} ${CMAKE_BINARY_DIR}/generated)
   gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST TEST_PREFIX ${NAME}:
     PROPERTIES TIMEOUT 600)
 endfunction()

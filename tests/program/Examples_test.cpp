@@ -14,6 +14,8 @@
 #include <unistd.h>
 #include <nlohmann/json.hpp>
 
+#include "TreePaths.h"
+
 namespace {
 
 namespace fs = std::filesystem;

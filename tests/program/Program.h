@@ -14,6 +14,7 @@
 #include <unistd.h>
 #include <nlohmann/json.hpp>
 
+#include "TreePaths.h"
 #include "cli/testing/TestFolder.h"
 
 namespace program {

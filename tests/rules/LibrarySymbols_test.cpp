@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TreePaths.h"
+
 namespace {
 
 // The dynamic symbols that `nm` lists with `option`; empty when the library cannot be read.

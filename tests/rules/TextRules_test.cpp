@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TreePaths.h"
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -1,4 +1,5 @@
 #include "tests/sweep/Corpus.h"
+#include "TreePaths.h"
 
 #include <algorithm>
 #include <cstdio>

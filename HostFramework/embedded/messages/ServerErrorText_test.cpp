@@ -11,6 +11,7 @@
 
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/messages/Catalogue.h"
+#include "TreePaths.h"
 
 namespace {
 
