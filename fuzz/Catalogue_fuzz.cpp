@@ -13,9 +13,9 @@
 
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/messages/Catalogue.h"
-#include "command/MessageText.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/MemoryFile.h"
+#include "model/MessageText.h"
 
 namespace {
 

@@ -14,10 +14,10 @@
 #include "HostFramework/embedded/command/Adapter.h"
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "command/FormatTable.h"
 #include "command/TxtWzParser.h"
 #include "entry/CommandEntry.h"
 #include "fuzz/FuzzTarget.h"
+#include "model/FormatTable.h"
 #include "plan/TxtWzExecFile.h"
 
 namespace {

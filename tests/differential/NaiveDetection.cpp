@@ -7,7 +7,7 @@
 #include <unicode/unistr.h>
 
 #include "HostFramework/Text.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 
 namespace naive {
 namespace {

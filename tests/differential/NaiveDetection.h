@@ -7,8 +7,8 @@
 
 #include <unicode/regex.h>
 
-#include "command/TxtWzVar.h"
 #include "detection/RegExMappings.h"
+#include "model/TxtWzVar.h"
 
 namespace naive {
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "command/MessageText.h"
+#include "model/MessageText.h"
 
 namespace naive {
 namespace {

@@ -12,7 +12,7 @@
 #include "HostFramework/embedded/messages/Catalogue.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "cli/testing/TestFolder.h"
-#include "command/MessageText.h"
+#include "model/MessageText.h"
 #include "tests/support/ImportRun.h"
 
 namespace whole {

@@ -9,7 +9,7 @@
 
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "command/MessageText.h"
+#include "model/MessageText.h"
 #include "tests/support/ImportRun.h"
 
 namespace whole {

@@ -12,7 +12,7 @@
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/command/Adapter.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace whole {
 

@@ -9,7 +9,7 @@
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 #include "tests/support/ImportRun.h"
 #include "tests/sweep/Corpus.h"
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
-#include "command/TxtWzVar.h"
+#include "model/TxtWzVar.h"
 
 namespace textwizard {
 

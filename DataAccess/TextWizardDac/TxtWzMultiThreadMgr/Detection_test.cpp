@@ -12,8 +12,8 @@
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 #include "TxtWzMultiThreadMgr/testing/AdapterTest.h"
 #include "TxtWzMultiThreadMgr/testing/EngineTest.h"
-#include "command/MessageText.h"
 #include "detection/DetectionCounters.h"
+#include "model/MessageText.h"
 
 namespace textwizard {
 namespace {

@@ -15,7 +15,7 @@
 #include "HostFramework/embedded/threads/ThreadStarts.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 #include "TxtWzMultiThreadMgr/testing/EngineTest.h"
-#include "command/MessageText.h"
+#include "model/MessageText.h"
 
 namespace textwizard {
 namespace {

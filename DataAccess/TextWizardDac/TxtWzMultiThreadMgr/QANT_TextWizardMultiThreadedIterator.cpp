@@ -1,8 +1,8 @@
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedManager.h"
-#include "command/MessageText.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "model/MessageText.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 

@@ -12,8 +12,8 @@
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
-#include "command/FormatCode.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "model/FormatCode.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {

@@ -6,8 +6,8 @@
 #include <exception>
 #include <string>
 
-#include "command/MessageText.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "model/MessageText.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "command/FormatCode.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "model/FormatCode.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "command/TxtWzVar.h"
 #include "detection/DetectionCounters.h"
-#include "plan/ImportSettings.h"
+#include "model/ImportSettings.h"
+#include "model/TxtWzVar.h"
 #include "reading/FieldSplitter.h"
 #include "reading/ValueConverter.h"
 

@@ -1,7 +1,7 @@
 // The compact header: an import told by a type word, a few numbers, the delimiters and the file,
 // and variables told by a name, a type word and a length, one piece after another.
-#include "command/FormatTable.h"
 #include "command/TxtWzParser.h"
+#include "model/FormatTable.h"
 
 namespace textwizard {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "command/FormatCode.h"
 #include "command/testing/CommandTesting.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <random>
 
-#include "command/FormatCode.h"
 #include "command/testing/CommandTesting.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 namespace {

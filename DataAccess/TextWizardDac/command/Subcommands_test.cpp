@@ -1,8 +1,8 @@
 // One subcommand at a time: what it sets and what it refuses.
 #include <gtest/gtest.h>
 
-#include "command/FormatCode.h"
 #include "command/testing/CommandTesting.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 namespace {

@@ -13,9 +13,9 @@
 #include <string>
 
 #include "HostFramework/DACAdapter.h"
-#include "command/MessageText.h"
 #include "command/SyntaxScanner.h"
-#include "command/TxtWzVar.h"
+#include "model/MessageText.h"
+#include "model/TxtWzVar.h"
 #include "plan/TxtWzExecFile.h"
 
 namespace textwizard {

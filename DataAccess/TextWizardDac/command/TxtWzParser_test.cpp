@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "command/FormatCode.h"
 #include "command/testing/CommandTesting.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "HostFramework/Names.h"
 #include "HostFramework/Text.h"
-#include "command/FormatTable.h"
 #include "command/TxtWzParser.h"
+#include "model/FormatTable.h"
 
 namespace textwizard {
 namespace {

@@ -1,8 +1,8 @@
 // The variable list: names, record marks, column ranges and formats.
 #include <gtest/gtest.h>
 
-#include "command/FormatCode.h"
 #include "command/testing/CommandTesting.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 

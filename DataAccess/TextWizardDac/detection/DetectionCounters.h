@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <string_view>
 
-#include "command/TxtWzVar.h"
 #include "detection/RegExMappings.h"
 #include "detection/ValueClassifier.h"
-#include "plan/ImportSettings.h"
+#include "model/ImportSettings.h"
+#include "model/TxtWzVar.h"
 
 namespace textwizard {
 

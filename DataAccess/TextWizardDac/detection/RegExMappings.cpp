@@ -8,8 +8,8 @@
 #include <langinfo.h>
 
 #include "HostFramework/Text.h"
-#include "command/FormatCode.h"
 #include "detection/UnicodeText.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 

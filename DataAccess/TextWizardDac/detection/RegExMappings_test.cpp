@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "command/FormatCode.h"
 #include "detection/testing/TestLocale.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 namespace {

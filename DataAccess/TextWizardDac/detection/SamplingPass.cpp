@@ -1,7 +1,7 @@
 #include "detection/SamplingPass.h"
 
-#include "command/FormatCode.h"
-#include "command/MessageText.h"
+#include "model/FormatCode.h"
+#include "model/MessageText.h"
 
 namespace textwizard {
 

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "HostFramework/Messages.h"
-#include "command/TxtWzVar.h"
 #include "detection/DetectionCounters.h"
-#include "plan/ImportSettings.h"
+#include "model/ImportSettings.h"
+#include "model/TxtWzVar.h"
 #include "reading/QANT_TextWizardIterator.h"
 
 namespace textwizard {

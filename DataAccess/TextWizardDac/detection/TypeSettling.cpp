@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "HostFramework/Text.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "HostFramework/DataSource.h"
-#include "command/TxtWzVar.h"
 #include "detection/RegExMappings.h"
-#include "plan/ImportSettings.h"
+#include "model/ImportSettings.h"
+#include "model/TxtWzVar.h"
 
 namespace textwizard {
 

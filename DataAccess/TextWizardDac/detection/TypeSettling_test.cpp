@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/text/testing/TextTest.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 namespace {

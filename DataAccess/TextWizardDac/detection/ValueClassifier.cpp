@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "HostFramework/Text.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 

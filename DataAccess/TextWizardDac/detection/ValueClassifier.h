@@ -11,12 +11,12 @@
 #include <string_view>
 #include <vector>
 
-#include "command/TxtWzVar.h"
 #include "detection/NumericRule.h"
 #include "detection/PatternAutomaton.h"
 #include "detection/RegExMappings.h"
 #include "detection/UnicodeText.h"
-#include "plan/ImportSettings.h"
+#include "model/ImportSettings.h"
+#include "model/TxtWzVar.h"
 
 namespace textwizard {
 

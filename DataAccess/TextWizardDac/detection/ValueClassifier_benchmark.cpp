@@ -10,10 +10,10 @@
 
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "command/FormatCode.h"
 #include "detection/DetectionCounters.h"
+#include "model/FormatCode.h"
 #include "plan/TxtWzExecFile.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {

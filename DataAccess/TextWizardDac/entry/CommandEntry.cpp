@@ -7,11 +7,11 @@
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Messages.h"
 #include "HostFramework/Names.h"
-#include "command/MessageText.h"
 #include "command/SyntaxScanner.h"
 #include "command/TxtWzParser.h"
+#include "model/MessageText.h"
 #include "plan/TxtWzExecFile.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 #include "wizard/TextWizardDACHandler.h"
 
 namespace textwizard {

@@ -12,8 +12,8 @@
 
 #include "HostFramework/DataSource.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "command/MessageText.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "model/MessageText.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "command/FormatCode.h"
-#include "command/FormatTable.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "model/FormatCode.h"
+#include "model/FormatTable.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 

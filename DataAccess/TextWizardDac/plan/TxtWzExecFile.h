@@ -13,10 +13,10 @@
 
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Messages.h"
-#include "command/TxtWzVar.h"
 #include "detection/RegExMappings.h"
-#include "plan/ImportSettings.h"
-#include "plan/TwExecInput.h"
+#include "model/ImportSettings.h"
+#include "model/TwExecInput.h"
+#include "model/TxtWzVar.h"
 
 namespace textwizard {
 

@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "command/FormatCode.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "model/FormatCode.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {

@@ -1,7 +1,7 @@
 #include "HostFramework/Text.h"
 #include "plan/TxtWzExecFile.h"
 #include "reading/FixedFields.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/text/HostText.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 #include "plan/TxtWzExecFile.h"
 
 namespace textwizard {

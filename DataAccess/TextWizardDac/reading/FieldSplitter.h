@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "HostFramework/Text.h"
-#include "plan/ImportSettings.h"
+#include "model/ImportSettings.h"
 #include "reading/ByteScan.h"
 
 namespace textwizard {

@@ -1,6 +1,6 @@
 #include "reading/FixedFields.h"
 
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 

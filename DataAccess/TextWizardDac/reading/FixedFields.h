@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "command/TxtWzVar.h"
+#include "model/TxtWzVar.h"
 
 namespace textwizard {
 

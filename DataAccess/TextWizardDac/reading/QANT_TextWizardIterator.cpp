@@ -4,12 +4,12 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "command/FormatCode.h"
-#include "command/MessageText.h"
 #include "map/VariableMap.h"
+#include "model/FormatCode.h"
+#include "model/MessageText.h"
 #include "reading/FixedFields.h"
-#include "reading/QANT_TextWizardSrc.h"
 #include "reading/ValueConverter.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
-#include "command/TxtWzVar.h"
+#include "model/TxtWzVar.h"
 #include "reading/DecimalCharacterPin.h"
 #include "reading/FieldSplitter.h"
 #include "reading/RecordDecoder.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "HostFramework/Text.h"
-#include "plan/ImportSettings.h"
+#include "model/ImportSettings.h"
 #include "reading/RecordReader.h"
 
 namespace textwizard {

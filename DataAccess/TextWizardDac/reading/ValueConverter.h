@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "HostFramework/ValueInput.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/ValueInput.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 namespace {

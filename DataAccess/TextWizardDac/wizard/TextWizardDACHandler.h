@@ -11,7 +11,7 @@
 
 #include "HostFramework/FileMessages.h"
 #include "HostFramework/Packages.h"
-#include "plan/TwExecInput.h"
+#include "model/TwExecInput.h"
 #include "wizard/ReadLine16.h"
 
 namespace textwizard {

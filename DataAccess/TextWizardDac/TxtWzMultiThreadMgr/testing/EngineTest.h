@@ -15,10 +15,10 @@
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "command/FormatCode.h"
-#include "command/TxtWzVar.h"
-#include "plan/ImportSettings.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "model/FormatCode.h"
+#include "model/ImportSettings.h"
+#include "model/TxtWzVar.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard::engine_test {
 

@@ -8,8 +8,8 @@
 
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "command/MessageText.h"
 #include "command/TxtWzParser.h"
+#include "model/MessageText.h"
 
 namespace textwizard {
 

@@ -13,9 +13,9 @@
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 #include "reading/QANT_TextWizardIterator.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard::testing_support {
 

@@ -10,9 +10,9 @@
 
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/messages/Attention.h"
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 #include "plan/TxtWzExecFile.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {

@@ -1,4 +1,4 @@
-#include "command/MessageText.h"
+#include "model/MessageText.h"
 
 #include <gtest/gtest.h>
 

@@ -9,8 +9,8 @@
 #include "HostFramework/DACAdapter.h"
 #include "HostFramework/DataSource.h"
 #include "HostFramework/FileStream.h"
-#include "command/TxtWzVar.h"
-#include "plan/ImportSettings.h"
+#include "model/ImportSettings.h"
+#include "model/TxtWzVar.h"
 
 namespace textwizard {
 

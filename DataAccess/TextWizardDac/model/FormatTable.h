@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "command/FormatCode.h"
+#include "model/FormatCode.h"
 
 namespace textwizard {
 

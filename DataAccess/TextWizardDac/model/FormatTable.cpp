@@ -1,4 +1,4 @@
-#include "command/FormatTable.h"
+#include "model/FormatTable.h"
 
 #include <array>
 #include <limits>

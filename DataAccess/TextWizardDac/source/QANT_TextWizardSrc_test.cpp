@@ -1,5 +1,5 @@
 // The data source: opening, choosing iterators, counting cases.
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 
 #include <cstdlib>
 

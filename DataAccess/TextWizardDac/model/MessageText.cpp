@@ -1,9 +1,9 @@
-#include "command/MessageText.h"
+#include "model/MessageText.h"
 
 #include <cstdio>
 
-#include "command/FormatCode.h"
-#include "command/TxtWzVar.h"
+#include "model/FormatCode.h"
+#include "model/TxtWzVar.h"
 
 namespace textwizard {
 namespace {

@@ -10,12 +10,12 @@
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Messages.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
-#include "command/FormatCode.h"
 #include "detection/SamplingPass.h"
 #include "detection/TypeSettling.h"
+#include "model/FormatCode.h"
 #include "plan/TxtWzExecFile.h"
 #include "reading/QANT_TextWizardIterator.h"
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 

@@ -1,4 +1,4 @@
-#include "reading/QANT_TextWizardSrc.h"
+#include "source/QANT_TextWizardSrc.h"
 
 #include <cstdlib>
 #include <new>
@@ -6,8 +6,8 @@
 
 #include "HostFramework/ValueInput.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
-#include "command/MessageText.h"
 #include "map/VariableMap.h"
+#include "model/MessageText.h"
 #include "reading/QANT_TextWizardIterator.h"
 
 namespace textwizard {

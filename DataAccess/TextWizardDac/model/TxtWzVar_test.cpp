@@ -1,4 +1,4 @@
-#include "command/TxtWzVar.h"
+#include "model/TxtWzVar.h"
 
 #include <gtest/gtest.h>
 
