@@ -1,0 +1,172 @@
+#include "library/columns/ColumnBuilder.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <string_view>
+
+#include "HostFramework/Text.h"
+#include "library/columns/NumberCells.h"
+
+namespace library {
+namespace {
+
+double NumberIn(const OBS* cell) { return std::bit_cast<double>(*cell); }
+
+// The text of a string's cells without the blanks that pad it.
+std::string_view TextIn(const OBS* cell, std::size_t bytes) {
+  const auto* const text = reinterpret_cast<const char*>(cell->bytes);
+  std::size_t length = bytes;
+  // A short text in a wide variable is mostly padding: drop eight blanks at a time.
+  constexpr std::uint64_t kBlanks = 0x2020202020202020U;
+  while (length >= sizeof kBlanks) {
+    std::uint64_t last = 0;
+    std::memcpy(&last, text + length - sizeof last, sizeof last);
+    if (last != kBlanks) break;
+    length -= sizeof last;
+  }
+  while (length > 0 && text[length - 1] == ' ') --length;
+  return {text, length};
+}
+
+void CountMisfit(ColumnMisfits& misfits, std::size_t columns, const ColumnMisfit& misfit) {
+  if (misfits.counts.empty()) misfits.counts.resize(columns);
+  if (misfits.counts[misfit.column]++ == 0) misfits.first.push_back(misfit);
+}
+
+// The cases that are made into columns.
+struct Cases {
+  const OBS* first;
+  std::size_t count;
+  std::size_t cells;
+  std::int64_t before;
+};
+
+template <class Value, bool (*Convert)(double, Value*)>
+void BuildNumbers(const Cases& cases, std::size_t columns, std::size_t number,
+                  const ColumnField& field, Column& column, ColumnMisfits* misfits) {
+  auto* const values = reinterpret_cast<Value*>(column.values.Extend(cases.count * sizeof(Value)));
+  const OBS* cell = cases.first + field.cell;
+  for (std::size_t word = 0; word < cases.count; word += 64) {
+    const std::size_t end = std::min(cases.count, word + 64);
+    std::uint64_t present = 0;
+    for (std::size_t i = word; i < end; ++i, cell += cases.cells) {
+      const double value = NumberIn(cell);
+      if (IsMissingNumber(value)) {
+        values[i] = Value{};
+      } else if (Convert(value, values + i)) {
+        present |= std::uint64_t{1} << (i - word);
+      } else {
+        CountMisfit(*misfits, columns,
+                    {cases.before + static_cast<std::int64_t>(i) + 1, number, value});
+      }
+    }
+    const auto missing = static_cast<std::int64_t>(end - word) - std::popcount(present);
+    if (missing != 0 && column.validity.empty()) {
+      const std::size_t bytes = (cases.count + 7) / 8;
+      std::memset(column.validity.Extend(bytes), 0xFF, bytes);
+      // Bits behind the last case are 0.
+      if (cases.count % 8 != 0) {
+        column.validity.data()[bytes - 1] = static_cast<std::byte>((1U << (cases.count % 8)) - 1);
+      }
+    }
+    if (missing != 0) {
+      std::memcpy(column.validity.data() + word / 8, &present, (end - word + 7) / 8);
+      column.missing += missing;
+    }
+  }
+}
+
+// Texts as UTF-8. Made where a text needs it first.
+class TextConverter {
+ public:
+  ~TextConverter() { QANTMBConverterDelete_A(converter_); }
+  TextConverter() = default;
+  TextConverter(const TextConverter&) = delete;
+  TextConverter& operator=(const TextConverter&) = delete;
+
+  std::string_view ToUtf8(std::string_view text) {
+    const bool ascii = std::none_of(text.begin(), text.end(), [](char c) { return c < 0; });
+    if (ascii) return text;
+    if (converter_ == nullptr) converter_ = QANTMBConverterNew_A(nullptr);
+    QANTMBCodePageToU8(converter_, converted_, text);
+    return converted_;
+  }
+
+ private:
+  QANTMBConverter* converter_ = nullptr;
+  std::string converted_;
+};
+
+template <class Offset>
+void BuildTexts(const Cases& cases, const ColumnField& field, TextConverter& converter,
+                Column& column) {
+  auto* offsets =
+      reinterpret_cast<Offset*>(column.values.Extend((cases.count + 1) * sizeof(Offset)));
+  *offsets++ = 0;
+  const OBS* cell = cases.first + field.cell;
+  for (std::size_t i = 0; i < cases.count; ++i, cell += cases.cells) {
+    const std::string_view text = converter.ToUtf8(TextIn(cell, field.bytes));
+    column.text.Append(text.data(), text.size());
+    *offsets++ = static_cast<Offset>(column.text.size());
+  }
+}
+
+}  // namespace
+
+void MergeMisfits(const ColumnMisfits& from, ColumnMisfits& into) {
+  if (from.counts.empty()) return;
+  if (into.counts.empty()) into.counts.resize(from.counts.size());
+  for (const ColumnMisfit& misfit : from.first) {
+    if (into.counts[misfit.column] == 0) into.first.push_back(misfit);
+  }
+  for (std::size_t i = 0; i < from.counts.size(); ++i) into.counts[i] += from.counts[i];
+}
+
+ColumnBatch BuildColumns(const std::vector<ColumnField>& fields, const OBS* cases,
+                         std::size_t count, std::size_t cells, std::int64_t firstCase,
+                         ColumnMisfits* misfits) {
+  ColumnBatch batch;
+  batch.firstCase = firstCase;
+  batch.cases = count;
+  batch.columns.resize(fields.size());
+  if (count == 0) return batch;
+  TextConverter converter;
+  const Cases source{cases, count, cells, firstCase};
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const ColumnField& field = fields[i];
+    Column& column = batch.columns[i];
+    const auto numbers = [&]<class Value, bool (*Convert)(double, Value*)>() {
+      BuildNumbers<Value, Convert>(source, fields.size(), i, field, column, misfits);
+    };
+    switch (field.type) {
+      case ColumnType::kFloat64:
+        numbers.template operator()<double, CellFloat64>();
+        break;
+      case ColumnType::kInt64:
+        numbers.template operator()<std::int64_t, CellInt64>();
+        break;
+      case ColumnType::kInt8:
+        numbers.template operator()<std::int8_t, CellInt8>();
+        break;
+      case ColumnType::kDate32:
+        numbers.template operator()<std::int32_t, CellDate32>();
+        break;
+      case ColumnType::kTimestampMicros:
+        numbers.template operator()<std::int64_t, CellTimestamp>();
+        break;
+      case ColumnType::kDurationMicros:
+        numbers.template operator()<std::int64_t, CellMicros>();
+        break;
+      case ColumnType::kUtf8:
+        BuildTexts<std::int32_t>(source, field, converter, column);
+        break;
+      case ColumnType::kLargeUtf8:
+        BuildTexts<std::int64_t>(source, field, converter, column);
+        break;
+    }
+  }
+  return batch;
+}
+
+}  // namespace library
