@@ -1,7 +1,10 @@
 // The targets depend one way: the component sees only the host's declarations, the embedded host
 // knows nothing of the component, the library is a host that also calls the component's units, and
-// the program sees the library and the host, the component itself only as a library to load.
+// the program sees the library and the host, the component itself only as a library to load. Inside
+// the component, folders stand in levels and include only lower ones.
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -12,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include "TreePaths.h"
+#include "cli/testing/TestFolder.h"
 
 namespace {
 
@@ -31,10 +35,10 @@ bool IsTestOrBenchmark(const std::string& file) {
          file.find("/testing/") != std::string::npos;
 }
 
-// The quoted includes of the sources below `folder`, with paths relative to the project.
-std::vector<Include> Includes(const std::string& folder) {
+// The quoted includes of the sources below `folder`, with paths relative to `root`.
+std::vector<Include> Includes(const std::string& folder,
+                              const fs::path& root = TEXTWIZARD_SOURCE_DIR) {
   static const std::regex quoted("^\\s*#\\s*include\\s*\"([^\"]+)\"");
-  const fs::path root = TEXTWIZARD_SOURCE_DIR;
   std::vector<Include> found;
   for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
     if (!IsSource(entry.path())) continue;
@@ -59,6 +63,39 @@ void ExpectAll(const std::vector<Include>& includes,
 
 const fs::path kComponent = fs::path(TEXTWIZARD_SOURCE_DIR) / "DataAccess/TextWizardDac";
 
+// The component's folders, the lowest level first.
+const std::vector<std::vector<std::string>> kLevels = {{"model"},
+                                                       {"reading", "wizard"},
+                                                       {"detection", "map"},
+                                                       {"TxtWzMultiThreadMgr"},
+                                                       {"source"},
+                                                       {"plan"},
+                                                       {"command"},
+                                                       {"entry"}};
+constexpr std::size_t kNoLevel = SIZE_MAX;
+
+std::size_t LevelOf(const std::string& folder) {
+  for (std::size_t level = 0; level < kLevels.size(); ++level) {
+    for (const std::string& name : kLevels[level]) {
+      if (name == folder) return level;
+    }
+  }
+  return kNoLevel;
+}
+
+// The includes of `component` that neither stay in their folder nor go down a level.
+std::vector<std::string> Climbs(const fs::path& component) {
+  std::vector<std::string> found;
+  for (const Include& include : Includes("", component)) {
+    if (IsTestOrBenchmark(include.file) || !fs::exists(component / include.target)) continue;
+    const std::string from = *fs::path(include.file).begin();
+    const std::string to = *fs::path(include.target).begin();
+    const bool descends = LevelOf(from) != kNoLevel && LevelOf(to) < LevelOf(from);
+    if (from != to && !descends) found.push_back(include.file + " includes " + include.target);
+  }
+  return found;
+}
+
 bool IsComponentHeader(const std::string& target) { return fs::exists(kComponent / target); }
 
 bool IsDeclaration(const std::string& target) {
@@ -71,6 +108,45 @@ TEST(IncludeBoundaries, TheComponentSeesOnlyTheHostsDeclarations) {
     return IsDeclaration(include.target) || IsComponentHeader(include.target) ||
            include.target.ends_with("hwy/highway.h") || include.target == "hwy/foreach_target.h";
   });
+}
+
+TEST(IncludeBoundaries, TheComponentsFoldersIncludeOnlyLowerLevels) {
+  EXPECT_EQ(Climbs(kComponent), std::vector<std::string>{});
+}
+
+TEST(IncludeBoundaries, EveryFolderOfTheComponentHasALevel) {
+  std::size_t folders = 0;
+  for (const auto& entry : fs::directory_iterator(kComponent)) {
+    if (!entry.is_directory()) continue;
+    ++folders;
+    EXPECT_NE(LevelOf(entry.path().filename()), kNoLevel) << entry.path();
+  }
+  std::size_t listed = 0;
+  for (const auto& level : kLevels) listed += level.size();
+  EXPECT_EQ(folders, listed);
+}
+
+TEST(IncludeBoundaries, APlantedClimbIsSeen) {
+  const cli::TestFolder folder;
+  for (const char* name : {"model", "reading", "wizard", "plan", "attic"}) {
+    fs::create_directory(folder.path() / name);
+    folder.Write(std::string(name) + "/Header.h", "#pragma once\n");
+  }
+  folder.Write("reading/Down.cpp",
+               "#include \"reading/Header.h\"\n#include \"model/Header.h\"\n"
+               "#include \"HostFramework/Text.h\"\n");
+  EXPECT_EQ(Climbs(folder.path()), std::vector<std::string>{});
+
+  const auto planted = [&folder](const std::string& file, const std::string& target) {
+    folder.Write(file, "  # include \"" + target + "\"\n");
+    const std::vector<std::string> found = Climbs(folder.path());
+    fs::remove(folder.path() / file);
+    return found == std::vector<std::string>{file + " includes " + target};
+  };
+  EXPECT_TRUE(planted("reading/Up.cpp", "plan/Header.h"));
+  EXPECT_TRUE(planted("wizard/Aside.h", "reading/Header.h"));
+  EXPECT_TRUE(planted("plan/Unlisted.h", "attic/Header.h"));
+  EXPECT_TRUE(planted("attic/Unlisted.h", "model/Header.h"));
 }
 
 TEST(IncludeBoundaries, TheEmbeddedHostKnowsNothingOfTheComponent) {

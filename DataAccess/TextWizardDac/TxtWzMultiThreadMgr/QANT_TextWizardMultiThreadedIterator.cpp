@@ -2,12 +2,12 @@
 
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedManager.h"
 #include "model/MessageText.h"
-#include "source/QANT_TextWizardSrc.h"
+#include "reading/ImportSource.h"
 
 namespace textwizard {
 
 QANT_TextWizardMultiThreadedIterator::QANT_TextWizardMultiThreadedIterator(
-    const QANT_TextWizardSrc& source, OBS* obs, bool detection)
+    const ImportSource& source, OBS* obs, bool detection)
     : QANT_InputCaseIterator(source, obs), fSavedDecimalChar(source.decimalCharacter()) {
   try {
     fManager = std::make_unique<QANT_TextWizardMultiThreadedManager>(source, *this, detection,

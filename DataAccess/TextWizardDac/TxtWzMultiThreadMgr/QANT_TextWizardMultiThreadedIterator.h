@@ -13,14 +13,14 @@
 namespace textwizard {
 
 class QANT_TextWizardMultiThreadedManager;
-class QANT_TextWizardSrc;
+class ImportSource;
 class TxtWzVar;
 
 class QANT_TextWizardMultiThreadedIterator : public QANT_InputCaseIterator {
  public:
   // `obs` may be null when `detection`. In conversion mode the threads start at once. Throws the
   // integer 2269 when the file cannot be opened again.
-  QANT_TextWizardMultiThreadedIterator(const QANT_TextWizardSrc& source, OBS* obs, bool detection);
+  QANT_TextWizardMultiThreadedIterator(const ImportSource& source, OBS* obs, bool detection);
   ~QANT_TextWizardMultiThreadedIterator() override;
 
   bool IsSeekOK() override;

@@ -7,13 +7,13 @@
 #include <string>
 
 #include "model/MessageText.h"
-#include "source/QANT_TextWizardSrc.h"
+#include "reading/ImportSource.h"
 
 namespace textwizard {
 namespace {
 
 // Two at least: one batch is converted while another one is taken.
-std::size_t WorkerCount(const QANT_TextWizardSrc& source) {
+std::size_t WorkerCount(const ImportSource& source) {
   const int wanted = source.workerCount() < 1 ? getLogicalCPUCount() : source.workerCount();
   return static_cast<std::size_t>(std::max(wanted, 2));
 }
@@ -27,7 +27,7 @@ bool SwapsDecimal(int decimalCharacter) {
 }  // namespace
 
 QANT_TextWizardMultiThreadedManager::QANT_TextWizardMultiThreadedManager(
-    const QANT_TextWizardSrc& source, QANT_InputCaseIterator& iterator, bool detection,
+    const ImportSource& source, QANT_InputCaseIterator& iterator, bool detection,
     int decimalCharacter)
     : sfThread(1),
       fSource(source),

@@ -25,16 +25,15 @@
 
 namespace textwizard {
 
-class QANT_TextWizardSrc;
+class ImportSource;
 
 // Every operation but threadMain is called on the host's thread.
 class QANT_TextWizardMultiThreadedManager : public sfThread {
  public:
   // `decimalCharacter`: the host's, in detection mode, by which numbers are told. Throws the
   // integer 2269 when the file cannot be opened once more.
-  QANT_TextWizardMultiThreadedManager(const QANT_TextWizardSrc& source,
-                                      QANT_InputCaseIterator& iterator, bool detection,
-                                      int decimalCharacter);
+  QANT_TextWizardMultiThreadedManager(const ImportSource& source, QANT_InputCaseIterator& iterator,
+                                      bool detection, int decimalCharacter);
   // Stops and joins all threads.
   ~QANT_TextWizardMultiThreadedManager() override;
 
@@ -108,7 +107,7 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   void RaiseReaderState(ReaderState state);
 
   // Constant after construction.
-  const QANT_TextWizardSrc& fSource;
+  const ImportSource& fSource;
   QANT_InputCaseIterator& fIterator;
   // Constant while threads run.
   WorkerPlan fPlan;

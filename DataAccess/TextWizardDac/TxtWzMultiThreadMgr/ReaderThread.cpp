@@ -4,7 +4,7 @@
 
 #include "TxtWzMultiThreadMgr/PatientWait.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedManager.h"
-#include "source/QANT_TextWizardSrc.h"
+#include "reading/ImportSource.h"
 
 namespace textwizard {
 

@@ -6,7 +6,7 @@
 #include "HostFramework/Text.h"
 #include "TxtWzMultiThreadMgr/PatientWait.h"
 #include "TxtWzMultiThreadMgr/StoreText.h"
-#include "source/QANT_TextWizardSrc.h"
+#include "reading/ImportSource.h"
 
 namespace textwizard {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "model/FormatCode.h"
-#include "source/QANT_TextWizardSrc.h"
+#include "reading/ImportSource.h"
 
 namespace textwizard {
 namespace {
@@ -15,7 +15,7 @@ constexpr std::size_t kCaseArrayBudget = std::size_t{4} << 20;
 
 }  // namespace
 
-WorkerPlan::WorkerPlan(const QANT_TextWizardSrc& src)
+WorkerPlan::WorkerPlan(const ImportSource& src)
     : source(src), fieldRules(src.settings()), caseBytes(src.GetObsAreaSize()) {
   stringRules.leadingSpaces = src.settings().leadingSpaces;
   stringRules.enclosedFitsUnmarked = true;

@@ -13,7 +13,7 @@
 
 namespace textwizard {
 
-class QANT_TextWizardSrc;
+class ImportSource;
 
 enum class FieldUse : std::uint8_t {
   kDiscard,  // cut, but neither stored nor counted
@@ -39,14 +39,14 @@ struct FieldTask {
 // Made on the host's thread; constant while a worker runs, and outlives all of them.
 struct WorkerPlan {
   // Only the settings that both modes share; Convert or Detect completes it.
-  explicit WorkerPlan(const QANT_TextWizardSrc& source);
+  explicit WorkerPlan(const ImportSource& source);
 
   // Every variable of the source into its cells.
   void Convert();
   // Counts for the AUTO variables among `variables`, by detectionRules.
   void Detect(TxtWzVar* const* variables, std::size_t count);
 
-  const QANT_TextWizardSrc& source;
+  const ImportSource& source;
   FieldRules fieldRules;
   bool detection = false;
   // In file order. Empty for an arrangement that is not cut by delimiters.

@@ -4,7 +4,8 @@
 
 #include "model/FormatCode.h"
 #include "model/FormatTable.h"
-#include "source/QANT_TextWizardSrc.h"
+#include "model/MessageText.h"
+#include "reading/ImportSource.h"
 
 namespace textwizard {
 namespace {
@@ -45,15 +46,11 @@ std::string VariableLine(const TxtWzVar& variable) {
 
 }  // namespace
 
-void ReportLogMessage(ErrorMonitor* monitor, const std::string& text) {
-  if (monitor) monitor->Report({text, kMessageLog, 0});
-}
-
 std::string_view FormatName(std::uint32_t packedFormat) {
   return FormatNameOf((packedFormat >> 16) & 0xFF);
 }
 
-void EmitMapOutput(ErrorMonitor* monitor, const QANT_TextWizardSrc& source) {
+void EmitMapOutput(ErrorMonitor* monitor, const ImportSource& source) {
   if (!monitor) return;
   const auto& variables = source.variables();
   const auto imported = std::count_if(variables.begin(), variables.end(), [](const auto& variable) {

@@ -2,21 +2,17 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 #include "HostFramework/Messages.h"
 
 namespace textwizard {
 
-class QANT_TextWizardSrc;
+class ImportSource;
 
 // Writes the report of `source` line by line to `monitor`; nothing when that is null. Host's
 // thread.
-void EmitMapOutput(ErrorMonitor* monitor, const QANT_TextWizardSrc& source);
-
-// Sends one line to the log; nothing when the monitor is null.
-void ReportLogMessage(ErrorMonitor* monitor, const std::string& text);
+void EmitMapOutput(ErrorMonitor* monitor, const ImportSource& source);
 
 // Name of a packed format (width in bits 0-15, type code in bits 16-23, decimals in bits 24-31);
 // "badFormat" for a code without one.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "model/MessageText.h"
 #include "reading/testing/ReadingTesting.h"
 
 namespace textwizard {

@@ -75,4 +75,8 @@ ErrorText ReadFailedError(const std::string& fileName) {
   return {MessageText(kReadFailed, fileName.c_str()), kMessageError, 0};
 }
 
+void ReportLogMessage(ErrorMonitor* monitor, const std::string& text) {
+  if (monitor) monitor->Report({text, kMessageLog, 0});
+}
+
 }  // namespace textwizard

@@ -68,5 +68,7 @@ std::string MessageText(std::uint32_t id, const char* token);
 ErrorText UndecodableWarning(std::int64_t caseNumber, std::size_t position);
 // The error that ends a reading pass whose file `fileName` could not be read on.
 ErrorText ReadFailedError(const std::string& fileName);
+// Sends one line to the log; nothing when the monitor is null.
+void ReportLogMessage(ErrorMonitor* monitor, const std::string& text);
 
 }  // namespace textwizard

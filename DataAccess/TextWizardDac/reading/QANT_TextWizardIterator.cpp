@@ -4,12 +4,11 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "map/VariableMap.h"
 #include "model/FormatCode.h"
 #include "model/MessageText.h"
 #include "reading/FixedFields.h"
+#include "reading/ImportSource.h"
 #include "reading/ValueConverter.h"
-#include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
 namespace {
@@ -19,9 +18,11 @@ constexpr double kLargestRandom = 2147483647.0;
 
 }  // namespace
 
-QANT_TextWizardIterator::QANT_TextWizardIterator(const QANT_TextWizardSrc& source, OBS* obs)
+QANT_TextWizardIterator::QANT_TextWizardIterator(const ImportSource& source, OBS* obs)
     : QANT_InputCaseIterator(source, obs),
       source_(source),
+      settings_(source.settings()),
+      index_(source.index()),
       decimalCharacter_(source.decimalCharacter()),
       rules_(source.settings()),
       reader_(source.stream()),
@@ -54,23 +55,22 @@ bool QANT_TextWizardIterator::SeekBegin() { return reader_.SeekBegin(); }
 void QANT_TextWizardIterator::SkipStartingLines() {
   // Where values run across lines, a case goes on in the record read last: the line where the data
   // begins is read here, too, and is then the current record.
-  const bool readsOn = source_.settings().arrangement == kDelimitedCount;
-  reader_.SkipLines(readsOn ? 0 : 1, source_.settings().firstCase);
+  const bool readsOn = settings_.arrangement == kDelimitedCount;
+  reader_.SkipLines(readsOn ? 0 : 1, settings_.firstCase);
   if (readsOn) TakeRecord(decoder_.Decode(reader_.record(), reader_.mark()));
 }
 
 bool QANT_TextWizardIterator::MoreCases() const {
-  const ImportSettings& settings = source_.settings();
-  return settings.importMode != kImportFirst || currentCase_ < settings.caseLimit;
+  return settings_.importMode != kImportFirst || currentCase_ < settings_.caseLimit;
 }
 
 bool QANT_TextWizardIterator::SampleCase() {
-  if (source_.settings().importMode != kImportPercent) return true;
+  if (settings_.importMode != kImportPercent) return true;
   if (!randomSeeded_) {
     std::srand(static_cast<unsigned>(std::time(nullptr)));
     randomSeeded_ = true;
   }
-  return std::rand() / kLargestRandom <= source_.settings().sampleFraction;
+  return std::rand() / kLargestRandom <= settings_.sampleFraction;
 }
 
 void QANT_TextWizardIterator::DropRecord() {
@@ -89,7 +89,7 @@ void QANT_TextWizardIterator::Position() {
   }
   if (requestedCase_ == currentCase_) return;
   std::int64_t position = 0;
-  if (!source_.index().GetPos(requestedCase_, &currentCase_, &position)) return;
+  if (!index_.GetPos(requestedCase_, &currentCase_, &position)) return;
   DropRecord();
   reader_.SeekTo(position);
 }
@@ -116,7 +116,7 @@ bool QANT_TextWizardIterator::ReadOn() {
   Position();
   while (currentCase_ <= requestedCase_) {
     if (!MoreCases() || !ReadCase()) return EndOfData();
-    source_.index().Add(currentCase_, reader_.recordPosition());
+    index_.Add(currentCase_, reader_.recordPosition());
     ++currentCase_;
   }
   requestedCase_ = currentCase_;
@@ -143,14 +143,14 @@ bool QANT_TextWizardIterator::EndOfData() {
 }
 
 bool QANT_TextWizardIterator::ReadCase() {
-  switch (source_.settings().arrangement) {
+  switch (settings_.arrangement) {
     case kDelimitedLines:
       return ProcessDlmLines();
     // Cases of no values and of no lines have no end: there are none.
     case kDelimitedCount:
       return !columns_.empty() && ProcessDlmCount();
     case kFixedColumns:
-      return source_.settings().recordsPerCase != 0 && ProcessFixedLines();
+      return settings_.recordsPerCase != 0 && ProcessFixedLines();
   }
   return false;
 }
@@ -298,7 +298,7 @@ bool QANT_TextWizardIterator::ProcessDlmCount() {
 bool QANT_TextWizardIterator::ProcessFixedLines() {
   bool ended = false;
   auto column = lineColumns_.cbegin();
-  for (std::uint32_t line = 1; line <= source_.settings().recordsPerCase; ++line) {
+  for (std::uint32_t line = 1; line <= settings_.recordsPerCase; ++line) {
     if (!ended) ended = !ReadRecord(true);
     if (ended && line == 1) return false;
     while (column != lineColumns_.cend() && column->variable->recordNumber < line) ++column;
@@ -329,7 +329,7 @@ std::string QANT_TextWizardIterator::ProcessDlmLinesBuffer() { return std::strin
 
 std::string QANT_TextWizardIterator::ProcessFixedLinesBuffer() {
   std::string text;
-  for (std::uint32_t line = 0; line < source_.settings().recordsPerCase; ++line) {
+  for (std::uint32_t line = 0; line < settings_.recordsPerCase; ++line) {
     if (!ReadRecord(true)) {
       if (line == 0) text = kEndOfDataText;
       break;

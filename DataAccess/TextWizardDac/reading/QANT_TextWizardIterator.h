@@ -18,7 +18,7 @@
 
 namespace textwizard {
 
-class QANT_TextWizardSrc;
+class ImportSource;
 
 // Returned by the buffer readers in place of a record after the last one.
 inline constexpr std::string_view kEndOfDataText = "%_%_EOF_%_%";
@@ -29,7 +29,7 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
  public:
   // The source is executed already and outlives the iterator. `obs` may be null: then no value is
   // ever stored. Never throws for the file: see readFailed.
-  QANT_TextWizardIterator(const QANT_TextWizardSrc& source, OBS* obs);
+  QANT_TextWizardIterator(const ImportSource& source, OBS* obs);
   ~QANT_TextWizardIterator() override;
 
   bool IsSeekOK() override { return true; }
@@ -120,7 +120,9 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   bool ReadCase();
   void StoreMissing(const Column& column, TxtWzVar* flagged);
 
-  const QANT_TextWizardSrc& source_;
+  const ImportSource& source_;
+  const ImportSettings& settings_;
+  QANT_SparseFileIndex& index_;
   const DecimalCharacterPin decimalCharacter_;
   FieldRules rules_;
   RecordReader reader_;

@@ -24,7 +24,7 @@ constexpr std::int64_t kIndexSpacing = 1;
 
 QANT_TextWizardSrc::QANT_TextWizardSrc(const char* path, int workerCount, int hostParameter,
                                        DACAdapterBase* adapter)
-    : QANT_DataSource(nullptr),
+    : ImportSource(nullptr),
       adapter_(adapter),
       workerCount_(workerCount),
       hostParameter_(hostParameter),
@@ -69,6 +69,10 @@ void QANT_TextWizardSrc::NotePassEnd(std::int64_t cases, ErrorMonitor* monitor) 
   if (cases <= highestCaseCount_) return;
   highestCaseCount_ = cases;
   if (settings_.mapRequested) EmitMapOutput(monitor, *this);
+}
+
+void EmitMapOutput(ErrorMonitor* monitor, const QANT_TextWizardSrc& source) {
+  EmitMapOutput(monitor, static_cast<const ImportSource&>(source));
 }
 
 }  // namespace textwizard

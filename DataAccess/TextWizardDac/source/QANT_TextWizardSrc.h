@@ -6,15 +6,11 @@
 #include <memory>
 #include <vector>
 
-#include "HostFramework/DACAdapter.h"
-#include "HostFramework/DataSource.h"
-#include "HostFramework/FileStream.h"
-#include "model/ImportSettings.h"
-#include "model/TxtWzVar.h"
+#include "reading/ImportSource.h"
 
 namespace textwizard {
 
-class QANT_TextWizardSrc : public QANT_DataSource {
+class QANT_TextWizardSrc : public ImportSource {
  public:
   // Opens `path` (host text). Throws the integer 2269 when it cannot be opened. `workerCount`:
   // conversion threads, below 1 for one per processor; `hostParameter` is only stored. The adapter
@@ -27,10 +23,9 @@ class QANT_TextWizardSrc : public QANT_DataSource {
   QANT_InputCaseIterator* MakeIterator(OBS* obs) const override;
   // Cases of the longest pass that reached the end of the data; -1 before.
   long long RowCount() const override;
-  // An iterator for type detection; `obs` may be null. Multi-threaded for one case per line unless
-  // DISABLE_MULTI_THREAD_AUTO is "YES"; that one throws the integer 2269 when the file cannot be
-  // opened again.
-  virtual QANT_InputCaseIterator* MakeAutoDetectIterator(OBS* obs) const;
+  // Multi-threaded for one case per line unless DISABLE_MULTI_THREAD_AUTO is "YES"; that one throws
+  // the integer 2269 when the file cannot be opened again.
+  QANT_InputCaseIterator* MakeAutoDetectIterator(OBS* obs) const override;
 
   // What the plan hands over while it executes; before any iterator but the detection's.
   void SetSettings(const ImportSettings& settings) { settings_ = settings; }
@@ -38,21 +33,15 @@ class QANT_TextWizardSrc : public QANT_DataSource {
     variables_ = std::move(variables);
   }
 
-  const ImportSettings& settings() const { return settings_; }
-  // In file order, skipped ones included. Iterators set flags of the variables.
-  const std::vector<std::unique_ptr<TxtWzVar>>& variables() const { return variables_; }
-  DACAdapterBase* adapter() const { return adapter_; }
-  int workerCount() const { return workerCount_; }
+  const ImportSettings& settings() const override { return settings_; }
+  const std::vector<std::unique_ptr<TxtWzVar>>& variables() const override { return variables_; }
+  DACAdapterBase* adapter() const override { return adapter_; }
+  int workerCount() const override { return workerCount_; }
   int hostParameter() const { return hostParameter_; }
-  // '.' or ',': the host's decimal character when the source was made.
-  char decimalCharacter() const { return decimalCharacter_; }
-  const QANT_FileStream& stream() const { return stream_; }
-  QANT_SparseFileIndex& index() const { return *index_; }
-
-  // A pass has reached the end of the data after `cases` cases: when no earlier pass found so many,
-  // keeps the count and, when the command asked for it, writes the variable map to `monitor`.
-  // Host's thread.
-  void NotePassEnd(std::int64_t cases, ErrorMonitor* monitor) const;
+  char decimalCharacter() const override { return decimalCharacter_; }
+  const QANT_FileStream& stream() const override { return stream_; }
+  QANT_SparseFileIndex& index() const override { return *index_; }
+  void NotePassEnd(std::int64_t cases, ErrorMonitor* monitor) const override;
 
  private:
   // Constant after construction and the plan's execution.
@@ -68,5 +57,8 @@ class QANT_TextWizardSrc : public QANT_DataSource {
   // Host's thread only.
   mutable std::int64_t highestCaseCount_ = -1;
 };
+
+// The report of the variable map, of a source known by its class.
+void EmitMapOutput(ErrorMonitor* monitor, const QANT_TextWizardSrc& source);
 
 }  // namespace textwizard
