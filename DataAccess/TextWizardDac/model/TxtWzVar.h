@@ -50,8 +50,8 @@ class TxtWzVar {
   bool hasExponent;
   // While reading cases: a value could not be converted and a missing value was stored.
   bool missingStored;
-  // While reading cases: a string was longer than the variable's width. Workers that detect types
-  // set it, too, for a variable whose string lengths vary.
+  // While reading cases: a string was longer than the variable's cells. While workers detect types:
+  // string lengths vary; cleared when the type is settled.
   bool stringTruncated;
 };
 

@@ -53,6 +53,9 @@ int TxtWzExecFile::SetDictionary(QANT_DataSource* source) {
     TxtWzVar& variable = *slots_[k];
     if (variable.formatType == kFormatAuto) {
       SettleType(variable, settings.dataTypeMinPercentage, patterns_);
+      // From here on the flags speak of the values that are stored. What detection noted in them
+      // has served its purpose; its counters stay.
+      variable.missingStored = variable.stringTruncated = false;
     }
     const bool inColumns = settings.arrangement == kFixedColumns;
     if (inColumns && variable.formatType == kFormatA) variable.width = columnWidths[k];

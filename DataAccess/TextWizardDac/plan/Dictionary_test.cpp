@@ -202,6 +202,18 @@ TEST_P(BothEngines, AValueBeyondTheLongestStringIsCut) {
   EXPECT_EQ(import.Auto().Formats(), "1:32767.0");
 }
 
+// The flags of a variable speak of conversion, which comes later; its counters keep what was found.
+TEST_P(BothEngines, WhatDetectionFlaggedIsClearedWhenTheTypeIsSettled) {
+  Lines import("a,x\nlonger,y\n");
+  EXPECT_EQ(import.Auto(2).Formats(), "1:6.0 1:1.0");
+  for (std::size_t i = 0; i < 2; ++i) {
+    EXPECT_FALSE(import.variable(i).stringTruncated) << i;
+    EXPECT_FALSE(import.variable(i).missingStored) << i;
+    EXPECT_EQ(import.variable(i).stringCount, 2u) << i;
+  }
+  EXPECT_EQ(import.variable(0).maxStringLength, 6u);
+}
+
 TEST_P(BothEngines, AReadErrorThrowsItsNumber) {
   auto faults = std::make_shared<embedded::StreamFaults>();
   Lines import(Repeat("1,2\n", 100'000), faults);
