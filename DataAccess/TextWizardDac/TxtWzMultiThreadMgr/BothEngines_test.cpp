@@ -152,6 +152,27 @@ TEST(BothEngines, RandomFiles) {
   EXPECT_EQ(compared, 120);
 }
 
+// Decoding makes texts longer, and a format that allows for it is wider than the variable's cells:
+// the cells decide whether something was lost.
+TEST(BothEngines, TextThatDecodingMadeTooLongIsMarked) {
+  ASSERT_TRUE(embedded::SetLocaleCodePage("ISO-8859-1"));
+  Import import;
+  import.columns = {{kFormatA, 11, 33}, {kFormatA, 11, 33}, { kFormatF, 8 }};
+  import.settings = CommaSettings();
+  import.settings.encoding = kEncodingLocale;
+  // "müßiggänger" has 11 characters and bytes, and 14 bytes in the host's UTF-8; "müßiggang" has 9,
+  // and 11 there.
+  import.bytes = "m\xFC\xDFigg\xE4nger,m\xFC\xDFiggang,1\n";
+  ExpectSame(import);
+  const DataFile file(import.bytes);
+  const Pass pass = ReadOnOneThread(file, import);
+  ASSERT_EQ(pass.cases.size(), 1u);
+  EXPECT_EQ(pass.cases[0].substr(0, 32),
+            "m\xC3\xBC\xC3\x9Figg\xC3\xA4n     m\xC3\xBC\xC3\x9Figgang     ");
+  EXPECT_EQ(pass.flags, (std::vector<bool>{false, true, false, false, false, false}));
+  embedded::SetLocaleCodePage(nullptr);
+}
+
 TEST(BothEngines, LargeFilesWithFlagsAndWarningsInManyBatches) {
   std::mt19937 random(815);
   Import import;

@@ -171,7 +171,7 @@ void TextDataIteratorThread::ConvertRecord() {
 
 inline void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask& task) {
   if (task.use == FieldUse::kString) {
-    const StringValue value = ConvertString(field, task.stringWidth, fPlan.stringRules);
+    const StringValue value = ConvertString(field, task.cellWidth, fPlan.stringRules);
     if (value.truncated) NoteFlag(BatchNote::kStringTruncated, task.variable);
     SetColumnValue(value.text, task);
     return;

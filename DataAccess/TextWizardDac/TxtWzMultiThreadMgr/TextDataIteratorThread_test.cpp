@@ -136,13 +136,15 @@ TEST_F(Worker, StringsAreCutAtWholeCharacters) {
   EXPECT_EQ(Text(cases[1], 8), "abc     ");
 }
 
-TEST_F(Worker, TruncationIsDecidedByTheFormatWidthAndCutByTheCells) {
+TEST_F(Worker, TruncationIsDecidedByTheCellsAndNotByTheFormat) {
   Start({{kFormatA, 2, 6}}, CommaSettings());
-  const auto cases = Convert({"abcdef"});
-  EXPECT_EQ(Text(cases[0], 8), "ab      ");
+  Convert({"ab"});
   EXPECT_TRUE(Notes().empty());
-  Convert({"abcdefg"});
-  EXPECT_EQ(Notes().size(), 1u);
+  const auto cases = Convert({"abc"});
+  EXPECT_EQ(Text(cases[0], 8), "ab      ");
+  const auto notes = Notes();
+  ASSERT_EQ(notes.size(), 1u);
+  EXPECT_EQ(notes[0].kind, BatchNote::kStringTruncated);
 }
 
 TEST_F(Worker, FieldInQuotesTwoBytesTooLongIsNotMarked) {

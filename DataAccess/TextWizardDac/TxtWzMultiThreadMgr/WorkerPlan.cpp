@@ -40,7 +40,6 @@ void WorkerPlan::Convert() {
     task.offset = target.ObsIndex() * sizeof(OBS);
     if (variable.formatType == kFormatA) {
       task.use = FieldUse::kString;
-      task.stringWidth = variable.maxStringLength;
       task.cellWidth = static_cast<std::uint32_t>(target.GetType());
       task.cellBytes = (task.cellWidth + 7) / 8 * 8;
     } else {

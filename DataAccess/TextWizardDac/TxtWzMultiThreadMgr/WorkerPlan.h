@@ -27,9 +27,8 @@ struct FieldTask {
   std::uint32_t formatType = 0;
   // Position in the list of variables.
   std::uint32_t variable = 0;
-  // Strings: the width that decides about truncation, the host variable's width, and the bytes of
-  // its cells. The first may be wider: a format's width counts what decoding may add.
-  std::uint32_t stringWidth = 0;
+  // Strings: the host variable's width and the bytes of its cells. (The format may be wider: it
+  // counts what decoding may add.)
   std::uint32_t cellWidth = 0;
   std::uint32_t cellBytes = 0;
   // Byte offset of the first cell in a case.

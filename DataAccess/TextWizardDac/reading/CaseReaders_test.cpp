@@ -98,6 +98,17 @@ TEST(ProcessDlmLines, StringsAreCutToWholeCharactersAndFlagged) {
   EXPECT_FALSE(import.variable(0).missingStored);
 }
 
+TEST(ProcessDlmLines, TheCellsAndNotAWiderFormatDecideAboutTruncation) {
+  TestImport import("abcde\nabc\n", Delimited(","), {String("A", 4)});
+  import.variable(0).maxStringLength = 12;
+  EXPECT_EQ(import.Cases(), (Strings{"|abcd|", "|abc |"}));
+  EXPECT_TRUE(import.variable(0).stringTruncated);
+  TestImport whole("abcd\nabc\n", Delimited(","), {String("A", 4)});
+  whole.variable(0).maxStringLength = 12;
+  EXPECT_EQ(whole.Cases(), (Strings{"|abcd|", "|abc |"}));
+  EXPECT_FALSE(whole.variable(0).stringTruncated);
+}
+
 TEST(ProcessDlmLines, AFieldThatIsNoValueIsMissingAndFlagged) {
   TestImport import("1,1\nx,2\n", Delimited(","), {Number("A"), Number("B")});
   EXPECT_EQ(import.Cases(), (Strings{"1 1", ". 2"}));
@@ -147,6 +158,17 @@ TEST(ProcessDlmCount, WithoutVariablesOrMoreDataItIsTrueAndReadsNothing) {
   EXPECT_FALSE(iterator.ProcessDlmCount());
   EXPECT_TRUE(iterator.ProcessDlmCount());
   EXPECT_EQ(import.Case(), "7");
+}
+
+// The wider format shows the columns behind, which are no part of the value.
+TEST(ProcessFixedLines, AColumnIsNotTruncatedByTheColumnsBehindIt) {
+  ImportSettings settings = Fixed(1);
+  settings.leadingSpaces = true;
+  TestImport import("  abcdef\n", settings,
+                    {MakeFixedVar("A", kFormatA, 1, 0, 4), MakeFixedVar("B", kFormatA, 1, 4, 4)});
+  import.variable(0).maxStringLength = 12;
+  EXPECT_EQ(import.Cases(), Strings{"|  ab| |cdef|"});
+  EXPECT_FALSE(import.variable(0).stringTruncated);
 }
 
 TEST(ProcessFixedLines, ColumnsAreCutByPosition) {

@@ -34,6 +34,7 @@ QANT_TextWizardIterator::QANT_TextWizardIterator(const ImportSource& source, OBS
     columns_.push_back({variable.get(), column});
     if (variable->formatType == kFormatSkip) continue;
     lineColumns_.push_back(columns_.back());
+    stringRooms_.push_back(StringRoom(*variable, column));
     ++column;
   }
   std::stable_sort(lineColumns_.begin(), lineColumns_.end(), [](const Column& a, const Column& b) {
@@ -229,13 +230,22 @@ bool QANT_TextWizardIterator::GetVarBuffer(std::string& field, const TxtWzVar* v
 
 // Values.
 
+std::size_t QANT_TextWizardIterator::StringRoom(const TxtWzVar& variable, unsigned column) const {
+  if (variable.formatType != kFormatA) return 0;
+  // A field of fixed columns ends where the format does, which may be wider than the cells: what
+  // it shows behind them belongs to other columns and is not lost.
+  const QANT_Variable* const target = source_.GetVariable(column);
+  if (source_.settings().arrangement == kFixedColumns || !target) return variable.maxStringLength;
+  return static_cast<std::size_t>(target->GetType());
+}
+
 bool QANT_TextWizardIterator::ConvertVar(std::string_view field, TxtWzVar* variable,
                                          unsigned column) {
   if (!GetObsPointer()) return true;
   const int target = static_cast<int>(column);
   if (variable->formatType == kFormatA) {
     const StringRules rules{.leadingSpaces = rules_.leadingSpaces()};
-    const StringValue value = ConvertString(field, variable->maxStringLength, rules);
+    const StringValue value = ConvertString(field, stringRooms_[column], rules);
     if (value.truncated) variable->stringTruncated = true;
     SetColumnValue(target, value.text);
     return true;

@@ -103,6 +103,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
     TxtWzVar* variable;
     unsigned number;
   };
+  // Bytes of text that a string may have and lose none.
+  std::size_t StringRoom(const TxtWzVar& variable, unsigned column) const;
 
   void OnUndecodable(std::size_t position) override;
   bool ReadRecord(bool keepEmpty) {
@@ -134,6 +136,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   std::vector<Column> columns_;
   // Fixed columns: imported variables by line of the case, in file order within a line.
   std::vector<Column> lineColumns_;
+  // By column; 0 for numbers.
+  std::vector<std::size_t> stringRooms_;
 
   std::string_view record_;
   std::string_view suppliedRecord_;

@@ -27,11 +27,11 @@ struct StringRules {
 struct StringValue {
   // What the variable's cells take: cut to whole characters that fit and padded by whoever stores.
   std::string_view text;
-  // The field was longer than the width.
+  // The text does not fit the cells.
   bool truncated = false;
 };
 
-// `width` is the variable's byte width. Any thread; the result is a view of `field`.
+// `width`: bytes that the variable's cells take. Any thread; the result is a view of `field`.
 inline StringValue ConvertString(std::string_view field, std::size_t width,
                                  const StringRules& rules);
 

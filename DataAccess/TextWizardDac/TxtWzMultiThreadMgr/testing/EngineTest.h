@@ -41,7 +41,7 @@ struct Column {
   std::uint32_t format = kFormatF;
   // Bytes of a string; the field width of a number.
   std::uint32_t width = 8;
-  // Strings: the width that decides about truncation, when it differs from the cells' (0: same).
+  // Strings: the format's width, when it differs from the cells' (0: same).
   std::uint32_t formatWidth = 0;
 };
 
