@@ -1,0 +1,94 @@
+// Work that is done on several threads and whose results are wanted in its order.
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <future>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace library {
+
+// Add and Take are called by one thread. What a task throws, its Take throws.
+template <class Result>
+class OrderedTasks {
+ public:
+  // `threads`: at least 1. Where none can be started, Take does the work.
+  explicit OrderedTasks(std::size_t threads) {
+    for (std::size_t i = 0; i < threads; ++i) {
+      try {
+        threads_.emplace_back([this] { Work(); });
+      } catch (const std::system_error&) {
+        break;
+      }
+    }
+  }
+  OrderedTasks(const OrderedTasks&) = delete;
+  OrderedTasks& operator=(const OrderedTasks&) = delete;
+  // Waits for the tasks that have begun; the others are dropped.
+  ~OrderedTasks() {
+    {
+      const std::lock_guard guard(mutex_);
+      ended_ = true;
+    }
+    added_.notify_all();
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+  void Add(std::function<Result()> task) {
+    std::packaged_task<Result()> packaged(std::move(task));
+    results_.push_back(packaged.get_future());
+    {
+      const std::lock_guard guard(mutex_);
+      waiting_.push_back(std::move(packaged));
+    }
+    added_.notify_one();
+  }
+  // Tasks whose results have not been taken.
+  std::size_t pending() const { return results_.size(); }
+  // Waits for the oldest of them and takes its result.
+  Result Take() {
+    std::future<Result> result = std::move(results_.front());
+    results_.pop_front();
+    while (threads_.empty() && RunOne()) {
+    }
+    return result.get();
+  }
+
+ private:
+  bool RunOne() {
+    if (waiting_.empty()) return false;
+    std::packaged_task<Result()> task = std::move(waiting_.front());
+    waiting_.pop_front();
+    task();
+    return true;
+  }
+  void Work() {
+    std::unique_lock lock(mutex_);
+    while (true) {
+      added_.wait(lock, [this] { return ended_ || !waiting_.empty(); });
+      if (ended_) return;
+      std::packaged_task<Result()> task = std::move(waiting_.front());
+      waiting_.pop_front();
+      lock.unlock();
+      task();
+      lock.lock();
+    }
+  }
+
+  std::mutex mutex_;
+  std::condition_variable added_;
+  // Guarded by mutex_.
+  std::deque<std::packaged_task<Result()>> waiting_;
+  bool ended_ = false;
+
+  std::deque<std::future<Result>> results_;
+  std::vector<std::thread> threads_;
+};
+
+}  // namespace library

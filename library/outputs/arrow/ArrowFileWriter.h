@@ -1,0 +1,38 @@
+// Arrow IPC files (.arrow).
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "library/outputs/ByteSink.h"
+#include "library/outputs/ColumnWriter.h"
+#include "library/outputs/OrderedTasks.h"
+#include "library/outputs/arrow/ArrowMessages.h"
+
+namespace library {
+
+// One record batch for each batch written; they are put together on threads of the writer's.
+class ArrowFileWriter : public ColumnWriter {
+ public:
+  // `sink` outlives the writer. `threads`: at least 1.
+  ArrowFileWriter(std::vector<ColumnField> fields, ArrowCompression compression,
+                  std::size_t threads, ByteSink& sink);
+
+  void Write(ColumnBatch batch) override;
+  void Finish(const std::vector<std::pair<std::string, std::string>>& metadata) override;
+
+ private:
+  void Append(std::string_view bytes);
+  void AppendOldest();
+
+  const std::vector<ColumnField> fields_;
+  const ArrowCompression compression_;
+  const std::size_t mostPending_;
+  ByteSink& sink_;
+  std::int64_t position_ = 0;
+  std::vector<arrowipc::Block> blocks_;
+  OrderedTasks<ArrowMessage> tasks_;
+};
+
+}  // namespace library

@@ -1,0 +1,195 @@
+#include "library/outputs/arrow/ArrowMessages.h"
+
+#include <cstring>
+#include <new>
+
+#include <lz4frame.h>
+
+namespace library {
+namespace {
+
+namespace ipc = arrowipc;
+using flatbuffers::FlatBufferBuilder;
+using flatbuffers::Offset;
+
+// What stands in front of a message's description: a mark, then its length.
+constexpr std::uint32_t kContinuation = 0xFFFFFFFF;
+
+std::size_t Padded(std::size_t bytes) {
+  return (bytes + kArrowAlignment - 1) / kArrowAlignment * kArrowAlignment;
+}
+
+// The message of a finished builder with what stands in front of it.
+std::string Framed(const FlatBufferBuilder& builder) {
+  constexpr std::size_t kFront = 8;
+  const std::size_t size = Padded(kFront + builder.GetSize()) - kFront;
+  std::string out(kFront + size, '\0');
+  const auto length = static_cast<std::int32_t>(size);
+  std::memcpy(out.data(), &kContinuation, sizeof kContinuation);
+  std::memcpy(out.data() + sizeof kContinuation, &length, sizeof length);
+  std::memcpy(out.data() + kFront, builder.GetBufferPointer(), builder.GetSize());
+  return out;
+}
+
+std::vector<Offset<ipc::KeyValue>> BuildMetadata(FlatBufferBuilder& builder,
+                                                 const ArrowMetadata& metadata) {
+  std::vector<Offset<ipc::KeyValue>> pairs;
+  for (const auto& [key, value] : metadata) {
+    const auto name = builder.CreateString(key);
+    const auto text = builder.CreateString(value);
+    pairs.push_back(ipc::CreateKeyValue(builder, name, text));
+  }
+  return pairs;
+}
+
+struct TypeOffset {
+  ipc::Type kind;
+  Offset<void> table;
+};
+
+TypeOffset BuildType(FlatBufferBuilder& builder, ColumnType type) {
+  switch (type) {
+    case ColumnType::kFloat64:
+      return {ipc::Type_FloatingPoint,
+              ipc::CreateFloatingPoint(builder, ipc::Precision_DOUBLE).Union()};
+    case ColumnType::kInt64:
+      return {ipc::Type_Int, ipc::CreateInt(builder, 64, true).Union()};
+    case ColumnType::kInt8:
+      return {ipc::Type_Int, ipc::CreateInt(builder, 8, true).Union()};
+    case ColumnType::kDate32:
+      return {ipc::Type_Date, ipc::CreateDate(builder, ipc::DateUnit_DAY).Union()};
+    case ColumnType::kTimestampMicros:
+      return {ipc::Type_Timestamp,
+              ipc::CreateTimestamp(builder, ipc::TimeUnit_MICROSECOND).Union()};
+    case ColumnType::kDurationMicros:
+      return {ipc::Type_Duration, ipc::CreateDuration(builder, ipc::TimeUnit_MICROSECOND).Union()};
+    case ColumnType::kUtf8:
+      return {ipc::Type_Utf8, ipc::CreateUtf8(builder).Union()};
+    case ColumnType::kLargeUtf8:
+      break;
+  }
+  return {ipc::Type_LargeUtf8, ipc::CreateLargeUtf8(builder).Union()};
+}
+
+Offset<ipc::Field> BuildField(FlatBufferBuilder& builder, const ColumnField& field) {
+  const auto name = builder.CreateString(field.name);
+  const TypeOffset type = BuildType(builder, field.type);
+  const auto metadata = builder.CreateVector(BuildMetadata(builder, MetadataOf(field)));
+  // Readers expect the list of children even of a column that has none.
+  const auto children = builder.CreateVector(std::vector<Offset<ipc::Field>>());
+  ipc::FieldBuilder fieldBuilder(builder);
+  fieldBuilder.add_name(name);
+  fieldBuilder.add_nullable(true);
+  fieldBuilder.add_type_type(type.kind);
+  fieldBuilder.add_type(type.table);
+  fieldBuilder.add_children(children);
+  fieldBuilder.add_custom_metadata(metadata);
+  return fieldBuilder.Finish();
+}
+
+// The body of a batch and where its buffers lie in it.
+class BatchBody {
+ public:
+  explicit BatchBody(ArrowCompression compression) : compression_(compression) {}
+
+  void Add(const void* bytes, std::size_t size) {
+    const std::size_t begin = body_.size();
+    if (compression_ == ArrowCompression::kLz4 && size != 0) {
+      AppendCompressed(bytes, size);
+    } else if (size != 0) {
+      body_.append(static_cast<const char*>(bytes), size);
+    }
+    places_.emplace_back(static_cast<std::int64_t>(begin),
+                         static_cast<std::int64_t>(body_.size() - begin));
+    body_.resize(Padded(body_.size()), '\0');
+  }
+  void Reserve(std::size_t bytes) { body_.reserve(bytes); }
+
+  std::string& body() { return body_; }
+  const std::vector<ipc::BufferPlace>& places() const { return places_; }
+
+ private:
+  // The length that it has uncompressed, -1 where it stands as it is, in front.
+  void AppendCompressed(const void* bytes, std::size_t size) {
+    const std::size_t begin = body_.size();
+    const std::size_t room = LZ4F_compressFrameBound(size, nullptr);
+    auto length = static_cast<std::int64_t>(size);
+    body_.resize(begin + sizeof length + room);
+    const std::size_t used =
+        LZ4F_compressFrame(body_.data() + begin + sizeof length, room, bytes, size, nullptr);
+    if (LZ4F_isError(used) != 0) throw std::bad_alloc();
+    if (used >= size) {
+      length = -1;
+      std::memcpy(body_.data() + begin + sizeof length, bytes, size);
+      body_.resize(begin + sizeof length + size);
+    } else {
+      body_.resize(begin + sizeof length + used);
+    }
+    std::memcpy(body_.data() + begin, &length, sizeof length);
+  }
+
+  ArrowCompression compression_;
+  std::string body_;
+  std::vector<ipc::BufferPlace> places_;
+};
+
+}  // namespace
+
+Offset<ipc::Schema> BuildArrowSchema(FlatBufferBuilder& builder,
+                                     const std::vector<ColumnField>& fields,
+                                     const ArrowMetadata& metadata) {
+  std::vector<Offset<ipc::Field>> columns;
+  columns.reserve(fields.size());
+  for (const ColumnField& field : fields) columns.push_back(BuildField(builder, field));
+  const auto children = builder.CreateVector(columns);
+  const auto pairs = builder.CreateVector(BuildMetadata(builder, metadata));
+  return ipc::CreateSchema(builder, ipc::Endianness_Little, children, pairs);
+}
+
+std::string ArrowSchemaMessage(const std::vector<ColumnField>& fields,
+                               const ArrowMetadata& metadata) {
+  FlatBufferBuilder builder;
+  const auto schema = BuildArrowSchema(builder, fields, metadata);
+  builder.Finish(ipc::CreateMessage(builder, ipc::MetadataVersion_V5, ipc::MessageHeader_Schema,
+                                    schema.Union()));
+  return Framed(builder);
+}
+
+ArrowMessage ArrowBatchMessage(const std::vector<ColumnField>& fields, const ColumnBatch& batch,
+                               ArrowCompression compression) {
+  static constexpr std::int64_t kNoOffsets = 0;
+  BatchBody body(compression);
+  std::vector<ipc::FieldNode> nodes;
+  std::size_t bytes = 0;
+  for (const Column& column : batch.columns) {
+    bytes +=
+        Padded(column.validity.size()) + Padded(column.values.size()) + Padded(column.text.size());
+  }
+  if (compression == ArrowCompression::kNone) body.Reserve(bytes);
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    const Column& column = batch.columns[i];
+    nodes.emplace_back(static_cast<std::int64_t>(batch.cases), column.missing);
+    // Where nothing is missing the bits may be left out.
+    body.Add(column.validity.data(), column.missing == 0 ? 0 : column.validity.size());
+    if (column.values.empty() && IsText(fields[i].type)) {
+      body.Add(&kNoOffsets, ValueBytes(fields[i].type));
+    } else {
+      body.Add(column.values.data(), column.values.size());
+    }
+    if (IsText(fields[i].type)) body.Add(column.text.data(), column.text.size());
+  }
+
+  FlatBufferBuilder builder;
+  const auto nodeList = builder.CreateVectorOfStructs(nodes);
+  const auto places = builder.CreateVectorOfStructs(body.places());
+  Offset<ipc::BodyCompression> codec;
+  if (compression == ArrowCompression::kLz4) codec = ipc::CreateBodyCompression(builder);
+  const auto record = ipc::CreateRecordBatch(builder, static_cast<std::int64_t>(batch.cases),
+                                             nodeList, places, codec);
+  builder.Finish(ipc::CreateMessage(builder, ipc::MetadataVersion_V5,
+                                    ipc::MessageHeader_RecordBatch, record.Union(),
+                                    static_cast<std::int64_t>(body.body().size())));
+  return {Framed(builder), std::move(body.body())};
+}
+
+}  // namespace library
