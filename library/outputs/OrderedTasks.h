@@ -18,7 +18,7 @@ namespace library {
 template <class Result>
 class OrderedTasks {
  public:
-  // `threads`: at least 1. Where none can be started, Take does the work.
+  // Where no thread can be started, or none is wanted, Take does the work.
   explicit OrderedTasks(std::size_t threads) {
     for (std::size_t i = 0; i < threads; ++i) {
       try {
