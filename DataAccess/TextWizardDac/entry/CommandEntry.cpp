@@ -102,16 +102,18 @@ bool RunCommand(DACAdapterBase& adapter, ErrorMonitor& monitor) {
 
 }  // namespace
 
-std::string BuildCommandText(DACTokenSource& tokens) {
+std::string BuildCommandText(DACTokenSource& tokens, std::vector<std::size_t>* starts) {
   // FILE, DELIMITERS or QUALIFIER has been met, then its "=", then its value.
   enum Pending { kNothing, kKeyword, kEquals, kValue };
   int pending = kNothing;
   bool beforeVariables = true;
   bool prevNotSlash = false;
   std::string command = kCommandStart;
+  if (starts) starts->clear();
   do {
     const std::string token = CurrentToken(tokens);
     if (prevNotSlash && pending == kNothing && !token.empty() && token[0] != '-') command += ' ';
+    if (starts) starts->push_back(command.size());
     if (IsKeyword(token, "VARIABLES")) beforeVariables = false;
     if (pending == kNothing) {
       // A variable may be named FILE.

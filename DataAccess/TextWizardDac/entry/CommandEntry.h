@@ -1,7 +1,9 @@
 // The exported entry through which a host runs GET DATA with TYPE = TXT.
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 #include "HostFramework/DACAdapter.h"
 
@@ -15,6 +17,7 @@ extern "C" __attribute__((visibility("default"))) bool ProcessDACSyntax(DACAdapt
 namespace textwizard {
 
 // The normalised text of a command whose remaining tokens `tokens` gives: what the parser reads.
-std::string BuildCommandText(DACTokenSource& tokens);
+// *starts, when given, becomes the offset in it where each token begins.
+std::string BuildCommandText(DACTokenSource& tokens, std::vector<std::size_t>* starts = nullptr);
 
 }  // namespace textwizard

@@ -83,6 +83,19 @@ TEST(CommandText, ATokenThatBeginsWithAMinusIsGluedToTheOneBefore) {
   EXPECT_EQ(Built({{"v"}, {"0"}, {"-9"}, {"F8"}}), Framed("v 0-9 F8"));
 }
 
+TEST(CommandText, TellsWhereEachTokenBegins) {
+  TestTokens source({{"FILE"}, {"="}, Literal("a b"), {"/"}, {"FIRSTCASE"}, {"="}, {"-3"}});
+  std::vector<std::size_t> starts{7};
+  const std::string text = BuildCommandText(source, &starts);
+  std::vector<std::string> found;
+  for (std::size_t i = 0; i < starts.size(); ++i) {
+    const std::size_t end = i + 1 < starts.size() ? starts[i + 1] : text.size();
+    found.push_back(text.substr(starts[i], end - starts[i]));
+  }
+  EXPECT_EQ(found,
+            (std::vector<std::string>{"FILE", "=", "\"a b\" ", "/", "FIRSTCASE ", "=", "-3\n."}));
+}
+
 TEST(CommandText, AVariableMayBeNamedFile) {
   EXPECT_EQ(Built({{"VARIABLES"}, {"="}, {"FILE"}, {"F8"}, {"x"}, {"F8"}}),
             Framed("VARIABLES = FILE F8 x F8"));

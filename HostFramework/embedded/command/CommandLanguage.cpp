@@ -14,6 +14,8 @@ constexpr std::size_t kVerbWords = 2;
 constexpr std::size_t kTypeValue = 5;
 constexpr std::string_view kWayOut = "only GET DATA /TYPE=TXT / is a command here";
 constexpr std::size_t kLongestQuotation = 40;
+// The byte-order mark of UTF-8.
+constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v';
@@ -57,8 +59,9 @@ std::string OpeningProblem(std::size_t index, const CommandToken& token) {
 
 }  // namespace
 
-CommandReader::CommandReader(std::string_view text) : text_(text), utf8_(qUTF8mode()) {
-  if (text_.substr(0, 3) == "\xEF\xBB\xBF") text_.remove_prefix(3);
+CommandReader::CommandReader(std::string_view text)
+    : text_(text), markBytes_(text.starts_with(kMark) ? kMark.size() : 0), utf8_(qUTF8mode()) {
+  text_.remove_prefix(markBytes_);
 }
 
 bool CommandReader::Next(ParsedCommand& command) {
@@ -141,17 +144,25 @@ CommandReader::Item CommandReader::Read() {
     MoveTo(position_ + 1);
     return Item::kCommandEnd;
   }
+  const std::size_t begin = position_;
   token_.line = place_.line;
   token_.column = place_.column;
-  if (IsQuote(first)) return ReadLiteral() ? Item::kToken : Item::kOpenLiteral;
-  if (IsSign(first)) {
+  if (IsQuote(first)) {
+    if (!ReadLiteral()) return Item::kOpenLiteral;
+  } else if (IsSign(first)) {
     token_.kind = kTokenSign;
     token_.text.assign(1, first);
     MoveTo(position_ + 1);
   } else {
     ReadWord();
   }
+  EndToken(begin);
   return Item::kToken;
+}
+
+void CommandReader::EndToken(std::size_t begin) {
+  token_.begin = markBytes_ + begin;
+  token_.end = markBytes_ + position_;
 }
 
 bool CommandReader::SkipBlanks() {

@@ -29,6 +29,9 @@ struct CommandToken {
   std::string text;  // of a literal: its content
   int line = 0;
   int column = 0;
+  // The bytes of the reader's text that it was read from, a literal's quotes included.
+  std::size_t begin = 0;
+  std::size_t end = 0;
 };
 
 struct ParsedCommand {
@@ -70,11 +73,14 @@ class CommandReader {
   void ReadWord();
   bool ReadLiteral();
   void MoveTo(std::size_t position);
+  // Notes which bytes of the text token_ was read from; they end at the position.
+  void EndToken(std::size_t begin);
   // Reads on to the end of a command that is in error.
   void Recover();
   void Fail(ParsedCommand& command, Place place, const std::string& problem);
 
-  std::string_view text_;
+  std::string_view text_;  // without the mark
+  std::size_t markBytes_;
   bool utf8_;
   std::size_t position_ = 0;
   Place here_{1, 1};  // of position_

@@ -56,6 +56,18 @@ TEST(CommandTokens, SignsAreTokensOfOneCharacter) {
   EXPECT_EQ(Parse("/").tokens[0].kind, embedded::kTokenSign);
 }
 
+TEST(CommandTokens, ATokenKnowsTheBytesItWasReadFrom) {
+  const std::string text = "\xEF\xBB\xBFGET DATA /TYPE=TXT /FILE = 'it''s'/*x*/ /MAP.";
+  CommandReader reader(text);
+  ParsedCommand command;
+  ASSERT_TRUE(reader.Next(command));
+  std::vector<std::string> sources;
+  for (const CommandToken& token : command.tokens) {
+    sources.push_back(text.substr(token.begin, token.end - token.begin));
+  }
+  EXPECT_THAT(sources, ElementsAre("FILE", "=", "'it''s'", "/", "MAP"));
+}
+
 TEST(CommandTokens, WordsRunToWhiteSpaceSignsAndQuotes) {
   EXPECT_THAT(Texts(Parse("F8.2 0-9 -3 a,b 1.5.x v'q'w\"r\"")),
               ElementsAre("F8.2", "0-9", "-3", "a,b", "1.5.x", "v", "q", "w", "r"));
