@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
-#include "cli/CommandTokens.h"
+#include "library/import/CommandOutline.h"
 
 namespace cli {
 namespace {
@@ -44,12 +44,14 @@ std::string CommandFileName(const std::string& path) {
   return path == "-" ? "standard input" : path;
 }
 
-std::vector<CommandOutline> OutlinesOf(const std::string& text) {
-  std::vector<CommandOutline> outlines;
+std::vector<ListedCommand> CommandsOf(const std::string& text) {
+  std::vector<ListedCommand> commands;
   embedded::CommandReader reader(text);
   embedded::ParsedCommand command;
-  while (reader.Next(command)) outlines.push_back({command.ok, DataFile(command.tokens)});
-  return outlines;
+  while (reader.Next(command)) {
+    commands.push_back({command.ok, library::OutlineOf(command.tokens, text).DataFile()});
+  };
+  return commands;
 }
 
 }  // namespace cli

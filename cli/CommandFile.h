@@ -14,12 +14,12 @@ bool ReadCommandFile(const std::string& path, std::string* text, std::string* er
 std::string CommandFileName(const std::string& path);
 
 // What must be known of a command before any runs.
-struct CommandOutline {
+struct ListedCommand {
   bool canRun;           // it is a GET DATA command
-  std::string dataFile;  // as DataFile (CommandTokens.h) has it
+  std::string dataFile;  // as the command names it (host text); empty when it names none
 };
 
 // The commands of a text, in their order.
-std::vector<CommandOutline> OutlinesOf(const std::string& text);
+std::vector<ListedCommand> CommandsOf(const std::string& text);
 
 }  // namespace cli

@@ -27,8 +27,8 @@ TEST(CommandFile, NamesAFileThatCannotBeRead) {
 }
 
 TEST(CommandFile, TellsWhichCommandsCanBeRunAndTheirData) {
-  EXPECT_TRUE(OutlinesOf("").empty());
-  const auto outlines = OutlinesOf(
+  EXPECT_TRUE(CommandsOf("").empty());
+  const auto outlines = CommandsOf(
       "GET DATA /TYPE=TXT /FILE='a' /VARIABLES=x F8.\nLIST.\n"
       "GET DATA /TYPE=TXT /VARIABLES=x F8.\n");
   ASSERT_EQ(outlines.size(), 3U);

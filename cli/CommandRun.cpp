@@ -16,10 +16,11 @@
 #include "HostFramework/embedded/threads/ThreadStarts.h"
 #include "cli/CaseBatch.h"
 #include "cli/CaseSampler.h"
-#include "cli/CommandTokens.h"
 #include "cli/DictionaryJson.h"
 #include "cli/Progress.h"
 #include "cli/RunReport.h"
+#include "library/import/ActiveSource.h"
+#include "library/import/CommandOutline.h"
 
 namespace cli {
 namespace {
@@ -39,16 +40,6 @@ long long FileBytes(const std::string& path) {
   struct stat file {};
   return stat(path.c_str(), &file) == 0 ? file.st_size : 0;
 }
-
-// The active data source of the host, dropped at the end of its command.
-class ActiveSource {
- public:
-  ActiveSource() = default;
-  ~ActiveSource() { ServerDataManager::GetInstance()->Remove(""); }
-  ActiveSource(const ActiveSource&) = delete;
-  ActiveSource& operator=(const ActiveSource&) = delete;
-  QANT_DataSource* get() const { return ServerDataManager::GetInstance()->Find(""); }
-};
 
 class CommandRunner {
  public:
@@ -81,23 +72,17 @@ CommandEnd CommandRunner::Run(std::vector<embedded::CommandToken> tokens) {
   // Before anything is read, so that nobody waits for cases that cannot be written.
   if (!OpenOutputs()) return CommandEnd::kOutputFailed;
 
-  const std::optional<double> fraction = SampleFraction(tokens);
-  dataFile_ = DataFile(tokens);
+  dataFile_ = library::OutlineOf(tokens, context_.text).DataFile();
   embedded::Adapter adapter(std::move(tokens), MessageSink::Callback(), nullptr, options_.workers,
                             0);
   // Made after the adapter: the source, which uses it, is destroyed first.
-  const ActiveSource source;
   const Clock::time_point start = Clock::now();
-  const bool made = context_.component.ProcessCommand(&adapter);
+  const library::ActiveSource source(adapter);
   stats_.dictionarySeconds = SecondsSince(start);
   context_.console.ClearProgress();
   if (embedded::AttentionRequested()) return CommandEnd::kInterrupted;
-  if (!made) return CommandEnd::kFailed;
-  if (source.get() == nullptr) {
-    context_.messages.PostError("the import component made no data source");
-    return CommandEnd::kFailed;
-  }
-  return ReadSource(*source.get(), fraction);
+  if (source.get() == nullptr) return CommandEnd::kFailed;
+  return ReadSource(*source.get(), source.sampleFraction());
 }
 
 bool CommandRunner::OpenOutputs() {

@@ -1,10 +1,10 @@
 // One command from its tokens to its cases.
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
-#include "cli/ComponentLibrary.h"
 #include "cli/Console.h"
 #include "cli/MessageSink.h"
 #include "cli/RunOptions.h"
@@ -22,7 +22,7 @@ enum class CommandEnd {
 // What the commands of a run share.
 struct RunContext {
   const RunOptions& options;
-  const ComponentLibrary& component;
+  std::string_view text;  // of the command file
   Console& console;
   MessageSink& messages;
 };

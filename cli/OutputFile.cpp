@@ -133,11 +133,4 @@ bool OutputFile::Publish() {
 
 void OutputFile::Fail(int code) { error_ = CannotWrite(target_, code); }
 
-bool SameFile(const std::string& one, const std::string& other) {
-  struct stat left {};
-  struct stat right {};
-  return stat(one.c_str(), &left) == 0 && stat(other.c_str(), &right) == 0 &&
-         S_ISREG(left.st_mode) && left.st_dev == right.st_dev && left.st_ino == right.st_ino;
-}
-
 }  // namespace cli

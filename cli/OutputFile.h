@@ -64,7 +64,4 @@ class OutputFile {
   std::string error_;
 };
 
-// True when both name the same regular file, which exists.
-bool SameFile(const std::string& one, const std::string& other);
-
 }  // namespace cli

@@ -120,15 +120,5 @@ TEST(OutputFile, WritesToAPipeAsItStands) {
   EXPECT_TRUE(fs::is_fifo(pipe));
 }
 
-TEST(OutputFile, KnowsTheSameFileUnderAnotherName) {
-  const TestFolder folder;
-  folder.Write("a", "");
-  folder.Write("b", "");
-  fs::create_symlink("a", folder / "link");
-  EXPECT_TRUE(SameFile(folder / "link", folder / "a"));
-  EXPECT_FALSE(SameFile(folder / "b", folder / "a"));
-  EXPECT_FALSE(SameFile(folder / "none", folder / "a"));
-}
-
 }  // namespace
 }  // namespace cli

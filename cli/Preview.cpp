@@ -9,7 +9,6 @@
 #include "HostFramework/FileMessages.h"
 #include "HostFramework/embedded/packages/PackageRegistry.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "cli/ComponentLibrary.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
 #include "cli/VisibleText.h"
@@ -57,12 +56,6 @@ void PrintRecords(embedded::PackageConnection& wizard, const FileOpenRequest& fi
 
 int Preview(const PreviewOptions& options) {
   Console console({});
-  ComponentLibrary component;
-  std::string problem;
-  if (!component.Load(&problem)) {
-    console.Error(problem);
-    return kExitUsage;
-  }
   embedded::SetCodePage(nullptr);
   const auto wizard = embedded::PackageConnection::Open(kWizardPackage);
   if (!wizard) {

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -16,7 +17,6 @@
 #include "HostFramework/embedded/text/HostText.h"
 #include "cli/CommandFile.h"
 #include "cli/CommandRun.h"
-#include "cli/ComponentLibrary.h"
 #include "cli/Console.h"
 #include "cli/ExitStatus.h"
 #include "cli/Interrupt.h"
@@ -49,10 +49,10 @@ bool SetHost(const RunOptions& options, std::string* error) {
 
 class Runner {
  public:
-  Runner(const RunOptions& options, Console& console)
-      : options_(options), console_(console), messages_(console) {}
+  Runner(const RunOptions& options, std::string text, Console& console)
+      : options_(options), text_(std::move(text)), console_(console), messages_(console) {}
 
-  int Run(const std::string& commands);
+  int Run();
 
  private:
   CommandEnd RunOne(embedded::ParsedCommand command, int number);
@@ -61,9 +61,9 @@ class Runner {
   void Finish();
 
   const RunOptions& options_;
+  const std::string text_;  // the command file
   Console& console_;
   MessageSink messages_;
-  ComponentLibrary component_;
   std::unique_ptr<OutputFile> messagesFile_;
   bool several_ = false;
   bool failed_ = false;
@@ -71,11 +71,10 @@ class Runner {
   RunStats stats_;
 };
 
-int Runner::Run(const std::string& commands) {
-  const std::vector<CommandOutline> outlines = OutlinesOf(commands);
-  several_ = SeveralRun(outlines);
-  std::string error = WhatIsWrong(options_, outlines);
-  if (!error.empty() || !component_.Load(&error)) {
+int Runner::Run() {
+  const std::vector<ListedCommand> listed = CommandsOf(text_);
+  several_ = SeveralRun(listed);
+  if (const std::string error = WhatIsWrong(options_, listed); !error.empty()) {
     console_.Error(error);
     return kExitUsage;
   }
@@ -85,7 +84,7 @@ int Runner::Run(const std::string& commands) {
     messages_.Post(problems, kMessageWarning);
   }
 
-  embedded::CommandReader reader(commands);
+  embedded::CommandReader reader(text_);
   embedded::ParsedCommand command;
   int number = 0;
   bool interrupted = embedded::AttentionRequested();
@@ -128,7 +127,7 @@ CommandEnd Runner::RunOne(embedded::ParsedCommand command, int number) {
         fmt::format("{}Command {} (line {})\n\n", number > 1 ? "\n" : "", number, command.line));
   }
   RunStats stats;
-  const RunContext context{options_, component_, console_, messages_};
+  const RunContext context{options_, text_, console_, messages_};
   const CommandEnd end = RunCommand(context, number, std::move(command.tokens), &stats);
   // What a failed command delivered before it failed counts for nothing.
   if (end == CommandEnd::kFailed || end == CommandEnd::kOutputFailed) stats.cases = 0;
@@ -177,7 +176,7 @@ int Run(const RunOptions& options) {
     console.Error(error);
     return kExitUsage;
   }
-  return Runner(options, console).Run(commands);
+  return Runner(options, std::move(commands), console).Run();
 }
 
 }  // namespace cli

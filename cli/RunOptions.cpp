@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <map>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
-
-#include "cli/OutputFile.h"
+#include <sys/stat.h>
 
 namespace cli {
 namespace {
@@ -26,50 +28,88 @@ std::filesystem::path Resolved(const std::string& name) {
   return std::filesystem::weakly_canonical(std::filesystem::absolute(name, failed), failed);
 }
 
-// Names that are the same file however they are written.
-bool NameSameFile(const std::string& left, const std::string& right) {
-  if (left == right) return true;
-  if (left == kStandardOutput || right == kStandardOutput) return false;
-  return Resolved(left) == Resolved(right);
+// The name that a file has however it is written.
+std::string NameOf(const std::string& name) {
+  return name == kStandardOutput ? name : Resolved(name).string();
 }
+
+// The files that are read, by their names and, where they are there and regular files, by their
+// numbers on their devices: a file may have several names.
+class InputFiles {
+ public:
+  InputFiles(const RunOptions& options, const std::vector<ListedCommand>& commands) {
+    if (options.commandFile != kStandardInput) Add(options.commandFile, "the command file");
+    for (std::size_t index = 0; index < commands.size(); ++index) {
+      const std::string& file = commands[index].dataFile;
+      if (file.empty() || file == kStandardInput) continue;
+      Add(file, commands.size() == 1 ? "the data file"
+                                     : fmt::format("the data file of command {}", index + 1));
+    }
+  }
+  // What `name` is among them; empty when it is none.
+  std::string Find(const std::string& name) const {
+    const auto named = byName_.find(NameOf(name));
+    if (named != byName_.end()) return named->second;
+    const auto numbered = byNumber_.find(NumberOf(name));
+    return numbered != byNumber_.end() ? numbered->second : std::string();
+  }
+
+ private:
+  using Number = std::optional<std::pair<dev_t, ino_t>>;
+  static Number NumberOf(const std::string& name) {
+    struct stat file {};
+    if (stat(name.c_str(), &file) != 0 || !S_ISREG(file.st_mode)) return std::nullopt;
+    return std::pair(file.st_dev, file.st_ino);
+  }
+  void Add(const std::string& name, const std::string& what) {
+    byName_.try_emplace(NameOf(name), what);
+    if (const Number number = NumberOf(name)) byNumber_.try_emplace(number, what);
+  }
+
+  std::map<std::string, std::string> byName_;
+  std::map<Number, std::string> byNumber_;
+};
 
 // How many things are read from standard input.
 std::ptrdiff_t ReadersOfInput(const RunOptions& options,
-                              const std::vector<CommandOutline>& commands) {
+                              const std::vector<ListedCommand>& commands) {
   return (options.commandFile == kStandardInput ? 1 : 0) +
-         std::count_if(commands.begin(), commands.end(), [](const CommandOutline& command) {
+         std::count_if(commands.begin(), commands.end(), [](const ListedCommand& command) {
            return command.dataFile == kStandardInput;
          });
 }
 
-// The file that both outputs are for the same one of `commands` commands; empty when there is none.
-std::string CommonName(const Output& one, const Output& other, std::size_t commands) {
-  const int last = std::max(1, static_cast<int>(commands));
-  for (int number = 1; number <= last; ++number) {
-    std::string name = NameForCommand(other.name, number);
-    if (NameSameFile(NameForCommand(one.name, number), name)) return name;
-  }
-  return {};
+// A device or a pipe: what is written there overwrites nothing.
+bool IsStream(const std::string& name) {
+  struct stat file {};
+  return stat(name.c_str(), &file) == 0 && !S_ISREG(file.st_mode);
 }
 
-// Says what an output, a file, would overwrite; empty when nothing.
-std::string Overwritten(const Output& output, const RunOptions& options,
-                        const std::vector<CommandOutline>& commands) {
-  if (options.commandFile != kStandardInput && NameSameFile(output.name, options.commandFile)) {
-    return fmt::format("{} {} would overwrite the command file", output.option, output.name);
-  }
-  const bool itself = !IsPerCommand(output.name) && &output.name != &options.messages;
-  if (itself && SeveralRun(commands)) {
-    return fmt::format(
-        "{} {}: the file holds several commands, and the second would overwrite the first's; put "
-        "%d, the command's number, into the name",
-        output.option, output.name);
-  }
-  int number = 0;
-  for (const CommandOutline& command : commands) {
-    const std::string name = NameForCommand(output.name, ++number);
-    if (SameFile(name, command.dataFile)) {
-      return fmt::format("{} {} would overwrite the data file", output.option, name);
+// Says which file the outputs would write twice, or which input they would overwrite; empty when
+// they do neither.
+std::string Overwritten(const Output (&outputs)[3], const RunOptions& options,
+                        const std::vector<ListedCommand>& commands) {
+  const InputFiles inputs(options, commands);
+  std::map<std::string, const char*> written;
+  for (const Output& output : outputs) {
+    if (output.name.empty()) continue;
+    const bool perCommand = IsPerCommand(output.name);
+    const std::size_t names = perCommand ? std::max<std::size_t>(commands.size(), 1) : 1;
+    for (std::size_t number = 1; number <= names; ++number) {
+      const std::string name = NameForCommand(output.name, static_cast<int>(number));
+      const auto [other, isNew] = written.try_emplace(NameOf(name), output.option);
+      if (!isNew) return fmt::format("{} and {} are both {}", other->second, output.option, name);
+      if (name == kStandardOutput || IsStream(name)) continue;
+      if (const std::string input = inputs.Find(name); !input.empty()) {
+        return fmt::format("{} {} would overwrite {}", output.option, name, input);
+      }
+    }
+    const bool itself = !perCommand && &output.name != &options.messages;
+    if (itself && output.name != kStandardOutput && SeveralRun(commands)) {
+      return fmt::format(
+          "{} {}: the file holds several commands, and the second would overwrite the first's; "
+          "put %d, the command's number, into the name",
+          output.option, output.name);
     }
   }
   return {};
@@ -106,12 +146,12 @@ bool WritesStandardOutput(const RunOptions& options) {
          options.messages == kStandardOutput;
 }
 
-bool SeveralRun(const std::vector<CommandOutline>& commands) {
+bool SeveralRun(const std::vector<ListedCommand>& commands) {
   return std::count_if(commands.begin(), commands.end(),
-                       [](const CommandOutline& command) { return command.canRun; }) > 1;
+                       [](const ListedCommand& command) { return command.canRun; }) > 1;
 }
 
-std::string WhatIsWrong(const RunOptions& options, const std::vector<CommandOutline>& commands) {
+std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedCommand>& commands) {
   if (!options.cases.empty() && !CaseFormatOf(options)) {
     return fmt::format(
         "--cases {}: the ending is none of .csv, .tsv and .jsonl; name the format with --format",
@@ -126,18 +166,7 @@ std::string WhatIsWrong(const RunOptions& options, const std::vector<CommandOutl
   const Output outputs[] = {{"--cases", options.cases},
                             {"--dictionary", options.dictionary},
                             {"--messages", options.messages}};
-  for (const Output& output : outputs) {
-    if (output.name.empty()) continue;
-    for (const Output* other = outputs; other != &output; ++other) {
-      if (other->name.empty()) continue;
-      if (std::string name = CommonName(*other, output, commands.size()); !name.empty()) {
-        return fmt::format("{} and {} are both {}", other->option, output.option, name);
-      }
-    }
-    if (output.name == kStandardOutput) continue;
-    if (std::string what = Overwritten(output, options, commands); !what.empty()) return what;
-  }
-  return {};
+  return Overwritten(outputs, options, commands);
 }
 
 }  // namespace cli

@@ -36,12 +36,12 @@ struct RunOptions {
 };
 
 // What is wrong with options that are right one by one: outputs that would overwrite one another,
-// the command file or the data of one of its `commands`, standard input that would be read twice, a
+// the command file or the data of any of its `commands`, standard input that would be read twice, a
 // file of cases without a known format. Empty when nothing is.
-std::string WhatIsWrong(const RunOptions& options, const std::vector<CommandOutline>& commands);
+std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedCommand>& commands);
 
 // True when more than one of the commands can be run.
-bool SeveralRun(const std::vector<CommandOutline>& commands);
+bool SeveralRun(const std::vector<ListedCommand>& commands);
 
 // The format of the cases: what was asked for, or the one that the file's ending names; CSV for
 // standard output. Nothing when the ending names none.

@@ -1,5 +1,7 @@
 #include "cli/RunOptions.h"
 
+#include <filesystem>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -11,8 +13,8 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-const std::vector<CommandOutline> kOne = {{true, ""}};
-const std::vector<CommandOutline> kTwo = {{true, ""}, {true, ""}};
+const std::vector<ListedCommand> kOne = {{true, ""}};
+const std::vector<ListedCommand> kTwo = {{true, ""}, {true, ""}};
 
 RunOptions WithCases(const std::string& name) {
   RunOptions options;
@@ -99,7 +101,7 @@ TEST(RunOptions, OnlyCommandsThatRunCount) {
 TEST(RunOptions, NoOutputIsTheDataFileOfItsCommand) {
   const TestFolder folder;
   const std::string data = folder.Write("data2.csv", "1\n");
-  const std::vector<CommandOutline> commands = {{false, ""}, {true, data}};
+  const std::vector<ListedCommand> commands = {{false, ""}, {true, data}};
   EXPECT_THAT(WhatIsWrong(WithCases(data), commands), HasSubstr("overwrite the data file"));
   EXPECT_THAT(WhatIsWrong(WithCases(folder / "data%d.csv"), commands),
               HasSubstr("overwrite the data file"));
@@ -112,9 +114,42 @@ TEST(RunOptions, NoOutputIsTheDataFileOfItsCommand) {
   EXPECT_THAT(WhatIsWrong(options, commands), HasSubstr("--messages"));
 }
 
+TEST(RunOptions, NoOutputIsTheDataFileOfAnotherCommand) {
+  const TestFolder folder;
+  const std::string first = folder.Write("in.csv", "1\n");
+  const std::string second = folder.Write("out1.csv", "2\n");
+  // What the first command writes is what the second one reads, under whatever name.
+  std::filesystem::create_hard_link(second, folder / "linked1.csv");
+  for (const char* name : {"out%d.csv", "linked%d.csv", "none/../out%d.csv"}) {
+    EXPECT_THAT(WhatIsWrong(WithCases(folder / name), {{true, first}, {true, second}}),
+                HasSubstr("would overwrite the data file of command 2"))
+        << name;
+  }
+  // Also where the file is not there yet.
+  EXPECT_THAT(
+      WhatIsWrong(WithCases(folder / "new%d.csv"), {{true, first}, {true, folder / "new1.csv"}}),
+      HasSubstr("would overwrite the data file of command 2"));
+}
+
+TEST(RunOptions, NoNumberedOutputIsTheCommandFile) {
+  const TestFolder folder;
+  RunOptions options = WithCases(folder / "import%d.csv");
+  options.commandFile = folder.Write("import2.csv", "");
+  EXPECT_THAT(WhatIsWrong(options, kTwo), HasSubstr("would overwrite the command file"));
+  EXPECT_THAT(WhatIsWrong(options, kOne), IsEmpty());
+}
+
+TEST(RunOptions, NoOutputOfOneCommandIsAnOutputOfAnother) {
+  RunOptions options = WithCases("a%d.csv");
+  options.dictionary = "a1%d.csv";
+  const std::vector<ListedCommand> eleven(11, {true, ""});
+  EXPECT_THAT(WhatIsWrong(options, eleven), HasSubstr("--cases and --dictionary are both a11.csv"));
+  EXPECT_THAT(WhatIsWrong(options, {eleven.begin(), eleven.end() - 1}), IsEmpty());
+}
+
 TEST(RunOptions, StandardInputIsReadOnce) {
   RunOptions options = WithCases("");
-  const std::vector<CommandOutline> one = {{true, "a.csv"}, {true, "-"}};
+  const std::vector<ListedCommand> one = {{true, "a.csv"}, {true, "-"}};
   EXPECT_THAT(WhatIsWrong(options, one), IsEmpty());
   EXPECT_THAT(WhatIsWrong(options, {{true, "-"}, {true, "-"}}), HasSubstr("only once"));
   options.commandFile = "-";

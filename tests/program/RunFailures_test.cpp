@@ -83,6 +83,17 @@ TEST_F(RunFailures, ASecondCommandThatWouldOverwriteIsSaidBeforeAnythingRuns) {
   }
 }
 
+TEST_F(RunFailures, NoCommandOverwritesWhatAnotherOneReads) {
+  folder_.Write("out1.csv", "4\n5\n");
+  const Ended ended =
+      Quiet(Towns() + "GET DATA /TYPE=TXT /FILE='out1.csv' /DELIMITERS=',' /VARIABLES=n F4.0.\n",
+            {"--cases", "out%d.csv"});
+  EXPECT_EQ(ended.status, 2);
+  EXPECT_EQ(ended.err, "error: --cases out1.csv would overwrite the data file of command 2\n");
+  EXPECT_EQ(folder_.Text("out1.csv"), "4\n5\n");
+  EXPECT_EQ(folder_.Count(), 2U);
+}
+
 TEST_F(RunFailures, ACommandThatCannotRunOverwritesNothing) {
   const Ended ended = Quiet(Towns() + "LIST.\n", {"--cases", "c.csv"});
   EXPECT_EQ(ended.status, 1);

@@ -112,6 +112,17 @@ TEST_F(RunSampling, ASeedKeepsTheCasesThatTheRuleKeeps) {
   EXPECT_NE(Sampled("8"), expected);
 }
 
+TEST_F(RunSampling, TheShareIsWhatTheComponentReads) {
+  const std::string expected = Sampled("7");
+  // A sign before the number, and keyword and number in one literal: the component takes both.
+  for (const char* mode : {"PERCENT +25", "'PERCENT 25'", "PERCENT '25'", "percent 25.9"}) {
+    const Ended ended = Quiet(Import("many.csv", "n F8.0", std::string("/IMPORTCASE=") + mode),
+                              {"--cases", "-", "--seed", "7"});
+    EXPECT_EQ(ended.status, 0) << ended.err;
+    EXPECT_EQ(ended.out, expected) << mode;
+  }
+}
+
 TEST_F(RunSampling, EveryCommandDrawsFromTheSeedAgain) {
   const std::string command = Import("many.csv", "n F8.0", "/IMPORTCASE=PERCENT 25");
   ASSERT_EQ(Quiet(command + command, {"--cases", "c%d.csv", "--seed", "3"}).status, 0);

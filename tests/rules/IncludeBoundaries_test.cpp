@@ -1,6 +1,6 @@
 // The targets depend one way: the component sees only the host's declarations, the embedded host
 // knows nothing of the component, the library is a host that also calls the component's units, and
-// the program sees the library and the host, the component itself only as a library to load. Inside
+// the program sees the library and the host, the component only through the library. Inside
 // the component, folders stand in levels and include only lower ones.
 
 #include <cstddef>

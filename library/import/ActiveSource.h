@@ -1,0 +1,34 @@
+// The data source that one command makes.
+#pragma once
+
+#include <optional>
+
+#include "HostFramework/DACAdapter.h"
+#include "HostFramework/DataSource.h"
+
+namespace library {
+
+// Runs one command and is its data source, the host's active one as long as this object lives. One
+// at a time; host's thread.
+class ActiveSource {
+ public:
+  // Runs the command whose tokens `adapter` has; its messages go to the adapter's callback. The
+  // adapter outlives this object.
+  explicit ActiveSource(DACAdapterBase& adapter);
+  // Destroys the data source.
+  ~ActiveSource();
+  ActiveSource(const ActiveSource&) = delete;
+  ActiveSource& operator=(const ActiveSource&) = delete;
+
+  // The source; null when the command failed, and then an error was posted.
+  const QANT_DataSource* get() const { return source_; }
+  // The share of the cases (0 to 1) that the command keeps by IMPORTCASE PERCENT, which iterators
+  // leave to whoever reads them; nothing when it keeps them all.
+  std::optional<double> sampleFraction() const { return sampleFraction_; }
+
+ private:
+  const QANT_DataSource* source_ = nullptr;
+  std::optional<double> sampleFraction_;
+};
+
+}  // namespace library

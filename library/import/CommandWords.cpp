@@ -1,0 +1,72 @@
+#include "library/import/CommandWords.h"
+
+#include <algorithm>
+
+#include "HostFramework/DACAdapter.h"
+#include "entry/CommandEntry.h"
+
+namespace library {
+namespace {
+
+// Tokens that somebody else keeps, as the component's entry reads them.
+class LentTokens : public DACTokenSource {
+ public:
+  explicit LentTokens(const std::vector<embedded::CommandToken>& tokens) : tokens_(tokens) {}
+  bool NextToken() override {
+    if (current_ < tokens_.size()) ++current_;
+    return current_ < tokens_.size();
+  }
+  int TokenKind() const override { return current_ < tokens_.size() ? tokens_[current_].kind : 0; }
+  void TokenText(const char** text, int* length) const override {
+    const bool any = current_ < tokens_.size();
+    *text = any ? tokens_[current_].text.data() : nullptr;
+    *length = any ? static_cast<int>(tokens_[current_].text.size()) : 0;
+  }
+
+ private:
+  const std::vector<embedded::CommandToken>& tokens_;
+  std::size_t current_ = 0;
+};
+
+}  // namespace
+
+CommandWords::CommandWords(const std::vector<embedded::CommandToken>& tokens,
+                           std::string_view source)
+    : tokens_(tokens), source_(source) {
+  LentTokens lent(tokens);
+  text_ = textwizard::BuildCommandText(lent, &starts_);
+  // A command without tokens has one start, of nothing.
+  starts_.resize(tokens.size());
+}
+
+std::size_t CommandWords::FirstFrom(std::size_t offset) const {
+  return static_cast<std::size_t>(std::lower_bound(starts_.begin(), starts_.end(), offset) -
+                                  starts_.begin());
+}
+
+bool CommandWords::IsSlash(std::size_t token) const {
+  return tokens_[token].kind == embedded::kTokenSign && tokens_[token].text == "/";
+}
+
+CommandPlace CommandWords::PlaceOf(std::size_t begin, std::size_t end) const {
+  if (tokens_.empty()) return {};
+  std::size_t first = FirstFrom(begin);
+  std::size_t last = FirstFrom(end);
+  if (first + 1 < last && IsSlash(first)) ++first;
+  if (first >= last) {
+    first = first > 0 ? first - 1 : 0;
+    last = first + 1;
+  }
+  const embedded::CommandToken& from = tokens_[first];
+  const std::size_t bytes = tokens_[last - 1].end - from.begin;
+  return {from.line, from.column, std::string(source_.substr(from.begin, bytes))};
+}
+
+std::size_t CommandWords::EndOfSubcommand(std::size_t begin) const {
+  std::size_t token = FirstFrom(begin);
+  if (token < tokens_.size() && IsSlash(token)) ++token;
+  while (token < tokens_.size() && !IsSlash(token)) ++token;
+  return token < tokens_.size() ? starts_[token] : text_.size();
+}
+
+}  // namespace library
