@@ -1,0 +1,144 @@
+#include "library/report/Digest.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <string_view>
+
+#include <fmt/format.h>
+#include <xxhash.h>
+
+namespace library {
+namespace {
+
+static_assert(std::endian::native == std::endian::little, "cells are hashed as they lie");
+
+constexpr char kMissing = 0;
+constexpr char kNumber = 1;
+constexpr char kString = 2;
+
+// No finite number above it is missing; neither is any that is no number at all a value.
+bool IsMissing(double value) { return !(value > kSystemMissing) || std::isinf(value); }
+
+void AppendCharacter(std::string& out, std::uint32_t code) {
+  const auto put = [&out](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
+  const auto tail = [&put](std::uint32_t bits) { put(0x80U | (bits & 0x3FU)); };
+  if (code < 0x80) {
+    put(code);
+  } else if (code < 0x800) {
+    put(0xC0U | code >> 6U);
+    tail(code);
+  } else if (code < 0x10000) {
+    put(0xE0U | code >> 12U);
+    tail(code >> 6U);
+    tail(code);
+  } else {
+    put(0xF0U | code >> 18U);
+    tail(code >> 12U);
+    tail(code >> 6U);
+    tail(code);
+  }
+}
+
+}  // namespace
+
+std::string Digest::Hex() const { return fmt::format("{:016x}{:016x}", high, low); }
+
+CaseDigester::CaseDigester(const QANT_DataSource& source) {
+  columns_.reserve(source.GetNVariables());
+  for (std::size_t index = 0; index < source.GetNVariables(); ++index) {
+    const QANT_Variable& variable = *source.GetVariable(index);
+    columns_.push_back({variable.ObsIndex(), static_cast<std::size_t>(variable.GetType())});
+  }
+  if (!qUTF8mode()) converter_.reset(QANTMBConverterNew_A(nullptr));
+}
+
+Digest CaseDigester::Of(const OBS* obs, std::int64_t caseNumber) {
+  bytes_.clear();
+  for (const Column& column : columns_) {
+    const unsigned char* cell = obs[column.cell].bytes;
+    if (column.bytes == 0) {
+      AppendNumber(cell);
+      continue;
+    }
+    const std::string_view padded(reinterpret_cast<const char*>(cell), column.bytes);
+    // npos + 1 is 0: a string of blanks alone is empty.
+    AppendText(padded.substr(0, padded.find_last_not_of(' ') + 1));
+  }
+  const XXH128_hash_t hash =
+      XXH3_128bits_withSeed(bytes_.data(), bytes_.size(), static_cast<XXH64_hash_t>(caseNumber));
+  return {hash.high64, hash.low64};
+}
+
+void CaseDigester::AppendNumber(const unsigned char* cell) {
+  double value = 0;
+  std::memcpy(&value, cell, sizeof value);
+  if (IsMissing(value)) {
+    bytes_.push_back(kMissing);
+    return;
+  }
+  // Turns -0 into 0.
+  value += 0.0;
+  char room[1 + sizeof value] = {kNumber};
+  std::memcpy(room + 1, &value, sizeof value);
+  bytes_.append(room, sizeof room);
+}
+
+void CaseDigester::AppendText(std::string_view text) {
+  const std::size_t start = bytes_.size();
+  std::uint32_t length = 0;
+  bytes_.push_back(kString);
+  bytes_.append(sizeof length, '\0');
+  if (converter_ == nullptr) {
+    bytes_.append(text);
+  } else {
+    AppendUtf8(text);
+  }
+  length = static_cast<std::uint32_t>(bytes_.size() - start - 1 - sizeof length);
+  std::memcpy(bytes_.data() + start + 1, &length, sizeof length);
+}
+
+void CaseDigester::AppendUtf8(std::string_view text) {
+  constexpr std::size_t kLongestCharacter = 8;
+  while (!text.empty()) {
+    const auto byte = static_cast<unsigned char>(text.front());
+    std::uint32_t code = 0;
+    const int room = static_cast<int>(std::min(text.size(), kLongestCharacter));
+    const int length =
+        byte < 0x80 ? 0 : QANTMBU32GetC_A(converter_.get(), &code, text.data(), 0, room);
+    if (length <= 0) {
+      bytes_.push_back(text.front());
+      text.remove_prefix(1);
+    } else {
+      AppendCharacter(bytes_, code);
+      text.remove_prefix(static_cast<std::size_t>(length));
+    }
+  }
+}
+
+std::unique_ptr<BatchDigest> DigestMaker::Make(const OBS* cases, std::size_t count,
+                                               std::int64_t firstCase) {
+  std::unique_ptr<CaseDigester> digester;
+  {
+    const std::lock_guard guard(mutex_);
+    if (!idle_.empty()) {
+      digester = std::move(idle_.back());
+      idle_.pop_back();
+    }
+  }
+  if (digester == nullptr) digester = std::make_unique<CaseDigester>(source_);
+
+  const std::size_t cells = source_.GetObsAreaSize() / sizeof(OBS);
+  auto batch = std::make_unique<BatchDigest>();
+  for (std::size_t index = 0; index < count; ++index) {
+    const std::int64_t number = firstCase + static_cast<std::int64_t>(index) + 1;
+    batch->sum += digester->Of(cases + index * cells, number);
+  }
+
+  const std::lock_guard guard(mutex_);
+  idle_.push_back(std::move(digester));
+  return batch;
+}
+
+}  // namespace library

@@ -1,0 +1,161 @@
+#include "library/report/ImportWatch.h"
+
+#include <limits>
+
+namespace library {
+namespace {
+
+// What the users of a batch made of it, in their order; the digest apart.
+class Products : public ImportBatchProduct {
+ public:
+  std::unique_ptr<BatchDigest> digest;
+  std::vector<std::unique_ptr<ImportBatchProduct>> ofUsers;
+};
+
+}  // namespace
+
+const std::vector<std::string>& DefaultNullTexts() {
+  static const std::vector<std::string> texts = {"NA",  "N/A", "NULL", "null",
+                                                 "NaN", "nan", ".",    "-"};
+  return texts;
+}
+
+ImportWatch::ImportWatch(WatchSettings settings) : settings_(std::move(settings)) {}
+
+void ImportWatch::Prepare(const QANT_DataSource& source, const Outputs& outputs, bool oneThread) {
+  source_ = &source;
+  outputs_ = outputs;
+  oneThread_ = oneThread;
+  account_ = {};
+  kept_ = 0;
+  held_ = {};
+  digests_.reset();
+  keptDigest_.reset();
+  if (!settings_.digest) return;
+  if (settings_.sampled) {
+    keptDigest_ = std::make_unique<CaseDigester>(source);
+  } else {
+    digests_ = std::make_unique<DigestMaker>(source);
+  }
+}
+
+std::int64_t ImportWatch::ProblemLimit() const {
+  // Which of them count is known only when the case was kept.
+  return settings_.sampled ? std::numeric_limits<std::int64_t>::max() : settings_.problemLimit;
+}
+
+bool ImportWatch::WantsBatches() const {
+  return !settings_.sampled && (settings_.digest || !users_.empty());
+}
+
+void ImportWatch::OnEvidence(std::size_t variable, const ImportEvidence& evidence) {
+  if (evidence_.size() <= variable) evidence_.resize(variable + 1);
+  evidence_[variable] = evidence;
+}
+
+void ImportWatch::OnPassBegin() {
+  account_ = {};
+  kept_ = 0;
+  held_.count = 0;
+  if (settings_.digest) account_.digest.emplace();
+}
+
+void ImportWatch::OnProblem(const ImportProblem& problem) {
+  if (!settings_.sampled) {
+    TakeProblem(problem);
+    return;
+  }
+  if (held_.count == held_.problems.size()) held_.problems.emplace_back();
+  HeldCase::Problem& held = held_.problems[held_.count++];
+  held.problem = problem;
+  held.text = problem.text;
+}
+
+void ImportWatch::TakeProblem(const ImportProblem& problem) {
+  account_.problems.Add(problem);
+  const bool traced = static_cast<std::int64_t>(account_.trail.size()) < settings_.problemLimit;
+  if (settings_.trail && traced) account_.trail.push_back(MarkOf(problem));
+  if (outputs_.problems != nullptr) outputs_.problems->Write(problem);
+}
+
+void ImportWatch::OnProblemCase(const ImportCaseSpan& span) {
+  if (settings_.sampled) {
+    held_.span = span;
+  } else {
+    TakeCaseSpan(span);
+  }
+}
+
+void ImportWatch::TakeCaseSpan(const ImportCaseSpan& span) {
+  if (outputs_.rejects != nullptr) outputs_.rejects->CopyCase(span);
+}
+
+void ImportWatch::Keep(const OBS* obs) {
+  ++kept_;
+  for (std::size_t index = 0; index < held_.count; ++index) {
+    HeldCase::Problem& held = held_.problems[index];
+    held.problem.caseNumber = kept_;
+    held.problem.text = held.text;
+    TakeProblem(held.problem);
+  }
+  if (held_.span) TakeCaseSpan(*held_.span);
+  account_.ledger.AddCells(held_.cells);
+  if (keptDigest_ != nullptr) *account_.digest += keptDigest_->Of(obs, kept_);
+  Drop();
+}
+
+void ImportWatch::Drop() {
+  held_.count = 0;
+  held_.span.reset();
+  held_.cells = {};
+}
+
+void ImportWatch::OnSpan(const ImportSpan& span) {
+  const bool isHead = span.kind == ImportSpan::kMark || span.kind == ImportSpan::kPreamble;
+  if (isHead && outputs_.rejects != nullptr) outputs_.rejects->CopyHead(span.offset + span.bytes);
+  account_.ledger.AddSpan(span);
+}
+
+void ImportWatch::OnCells(const ImportCellCounts& cells) {
+  if (settings_.sampled) {
+    held_.cells = cells;
+  } else {
+    account_.ledger.AddCells(cells);
+  }
+}
+
+void ImportWatch::OnProblemCounts(const ImportProblemCount* counts, std::size_t count) {
+  // Where the host samples they hold those of dropped cases too; all were told one by one.
+  if (settings_.sampled) return;
+  for (std::size_t index = 0; index < count; ++index) account_.problems.SetCount(counts[index]);
+}
+
+void ImportWatch::OnPassEnd(const ImportPassEnd& end) {
+  account_.complete = end.complete;
+  account_.cases = settings_.sampled ? kept_ : end.cases;
+  if (end.textsBeyondColumn != nullptr) account_.textsBeyondColumn = *end.textsBeyondColumn;
+  account_.ledger.SetCounts({.bytes = end.bytes,
+                             .cases = account_.cases,
+                             .variables = static_cast<std::int64_t>(source_->GetNVariables()),
+                             .recordsInCases = end.recordsInCases,
+                             .recordsWithoutCase = end.recordsWithoutCase});
+}
+
+std::unique_ptr<ImportBatchProduct> ImportWatch::MakeProduct(const OBS* cases, std::size_t count,
+                                                             std::int64_t firstCase) {
+  auto products = std::make_unique<Products>();
+  if (digests_ != nullptr) products->digest = digests_->Make(cases, count, firstCase);
+  for (BatchUser* user : users_) products->ofUsers.push_back(user->Make(cases, count, firstCase));
+  return products;
+}
+
+void ImportWatch::OnProduct(std::unique_ptr<ImportBatchProduct> product, const OBS* cases,
+                            std::size_t count, std::int64_t firstCase) {
+  auto& products = static_cast<Products&>(*product);
+  if (products.digest != nullptr) *account_.digest += products.digest->sum;
+  for (std::size_t index = 0; index < users_.size(); ++index) {
+    users_[index]->Take(std::move(products.ofUsers[index]), cases, count, firstCase);
+  }
+}
+
+}  // namespace library

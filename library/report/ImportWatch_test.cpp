@@ -1,0 +1,245 @@
+#include "library/report/ImportWatch.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "HostFramework/embedded/text/HostText.h"
+#include "library/report/testing/ReportTesting.h"
+
+namespace library {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using Kind = ImportProblemKind;
+
+// Tells a watch what an engine tells of three cases, the second of which has a problem.
+class ImportWatchTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    embedded::SetCodePage(nullptr);
+    source_.Number("fee").String("town", 8);
+    cases_.emplace(source_, 3);
+    cases_->Set(0, 0, 1.0).Set(1, 1, "Bern").Set(2, 0, 3.0);
+    variables_ = ReportVariablesOf(source_);
+  }
+  static constexpr std::string_view kData = "fee,town\n1,\nx,Bern\n3,\n";
+
+  void Begin(ImportWatch& watch) const {
+    watch.OnPassBegin();
+    watch.OnSpan({ImportSpan::kPreamble, 0, 9, 0, 0, 0});
+  }
+  void TellProblem(ImportWatch& watch) const {
+    watch.OnProblem({Kind::kUnreadable, 0, 2, 3, 12, 0, "x"});
+    if (watch.WantsProblemCases()) watch.OnProblemCase({2, 3, 12, 19});
+  }
+  void End(ImportWatch& watch) const {
+    const ImportProblemCount count{Kind::kUnreadable, 0, 1};
+    watch.OnSpan({ImportSpan::kRecords, 9, 13, 3, 3, 0});
+    if (!watch.WantsCellsPerCase()) watch.OnCells({.read = 3, .empty = 2, .unreadable = 1});
+    watch.OnProblemCounts(&count, 1);
+    watch.OnPassEnd({.cases = 3, .recordsInCases = 3, .bytes = 22, .complete = true});
+  }
+  Digest DigestOf(std::vector<std::size_t> kept) {
+    CaseDigester digester(source_);
+    Digest sum;
+    std::int64_t number = 0;
+    for (const std::size_t index : kept) sum += digester.Of(cases_->At(index), ++number);
+    return sum;
+  }
+
+  ReportSource source_;
+  std::optional<ReportCases> cases_;
+  ReportVariables variables_;
+};
+
+TEST_F(ImportWatchTest, AccountsForAPass) {
+  ImportWatch watch({});
+  watch.Prepare(source_, {});
+  Begin(watch);
+  TellProblem(watch);
+  End(watch);
+  const PassAccount& account = watch.account();
+  EXPECT_EQ(account.cases, 3);
+  EXPECT_TRUE(account.complete);
+  EXPECT_EQ(account.problems.total(), 1);
+  EXPECT_EQ(account.ledger.Imbalance(), "");
+  EXPECT_FALSE(account.digest);
+}
+
+TEST_F(ImportWatchTest, TakesTheCountsOfProblemsThatWereNotTold) {
+  ImportWatch watch({});
+  watch.Prepare(source_, {});
+  Begin(watch);
+  TellProblem(watch);
+  const ImportProblemCount counts[] = {{Kind::kUnreadable, 0, 8}, {Kind::kCut, 1, 2}};
+  watch.OnProblemCounts(counts, 2);
+  EXPECT_EQ(watch.account().problems.total(), 10);
+}
+
+TEST_F(ImportWatchTest, AddsTheDigestsOfBatches) {
+  WatchSettings settings;
+  settings.digest = true;
+  ImportWatch watch(settings);
+  EXPECT_TRUE(watch.WantsBatches());
+  watch.Prepare(source_, {});
+  Begin(watch);
+  auto second = watch.MakeProduct(cases_->At(2), 1, 2);
+  auto first = watch.MakeProduct(cases_->At(0), 2, 0);
+  watch.OnProduct(std::move(first), cases_->At(0), 2, 0);
+  watch.OnProduct(std::move(second), cases_->At(2), 1, 2);
+  End(watch);
+  EXPECT_EQ(watch.account().digest, DigestOf({0, 1, 2}));
+}
+
+TEST_F(ImportWatchTest, ASecondPassStartsAnew) {
+  WatchSettings settings;
+  settings.digest = true;
+  ImportWatch watch(settings);
+  for (int pass = 0; pass < 2; ++pass) {
+    watch.Prepare(source_, {}, pass == 1);
+    EXPECT_EQ(watch.ReadsOnOneThread(), pass == 1);
+    Begin(watch);
+    watch.OnProduct(watch.MakeProduct(cases_->At(0), 3, 0), cases_->At(0), 3, 0);
+    TellProblem(watch);
+    End(watch);
+    EXPECT_EQ(watch.account().digest, DigestOf({0, 1, 2}));
+    EXPECT_EQ(watch.account().problems.total(), 1);
+    EXPECT_EQ(watch.account().ledger.Imbalance(), "");
+  }
+}
+
+TEST_F(ImportWatchTest, WritesProblemsAndRejectsAsTheyAreTold) {
+  WatchSettings settings;
+  settings.rejects = true;
+  settings.problemLimit = 10;
+  ImportWatch watch(settings);
+  std::string rows;
+  std::string rejected;
+  MemorySource data(kData, true);
+  ProblemWriter writer(ProblemFormat::kCsv, variables_, 10,
+                       [&rows](std::string_view text) { rows += text; });
+  RejectsFile rejects(data, [&rejected](std::string_view text) { rejected += text; });
+  watch.Prepare(source_, {&writer, &rejects});
+  EXPECT_EQ(watch.ProblemLimit(), 10);
+  Begin(watch);
+  TellProblem(watch);
+  End(watch);
+  writer.Flush();
+  rejects.Finish();
+  EXPECT_THAT(rows, HasSubstr("unreadable,2,3,12,fee,F8.2,x,"));
+  EXPECT_EQ(rejected, "fee,town\nx,Bern\n");
+}
+
+class SampledWatchTest : public ImportWatchTest {
+ protected:
+  // Keeps the cases that are named (from 0).
+  void Sample(ImportWatch& watch, const std::vector<std::size_t>& kept) {
+    Begin(watch);
+    for (std::size_t index = 0; index < 3; ++index) {
+      if (index == 1) TellProblem(watch);
+      watch.OnCells(index == 1 ? ImportCellCounts{.read = 1, .unreadable = 1}
+                               : ImportCellCounts{.read = 1, .empty = 1});
+      if (std::find(kept.begin(), kept.end(), index) != kept.end()) {
+        watch.Keep(cases_->At(index));
+      } else {
+        watch.Drop();
+      }
+    }
+    End(watch);
+  }
+  WatchSettings settings_ = [] {
+    WatchSettings settings;
+    settings.sampled = true;
+    settings.digest = true;
+    settings.rejects = true;
+    settings.problemLimit = 5;
+    return settings;
+  }();
+};
+
+TEST_F(SampledWatchTest, CountsKeptCasesOnly) {
+  ImportWatch watch(settings_);
+  EXPECT_FALSE(watch.WantsBatches());
+  EXPECT_TRUE(watch.WantsCellsPerCase());
+  watch.Prepare(source_, {});
+  Sample(watch, {0, 2});
+  EXPECT_EQ(watch.account().cases, 2);
+  EXPECT_EQ(watch.account().problems.total(), 0);
+  EXPECT_EQ(watch.account().ledger.Imbalance(), "");
+  EXPECT_EQ(watch.account().ledger.Json()["cells"], 4);
+  EXPECT_EQ(watch.account().digest, DigestOf({0, 2}));
+}
+
+TEST_F(SampledWatchTest, NumbersKeptCases) {
+  ImportWatch watch(settings_);
+  std::string rows;
+  std::string rejected;
+  MemorySource data(kData, true);
+  ProblemWriter writer(ProblemFormat::kCsv, variables_, 10,
+                       [&rows](std::string_view text) { rows += text; });
+  RejectsFile rejects(data, [&rejected](std::string_view text) { rejected += text; });
+  watch.Prepare(source_, {&writer, &rejects});
+  Sample(watch, {1});
+  writer.Flush();
+  rejects.Finish();
+  EXPECT_THAT(rows, HasSubstr("unreadable,1,3,12,fee,F8.2,x,"));
+  EXPECT_EQ(rejected, "fee,town\nx,Bern\n");
+  EXPECT_EQ(watch.account().problems.total(), 1);
+  EXPECT_EQ(watch.account().digest, DigestOf({1}));
+}
+
+// Notes what it gets.
+class Notes : public BatchUser {
+ public:
+  class Made : public ImportBatchProduct {
+   public:
+    explicit Made(std::int64_t of) : firstCase(of) {}
+    std::int64_t firstCase;
+  };
+  std::unique_ptr<ImportBatchProduct> Make(const OBS*, std::size_t, std::int64_t first) override {
+    return std::make_unique<Made>(first);
+  }
+  void Take(std::unique_ptr<ImportBatchProduct> product, const OBS*, std::size_t count,
+            std::int64_t firstCase) override {
+    EXPECT_EQ(static_cast<Made&>(*product).firstCase, firstCase);
+    taken.push_back({firstCase, count});
+  }
+  std::vector<std::pair<std::int64_t, std::size_t>> taken;
+};
+
+TEST_F(ImportWatchTest, HandsBatchesToEveryUser) {
+  ImportWatch watch({});
+  EXPECT_FALSE(watch.WantsBatches());
+  Notes one;
+  Notes other;
+  watch.Use(one);
+  watch.Use(other);
+  EXPECT_TRUE(watch.WantsBatches());
+  watch.Prepare(source_, {});
+  Begin(watch);
+  watch.OnProduct(watch.MakeProduct(cases_->At(0), 2, 0), cases_->At(0), 2, 0);
+  watch.OnProduct(watch.MakeProduct(cases_->At(2), 1, 2), cases_->At(2), 1, 2);
+  const std::vector<std::pair<std::int64_t, std::size_t>> expected = {{0, 2}, {2, 1}};
+  EXPECT_EQ(one.taken, expected);
+  EXPECT_EQ(other.taken, expected);
+}
+
+TEST_F(ImportWatchTest, KeepsTheEvidenceOfEachVariable) {
+  WatchSettings settings;
+  settings.evidence = true;
+  ImportWatch watch(settings);
+  EXPECT_TRUE(watch.WantsEvidence());
+  ImportEvidence evidence;
+  evidence.blanks = 4;
+  watch.OnEvidence(1, evidence);
+  EXPECT_EQ(watch.EvidenceOf(0), nullptr);
+  ASSERT_NE(watch.EvidenceOf(1), nullptr);
+  EXPECT_EQ(watch.EvidenceOf(1)->blanks, 4);
+  EXPECT_EQ(watch.EvidenceOf(7), nullptr);
+}
+
+}  // namespace
+}  // namespace library

@@ -1,0 +1,38 @@
+// What a problem did to the value and what would help, in a sentence.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "HostFramework/ImportObserver.h"
+#include "library/report/ReportVariable.h"
+
+namespace library {
+
+// The formats, with a usual width, that read `text` (host text) as a value, in the order in which a
+// person would try them: numbers, amounts, dates, times. The component's own conversion decides.
+// At most `most`.
+std::vector<std::string_view> FormatsThatRead(std::string_view text, std::size_t most);
+
+// Makes the sentences. One thread; the variables outlive it.
+class ProblemDetail {
+ public:
+  explicit ProblemDetail(const ReportVariables& variables) : variables_(variables) {}
+  // UTF-8; valid until the next call.
+  std::string_view Of(const ImportProblem& problem);
+
+ private:
+  void Unreadable(const ImportProblem& problem, const ReportVariable& variable);
+  void OfValue(const ImportProblem& problem, const ReportVariable& variable);
+  void OfRecord(const ImportProblem& problem);
+
+  const ReportVariables& variables_;
+  std::string sentence_;
+  // The sentence of the unreadable text met last: the same text often comes again.
+  std::string lastText_;
+  std::int32_t lastVariable_ = -1;
+  std::string lastSentence_;
+};
+
+}  // namespace library

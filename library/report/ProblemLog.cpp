@@ -1,0 +1,70 @@
+#include "library/report/ProblemLog.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace library {
+namespace {
+
+std::int64_t KeyOf(ImportProblemKind kind, std::int32_t variable) {
+  return std::int64_t{variable} * static_cast<std::int64_t>(kImportProblemKinds) +
+         static_cast<std::int64_t>(kind);
+}
+
+}  // namespace
+
+void ProblemLog::Add(const ImportProblem& problem) {
+  Entry& entry = EntryOf(problem.kind, problem.variable);
+  if (entry.firstLine == 0) {
+    entry.firstLine = problem.line;
+    entry.firstText = text_.Escaped(problem.text);
+  }
+  ++entry.count;
+  ++ofKind_[static_cast<std::size_t>(problem.kind)];
+  ++total_;
+}
+
+void ProblemLog::SetCount(const ImportProblemCount& all) {
+  Entry& entry = EntryOf(all.kind, all.variable);
+  const std::int64_t more = all.count - entry.count;
+  entry.count += more;
+  ofKind_[static_cast<std::size_t>(all.kind)] += more;
+  total_ += more;
+}
+
+void ProblemLog::Add(const ProblemLog& later) {
+  for (const auto& [key, other] : later.entries_) {
+    Entry& entry = EntryOf(other.kind, other.variable);
+    if (entry.firstLine == 0) {
+      entry.firstLine = other.firstLine;
+      entry.firstText = other.firstText;
+    }
+    SetCount({other.kind, other.variable, entry.count + other.count});
+  }
+}
+
+std::int64_t ProblemLog::CountOf(ImportProblemKind kind, std::int32_t variable) const {
+  const Entry* entry = Find(kind, variable);
+  return entry == nullptr ? 0 : entry->count;
+}
+
+const ProblemLog::Entry* ProblemLog::Find(ImportProblemKind kind, std::int32_t variable) const {
+  const auto found = entries_.find(KeyOf(kind, variable));
+  return found == entries_.end() ? nullptr : &found->second;
+}
+
+std::vector<ProblemLog::Entry> ProblemLog::Entries() const {
+  std::vector<Entry> entries;
+  entries.reserve(entries_.size());
+  for (const auto& [key, entry] : entries_) entries.push_back(entry);
+  std::sort(entries.begin(), entries.end(), [](const Entry& left, const Entry& right) {
+    return std::tie(left.variable, left.kind) < std::tie(right.variable, right.kind);
+  });
+  return entries;
+}
+
+ProblemLog::Entry& ProblemLog::EntryOf(ImportProblemKind kind, std::int32_t variable) {
+  return entries_.try_emplace(KeyOf(kind, variable), Entry{variable, kind, 0, 0, {}}).first->second;
+}
+
+}  // namespace library

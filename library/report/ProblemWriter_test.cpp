@@ -1,0 +1,105 @@
+#include "library/report/ProblemWriter.h"
+
+#include <sstream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "HostFramework/embedded/text/HostText.h"
+#include "library/report/testing/ReportTesting.h"
+
+namespace library {
+namespace {
+
+using testing::StartsWith;
+using Kind = ImportProblemKind;
+
+class ProblemWriterTest : public testing::Test {
+ protected:
+  void SetUp() override { embedded::SetCodePage(nullptr); }
+
+  std::string Written(ProblemFormat format, const std::vector<ImportProblem>& problems,
+                      std::int64_t limit = 100) {
+    std::string text;
+    ProblemWriter writer(format, variables_, limit,
+                         [&text](std::string_view bytes) { text += bytes; });
+    writer.WriteHeader();
+    for (const ImportProblem& problem : problems) writer.Write(problem);
+    writer.Flush();
+    return text;
+  }
+  std::vector<nlohmann::json> Rows(const std::vector<ImportProblem>& problems) {
+    std::istringstream lines(Written(ProblemFormat::kJsonLines, problems));
+    std::vector<nlohmann::json> rows;
+    for (std::string line; std::getline(lines, line);) rows.push_back(nlohmann::json::parse(line));
+    return rows;
+  }
+
+  const ReportVariables variables_ = {{"fee", "F8.2", 5, 0}, {"a \"b\", c", "A5", 1, 5}};
+};
+
+TEST_F(ProblemWriterTest, CsvHasAHeaderAndARowAProblem) {
+  EXPECT_EQ(Written(ProblemFormat::kCsv, {}), "kind,case,line,byte,variable,format,text,detail\n");
+  EXPECT_EQ(Written(ProblemFormat::kCsv, {Problem(Kind::kNul, -1, "a,b", 1)}),
+            "kind,case,line,byte,variable,format,text,detail\n"
+            "nul,1,2,10,,,\"a,b\",1 NUL byte was dropped; a file full of them is most often UTF-16 "
+            "without a byte-order mark\n");
+}
+
+TEST_F(ProblemWriterTest, CsvQuotesOnlyWhereNeeded) {
+  const std::string text = Written(
+      ProblemFormat::kCsv,
+      {Problem(Kind::kUnreadable, 0, "say \"no\""), Problem(Kind::kCut, 1, "two words", 9)});
+  EXPECT_THAT(text, testing::HasSubstr("\nunreadable,1,2,10,fee,F8.2,\"say \"\"no\"\"\",\""));
+  EXPECT_THAT(text, testing::HasSubstr("\ncut,1,2,10,\"a \"\"b\"\", c\",A5,two words,\""));
+}
+
+TEST_F(ProblemWriterTest, JsonLinesHoldTheSame) {
+  const auto rows = Rows({Problem(Kind::kCut, 1, "tab\there \"and\" \\", 12)});
+  ASSERT_EQ(rows.size(), 1U);
+  const nlohmann::json& row = rows[0];
+  EXPECT_EQ(row["kind"], "cut");
+  EXPECT_EQ(row["case"], 1);
+  EXPECT_EQ(row["line"], 2);
+  EXPECT_EQ(row["byte"], 10);
+  EXPECT_EQ(row["variable"], "a \"b\", c");
+  EXPECT_EQ(row["format"], "A5");
+  EXPECT_EQ(row["text"], "tab\\there \"and\" \\");
+  EXPECT_THAT(row["detail"].get<std::string>(), StartsWith("the text is longer than the 5 bytes"));
+  EXPECT_EQ(row.size(), 8U);
+}
+
+TEST_F(ProblemWriterTest, OfARecordWithoutACaseThereIsNoCaseAndNoVariable) {
+  ImportProblem problem = Problem(Kind::kIncompleteCase, -1, "1,2", 3);
+  problem.caseNumber = 0;
+  const auto rows = Rows({problem});
+  ASSERT_EQ(rows.size(), 1U);
+  EXPECT_FALSE(rows[0].contains("case"));
+  EXPECT_TRUE(rows[0]["variable"].is_null());
+  EXPECT_TRUE(rows[0]["format"].is_null());
+  EXPECT_THAT(Written(ProblemFormat::kCsv, {problem}),
+              testing::HasSubstr("\nincomplete-case,,2,10,,,\"1,2\","));
+}
+
+TEST_F(ProblemWriterTest, WritesTheFirstRowsUpToTheLimit) {
+  const std::vector<ImportProblem> three = {Problem(Kind::kNul, -1, "1", 1),
+                                            Problem(Kind::kNul, -1, "2", 1),
+                                            Problem(Kind::kNul, -1, "3", 1)};
+  const std::string two = Written(ProblemFormat::kCsv, three, 2);
+  EXPECT_EQ(std::count(two.begin(), two.end(), '\n'), 3);
+  EXPECT_EQ(two.find("10,,,3,"), std::string::npos);
+  EXPECT_EQ(Written(ProblemFormat::kCsv, three, 0),
+            "kind,case,line,byte,variable,format,text,detail\n");
+}
+
+TEST_F(ProblemWriterTest, HandsOnRowsAsItsBufferFills) {
+  std::size_t handed = 0;
+  ProblemWriter writer(ProblemFormat::kCsv, variables_, 100000,
+                       [&handed](std::string_view bytes) { handed += bytes.size(); });
+  for (int count = 0; count < 5000; ++count) writer.Write(Problem(Kind::kNul, -1, "1", 1));
+  EXPECT_GT(handed, 0U);
+}
+
+}  // namespace
+}  // namespace library

@@ -1,0 +1,50 @@
+// The records of cases that had a problem, as they stand in the data file.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "HostFramework/ImportObserver.h"
+#include "library/report/ProblemWriter.h"
+#include "library/sniff/ByteSource.h"
+
+namespace library {
+
+// Copies bytes of the data file: the head (byte-order mark and lines before the first case), then
+// the records of cases with their line ends, so that the command that read the data file reads the
+// copy alike. One thread; the data outlives it.
+class RejectsFile {
+ public:
+  RejectsFile(ByteSource& data, ByteSink sink);
+
+  // The head goes on up to `end`. Before any case.
+  void CopyHead(std::int64_t end);
+  // Cases come in file order and do not overlap. One that ends within a line (values run across
+  // lines) gets a line end.
+  void CopyCase(const ImportCaseSpan& span);
+  // Writes what is held back.
+  void Finish();
+
+  // Why the data could not be copied, a sentence (UTF-8); empty while it could.
+  const std::string& problem() const { return problem_; }
+
+ private:
+  enum class Width { kEightBit, kLittleEndian, kBigEndian };
+
+  void CopyPending();
+  void NoteMark();
+  void NoteEnd(std::string_view written);
+
+  ByteSource& data_;
+  const ByteSink sink_;
+  std::string problem_;
+  std::string block_;
+  Width width_ = Width::kEightBit;
+  // Stretch that is to be copied.
+  std::int64_t begin_ = 0;
+  std::int64_t end_ = 0;
+  // What was written last ended a line, or nothing was.
+  bool atLineStart_ = true;
+};
+
+}  // namespace library
