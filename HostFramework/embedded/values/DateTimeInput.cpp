@@ -30,7 +30,9 @@ bool ReadTwoDigits(TextCursor& cursor, int& value) {
 }
 
 // Year, month, day and hour of YMDHMS. Each part is separated from the one before it or glued to
-// it; a month or a day in digits that has a glued neighbour needs two of them.
+// it; a month or a day in digits that has a glued neighbour needs two of them. The hour is glued to
+// a date of two-digit year only when nothing separates the date's parts: what looks so otherwise is
+// a day first and a year of four digits last.
 class YmdhReader {
  public:
   explicit YmdhReader(TextCursor& cursor) : cursor_(cursor) {}
@@ -39,7 +41,8 @@ class YmdhReader {
     const DigitRun run = cursor_.Digits(yearDigits);
     if (run.count != yearDigits) return false;
     year_ = static_cast<int>(run.value);
-    if (yearDigits == kShortYear) year_ = YearOfTwoDigits(year_);
+    shortYear_ = yearDigits == kShortYear;
+    if (shortYear_) year_ = YearOfTwoDigits(year_);
     return ReadMonthPart() && ReadDayAndHour() && !(glued_ && oneDigit_);
   }
 
@@ -54,20 +57,28 @@ class YmdhReader {
   // Reads the month and what separates it from the day.
   bool ReadMonthPart() {
     const bool separated = ReadSeparator(cursor_);
+    separated_ = separated;
     const int digits = DigitsAhead(cursor_);
     if (digits > 2 || (digits == 2 && !separated)) {
       glued_ = true;
-      return ReadTwoDigits(cursor_, month_) && (digits > 2 || ReadSeparator(cursor_));
+      return ReadTwoDigits(cursor_, month_) && (digits > 2 || ReadDaySeparator());
     }
     bool letters;
     if (!ReadMonth(cursor_, month_, letters)) return false;
     oneDigit_ = !letters && digits == 1;
-    return (separated || letters) && (ReadSeparator(cursor_) || letters);
+    return (separated || letters) && (ReadDaySeparator() || letters);
+  }
+
+  bool ReadDaySeparator() {
+    const bool found = ReadSeparator(cursor_);
+    separated_ = separated_ || found;
+    return found;
   }
 
   bool ReadDayAndHour() {
     const int digits = DigitsAhead(cursor_);
     if (digits == 4) {
+      if (shortYear_ && separated_) return false;
       glued_ = true;
       return ReadTwoDigits(cursor_, day_) && ReadTwoDigits(cursor_, hour_);
     }
@@ -83,6 +94,8 @@ class YmdhReader {
   int month_ = 0;
   int day_ = 0;
   int hour_ = 0;
+  bool shortYear_ = false;
+  bool separated_ = false;  // a separator stands before the month or the day
   bool glued_ = false;
   bool oneDigit_ = false;
 };

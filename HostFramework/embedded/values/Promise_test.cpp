@@ -1,6 +1,7 @@
 // What is recognised as a date or time converts: every text of a layout has a value under the
-// layout's format, unless its month or date does not exist or lies outside the calendar, or
-// minutes and seconds are not separated. The texts are made from the layouts' grammar, and each is
+// layout's format, unless its month or date does not exist or lies outside the calendar, minutes
+// and seconds are not separated, or the hour is glued to a date of two-digit year with separators.
+// The texts are made from the layouts' grammar, and each is
 // matched against the layout's expression, so that what is tested is what is recognised.
 #include <array>
 #include <functional>
@@ -191,21 +192,16 @@ void MakeTimeMark(LayoutText& text) {
 }
 
 void MakeYmdhms(LayoutText& text, Seconds parts) {
-  const int year = text.Year(text.Maybe() ? 2 : 4);
-  bool separated = text.MaybeSeparator();
+  const int yearDigits = text.Maybe() ? 2 : 4;
+  const int year = text.Year(yearDigits);
+  const bool beforeMonth = text.MaybeSeparator();
   const int month = text.Maybe() ? TensAndDigit(text, "0") : *text.TwoOf("1", "012");
-  separated = text.MaybeSeparator() && separated;
+  const bool beforeDay = text.MaybeSeparator();
   const int day = text.Maybe() ? TensAndDigit(text, "012") : *text.TwoOf("3", "01");
-  switch (text.Below(3)) {
-    case 0:
-      text.Literal("T");
-      break;
-    case 1:
-      text.Space();
-      break;
-    default:
-      separated = false;
-  }
+  const int gap = text.Below(3);
+  if (gap == 0) text.Literal("T");
+  if (gap == 1) text.Space();
+  const bool glued = gap == 2;
   std::int64_t seconds =
       3600 * (text.Maybe() ? TensAndDigit(text, "01") : *text.TwoOf("2", "0123"));
   MakeTimeMark(text);
@@ -220,9 +216,13 @@ void MakeYmdhms(LayoutText& text, Seconds parts) {
     fraction = text.AnyDigits(20);
   }
   text.IsDate(year, month, day, seconds, fraction);
+  const bool separated = beforeMonth && beforeDay;
+  const bool refused = glued && yearDigits == 2 && (beforeMonth || beforeDay);
+  if (refused) text.IsMissing();
   // Without all separators the digits can be cut in another way, and so they can be where this cut
   // gives no date.
-  if (!separated || text.outcome() == LayoutText::Outcome::kMissing) text.IsAmbiguous();
+  const bool sure = separated && (!glued || refused);
+  if (!sure || (!refused && text.outcome() == LayoutText::Outcome::kMissing)) text.IsAmbiguous();
 }
 
 void MakeMinutesSeconds(LayoutText& text, bool withFraction) {

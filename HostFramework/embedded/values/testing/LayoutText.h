@@ -20,7 +20,7 @@ class LayoutText {
   enum class Outcome {
     kValue,      // value()
     kSomeValue,  // a value; the text can be read in two ways
-    kMissing,    // none: the month or the date does not exist or lies outside the calendar
+    kMissing,    // none: no such month or date, or a form that is recognised but not read
     kOpen,       // it may name no month, or lacks the separator of minutes and seconds
   };
 
@@ -209,6 +209,7 @@ class LayoutText {
     if (outcome_ == Outcome::kMissing) outcome_ = Outcome::kOpen;
   }
   void IsOpen() { outcome_ = Outcome::kOpen; }
+  void IsMissing() { outcome_ = Outcome::kMissing; }
 
  private:
   static constexpr std::string_view kAllDigits = "0123456789";
