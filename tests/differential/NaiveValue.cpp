@@ -9,6 +9,9 @@
 #include <limits>
 #include <string>
 
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
 #include "HostFramework/embedded/values/FormatCodes.h"
 
 namespace naive {
@@ -61,8 +64,34 @@ class Rest {
   std::string_view text_;
 };
 
-std::optional<double> ReadNumber(std::string_view text, int format, char decimal) {
+// The text with an ASCII digit for every decimal digit of another script, and without white space
+// at its end if that may stand there. Other characters beyond ASCII are in no number.
+std::string InAscii(std::string_view text, bool dropBlanks) {
+  constexpr char kInNoNumber = '?';
+  const auto size = static_cast<std::int32_t>(text.size());
+  const icu::UnicodeString unicode =
+      icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), size));
+  std::string ascii;
+  std::size_t kept = 0;
+  for (std::int32_t at = 0; at < unicode.length(); at = unicode.moveIndex32(at, 1)) {
+    const UChar32 character = unicode.char32At(at);
+    const int digit = u_charDigitValue(character);
+    if (digit >= 0) {
+      ascii += static_cast<char>('0' + digit);
+    } else {
+      ascii += character < 0x80 ? static_cast<char>(character) : kInNoNumber;
+    }
+    if (!u_isUWhiteSpace(character)) kept = ascii.size();
+  }
+  if (dropBlanks) ascii.resize(kept);
+  return ascii;
+}
+
+std::optional<double> ReadNumber(std::string_view given, int format, char decimal) {
   using namespace embedded;
+  const bool isAmount = format == kComma || format == kDollar || format == kDot;
+  const std::string ascii = InAscii(given, isAmount);
+  std::string_view text = ascii;
   char group = decimal == '.' ? ',' : '.';
   if (format == kComma || format == kDollar) decimal = '.', group = ',';
   if (format == kDot) decimal = ',', group = '.';

@@ -13,7 +13,7 @@ namespace {
 constexpr int kShortYear = 2;
 constexpr int kLongYear = 4;
 
-int DigitsAhead(TextCursor cursor) { return cursor.Digits().count; }
+std::int64_t DigitsAhead(TextCursor cursor) { return cursor.Digits().count; }
 
 // Consumes what separates a date from the time after it.
 bool AcceptGap(TextCursor& cursor) { return cursor.AcceptLetter('t') || cursor.Blanks(); }
@@ -58,7 +58,7 @@ class YmdhReader {
   bool ReadMonthPart() {
     const bool separated = ReadSeparator(cursor_);
     separated_ = separated;
-    const int digits = DigitsAhead(cursor_);
+    const std::int64_t digits = DigitsAhead(cursor_);
     if (digits > 2 || (digits == 2 && !separated)) {
       glued_ = true;
       return ReadTwoDigits(cursor_, month_) && (digits > 2 || ReadDaySeparator());
@@ -76,7 +76,7 @@ class YmdhReader {
   }
 
   bool ReadDayAndHour() {
-    const int digits = DigitsAhead(cursor_);
+    const std::int64_t digits = DigitsAhead(cursor_);
     if (digits == 4) {
       if (shortYear_ && separated_) return false;
       glued_ = true;
@@ -110,10 +110,10 @@ bool ReadYmdhmsWithYear(std::string_view text, int yearDigits, double* value) {
   int minutes;
   if (!AcceptTimeMark(cursor) || !ReadSixty(cursor, minutes)) return false;
   int seconds = 0;
-  SecondsFraction fraction;
+  DigitRun fraction;
   if (AcceptTimeMark(cursor)) {
     if (!ReadSixty(cursor, seconds)) return false;
-    if (cursor.AcceptOneOf<':', '.', ','>() && !ReadFraction(cursor, fraction)) return false;
+    if (cursor.AcceptOneOf<':', '.', ','>() && !ReadDigits(cursor, fraction)) return false;
   }
   if (!cursor.AtEnd()) return false;
   *value = SecondsValue(*fullHour + minutes * kMinute + seconds, fraction);

@@ -7,6 +7,7 @@
 #include "HostFramework/embedded/values/Decimal.h"
 #include "HostFramework/embedded/values/FormatCodes.h"
 #include "HostFramework/embedded/values/PlainNumber.h"
+#include "HostFramework/embedded/values/TextCursor.h"
 
 namespace embedded {
 namespace {
@@ -25,67 +26,117 @@ struct NumberRules {
   char decimal;
   char group;
   bool exponent;
-  bool standard;  // most long texts will be in the form of the standard's parser
+  bool blanksBehind;  // white space may follow
+  bool standard;      // most long texts will be in the form of the standard's parser
 };
 
 bool IsDigit(char c) { return static_cast<unsigned char>(c - '0') < 10; }
 
-// Appends the digits at `at` to `digits` (which overflows silently after kIntegerDigits of them).
-const char* SkipDigits(const char* at, const char* end, std::uint64_t& digits) {
-  for (; at != end && IsDigit(*at); ++at) {
-    digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
+// The digits of a number in hand: their value, which overflows silently after kIntegerDigits of
+// them, and how many there are.
+struct Digits {
+  std::uint64_t value = 0;
+  std::ptrdiff_t count = 0;
+
+  void Append(int digit) {
+    value = value * 10 + static_cast<unsigned>(digit);
+    ++count;
   }
-  return at;
+};
+
+// What a TextCursor does, for a text that has nothing but ASCII where it matters: any other byte is
+// no digit and no blank.
+class ByteCursor {
+ public:
+  explicit ByteCursor(std::string_view text) : at_(text.data()), end_(text.data() + text.size()) {}
+
+  bool AtEnd() const { return at_ == end_; }
+  bool OnlyBlanks() const { return AtEnd(); }
+  void Skip(std::size_t bytes) { at_ += bytes; }
+  bool Accept(char ascii) {
+    if (at_ == end_ || *at_ != ascii) return false;
+    ++at_;
+    return true;
+  }
+  bool AcceptLetter(char lower) {
+    if (at_ == end_ || (*at_ | 0x20) != lower) return false;
+    ++at_;
+    return true;
+  }
+  int Digit() {
+    if (at_ == end_ || static_cast<unsigned char>(*at_ - '0') >= 10) return -1;
+    return *at_++ - '0';
+  }
+
+ private:
+  const char* at_;
+  const char* end_;
+};
+
+// Consumes all the digits here and returns how many there were.
+template <typename Cursor>
+std::ptrdiff_t TakeDigits(Cursor& at, Digits& digits) {
+  const std::ptrdiff_t before = digits.count;
+  for (int digit = at.Digit(); digit >= 0; digit = at.Digit()) digits.Append(digit);
+  return digits.count - before;
+}
+// Consumes three digits. False when there are fewer.
+template <typename Cursor>
+bool TakeGroup(Cursor& at, Digits& digits) {
+  for (int i = 0; i < 3; ++i) {
+    const int digit = at.Digit();
+    if (digit < 0) return false;
+    digits.Append(digit);
+  }
+  return true;
 }
 
 // Reads the sign and the digits of an exponent. False when there is no digit.
-bool ReadExponent(const char*& at, const char* end, std::int64_t& exponent) {
-  const bool negative = at != end && *at == '-';
-  if (at != end && (*at == '-' || *at == '+')) ++at;
-  const char* const first = at;
+template <typename Cursor>
+bool ReadExponent(Cursor& at, std::int64_t& exponent) {
+  const bool negative = at.Accept('-');
+  if (!negative) at.Accept('+');
+  int digit = at.Digit();
+  if (digit < 0) return false;
   std::int64_t read = 0;
-  for (; at != end && IsDigit(*at); ++at) {
-    if (read < kExponentLimit) read = read * 10 + (*at - '0');
+  for (; digit >= 0; digit = at.Digit()) {
+    if (read < kExponentLimit) read = read * 10 + digit;
   }
   exponent += negative ? -read : read;
-  return at != first;
+  return true;
 }
 
-// Reads a number without its sign from `at` to `end`, all of it: any number there is.
-bool ReadAny(const char* at, const char* end, const NumberRules& rules, double* value) {
-  const char* const first = at;
-  std::uint64_t digits = 0;
-  std::ptrdiff_t separators = 0;
-  at = SkipDigits(at, end, digits);
-  if (at != end && *at == rules.group && at != first && at - first <= 3) {
-    do {
-      if (end - at < 4 || !IsDigit(at[1]) || !IsDigit(at[2]) || !IsDigit(at[3])) return false;
-      digits = digits * 1000 +
-               static_cast<std::uint64_t>((at[1] - '0') * 100 + (at[2] - '0') * 10 + (at[3] - '0'));
-      at += 4;
-      ++separators;
-    } while (at != end && *at == rules.group);
+// Reads a number without its sign, all that `at` has: any number there is.
+template <typename Cursor>
+bool ReadAny(Cursor at, const NumberRules& rules, double* value) {
+  const Cursor first = at;
+  Digits digits;
+  const std::ptrdiff_t leading = TakeDigits(at, digits);
+  if (leading > 0 && leading <= 3) {
+    while (at.Accept(rules.group)) {
+      if (!TakeGroup(at, digits)) return false;
+    }
   }
   std::int64_t exponent = 0;
-  if (at != end && *at == rules.decimal) {
-    const char* const fraction = ++at;
-    ++separators;
-    at = SkipDigits(at, end, digits);
-    exponent = fraction - at;
+  if (at.Accept(rules.decimal)) exponent = -TakeDigits(at, digits);
+  if (digits.count == 0) return false;
+  if (rules.exponent && (at.AcceptLetter('e') || at.AcceptLetter('d')) &&
+      !ReadExponent(at, exponent)) {
+    return false;
   }
-  const char* const last = at;
-  const std::ptrdiff_t count = last - first - separators;
-  if (count == 0) return false;
-  if (at != end && rules.exponent) {
-    const char letter = static_cast<char>(*at | 0x20);
-    if ((letter != 'e' && letter != 'd') || !ReadExponent(++at, end, exponent)) return false;
-  }
-  if (at != end) return false;
+  if (!(rules.blanksBehind ? at.OnlyBlanks() : at.AtEnd())) return false;
 
-  if (count <= kIntegerDigits && ExactDecimal(digits, exponent, value)) return true;
+  if (digits.count <= kIntegerDigits && ExactDecimal(digits.value, exponent, value)) return true;
   Decimal decimal;
-  for (at = first; at != last; ++at) {
-    if (IsDigit(*at)) decimal.Append(*at - '0');
+  at = first;
+  for (std::ptrdiff_t left = digits.count; left > 0;) {
+    const int digit = at.Digit();
+    if (digit < 0) {
+      at.Skip(1);  // a separator
+      continue;
+    }
+    decimal.Append(digit);
+    --left;
   }
   return decimal.Round(exponent, value);
 }
@@ -109,20 +160,21 @@ bool ReadMagnitude(const char* at, const char* end, const NumberRules& rules, do
     return true;
   }
   if (rules.standard && ReadStandard(at, end, value)) return true;
-  return ReadAny(at, end, rules, value);
+  const std::string_view text(at, length);
+  return ReadAny(ByteCursor(text), rules, value) || ReadAny(TextCursor(text), rules, value);
 }
 
 NumberRules RulesOf(int code, char decimal) {
   switch (code) {
     case kComma:
     case kDollar:
-      return {'.', ',', true, false};
+      return {'.', ',', true, true, false};
     case kDot:
-      return {',', '.', true, false};
+      return {',', '.', true, true, false};
     case kN:
-      return {kNoSeparator, kNoSeparator, false, false};
+      return {kNoSeparator, kNoSeparator, false, false, false};
     default:
-      return {decimal, decimal == '.' ? ',' : '.', true, decimal == '.'};
+      return {decimal, decimal == '.' ? ',' : '.', true, false, decimal == '.'};
   }
 }
 

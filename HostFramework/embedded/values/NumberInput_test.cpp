@@ -216,6 +216,62 @@ TEST(NumberInput, BlanksAndTabsAroundAreDropped) {
   EXPECT_EQ(Read("\r42", kF), kNoValue);
 }
 
+TEST(NumberInput, DigitsOfAnyScript) {
+  const HostEncoding utf8("UTF-8");
+  for (const int format : {kF, kE, kPct, kComma, kDollar, kN}) {
+    EXPECT_EQ(Read("\uFF15", format), 5.0);
+    EXPECT_EQ(Read("\u0661\u0662\u0663", format), 123.0);
+    EXPECT_EQ(Read("1\u0968"
+                   "3",
+                   format),
+              123.0);
+    // Digits that are not decimal, and characters that only look like parts of numbers.
+    for (const char* text : {"\u00B2", "\u2460", "5\u00BD", "\u4E00",
+                             "\u2212"
+                             "5",
+                             "1\uFF0E"
+                             "5"}) {
+      EXPECT_EQ(Read(text, format), kNoValue) << text;
+    }
+  }
+  for (const int format : {kF, kE, kPct, kComma, kDollar}) {
+    EXPECT_EQ(Read("1,\uFF12"
+                   "34",
+                   format),
+              1234.0);
+    EXPECT_EQ(Read("-1,\u0662\u0663\u0664.\u0665E\u0661", format), -12345.0);
+    EXPECT_EQ(Read(".\u0665", format), 0.5);
+    EXPECT_EQ(Read("1,\uFF12"
+                   "3",
+                   format),
+              kNoValue);
+  }
+  EXPECT_EQ(Read("$\u0665", kDollar), 5.0);
+  EXPECT_EQ(Read("\uFF15%", kPct), 5.0);
+  EXPECT_EQ(Read("\u0661.\u0662\u0663\u0664,\u0665", kDot), 1234.5);
+  // Digits beyond any double decide the rounding, whatever their script.
+  EXPECT_EQ(Read("9007199254740993." + std::string(3000, '0') + "\u0661", kF), 9007199254740994.0);
+  EXPECT_EQ(Read("900719925474099\u0663", kF), 9007199254740992.0);
+}
+
+TEST(NumberInput, WhiteSpaceBehindAnAmount) {
+  const HostEncoding utf8("UTF-8");
+  for (const char* blanks :
+       {"\u00A0", "\n", "\r\n", "\v", "\f", "\u2009\u3000", " \u00A0 \t", "\u2028"}) {
+    EXPECT_EQ(Read(std::string("1234.5") + blanks, kComma), 1234.5);
+    EXPECT_EQ(Read(std::string("$5") + blanks, kDollar), 5.0);
+    EXPECT_EQ(Read(std::string("5") + blanks, kDollar), 5.0);
+    EXPECT_EQ(Read(std::string("1.234,5") + blanks, kDot), 1234.5);
+    EXPECT_EQ(Read(std::string("12345678901234567890") + blanks, kComma), 12345678901234567890.0);
+    for (const int format : {kComma, kDollar, kDot}) {
+      EXPECT_EQ(Read(blanks + std::string("5"), format), kNoValue);
+      EXPECT_EQ(Read(std::string("5") + blanks + "5", format), kNoValue);
+    }
+  }
+  const HostEncoding latin("windows-1252");
+  EXPECT_EQ(Read("$5\xA0", kDollar), 5.0);
+}
+
 TEST(NumberInput, TheLargestAndTheSmallest) {
   EXPECT_EQ(Read("1.7976931348623157e308", kF), DBL_MAX);
   EXPECT_EQ(Read("-1.7976931348623157e308", kF), -DBL_MAX);

@@ -7,13 +7,23 @@
 
 namespace embedded {
 
-// Digits read one after the other.
+// Digits read one after the other. Each member fills a register: a run is made and handed on for
+// nearly every part of a value.
 struct DigitRun {
-  std::uint64_t value = 0;  // exact while IsExact()
-  int count = 0;            // number of digits, held at the largest int
-  double large = 0;         // the value when it is not exact, else 0
+  // Stands for a value that times the seconds of a day might not fit 64 bits.
+  static constexpr std::uint64_t kTooLarge = std::numeric_limits<std::uint64_t>::max();
 
-  bool IsExact() const { return large == 0; }
+  std::uint64_t value = 0;      // or kTooLarge
+  std::int64_t count = 0;       // number of digits
+  const char* begin = nullptr;  // their text
+  const char* end = nullptr;
+
+  bool IsExact() const { return value != kTooLarge; }
+  void Append(int digit) {
+    constexpr std::uint64_t kExactLimit = 10'000'000'000'000;
+    value = value < kExactLimit / 10 ? value * 10 + static_cast<unsigned>(digit) : kTooLarge;
+    ++count;
+  }
 };
 
 // Borrows the text. Digits are decimal digits and blanks are white space, in the meaning of
@@ -23,6 +33,7 @@ class TextCursor {
  public:
   TextCursor() = default;
   explicit TextCursor(std::string_view text) : at_(text.data()), end_(text.data() + text.size()) {}
+  explicit TextCursor(const DigitRun& run) : at_(run.begin), end_(run.end) {}
 
   bool AtEnd() const { return at_ == end_; }
 
@@ -76,7 +87,14 @@ class TextCursor {
     return byte - '0';
   }
   // All the digits here, but no more than `most`.
-  DigitRun Digits(int most = std::numeric_limits<int>::max());
+  DigitRun Digits(std::int64_t most = std::numeric_limits<std::int64_t>::max());
+
+  // True when all that is left is blanks, or nothing.
+  bool OnlyBlanks() {
+    while (Blank()) {
+    }
+    return AtEnd();
+  }
 
   // Consumes the character here and returns it, letter case removed; 0 for bytes that are not a
   // character and at the end.
@@ -102,21 +120,21 @@ class TextCursor {
 // names are found however they were capitalised.
 char32_t FoldCase(char32_t character);
 
-inline DigitRun TextCursor::Digits(int most) {
-  // Beyond this a day or an hour count times its seconds would not fit 64 bits.
-  constexpr std::uint64_t kExactLimit = 10'000'000'000'000;
+inline DigitRun TextCursor::Digits(std::int64_t most) {
   DigitRun run;
+  run.begin = at_;
   while (run.count < most) {
-    const int digit = Digit();
-    if (digit < 0) break;
-    ++run.count;
-    if (run.large != 0) {
-      run.large = run.large * 10 + digit;
-    } else {
-      run.value = run.value * 10 + static_cast<unsigned>(digit);
-      if (run.value >= kExactLimit) run.large = static_cast<double>(run.value);
+    const char* at = at_;
+    while (at != end_ && run.count < most && static_cast<unsigned char>(*at - '0') < 10) {
+      run.Append(*at++ - '0');
     }
+    at_ = at;
+    if (at == end_ || static_cast<unsigned char>(*at) < 0x80 || run.count == most) break;
+    const int digit = WideDigit();
+    if (digit < 0) break;
+    run.Append(digit);
   }
+  run.end = at_;
   return run;
 }
 

@@ -1,7 +1,8 @@
 #include "HostFramework/embedded/values/TimeInput.h"
 
+#include <array>
 #include <charconv>
-#include <cmath>
+#include <cstddef>
 
 #include "HostFramework/embedded/values/Calendar.h"
 #include "HostFramework/embedded/values/Decimal.h"
@@ -21,15 +22,48 @@ bool ReadSign(TextCursor& cursor) {
   return false;
 }
 
-// `count` units of `unit` seconds, and `rest` seconds more. False when that is too large.
+void AppendDigits(const DigitRun& run, Decimal& decimal) {
+  for (TextCursor digits(run); !digits.AtEnd();) decimal.Append(digits.Digit());
+}
+
+// The seconds of a count that is too large for integers, by long multiplication, so that they are
+// rounded once like all others. False when they are too many for a double.
+bool LongSeconds(const DigitRun& count, std::int64_t unit, std::int64_t rest,
+                 const DigitRun& fraction, double* value) {
+  constexpr int kMostDigits = 309;  // as the largest double has
+  constexpr int kUnitDigits = 5;
+  std::array<char, kMostDigits + kUnitDigits> product;
+  std::size_t used = 0;
+  for (TextCursor digits(count); !digits.AtEnd();) {
+    const int digit = digits.Digit();
+    if (used == 0 && digit == 0) continue;
+    if (used == kMostDigits) return false;
+    product[used++] = static_cast<char>(digit);
+  }
+  std::int64_t carry = rest;
+  for (std::size_t i = used; i-- > 0;) {
+    carry += product[i] * unit;
+    product[i] = static_cast<char>(carry % 10);
+    carry /= 10;
+  }
+  Decimal decimal;
+  for (std::int64_t place = 100'000; place > 0; place /= 10) {
+    decimal.Append(static_cast<int>(carry / place % 10));
+  }
+  for (std::size_t i = 0; i < used; ++i) decimal.Append(product[i]);
+  AppendDigits(fraction, decimal);
+  return decimal.Round(-fraction.count, value);
+}
+
+// `count` units of `unit` seconds, and `rest` seconds more, less than one unit. False when that is
+// too large.
 bool Store(bool negative, const DigitRun& count, std::int64_t unit, std::int64_t rest,
-           const SecondsFraction& fraction, double* value) {
+           const DigitRun& fraction, double* value) {
   double seconds;
   if (count.IsExact()) {
     seconds = SecondsValue(static_cast<std::int64_t>(count.value) * unit + rest, fraction);
-  } else {
-    seconds = count.large * static_cast<double>(unit) + static_cast<double>(rest);
-    if (!std::isfinite(seconds)) return false;
+  } else if (!LongSeconds(count, unit, rest, fraction, &seconds)) {
+    return false;
   }
   *value = negative ? -seconds : seconds;
   return true;
@@ -37,24 +71,23 @@ bool Store(bool negative, const DigitRun& count, std::int64_t unit, std::int64_t
 
 }  // namespace
 
-bool ReadFraction(TextCursor& cursor, SecondsFraction& fraction) {
-  fraction.start = cursor;
-  fraction.digits = cursor.Digits();
-  return fraction.digits.count > 0;
+bool ReadDigits(TextCursor& cursor, DigitRun& digits) {
+  digits = cursor.Digits();
+  return digits.count > 0;
 }
 
-double SecondsValue(std::int64_t seconds, const SecondsFraction& fraction) {
+double SecondsValue(std::int64_t seconds, const DigitRun& fraction) {
   const auto whole = static_cast<std::uint64_t>(seconds);
-  const int places = fraction.digits.count;
+  const std::int64_t places = fraction.count;
   if (places == 0) return static_cast<double>(whole);
 
   double value = 0;
   // As many digits as an exactly scaled integer has.
   constexpr int kMostPlaces = 15;
-  if (places <= kMostPlaces && fraction.digits.IsExact()) {
+  if (places <= kMostPlaces && fraction.IsExact()) {
     const auto scale = static_cast<std::uint64_t>(kPowersOfTen[places]);
     if (whole <= kExactIntegers / scale &&
-        ExactDecimal(whole * scale + fraction.digits.value, -places, &value)) {
+        ExactDecimal(whole * scale + fraction.value, -places, &value)) {
       return value;
     }
   }
@@ -64,8 +97,7 @@ double SecondsValue(std::int64_t seconds, const SecondsFraction& fraction) {
        ++at) {
     decimal.Append(*at - '0');
   }
-  TextCursor digits = fraction.start;
-  for (int i = 0; i < places; ++i) decimal.Append(digits.Digit());
+  AppendDigits(fraction, decimal);
   decimal.Round(-places, &value);
   return value;
 }
@@ -98,20 +130,19 @@ bool AcceptFixedClock(TextCursor& cursor, ClockTime& clock) {
 
 bool ReadClock(TextCursor& cursor, FractionMark mark, ClockTime& clock) {
   if (AcceptFixedClock(cursor, clock)) return true;
-  clock.hours = cursor.Digits();
-  if (clock.hours.count == 0 || !cursor.Accept(':') || !ReadSixty(cursor, clock.minutes)) {
-    return false;
-  }
+  if (!ReadDigits(cursor, clock.hours) || !cursor.Accept(':')) return false;
+  if (!ReadSixty(cursor, clock.minutes)) return false;
   if (!cursor.Accept(':')) return true;
   if (!ReadSixty(cursor, clock.seconds)) return false;
   const bool marked =
       cursor.AcceptOneOf<'.', ','>() || (mark == FractionMark::kPointOrSeparator &&
                                          (cursor.AcceptOneOf<'-', '/'>() || cursor.Blank()));
-  return !marked || ReadFraction(cursor, clock.fraction);
+  return !marked || ReadDigits(cursor, clock.fraction);
 }
 
 bool ReadTimeOfDay(TextCursor& cursor, FractionMark mark, ClockTime& clock) {
-  return ReadClock(cursor, mark, clock) && clock.hours.IsExact() && clock.hours.value < kHoursOfDay;
+  if (!ReadClock(cursor, mark, clock)) return false;
+  return clock.hours.IsExact() && clock.hours.value < kHoursOfDay;
 }
 
 bool ReadTime(std::string_view text, double* value) {
@@ -126,8 +157,8 @@ bool ReadTime(std::string_view text, double* value) {
 bool ReadDTime(std::string_view text, double* value) {
   TextCursor cursor(text);
   const bool negative = ReadSign(cursor);
-  const DigitRun days = cursor.Digits();
-  if (days.count == 0 || !(cursor.Accept(':') || cursor.Blanks())) return false;
+  DigitRun days;
+  if (!ReadDigits(cursor, days) || !(cursor.Accept(':') || cursor.Blanks())) return false;
   ClockTime clock;
   if (!ReadTimeOfDay(cursor, FractionMark::kPoint, clock) || !cursor.AtEnd()) return false;
   return Store(negative, days, kDay, clock.WholeSeconds(), clock.fraction, value);
@@ -136,12 +167,13 @@ bool ReadDTime(std::string_view text, double* value) {
 bool ReadMTime(std::string_view text, double* value) {
   TextCursor cursor(text);
   const bool negative = ReadSign(cursor);
-  const DigitRun minutes = cursor.Digits();
-  if (minutes.count == 0 || !(cursor.AcceptOneOf<':', '.', ','>() || cursor.Blank())) return false;
+  DigitRun minutes;
+  if (!ReadDigits(cursor, minutes)) return false;
+  if (!(cursor.AcceptOneOf<':', '.', ','>() || cursor.Blank())) return false;
   int seconds;
   if (!ReadSixty(cursor, seconds)) return false;
-  SecondsFraction fraction;
-  if (cursor.AcceptOneOf<':', '.', ','>() && !ReadFraction(cursor, fraction)) return false;
+  DigitRun fraction;
+  if (cursor.AcceptOneOf<':', '.', ','>() && !ReadDigits(cursor, fraction)) return false;
   return cursor.AtEnd() && Store(negative, minutes, kMinute, seconds, fraction, value);
 }
 

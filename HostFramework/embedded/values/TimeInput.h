@@ -8,17 +8,11 @@
 
 namespace embedded {
 
-// The digits after the point of a number of seconds.
-struct SecondsFraction {
-  TextCursor start;  // where the digits begin
-  DigitRun digits;   // count 0: no fraction
-};
+// Consumes all the digits here, at least one.
+bool ReadDigits(TextCursor& cursor, DigitRun& digits);
 
-// Consumes the digits of a fraction, at least one.
-bool ReadFraction(TextCursor& cursor, SecondsFraction& fraction);
-
-// Seconds and their fraction, rounded once to the nearest double.
-double SecondsValue(std::int64_t seconds, const SecondsFraction& fraction);
+// Seconds and the digits of their fraction, which may be none, rounded once to the nearest double.
+double SecondsValue(std::int64_t seconds, const DigitRun& fraction);
 
 // Consumes one or two digits below 60.
 bool ReadSixty(TextCursor& cursor, int& value);
@@ -28,7 +22,7 @@ struct ClockTime {
   DigitRun hours;
   int minutes = 0;
   int seconds = 0;
-  SecondsFraction fraction;
+  DigitRun fraction;
 
   // For hours below 24.
   std::int64_t WholeSeconds() const;

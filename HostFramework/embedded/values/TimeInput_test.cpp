@@ -1,4 +1,6 @@
 // The rules of the time and duration formats, text by text.
+#include <charconv>
+#include <random>
 #include <string>
 
 #include "HostFramework/embedded/values/testing/ValueInputTesting.h"
@@ -66,6 +68,70 @@ TEST(TimeInput, FractionsAreRoundedOnce) {
   EXPECT_EQ(Read("0:00:00.1234567890123456789", kTime), 0.1234567890123456789);
   EXPECT_EQ(Read("0:00:59." + std::string(900, '9'), kTime), 60.0);
   EXPECT_EQ(Read("0:00:01." + std::string(900, '0') + "1", kTime), 1.0);
+}
+
+// digits x unit + rest, by long multiplication.
+std::string Scaled(const std::string& digits, int unit, int rest) {
+  std::string product;
+  int carry = rest;
+  for (std::size_t i = digits.size(); i-- > 0 || carry > 0;) {
+    if (i < digits.size()) {
+      carry += (digits[i] - '0') * unit;
+    } else {
+      i = 0;
+    }
+    product.insert(product.begin(), static_cast<char>('0' + carry % 10));
+    carry /= 10;
+  }
+  return product;
+}
+
+double Nearest(const std::string& number) {
+  double value = 0;
+  std::from_chars(number.data(), number.data() + number.size(), value);
+  return value;
+}
+
+TEST(TimeInput, LongCountsKeepTheirFraction) {
+  EXPECT_EQ(Read("10000000000000:30.5", kMTime), 600000000000030.5);
+  EXPECT_EQ(Read("-10000000000000:30.5", kMTime), -600000000000030.5);
+  EXPECT_EQ(Read("99999999999999:59.5", kMTime), 5999999999999999.5);
+  // Between two doubles the even one, and the upper one when anything more follows.
+  EXPECT_EQ(Read("100000000000000:00.5", kMTime), 6000000000000000.0);
+  EXPECT_EQ(Read("100000000000000:00.50000000000000000001", kMTime), 6000000000000001.0);
+  EXPECT_EQ(Read(std::string(900, '0') + "1:00:00.5", kTime), 3600.5);
+  EXPECT_EQ(Read("1" + std::string(304, '0') + ":00:00", kTime), 3.6e307);
+  EXPECT_EQ(Read(std::string(400, '9') + ":00:00", kTime), kNoValue);
+}
+
+TEST(TimeInput, LongCountsAreRoundedOnce) {
+  std::mt19937_64 random(24);
+  const auto below = [&random](int limit) {
+    return static_cast<int>(random() % static_cast<unsigned>(limit));
+  };
+  for (int i = 0; i < 20000; ++i) {
+    std::string count;
+    for (int digits = 1 + below(40); digits > 0; --digits) {
+      count += static_cast<char>('0' + below(10));
+    }
+    std::string fraction;
+    for (int digits = 1 + below(20); digits > 0; --digits) {
+      fraction += static_cast<char>('0' + below(10));
+    }
+    const int hours = 10 + below(14), minutes = 10 + below(50), seconds = 10 + below(50);
+    const std::string minute = std::to_string(minutes), second = std::to_string(seconds);
+    const std::string point = "." + fraction;
+    const std::string tail = minute + ":" + second + point;
+    EXPECT_EQ(Read(count + ":" + second + point, kMTime),
+              Nearest(Scaled(count, 60, seconds) + point))
+        << count;
+    EXPECT_EQ(Read(count + ":" + tail, kTime),
+              Nearest(Scaled(count, 3600, minutes * 60 + seconds) + point))
+        << count;
+    EXPECT_EQ(Read(count + " " + std::to_string(hours) + ":" + tail, kDTime),
+              Nearest(Scaled(count, 86400, hours * 3600 + minutes * 60 + seconds) + point))
+        << count;
+  }
 }
 
 TEST(TimeInput, DaysAndTime) {

@@ -194,7 +194,11 @@ class LayoutText {
   }
   // The text is a number of seconds.
   void IsDuration(bool negative, std::int64_t seconds, const std::string& fraction = {}) {
-    const std::string number = std::to_string(seconds) + "." + fraction;
+    IsNumber(negative, std::to_string(seconds), fraction);
+  }
+  // The text is a decimal number.
+  void IsNumber(bool negative, const std::string& digits, const std::string& fraction = {}) {
+    const std::string number = digits + "." + fraction;
     std::from_chars(number.data(), number.data() + number.size(), value_);
     if (negative) value_ = -value_;
     outcome_ = Outcome::kValue;
