@@ -1,21 +1,19 @@
 #include "cli/CaseSampler.h"
 
-#include <cstdlib>
-#include <ctime>
+#include "HostFramework/Sampling.h"
 
 namespace cli {
-namespace {
-
-// Largest number that the process's random numbers reach.
-constexpr double kLargestDraw = 2147483647.0;
-
-}  // namespace
 
 CaseSampler::CaseSampler(std::optional<double> fraction, std::optional<unsigned> seed)
     : fraction_(fraction) {
-  if (fraction_) std::srand(seed.value_or(static_cast<unsigned>(std::time(nullptr))));
+  if (!fraction_) return;
+  if (seed) {
+    SeedSampling(*seed);
+  } else {
+    SeedSampling();
+  }
 }
 
-bool CaseSampler::Keep() { return !fraction_ || !(std::rand() / kLargestDraw > *fraction_); }
+bool CaseSampler::Keep() { return !fraction_ || SampleNextCase(*fraction_); }
 
 }  // namespace cli

@@ -41,10 +41,7 @@ QANT_TextWizardMultiThreadedManager::QANT_TextWizardMultiThreadedManager(
   fReader.SetStop(&fReaderState);
   if (detection) {
     DetectionRules& rules = fPlan.detectionRules;
-    rules.pass = DetectionPass::kWorker;
-    rules.arrangement = source.settings().arrangement;
-    rules.leadingSpaces = source.settings().leadingSpaces;
-    rules.multipleSpaces = source.settings().multipleSpaces;
+    rules = DetectionRules(source.settings(), DetectionPass::kWorker);
     rules.swapDecimal = SwapsDecimal(decimalCharacter);
     rules.decimalCharacter = static_cast<char>(decimalCharacter);
   } else {
@@ -78,8 +75,7 @@ bool QANT_TextWizardMultiThreadedManager::Seek(long long n) {
 }
 
 bool QANT_TextWizardMultiThreadedManager::MoreCases() const {
-  const ImportSettings& settings = fSource.settings();
-  return settings.importMode != kImportFirst || fCaseNumber < settings.caseLimit;
+  return fSource.settings().AllowsCaseAfter(fCaseNumber);
 }
 
 bool QANT_TextWizardMultiThreadedManager::Next() {

@@ -68,7 +68,7 @@ void TxtWzParser::ParseFileName(TxtWzExecFile* plan) {
     std::string converted;
     name = adapter_->ConvertFilePath(converted, name, unquoted);
   }
-  file_ = name;
+  values_.file = name;
   plan->SetFileName(name.c_str());
 }
 

@@ -26,9 +26,9 @@ bool Holds(const std::string& text, const char* word) {
   return text.find(word) != std::string::npos;
 }
 
-// A count that the command gives, as far as its member can hold it; 0 for one below 1.
-std::uint32_t Count(std::int64_t value) {
-  if (value < 1) return 0;
+// A count that the command gives, as far as a value can hold it; nothing for one below 1.
+std::optional<std::uint32_t> Count(std::int64_t value) {
+  if (value < 1) return std::nullopt;
   constexpr std::int64_t kLargest = std::numeric_limits<std::uint32_t>::max();
   return static_cast<std::uint32_t>(value < kLargest ? value : kLargest);
 }
@@ -59,7 +59,7 @@ SubcommandResult TxtWzParser::ParseSubCommand(Subcommand& subcommand) {
   if (IsKeyword(subcommand.name, "VARIABLES")) {
     const char* place = equals == std::string::npos ? end : start + equals;
     scanner_.MoveTo(*place == '\0' ? place : place + 1);
-    variablesSeen_ = true;
+    values_.variables = true;
     return kSubcommandsEnd;
   }
   if (equals == std::string::npos) {
@@ -185,20 +185,20 @@ bool TxtWzParser::SetSyntaxParam(const Subcommand& subcommand) {
 }
 
 bool TxtWzParser::SetFile(const Subcommand& subcommand) {
-  if (file_) return Fail(kRepeatedSubcommand, "/FILE");
-  file_ = subcommand.value;
+  if (values_.file) return Fail(kRepeatedSubcommand, "/FILE");
+  values_.file = subcommand.value;
   return true;
 }
 
 bool TxtWzParser::SetEncoding(const Subcommand& subcommand) {
   if (IsKeyword(subcommand.value, "LOCALE")) {
-    encoding_ = kEncodingLocale;
+    values_.encoding = kEncodingLocale;
   } else if (IsOneOf(subcommand.value, {"UTF8", "UTF-8"})) {
-    encoding_ = kEncodingUtf8;
+    values_.encoding = kEncodingUtf8;
   } else if (IsOneOf(subcommand.value, {"UTF16", "UTF-16", "UTF16LE", "UTF-16LE"})) {
-    encoding_ = kEncodingUtf16LittleEndian;
+    values_.encoding = kEncodingUtf16LittleEndian;
   } else if (IsOneOf(subcommand.value, {"UTF16BE", "UTF-16BE"})) {
-    encoding_ = kEncodingUtf16BigEndian;
+    values_.encoding = kEncodingUtf16BigEndian;
   } else {
     return Fail(kBadEncoding, "");
   }
@@ -206,11 +206,11 @@ bool TxtWzParser::SetEncoding(const Subcommand& subcommand) {
 }
 
 bool TxtWzParser::SetArrangement(const Subcommand& subcommand) {
-  if (arrangement_ != kLayoutUnset) return Fail(kRepeatedSubcommand, "/ARRANGEMENT");
+  if (values_.arrangement) return Fail(kRepeatedSubcommand, "/ARRANGEMENT");
   if (IsKeyword(subcommand.value, "DELIMITED")) {
-    arrangement_ = kLayoutDelimited;
+    values_.arrangement = FieldLayout::kDelimited;
   } else if (IsKeyword(subcommand.value, "FIXED")) {
-    arrangement_ = kLayoutFixed;
+    values_.arrangement = FieldLayout::kFixed;
   } else {
     return Fail(kBadArrangement, subcommand.value.c_str());
   }
@@ -218,106 +218,100 @@ bool TxtWzParser::SetArrangement(const Subcommand& subcommand) {
 }
 
 bool TxtWzParser::SetFirstCase(const Subcommand& subcommand) {
-  if (firstCase_ != 0) return Fail(kRepeatedSubcommand, "/FIRSTCASE");
-  firstCase_ = Count(LeadingInteger(subcommand.value));
-  return firstCase_ != 0 || Fail(kBadFirstCase, subcommand.value.c_str());
+  if (values_.firstCase) return Fail(kRepeatedSubcommand, "/FIRSTCASE");
+  values_.firstCase = Count(LeadingInteger(subcommand.value));
+  return values_.firstCase || Fail(kBadFirstCase, subcommand.value.c_str());
 }
 
 bool TxtWzParser::SetDelCase(const Subcommand& subcommand) {
-  if (delCase_ != kCaseUnset) return Fail(kRepeatedSubcommand, "/DELCASE");
+  if (values_.delCase) return Fail(kRepeatedSubcommand, "/DELCASE");
   if (IsKeyword(subcommand.value, "LINE")) {
-    delCase_ = kCaseLine;
+    values_.delCase = DelCase();
     return true;
   }
   if (!IsKeyword(subcommand.value, "VARIABLES")) return Fail(kBadDelCase, subcommand.value.c_str());
-  delCaseCount_ = Count(subcommand.number);
-  if (delCaseCount_ == 0) return Fail(kBadDelCase, scratch_.c_str());
-  delCase_ = kCaseVariables;
+  const std::optional<std::uint32_t> variables = Count(subcommand.number);
+  if (!variables) return Fail(kBadDelCase, scratch_.c_str());
+  values_.delCase = DelCase{CaseEnd::kVariables, *variables};
   return true;
 }
 
 bool TxtWzParser::SetFixCase(const Subcommand& subcommand) {
-  if (fixCase_ != 0) return Fail(kRepeatedSubcommand, "/FIXCASE");
-  fixCase_ = Count(LeadingInteger(subcommand.value));
-  return fixCase_ != 0 || Fail(kBadFixCase, subcommand.value.c_str());
+  if (values_.fixCase) return Fail(kRepeatedSubcommand, "/FIXCASE");
+  values_.fixCase = Count(LeadingInteger(subcommand.value));
+  return values_.fixCase || Fail(kBadFixCase, subcommand.value.c_str());
 }
 
 bool TxtWzParser::SetImportCase(const Subcommand& subcommand) {
-  constexpr std::int64_t kWhole = 100;
-  if (importCase_ != kImportUnset) return Fail(kRepeatedSubcommand, "/IMPORTCASE");
+  constexpr std::uint32_t kWhole = 100;
+  if (values_.importCase) return Fail(kRepeatedSubcommand, "/IMPORTCASE");
   if (IsKeyword(subcommand.value, "ALL")) {
-    importCase_ = kImportAllCases;
+    values_.importCase = ImportCase();
     return true;
   }
   const bool first = IsKeyword(subcommand.value, "FIRST");
   if (!first && !IsKeyword(subcommand.value, "PERCENT")) {
     return Fail(kBadImportCase, subcommand.value.c_str());
   }
-  if (subcommand.number < 1 || (!first && subcommand.number > kWhole)) {
-    return Fail(kBadImportCase, scratch_.c_str());
-  }
-  importCase_ = first ? kImportFirstCases : kImportSample;
-  importCaseValue_ = Count(subcommand.number);
+  const std::optional<std::uint32_t> number = Count(subcommand.number);
+  if (!number || (!first && *number > kWhole)) return Fail(kBadImportCase, scratch_.c_str());
+  values_.importCase = ImportCase{first ? kImportFirst : kImportPercent, *number};
   return true;
 }
 
 bool TxtWzParser::SetDelimiters(const Subcommand& subcommand) {
-  if (delimiters_) return Fail(kRepeatedSubcommand, "/DELIMITERS");
-  delimiters_ = subcommand.value;
-  ConvertSlashTab(*delimiters_);
+  if (values_.delimiters) return Fail(kRepeatedSubcommand, "/DELIMITERS");
+  values_.delimiters = subcommand.value;
+  ConvertSlashTab(*values_.delimiters);
   return true;
 }
 
 bool TxtWzParser::SetQualifier(const Subcommand& subcommand) {
-  if (qualifierSet_) return Fail(kRepeatedSubcommand, "/QUALIFIER");
+  if (values_.qualifier) return Fail(kRepeatedSubcommand, "/QUALIFIER");
   if (subcommand.value.empty()) return true;
   const auto length = static_cast<std::size_t>(QANTMBmbclen_A(subcommand.value.c_str()));
   if (subcommand.value.size() > length) PostErrorMsg(kQualifierCut, "", true);
-  qualifierSet_ = true;
-  qualifier_ = subcommand.value.substr(0, length);
+  values_.qualifier = subcommand.value.substr(0, length);
   return true;
 }
 
 bool TxtWzParser::SetIgnore(const Subcommand& subcommand, const char* slashName, MessageId bad,
-                            bool& given, bool& ignore) {
-  if (given) return Fail(kRepeatedSubcommand, slashName);
+                            std::optional<bool>& ignore) {
+  if (ignore) return Fail(kRepeatedSubcommand, slashName);
   // Only an arrangement that stands before is known here; one that follows is not held against it.
-  if (arrangement_ == kLayoutFixed) return Fail(kNotWithFixed, slashName);
-  ignore = IsKeyword(subcommand.value, "YES");
-  if (!ignore && !IsKeyword(subcommand.value, "NO")) return Fail(bad, subcommand.value.c_str());
-  given = true;
+  if (values_.IsFixed()) return Fail(kNotWithFixed, slashName);
+  const bool yes = IsKeyword(subcommand.value, "YES");
+  if (!yes && !IsKeyword(subcommand.value, "NO")) return Fail(bad, subcommand.value.c_str());
+  ignore = yes;
   return true;
 }
 
 bool TxtWzParser::SetLeadingSpaces(const Subcommand& subcommand) {
-  return SetIgnore(subcommand, "/LEADINGSPACES", kBadLeadingSpaces, leadingSpacesSet_,
-                   leadingSpacesIgnore_);
+  return SetIgnore(subcommand, "/LEADINGSPACES", kBadLeadingSpaces, values_.leadingSpacesIgnore);
 }
 
 bool TxtWzParser::SetMultipleSpaces(const Subcommand& subcommand) {
-  return SetIgnore(subcommand, "/MULTIPLESPACES", kBadMultipleSpaces, multipleSpacesSet_,
-                   multipleSpacesIgnore_);
+  return SetIgnore(subcommand, "/MULTIPLESPACES", kBadMultipleSpaces, values_.multipleSpacesIgnore);
 }
 
 bool TxtWzParser::SetDataTypeMin(const Subcommand& subcommand) {
   // Below or at half of the values, two types could both have their share.
   constexpr double kHalf = 50.0;
   constexpr double kAll = 100.0;
-  if (dataTypeMinSet_) return Fail(kRepeatedSubcommand, "/DATATYPEMIN");
+  if (values_.dataTypeMin) return Fail(kRepeatedSubcommand, "/DATATYPEMIN");
   bool numeric = false;
   const double percent = LeadingNumber(subcommand.value, &numeric);
   if (!numeric || percent <= kHalf || percent > kAll) {
     return Fail(kBadDataTypeMin, subcommand.value.c_str());
   }
-  dataTypeMinSet_ = true;
-  dataTypeMinPercent_ = percent;
+  values_.dataTypeMin = percent;
   return true;
 }
 
 bool TxtWzParser::SetMap(const Subcommand&) {
-  if (mapSet_) return Fail(kRepeatedSubcommand, "/MAP");
-  if (arrangement_ == kLayoutFixed) return Fail(kNotWithFixed, "/MAP");
-  mapSet_ = mapOn_ = true;
+  if (values_.map) return Fail(kRepeatedSubcommand, "/MAP");
+  if (values_.IsFixed()) return Fail(kNotWithFixed, "/MAP");
+  values_.map = true;
   return true;
 }
 

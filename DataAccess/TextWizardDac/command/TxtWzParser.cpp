@@ -1,6 +1,6 @@
 #include "command/TxtWzParser.h"
 
-#include "HostFramework/Text.h"
+#include "reading/FieldRules.h"
 
 namespace textwizard {
 
@@ -35,13 +35,13 @@ std::unique_ptr<TxtWzExecFile> TxtWzParser::ParseToExecutor() {
   if (result == kVariableError) return nullptr;
   // The call that met the end of the list added nothing.
   const std::uint64_t count = variableCounter_ - 1;
-  if (delCase_ == kCaseVariables && count != delCaseCount_) {
+  const std::optional<DelCase>& delCase = values_.delCase;
+  if (delCase && delCase->end == CaseEnd::kVariables && count != delCase->variables) {
     Fail(kVariableCountDiffers, "");
     return nullptr;
   }
   plan->SetVarCount(count);
-  // The variable list may have ended with /MAP.
-  plan->settings.mapRequested = mapOn_;
+  plan->settings.mapRequested = values_.map || mapBehindVariables_;
   return plan;
 }
 
@@ -65,89 +65,55 @@ bool TxtWzParser::GetSyntax() {
 }
 
 bool TxtWzParser::VerifySyntax() {
-  if (arrangement_ == kLayoutUnset) arrangement_ = kLayoutDelimited;
-  if (firstCase_ == 0) firstCase_ = 1;
-  if (importCase_ == kImportUnset) importCase_ = kImportAllCases;
-
-  if (!variablesSeen_) return Fail(kMissingSubcommand, "/VARIABLES");
-  if (!file_) return Fail(kMissingSubcommand, "/FILE");
-  if (file_->empty()) return Fail(kBadSubcommand, "/FILE");
-
-  switch (arrangement_) {
-    case kLayoutDelimited:
-      if (delCase_ == kCaseUnset) delCase_ = kCaseLine;
-      if (fixCase_ != 0) return Fail(kFixCaseWithDelimited, "/FIXCASE");
-      if (!delimiters_) return Fail(kMissingSubcommand, "/DELIMITERS");
-      if (QualifierIsDelimiter()) return Fail(kQualifierIsDelimiter, "");
-      return true;
-    case kLayoutFixed:
-      if (fixCase_ == 0) fixCase_ = 1;
-      if (delCase_ != kCaseUnset) return Fail(kDelimitedWithFixed, "/DELCASE");
-      if (delimiters_) return Fail(kDelimitedWithFixed, "/DELIMITERS");
-      return true;
-    default:
-      return Fail(kNoArrangement, nullptr);
+  if (!values_.variables) return Fail(kMissingSubcommand, "/VARIABLES");
+  if (!values_.file) return Fail(kMissingSubcommand, "/FILE");
+  if (values_.file->empty()) return Fail(kBadSubcommand, "/FILE");
+  if (values_.IsFixed()) {
+    if (values_.delCase) return Fail(kDelimitedWithFixed, "/DELCASE");
+    if (values_.delimiters) return Fail(kDelimitedWithFixed, "/DELIMITERS");
+    return true;
   }
-}
-
-bool TxtWzParser::QualifierIsDelimiter() const {
-  if (!qualifierSet_) return false;
-  std::uint32_t qualifier = 0;
-  const int size = static_cast<int>(qualifier_.size());
-  if (QANTMBU32Get_A(&qualifier, qualifier_.c_str(), 0, size) <= 0) return false;
-  const char* p = delimiters_->c_str();
-  const char* end = p + delimiters_->size();
-  while (p < end) {
-    std::uint32_t delimiter = 0;
-    const int length = QANTMBmbclen_A(p);
-    if (QANTMBU32Get_A(&delimiter, p, 0, length) > 0 && delimiter == qualifier) return true;
-    p += length;
+  if (values_.fixCase) return Fail(kFixCaseWithDelimited, "/FIXCASE");
+  if (!values_.delimiters) return Fail(kMissingSubcommand, "/DELIMITERS");
+  if (values_.qualifier && HoldsCharacter(*values_.delimiters, *values_.qualifier)) {
+    return Fail(kQualifierIsDelimiter, "");
   }
-  return false;
+  return true;
 }
 
 std::unique_ptr<TxtWzExecFile> TxtWzParser::SetExecFile() const {
   std::unique_ptr<TxtWzExecFile> plan;
-  if (arrangement_ == kLayoutFixed) {
+  if (values_.IsFixed()) {
     plan = std::make_unique<TxtWzFixedLines>();
-    plan->settings.recordsPerCase = fixCase_;
+    plan->settings.recordsPerCase = values_.fixCase.value_or(1);
   } else {
     std::unique_ptr<TxtWzDelimiters> delimited;
-    if (delCase_ == kCaseVariables) {
+    if (values_.delCase && values_.delCase->end == CaseEnd::kVariables) {
       delimited = std::make_unique<TxtWzDlmCount>();
     } else {
       delimited = std::make_unique<TxtWzDlmLines>();
     }
-    delimited->SetDelimiters(delimiters_->c_str());
-    delimited->settings.leadingSpaces = leadingSpacesIgnore_;
-    delimited->settings.multipleSpaces = multipleSpacesIgnore_;
+    delimited->SetDelimiters(values_.delimiters->c_str());
+    delimited->settings.leadingSpaces = values_.leadingSpacesIgnore.value_or(false);
+    delimited->settings.multipleSpaces = values_.multipleSpacesIgnore.value_or(false);
     plan = std::move(delimited);
   }
   ImportSettings& settings = plan->settings;
-  settings.firstCase = firstCase_;
-  plan->SetFileName(file_->c_str());
-  settings.encoding = encoding_;
-  settings.dataTypeMinPercentage = dataTypeMinPercent_;
-  settings.mapRequested = mapOn_;
+  settings.firstCase = values_.firstCase.value_or(1);
+  plan->SetFileName(values_.file->c_str());
+  settings.encoding = values_.encoding.value_or(kEncodingNone);
+  if (values_.dataTypeMin) settings.dataTypeMinPercentage = *values_.dataTypeMin;
+  settings.mapRequested = values_.map;
   if (adapter_) {
     plan->errorMonitorHandle = adapter_->GetErrorCallback();
     plan->errorContext = adapter_->GetAdapterContext();
   }
-  switch (importCase_) {
-    case kImportFirstCases:
-      settings.importMode = kImportFirst;
-      settings.caseLimit = importCaseValue_;
-      break;
-    case kImportSample:
-      settings.importMode = kImportPercent;
-      settings.sampleFraction = importCaseValue_ / 100.0;
-      break;
-    default:
-      settings.importMode = kImportAll;
-      break;
-  }
-  settings.qualifierSet = qualifierSet_;
-  settings.qualifier = qualifier_;
+  const ImportCase cases = values_.importCase.value_or(ImportCase());
+  settings.importMode = cases.mode;
+  if (cases.mode == kImportFirst) settings.caseLimit = cases.number;
+  if (cases.mode == kImportPercent) settings.sampleFraction = cases.number / 100.0;
+  settings.qualifierSet = values_.qualifier.has_value();
+  settings.qualifier = values_.qualifier.value_or("");
   return plan;
 }
 

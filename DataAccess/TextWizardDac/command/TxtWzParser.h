@@ -13,6 +13,7 @@
 #include <string>
 
 #include "HostFramework/DACAdapter.h"
+#include "command/SubcommandValues.h"
 #include "command/SyntaxScanner.h"
 #include "model/MessageText.h"
 #include "model/TxtWzVar.h"
@@ -58,7 +59,7 @@ class TxtWzParser {
   std::unique_ptr<TxtWzExecFile> ParseFileType();
 
   // The file's name in the host's form; null until it is known.
-  const char* GetFile() const { return file_ ? file_->c_str() : nullptr; }
+  const char* GetFile() const { return values_.file ? values_.file->c_str() : nullptr; }
   std::uint32_t GetErrorMesID() const { return errorId_; }
   // Text of the last error; null until there is one.
   const char* GetErrorMesToken() const { return errorMessage_ ? errorMessage_->c_str() : nullptr; }
@@ -116,14 +117,6 @@ class TxtWzParser {
   void ParseVarLength(TxtWzVar* variable);
 
  private:
-  enum Layout : std::uint32_t { kLayoutUnset = 0, kLayoutDelimited = 1, kLayoutFixed = 2 };
-  enum CaseEnd : std::uint32_t { kCaseUnset = 0, kCaseLine = 1, kCaseVariables = 2 };
-  enum Import : std::uint32_t {
-    kImportUnset = 0,
-    kImportAllCases = 1,
-    kImportFirstCases = 2,
-    kImportSample = 3
-  };
   struct Setter;
 
   // Posts the error; always false.
@@ -146,9 +139,8 @@ class TxtWzParser {
   bool SetDataTypeMin(const Subcommand& subcommand);
   bool SetMap(const Subcommand& subcommand);
   // YES or NO of the two space options; false after posting `bad`.
-  bool SetIgnore(const Subcommand& subcommand, const char* slashName, MessageId bad, bool& given,
-                 bool& ignore);
-  bool QualifierIsDelimiter() const;
+  bool SetIgnore(const Subcommand& subcommand, const char* slashName, MessageId bad,
+                 std::optional<bool>& ignore);
 
   bool NameIsFree(const std::string& name, const TxtWzExecFile& plan);
   VariableResult ParseDelimitedVariable(TxtWzExecFile* plan);
@@ -157,28 +149,9 @@ class TxtWzParser {
   SyntaxScanner scanner_;
   DACAdapterBase* adapter_ = nullptr;
 
-  // What the subcommands said; zero, false or nothing until they do.
-  std::optional<std::string> file_;
-  std::uint32_t arrangement_ = kLayoutUnset;
-  std::uint32_t firstCase_ = 0;
-  std::uint32_t delCase_ = kCaseUnset;
-  std::uint32_t delCaseCount_ = 0;
-  std::uint32_t fixCase_ = 0;
-  std::uint32_t importCase_ = kImportUnset;
-  std::uint32_t importCaseValue_ = 0;
-  std::optional<std::string> delimiters_;
-  bool qualifierSet_ = false;
-  std::string qualifier_;
-  bool leadingSpacesSet_ = false;
-  bool leadingSpacesIgnore_ = false;
-  bool multipleSpacesSet_ = false;
-  bool multipleSpacesIgnore_ = false;
-  bool dataTypeMinSet_ = false;
-  double dataTypeMinPercent_ = 95.0;
-  bool mapSet_ = false;
-  bool mapOn_ = false;
-  FileEncoding encoding_ = kEncodingNone;
-  bool variablesSeen_ = false;
+  SubcommandValues values_;
+  // The variable list ended with /MAP.
+  bool mapBehindVariables_ = false;
 
   // How far the variable list has been read.
   std::uint64_t variableCounter_ = 0;

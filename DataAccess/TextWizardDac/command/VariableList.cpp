@@ -41,14 +41,14 @@ std::unique_ptr<TxtWzVar> NewVariable(const std::string& name, std::uint32_t cod
 VariableResult TxtWzParser::ParseVariable(TxtWzExecFile* plan) {
   scanner_.SkipWhiteSpace();
   if (scanner_.AtEnd()) return kVariablesEnd;
-  return arrangement_ == kLayoutFixed ? ParseFixedVariable(plan) : ParseDelimitedVariable(plan);
+  return values_.IsFixed() ? ParseFixedVariable(plan) : ParseDelimitedVariable(plan);
 }
 
 VariableResult TxtWzParser::ParseDelimitedVariable(TxtWzExecFile* plan) {
   std::string name;
   GetVarName(name);
   if (IsKeyword(name, "/MAP")) {
-    mapOn_ = true;
+    mapBehindVariables_ = true;
     return kVariablesEndAtMap;
   }
   if (!NameIsFree(name, *plan)) return kVariableError;

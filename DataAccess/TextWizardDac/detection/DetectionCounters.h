@@ -21,6 +21,13 @@ enum class DetectionPass {
 };
 
 struct DetectionRules {
+  DetectionRules() = default;
+  DetectionRules(const ImportSettings& settings, DetectionPass where)
+      : pass(where),
+        arrangement(settings.arrangement),
+        leadingSpaces(settings.leadingSpaces),
+        multipleSpaces(settings.multipleSpaces) {}
+
   DetectionPass pass = DetectionPass::kSampling;
   Arrangement arrangement = kDelimitedLines;
   bool leadingSpaces = false;

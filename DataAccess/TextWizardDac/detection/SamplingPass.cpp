@@ -12,15 +12,6 @@ constexpr std::int64_t kProgressStep = 1000;
 // Ends the host's display of progress.
 constexpr std::int64_t kProgressEnd = -1;
 
-DetectionRules RulesOf(const ImportSettings& settings) {
-  DetectionRules rules;
-  rules.pass = DetectionPass::kSampling;
-  rules.arrangement = settings.arrangement;
-  rules.leadingSpaces = settings.leadingSpaces;
-  rules.multipleSpaces = settings.multipleSpaces;
-  return rules;
-}
-
 }  // namespace
 
 SamplingPass::SamplingPass(QANT_TextWizardIterator& iterator, const ImportSettings& settings,
@@ -30,7 +21,7 @@ SamplingPass::SamplingPass(QANT_TextWizardIterator& iterator, const ImportSettin
       settings_(settings),
       slots_(slots),
       monitor_(monitor),
-      counters_(table, RulesOf(settings)),
+      counters_(table, DetectionRules(settings, DetectionPass::kSampling)),
       blanksCollapse_(settings.arrangement != kFixedColumns && iterator.IsDelimiter(' ')) {}
 
 bool SamplingPass::Run() {

@@ -24,6 +24,11 @@ enum FileEncoding : std::int32_t {
 };
 
 struct ImportSettings {
+  // Whether a case may be delivered after `cases` others.
+  bool AllowsCaseAfter(std::int64_t cases) const {
+    return importMode != kImportFirst || cases < caseLimit;
+  }
+
   // Line where the data begins.
   std::int64_t firstCase = 1;
   Arrangement arrangement = kDelimitedLines;

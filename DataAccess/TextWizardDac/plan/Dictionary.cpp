@@ -28,15 +28,6 @@ bool AnyToDetect(const Slots& slots) {
                      [](const TxtWzVar* variable) { return variable->formatType == kFormatAuto; });
 }
 
-// An iterator over a fixed number of values per case ends a case by the source's variables; until
-// the plan has executed it gets copies of their present state.
-void LendVariables(QANT_TextWizardSrc& source, const Slots& slots) {
-  std::vector<std::unique_ptr<TxtWzVar>> copies;
-  copies.reserve(slots.size());
-  for (const TxtWzVar* slot : slots) copies.push_back(std::make_unique<TxtWzVar>(*slot));
-  source.SetVariables(std::move(copies));
-}
-
 }  // namespace
 
 int TxtWzExecFile::SetDictionary(QANT_DataSource* source) {
@@ -69,7 +60,8 @@ int TxtWzExecFile::SetDictionary(QANT_DataSource* source) {
 bool TxtWzExecFile::DetectTypes(QANT_DataSource* source) {
   auto* const textSource = dynamic_cast<QANT_TextWizardSrc*>(source);
   if (!textSource) return true;
-  LendVariables(*textSource, slots_);
+  // An iterator over a fixed number of values per case ends a case by the source's variables.
+  GiveVariables(*textSource);
   const std::unique_ptr<QANT_InputCaseIterator> iterator(
       textSource->MakeAutoDetectIterator(nullptr));
   if (!iterator) return true;

@@ -2,27 +2,10 @@
 
 #include "HostFramework/Text.h"
 #include "plan/TxtWzExecFile.h"
+#include "reading/FieldRules.h"
 #include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
-namespace {
-
-// True when the character at `text`, `length` bytes long, is one of `set`'s.
-bool IsOneOf(const char* text, int length, const std::string& set) {
-  std::uint32_t wanted = 0;
-  if (QANTMBU32Get_A(&wanted, text, 0, length) <= 0) return false;
-  const char* p = set.c_str();
-  while (*p != '\0') {
-    std::uint32_t ch = 0;
-    const int step = QANTMBmbclen_A(p);
-    if (QANTMBU32Get_A(&ch, p, 0, step) > 0 && ch == wanted) return true;
-    p += step;
-  }
-  return false;
-}
-
-}  // namespace
-
 TxtWzDlmLines::TxtWzDlmLines() { settings.arrangement = kDelimitedLines; }
 
 TxtWzDlmCount::TxtWzDlmCount() { settings.arrangement = kDelimitedCount; }
@@ -64,7 +47,8 @@ bool TxtWzDelimiters::GetNextVar(char* out, char** cursor) {
   p += length;
   if (*p == '\0') return true;
   const int delimiter = QANTMBmbclen_A(p);
-  lastWasDelimiter_ = *p != ' ' && IsOneOf(p, delimiter, settings.delimiters);
+  lastWasDelimiter_ =
+      *p != ' ' && HoldsCharacter(settings.delimiters, {p, static_cast<std::size_t>(delimiter)});
   p += delimiter;
   return true;
 }

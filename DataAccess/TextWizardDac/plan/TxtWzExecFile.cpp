@@ -1,9 +1,8 @@
 #include "plan/TxtWzExecFile.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <ctime>
 
+#include "HostFramework/Sampling.h"
 #include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
@@ -21,12 +20,15 @@ int TxtWzExecFile::Execute(QANT_TextWizardSrc* source, TwExecInput*) {
   // An interrupted sampling pass leaves a source without variables of the host's; that is no error
   // of the command.
   SetDictionary(source);
-  if (slots_.empty()) return 1;
-  std::vector<std::unique_ptr<TxtWzVar>> variables;
-  variables.reserve(slots_.size());
-  for (const TxtWzVar* slot : slots_) variables.push_back(std::make_unique<TxtWzVar>(*slot));
-  source->SetVariables(std::move(variables));
+  if (!slots_.empty()) GiveVariables(*source);
   return 1;
+}
+
+void TxtWzExecFile::GiveVariables(QANT_TextWizardSrc& source) const {
+  std::vector<std::unique_ptr<TxtWzVar>> copies;
+  copies.reserve(slots_.size());
+  for (const TxtWzVar* slot : slots_) copies.push_back(std::make_unique<TxtWzVar>(*slot));
+  source.SetVariables(std::move(copies));
 }
 
 int TxtWzExecFile::AddVariable(std::unique_ptr<TxtWzVar> variable) {
@@ -51,22 +53,14 @@ std::uint32_t TxtWzExecFile::SearchUpperVarName(const char* upperName) const {
 }
 
 void TxtWzExecFile::StartSampling() {
-  if (settings.importMode == kImportPercent) {
-    std::srand(static_cast<unsigned>(std::time(nullptr)));
-  }
+  if (settings.importMode == kImportPercent) SeedSampling();
   caseCounter_ = 0;
 }
 
-bool TxtWzExecFile::MoreCases() {
-  ++caseCounter_;
-  return settings.importMode != kImportFirst || caseCounter_ < settings.caseLimit;
-}
+bool TxtWzExecFile::MoreCases() { return settings.AllowsCaseAfter(++caseCounter_); }
 
 bool TxtWzExecFile::SampleCase() {
-  // What rand() gives at most.
-  constexpr double kLargestDraw = 2147483647.0;
-  return settings.importMode != kImportPercent ||
-         std::rand() / kLargestDraw <= settings.sampleFraction;
+  return settings.importMode != kImportPercent || SampleNextCase(settings.sampleFraction);
 }
 
 }  // namespace textwizard

@@ -110,6 +110,8 @@ class TxtWzExecFile : public TxtWzFile {
   std::vector<std::unique_ptr<TxtWzVar>> definedVars_;
 
  private:
+  // Gives the source copies of the slots' variables as they are now.
+  void GiveVariables(QANT_TextWizardSrc& source) const;
   // Counts the values of the AUTO variables; false when the user interrupted.
   bool DetectTypes(QANT_DataSource* source);
 

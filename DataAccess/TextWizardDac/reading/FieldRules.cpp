@@ -1,6 +1,8 @@
+#include "reading/FieldRules.h"
+
 #include <algorithm>
 
-#include "reading/FieldSplitter.h"
+#include "HostFramework/Text.h"
 
 namespace textwizard {
 namespace {
@@ -37,6 +39,19 @@ int FieldRules::SetWideDelimiters(const char* delimiters) {
 bool FieldRules::IsDelimiter(std::uint32_t ch) const {
   const auto end = std::find(delimiters_.begin(), delimiters_.end(), 0U);
   return std::find(delimiters_.begin(), end, ch) != end;
+}
+
+bool HoldsCharacter(const std::string& set, std::string_view character) {
+  std::uint32_t wanted = 0;
+  const int size = static_cast<int>(character.size());
+  if (QANTMBU32Get_A(&wanted, character.data(), 0, size) <= 0) return false;
+  for (const char* at = set.c_str(); *at != '\0';) {
+    std::uint32_t ch = 0;
+    const int length = QANTMBmbclen_A(at);
+    if (QANTMBU32Get_A(&ch, at, 0, length) > 0 && ch == wanted) return true;
+    at += length;
+  }
+  return false;
 }
 
 }  // namespace textwizard

@@ -1,9 +1,8 @@
 #include "reading/QANT_TextWizardIterator.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <ctime>
 
+#include "HostFramework/Sampling.h"
 #include "model/FormatCode.h"
 #include "model/MessageText.h"
 #include "reading/FixedFields.h"
@@ -11,12 +10,6 @@
 #include "reading/ValueConverter.h"
 
 namespace textwizard {
-namespace {
-
-// The largest number that the sampling rule's random generator draws.
-constexpr double kLargestRandom = 2147483647.0;
-
-}  // namespace
 
 QANT_TextWizardIterator::QANT_TextWizardIterator(const ImportSource& source, OBS* obs)
     : QANT_InputCaseIterator(source, obs),
@@ -61,17 +54,15 @@ void QANT_TextWizardIterator::SkipStartingLines() {
   if (readsOn) TakeRecord(decoder_.Decode(reader_.record(), reader_.mark()));
 }
 
-bool QANT_TextWizardIterator::MoreCases() const {
-  return settings_.importMode != kImportFirst || currentCase_ < settings_.caseLimit;
-}
+bool QANT_TextWizardIterator::MoreCases() const { return settings_.AllowsCaseAfter(currentCase_); }
 
 bool QANT_TextWizardIterator::SampleCase() {
   if (settings_.importMode != kImportPercent) return true;
   if (!randomSeeded_) {
-    std::srand(static_cast<unsigned>(std::time(nullptr)));
+    SeedSampling();
     randomSeeded_ = true;
   }
-  return std::rand() / kLargestRandom <= settings_.sampleFraction;
+  return SampleNextCase(settings_.sampleFraction);
 }
 
 void QANT_TextWizardIterator::DropRecord() {
