@@ -6,11 +6,20 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
-#include "cli/FormatName.h"
 #include "cli/OutputFile.h"
 #include "cli/Utf8Converter.h"
+#include "library/outputs/FormatName.h"
+#include "library/outputs/ValueText.h"
 
 namespace cli {
+
+using library::FormatName;
+using library::IsMissing;
+using library::KindOf;
+using library::kValueTextRoom;
+using library::ValueKind;
+using library::WriteNumber;
+using library::WriteValue;
 
 enum class CaseFormat { kCsv, kTsv, kJsonLines };
 

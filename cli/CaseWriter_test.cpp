@@ -6,9 +6,12 @@
 #include "HostFramework/embedded/text/HostText.h"
 #include "cli/CaseBatch.h"
 #include "cli/testing/TestFolder.h"
-#include "cli/testing/TestSource.h"
+#include "library/testing/TestSource.h"
 
 namespace cli {
+
+using library::TestCase;
+using library::TestSource;
 namespace {
 
 // The text that cases of a source give.

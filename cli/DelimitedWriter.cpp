@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "cli/ValueText.h"
+#include "library/outputs/ValueText.h"
 
 namespace cli {
 

@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "cli/FormatName.h"
 #include "cli/JsonText.h"
 #include "cli/Utf8Converter.h"
+#include "library/outputs/FormatName.h"
 
 namespace cli {
 
@@ -17,15 +17,16 @@ void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile,
   for (std::size_t index = 0; index < source.GetNVariables(); ++index) {
     const QANT_Variable& variable = *source.GetVariable(index);
     const QANT_Format& format = variable.GetFormat();
-    const nlohmann::ordered_json entry{{"name", utf8.ToUtf8(variable.GetName())},
-                                       {"type", variable.GetType() == 0 ? "numeric" : "string"},
-                                       {"format", FormatName(format)},
-                                       {"format_code", format.type},
-                                       {"width", format.width},
-                                       {"decimals", format.decimals},
-                                       {"write_format", FormatName(variable.GetWriteFormat())},
-                                       {"bytes", variable.GetType()},
-                                       {"display_width", variable.GetDisplayWidth()}};
+    const nlohmann::ordered_json entry{
+        {"name", utf8.ToUtf8(variable.GetName())},
+        {"type", variable.GetType() == 0 ? "numeric" : "string"},
+        {"format", library::FormatName(format)},
+        {"format_code", format.type},
+        {"width", format.width},
+        {"decimals", format.decimals},
+        {"write_format", library::FormatName(variable.GetWriteFormat())},
+        {"bytes", variable.GetType()},
+        {"display_width", variable.GetDisplayWidth()}};
     if (index > 0) file.Append(',');
     file.Append(entry.dump());
   }

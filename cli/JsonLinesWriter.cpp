@@ -1,7 +1,7 @@
 #include "cli/JsonLinesWriter.h"
 
 #include "cli/JsonText.h"
-#include "cli/ValueText.h"
+#include "library/outputs/ValueText.h"
 
 namespace cli {
 

@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-#include "cli/ValueText.h"
+#include "library/outputs/ValueText.h"
 
 namespace cli {
 namespace {

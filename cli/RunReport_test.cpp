@@ -8,11 +8,14 @@
 #include "cli/Progress.h"
 #include "cli/RunStats.h"
 #include "cli/testing/TestFolder.h"
-#include "cli/testing/TestSource.h"
+#include "library/testing/TestSource.h"
 
 #include <nlohmann/json.hpp>
 
 namespace cli {
+
+using library::TestCase;
+using library::TestSource;
 namespace {
 
 using testing::HasSubstr;

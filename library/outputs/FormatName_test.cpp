@@ -1,10 +1,10 @@
-#include "cli/FormatName.h"
+#include "library/outputs/FormatName.h"
 
 #include <gtest/gtest.h>
 
-#include "cli/testing/TestSource.h"
+#include "library/testing/TestSource.h"
 
-namespace cli {
+namespace library {
 namespace {
 
 TEST(FormatName, HasTheDecimalsWhereThereAreAny) {
@@ -48,4 +48,4 @@ TEST(FormatName, KindsFollowTheFormat) {
 }
 
 }  // namespace
-}  // namespace cli
+}  // namespace library

@@ -3,9 +3,9 @@
 
 #include <cstddef>
 
-#include "cli/FormatName.h"
+#include "library/outputs/FormatName.h"
 
-namespace cli {
+namespace library {
 
 // Room that the text of any value needs.
 inline constexpr std::size_t kValueTextRoom = 512;
@@ -24,4 +24,4 @@ char* WriteNumber(char* out, double value);
 // 9999-12-31), or a time above 1e15 seconds, is written as the number.
 char* WriteValue(char* out, double value, ValueKind kind);
 
-}  // namespace cli
+}  // namespace library

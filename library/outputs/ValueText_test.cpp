@@ -1,4 +1,4 @@
-#include "cli/ValueText.h"
+#include "library/outputs/ValueText.h"
 
 #include <charconv>
 #include <cmath>
@@ -12,7 +12,7 @@
 
 #include "HostFramework/DataSource.h"
 
-namespace cli {
+namespace library {
 namespace {
 
 std::string Number(double value) {
@@ -133,4 +133,4 @@ TEST(ValueText, MissingIsTheLowestDoubleAndWhatIsNoNumber) {
 }
 
 }  // namespace
-}  // namespace cli
+}  // namespace library

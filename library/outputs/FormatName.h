@@ -5,7 +5,7 @@
 
 #include "HostFramework/DataSource.h"
 
-namespace cli {
+namespace library {
 
 // How a value is turned into text.
 enum class ValueKind {
@@ -23,4 +23,4 @@ std::string FormatName(const QANT_Format& format);
 // What the values of a variable are.
 ValueKind KindOf(const QANT_Variable& variable);
 
-}  // namespace cli
+}  // namespace library

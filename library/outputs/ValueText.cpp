@@ -1,4 +1,4 @@
-#include "cli/ValueText.h"
+#include "library/outputs/ValueText.h"
 
 #include <charconv>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <string_view>
 
-namespace cli {
+namespace library {
 namespace {
 
 constexpr std::uint32_t kSecondsPerDay = 86400;
@@ -142,4 +142,4 @@ char* WriteValue(char* out, double value, ValueKind kind) {
   return WriteNumber(out, value);
 }
 
-}  // namespace cli
+}  // namespace library

@@ -1,11 +1,11 @@
-#include "cli/FormatName.h"
+#include "library/outputs/FormatName.h"
 
 #include <algorithm>
 #include <iterator>
 
 #include "HostFramework/embedded/values/FormatCodes.h"
 
-namespace cli {
+namespace library {
 namespace {
 
 constexpr int kStringFormat = 1;
@@ -67,4 +67,4 @@ ValueKind KindOf(const QANT_Variable& variable) {
   return entry->kind;
 }
 
-}  // namespace cli
+}  // namespace library

@@ -8,7 +8,7 @@
 
 #include "HostFramework/DataSource.h"
 
-namespace cli {
+namespace library {
 
 // A source whose variables the test makes and whose cases it fills itself.
 class TestSource : public QANT_DataSource {
@@ -53,4 +53,4 @@ class TestCase {
   std::vector<OBS> cells_;
 };
 
-}  // namespace cli
+}  // namespace library
