@@ -1,7 +1,6 @@
 #include "HostFramework/embedded/values/DateNames.h"
 
 #include <algorithm>
-#include <clocale>
 #include <cstdint>
 #include <cstring>
 #include <cwchar>
@@ -174,13 +173,14 @@ class DateNames {
   const auto& days() const { return days_; }
 
  private:
-  static constexpr std::size_t kLocaleRoom = 512;
+  void Read();
 
-  void Read(const char* locale);
-
-  // Empty before the first use, and when the locale's name is too long to be remembered: then the
-  // names are read anew each time.
-  char locale_[kLocaleRoom] = {};
+  // Where the locale in force keeps the first name and the name of its encoding. The C library
+  // never lets go of the data of a locale that was set and never changes it, so that these two
+  // places tell all that the names come from; to compare the locales' names for every value costs
+  // as much as to find a name. Null before the first use.
+  const char* firstName_ = nullptr;
+  const char* encoding_ = nullptr;
   // Full and abbreviated, in English and in the locale, where a month can have another form when it
   // stands alone.
   NameList<6 * kMonths> months_;
@@ -226,7 +226,7 @@ void AddEnglishNames(List& list, const char* name, int number) {
   list.Add(characters, kAbbreviation, number);
 }
 
-void DateNames::Read(const char* locale) {
+void DateNames::Read() {
   months_.Clear();
   days_.Clear();
   // The locale's names come first, so that its meaning of a name is the one that is kept.
@@ -244,17 +244,17 @@ void DateNames::Read(const char* locale) {
   for (int i = 0; i < kDays; ++i) AddEnglishNames(days_, kEnglishDays[i], i + 1);
   months_.Arrange();
   days_.Arrange();
-
-  const std::size_t length = std::strlen(locale);
-  locale_[0] = '\0';
-  if (length < kLocaleRoom) std::memcpy(locale_, locale, length + 1);
 }
 
 const DateNames& DateNames::Current() {
   static constinit thread_local DateNames names;
-  const char* locale = std::setlocale(LC_ALL, nullptr);
-  if (locale == nullptr) locale = "C";
-  if (names.locale_[0] == '\0' || std::strcmp(names.locale_, locale) != 0) names.Read(locale);
+  const char* const firstName = nl_langinfo(MON_1);
+  const char* const encoding = nl_langinfo(CODESET);
+  if (names.firstName_ != firstName || names.encoding_ != encoding) {
+    names.Read();
+    names.firstName_ = firstName;
+    names.encoding_ = encoding;
+  }
   return names;
 }
 

@@ -120,6 +120,19 @@ TEST(DateNames, FollowTheLocale) {
   }
 }
 
+// Names are decoded by the encoding of the locale's characters, which can change without its names.
+TEST(DateNames, FollowTheEncodingOfTheLocale) {
+  const HostEncoding utf8("UTF-8");
+  const ProcessLocale locale("de_DE.UTF-8");
+  for (int i = 0; i < 3; ++i) {
+    std::setlocale(LC_CTYPE, "C");
+    EXPECT_EQ(Read("märz", kMonth), kNoValue);
+    EXPECT_EQ(Read("dezember", kMonth), 12.0);
+    std::setlocale(LC_CTYPE, "de_DE.UTF-8");
+    EXPECT_EQ(Read("märz", kMonth), 3.0);
+  }
+}
+
 TEST(DateNames, ManyThreadsReadThemAtOnce) {
   const ProcessLocale locale("fr_FR.UTF-8");
   const HostEncoding utf8("UTF-8");

@@ -2,6 +2,7 @@
 #include "HostFramework/ValueInput.h"
 
 #include <charconv>
+#include <clocale>
 #include <functional>
 #include <random>
 #include <string>
@@ -114,6 +115,18 @@ void Convert(benchmark::State& state, FormatCode format, const Texts::Make& make
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kTexts));
 }
 
+// Under a user's locale with numbers of their own, as a program that calls setlocale runs.
+void ConvertInLocale(benchmark::State& state, const char* locale, FormatCode format,
+                     const Texts::Make& make) {
+  if (std::setlocale(LC_ALL, locale) == nullptr) {
+    state.SkipWithError("the locale is not there; tools/install-packages generates it");
+    return;
+  }
+  std::setlocale(LC_NUMERIC, "C");
+  Convert(state, format, make);
+  std::setlocale(LC_ALL, "C");
+}
+
 // The library's parser alone, to compare with.
 void Standard(benchmark::State& state, const Texts::Make& make) {
   const Texts texts(make);
@@ -143,6 +156,7 @@ BENCHMARK_CAPTURE(Standard, exponents, Exponent);
 BENCHMARK_CAPTURE(Convert, COMMA, embedded::kComma, GroupedNumber);
 BENCHMARK_CAPTURE(Convert, DOLLAR, embedded::kDollar, DollarAmount);
 BENCHMARK_CAPTURE(Convert, DATE_names, embedded::kDate, NamedDate);
+BENCHMARK_CAPTURE(ConvertInLocale, DATE_names_de, "de_DE.UTF-8", embedded::kDate, NamedDate);
 BENCHMARK_CAPTURE(Convert, ADATE, embedded::kADate, NumericDate);
 BENCHMARK_CAPTURE(Convert, SDATE, embedded::kSDate, IsoDate);
 BENCHMARK_CAPTURE(Convert, TIME, embedded::kTime, Clock);
