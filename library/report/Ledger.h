@@ -32,6 +32,10 @@ class Ledger {
   // "ledger does not balance: ..." with each sum that does not hold; empty when all do.
   std::string Imbalance() const;
 
+  std::int64_t bytes() const { return counts_.bytes; }
+  // NUL bytes that were dropped.
+  std::int64_t dropped() const { return bytes_.dropped; }
+
   // One line for a person, without what is zero.
   std::string Line() const;
   nlohmann::ordered_json Json() const;

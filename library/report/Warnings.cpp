@@ -1,0 +1,214 @@
+#include "library/report/Warnings.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include <fmt/format.h>
+
+#include "HostFramework/ValueInput.h"
+#include "library/report/EvidenceJson.h"
+#include "library/report/ProblemDetail.h"
+#include "library/report/ReportText.h"
+#include "model/FormatCode.h"
+
+namespace library {
+namespace {
+
+using Kind = ImportProblemKind;
+using Class = ImportValueClass;
+
+// A larger share of an AUTO variable's cases without their value is told.
+constexpr double kToldShare = 0.01;
+// Characters of a value in a sentence.
+constexpr std::size_t kShownCharacters = 40;
+// 8-bit text with more NUL bytes than this share of it is none.
+constexpr double kWideShare = 0.25;
+
+std::string Percent(double share) {
+  const double percent = 100 * share;
+  return percent < 10 ? fmt::format("{:.1f} %", percent) : fmt::format("{:.0f} %", percent);
+}
+
+class Writer {
+ public:
+  Writer(const PassAccount& account, const ReportVariables& variables)
+      : account_(account), variables_(variables) {}
+
+  void OfVariable(std::int32_t index, const ImportEvidence* evidence) {
+    index_ = index;
+    if (evidence != nullptr) {
+      Unread(*evidence);
+      DayAndMonth(*evidence);
+      DecimalComma(*evidence);
+      LeadingZeros(*evidence);
+    }
+    Rounded();
+    ColumnEdge();
+  }
+
+  void OfFile() {
+    OpenQuotes();
+    Nuls();
+  }
+
+  std::vector<std::string> Take() { return std::move(warnings_); }
+
+ private:
+  const ReportVariable& variable() const { return variables_[static_cast<std::size_t>(index_)]; }
+  template <typename... Values>
+  void Say(fmt::format_string<Values...> format, Values&&... values) {
+    warnings_.push_back(variable().name + ": " +
+                        fmt::format(format, std::forward<Values>(values)...));
+  }
+  std::string Quoted(std::string_view hostText) {
+    return fmt::format("\"{}\"", text_.Escaped(hostText, kShownCharacters));
+  }
+  // "the first "31/12/2019" in line 48".
+  std::string First(const ImportWitness& seen) {
+    return fmt::format("the first {} in line {}", Quoted(seen.text), seen.line);
+  }
+
+  void Unread(const ImportEvidence& evidence);
+  void DayAndMonth(const ImportEvidence& evidence);
+  void DecimalComma(const ImportEvidence& evidence);
+  void LeadingZeros(const ImportEvidence& evidence);
+  void Rounded();
+  void ColumnEdge();
+  void OpenQuotes();
+  void Nuls();
+
+  const PassAccount& account_;
+  const ReportVariables& variables_;
+  std::int32_t index_ = 0;
+  ReportText text_;
+  std::vector<std::string> warnings_;
+};
+
+void Writer::Unread(const ImportEvidence& evidence) {
+  const ProblemLog::Entry* entry = account_.problems.Find(Kind::kUnreadable, index_);
+  if (entry == nullptr || account_.cases == 0) return;
+  const double share = static_cast<double>(entry->count) / static_cast<double>(account_.cases);
+  if (share <= kToldShare) return;
+  // A format of the same kind of value that reads the text is the one a person would declare.
+  std::string formats;
+  for (const std::string_view name : FormatsThatRead(entry->firstText, 3)) {
+    formats += fmt::format("{}{}", formats.empty() ? "" : " or ", name);
+  }
+  const std::string wayOut =
+      formats.empty()
+          ? fmt::format("no format reads that one; declared as A{} it is kept",
+                        std::max<std::int64_t>(evidence.longest.count, 1))
+          : fmt::format("{} reads that one: declare the variable in place of AUTO", formats);
+  Say("{} of its values ({} of {}) were found to be {} by AUTO, which cannot read them, and are "
+      "missing, the first \"{}\" in line {}; {}",
+      Percent(share), entry->count, account_.cases, variable().format,
+      text_.Escaped(entry->firstText, kShownCharacters), entry->firstLine, wayOut);
+}
+
+void Writer::DayAndMonth(const ImportEvidence& evidence) {
+  // Years first are written by nobody with the day behind them.
+  const bool american = variable().formatType == textwizard::kFormatADate;
+  if (!american && variable().formatType != textwizard::kFormatEDate) return;
+  const OrderEvidence order = OrderOf(evidence.dayFirst, evidence.monthFirst, evidence.eitherOrder);
+  const char* read = american ? "month first" : "day first";
+  if (order.verdict == OrderVerdict::kAmbiguous) {
+    Say("all of its dates can be day first or month first, {}; they were read {} ({}): declare {} "
+        "if they are the other",
+        First(evidence.eitherOrder), read, variable().format, american ? "EDATE10" : "ADATE10");
+  } else if (order.verdict == OrderVerdict::kMixed) {
+    Say("some of its dates are day first ({}), others month first ({}); all were read {} ({})",
+        First(evidence.dayFirst), First(evidence.monthFirst), read, variable().format);
+  }
+}
+
+void Writer::DecimalComma(const ImportEvidence& evidence) {
+  const Class winner = SharesOf(evidence, variable().formatType).winner;
+  if (winner == Class::kString || winner == Class::kDate) return;
+  const OrderEvidence order =
+      OrderOf(evidence.decimalComma, evidence.groupingComma, evidence.eitherComma);
+  const bool isDecimal = iocvgetdecchar_() == ',';
+  if (order.verdict == OrderVerdict::kAmbiguous) {
+    Say("its commas can be decimal characters or group digits, {}; they were read as {}: "
+        "--decimal {} reads them as the other",
+        First(evidence.eitherComma), isDecimal ? "decimal characters" : "grouping",
+        isDecimal ? "point" : "comma");
+  } else if (order.verdict == OrderVerdict::kMixed) {
+    Say("some of its commas are decimal characters ({}), others group digits ({}); all were read "
+        "as {}",
+        First(evidence.decimalComma), First(evidence.groupingComma),
+        isDecimal ? "decimal characters" : "grouping");
+  }
+}
+
+void Writer::LeadingZeros(const ImportEvidence& evidence) {
+  if (evidence.leadingZeros.count == 0) return;
+  if (SharesOf(evidence, variable().formatType).winner != Class::kNumber) return;
+  Say("{} value{} with a zero that the number does not keep, {}; declared as A{} {} would",
+      evidence.leadingZeros.count, evidence.leadingZeros.count == 1 ? " begins" : "s begin",
+      First(evidence.leadingZeros), std::max<std::int64_t>(evidence.longest.count, 1),
+      evidence.leadingZeros.count == 1 ? "it" : "they");
+}
+
+void Writer::Rounded() {
+  const ProblemLog::Entry* entry = account_.problems.Find(Kind::kRounded, index_);
+  if (entry == nullptr) return;
+  Say("{} number{} more digits than a double keeps, the first \"{}\" in line {}; declared as A{} "
+      "every digit stays",
+      entry->count, entry->count == 1 ? " has" : "s have",
+      text_.Escaped(entry->firstText, kShownCharacters), entry->firstLine, entry->firstText.size());
+}
+
+void Writer::ColumnEdge() {
+  const auto index = static_cast<std::size_t>(index_);
+  if (index >= account_.textsBeyondColumn.size() || account_.cases == 0) return;
+  if (account_.textsBeyondColumn[index] < account_.cases) return;
+  Say("in every case the text goes on behind the end of its column, which may be too narrow: "
+      "compare the columns of the command with the file");
+}
+
+void Writer::OpenQuotes() {
+  const std::int64_t count = account_.problems.CountOf(Kind::kOpenQuote);
+  if (count == 0) return;
+  std::int64_t first = 0;
+  for (const ProblemLog::Entry& entry : account_.problems.Entries()) {
+    if (entry.kind != Kind::kOpenQuote || entry.firstLine == 0) continue;
+    first = first == 0 ? entry.firstLine : std::min(first, entry.firstLine);
+  }
+  warnings_.push_back(fmt::format(
+      "{} inside quotes, the first in line {}: this file has line breaks within quotes, which end "
+      "the record; --join-quoted-lines keeps them in the value",
+      count == 1 ? std::string("1 record ends") : fmt::format("{} records end", count), first));
+}
+
+void Writer::Nuls() {
+  const std::int64_t dropped = account_.ledger.dropped();
+  if (dropped == 0) return;
+  const ProblemLog::Entry* entry = account_.problems.Find(Kind::kNul, -1);
+  std::string warning =
+      fmt::format("{} NUL byte{} dropped", dropped, dropped == 1 ? " was" : "s were");
+  if (entry != nullptr) warning += fmt::format(", the first in line {}", entry->firstLine);
+  const auto share = static_cast<double>(dropped) /
+                     static_cast<double>(std::max<std::int64_t>(account_.ledger.bytes(), 1));
+  if (share > kWideShare) {
+    warning +=
+        "; the file looks like UTF-16 without a byte-order mark and was read as 8-bit text: save "
+        "it "
+        "with a mark, or as UTF-8";
+  }
+  warnings_.push_back(std::move(warning));
+}
+
+}  // namespace
+
+std::vector<std::string> WarningsOf(
+    const PassAccount& account, const ReportVariables& variables,
+    const std::function<const ImportEvidence*(std::size_t)>& evidenceOf) {
+  Writer writer(account, variables);
+  for (std::size_t index = 0; index < variables.size(); ++index) {
+    writer.OfVariable(static_cast<std::int32_t>(index), evidenceOf(index));
+  }
+  writer.OfFile();
+  return writer.Take();
+}
+
+}  // namespace library
