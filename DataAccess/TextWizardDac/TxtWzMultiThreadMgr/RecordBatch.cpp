@@ -21,4 +21,14 @@ bool RecordBatch::Begin(std::size_t bytes) {
   return true;
 }
 
+void BatchRecords::MarkFrom(std::size_t word) {
+  // Decoded text has no CR that ends a line; a byte of it may look like one.
+  static constexpr ByteSet kRaw = {{'\n', '\r'}, 2};
+  static constexpr ByteSet kDecoded = {{'\n'}, 1};
+  const std::string_view text = fText.substr(64 * word, 64 * kMarkWords);
+  MarkBytes(text, fDecoded ? kDecoded : kRaw, fMarks.data());
+  fFirstMark = word;
+  fMarkCount = (text.size() + 63) / 64;
+}
+
 }  // namespace textwizard

@@ -1,7 +1,9 @@
-// A batch of records on its way from the reader thread to a worker: one text, each record ended by
-// a LF, the whole by a zero byte.
+// A batch of records on its way from the reader thread to a worker: one text in which line ends
+// stand between the records, and a zero byte behind it.
 #pragma once
 
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -9,6 +11,7 @@
 #include <string_view>
 
 #include "TxtWzMultiThreadMgr/StoreText.h"
+#include "reading/ByteScan.h"
 #include "reading/RecordReader.h"
 
 namespace textwizard {
@@ -20,7 +23,8 @@ class RecordBatch {
   // Starts a batch with room for `bytes` of text; false, and the batch is empty, when there is no
   // memory for it.
   bool Begin(std::size_t bytes);
-  // Adds a record; false when it does not fit.
+  // Adds a record and a LF; false when it does not fit. Only one that is host text already may be
+  // empty.
   bool Append(std::string_view record) {
     if (record.size() + 1 >= fRoom - fUsed) return false;
     std::memcpy(fText.get() + fUsed, record.data(), record.size());
@@ -29,7 +33,7 @@ class RecordBatch {
     ++fRecordCount;
     return true;
   }
-  // Adds the records that `reader` can copy at once, at most `most`.
+  // Adds the records that `reader` can copy at once, at most `most`, as they stand in the file.
   void AppendRun(RecordReader& reader, std::uint32_t most) {
     std::uint32_t count = 0;
     fUsed += reader.ReadRun(fText.get() + fUsed, fRoom - fUsed, most, &count);
@@ -62,6 +66,54 @@ class RecordBatch {
   std::uint32_t fRecordCount = 0;
   std::int64_t fFirstCase = 0;
   bool fDecoded = false;
+};
+
+// Walks the records of a batch text. One thread.
+class BatchRecords {
+ public:
+  // Starts at the first record of `batch`, which stays as it is until the walk is over.
+  void Start(const RecordBatch& batch) {
+    fText = batch.text();
+    fDecoded = batch.decoded();
+    fCursor = 0;
+    fMarkCount = 0;
+  }
+  // The next record; the batch has one.
+  std::string_view Next() {
+    // A record that was decoded may be empty; of a raw one, line ends have been left over that make
+    // no record: the LF of a CR LF, and empty lines.
+    if (!fDecoded) {
+      while (fText[fCursor] == '\n' || fText[fCursor] == '\r') ++fCursor;
+    }
+    const std::size_t begin = fCursor;
+    const std::size_t end = LineEnd();
+    fCursor = end + 1;
+    return fText.substr(begin, end - begin);
+  }
+
+ private:
+  static constexpr std::size_t kMarkWords = 64;
+
+  // The place of the first line end at fCursor or behind it.
+  std::size_t LineEnd() {
+    std::size_t word = fCursor / 64;
+    std::uint64_t marks = MarksAt(word) >> fCursor % 64 << fCursor % 64;
+    while (marks == 0) marks = MarksAt(++word);
+    return 64 * word + static_cast<std::size_t>(std::countr_zero(marks));
+  }
+  std::uint64_t MarksAt(std::size_t word) {
+    if (word - fFirstMark >= fMarkCount) MarkFrom(word);
+    return fMarks[word - fFirstMark];
+  }
+  [[gnu::noinline]] void MarkFrom(std::size_t word);
+
+  std::string_view fText;
+  bool fDecoded = false;
+  std::size_t fCursor = 0;
+  // Marks of line ends: fMarkCount words of 64 bytes from fFirstMark on.
+  std::size_t fFirstMark = 0;
+  std::size_t fMarkCount = 0;
+  std::array<std::uint64_t, kMarkWords> fMarks;
 };
 
 }  // namespace textwizard

@@ -1,9 +1,11 @@
 #include "TxtWzMultiThreadMgr/RecordBatch.h"
 
 #include <string>
-#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
+
+#include "HostFramework/embedded/data/testing/MemoryDevice.h"
 
 namespace textwizard {
 namespace {
@@ -30,6 +32,51 @@ TEST(RecordBatch, TextIsRecordsEndedByLineFeedsAndAZeroByte) {
   EXPECT_EQ(batch.text().data()[6], '\0');
   EXPECT_EQ(batch.firstCase(), 7);
   EXPECT_TRUE(batch.decoded());
+}
+
+std::vector<std::string> RecordsOf(const RecordBatch& batch) {
+  BatchRecords walk;
+  walk.Start(batch);
+  std::vector<std::string> records;
+  for (std::uint32_t i = 0; i < batch.recordCount(); ++i) records.emplace_back(walk.Next());
+  return records;
+}
+
+TEST(RecordBatch, RecordsLieBetweenLineEndsOfEveryKind) {
+  const embedded::ScopedMemoryFiles files("data.txt",
+                                          "\nab\r\ncd\r\r\n\nefg\n\n\nh\rij\r\nk\n\r\n");
+  QANT_FileStream stream;
+  ASSERT_TRUE(stream.Open("data.txt", "", "rb"));
+  RecordReader reader(stream);
+  RecordBatch batch;
+  ASSERT_TRUE(batch.Begin(100));
+  ASSERT_TRUE(batch.Append("first"));
+  batch.AppendRun(reader, 100);
+  ASSERT_TRUE(batch.Append("last"));
+  batch.End(0, false);
+  EXPECT_EQ(RecordsOf(batch),
+            (std::vector<std::string>{"first", "ab", "cd", "efg", "h", "ij", "k", "last"}));
+}
+
+// A record of bytes that are text already may be empty, and only a LF ends it.
+TEST(RecordBatch, DecodedRecordsMayBeEmpty) {
+  RecordBatch batch;
+  ASSERT_TRUE(batch.Begin(100));
+  for (const char* const record : {"", "ab", "", "c\r", ""}) ASSERT_TRUE(batch.Append(record));
+  batch.End(0, true);
+  EXPECT_EQ(RecordsOf(batch), (std::vector<std::string>{"", "ab", "", "c\r", ""}));
+}
+
+TEST(RecordBatch, LongAndShortRecordsAreWalkedAcrossTheMarks) {
+  RecordBatch batch;
+  ASSERT_TRUE(batch.Begin(200000));
+  std::vector<std::string> records;
+  for (const std::size_t size : {1u, 62u, 63u, 64u, 4095u, 4096u, 1u, 20000u, 5u, 8191u, 64u}) {
+    records.emplace_back(size, 'x');
+    ASSERT_TRUE(batch.Append(records.back()));
+  }
+  batch.End(0, false);
+  EXPECT_EQ(RecordsOf(batch), records);
 }
 
 TEST(RecordBatch, RoomIsWhatWasAskedForThoughTheMemoryIsKept) {

@@ -129,9 +129,9 @@ void TextDataIteratorThread::PrepareBatch() {
 
 void TextDataIteratorThread::ConvertRecords() {
   const bool byteText = fSplitter.CutsByBytes(fRecords.text());
-  std::size_t cursor = 0;
+  fBatchRecords.Start(fRecords);
   for (; fConvertIndex < fRecords.recordCount(); ++fConvertIndex) {
-    cursor = StartRecord(cursor, byteText);
+    StartRecord(byteText);
     if (fPlan.detection) {
       DetectRecord();
     } else {
@@ -140,20 +140,17 @@ void TextDataIteratorThread::ConvertRecords() {
   }
 }
 
-std::size_t TextDataIteratorThread::StartRecord(std::size_t cursor, bool byteText) {
-  const std::string_view text = fRecords.text();
-  const std::size_t end = text.find('\n', cursor);
-  const std::string_view raw = text.substr(cursor, end - cursor);
+void TextDataIteratorThread::StartRecord(bool byteText) {
+  const std::string_view raw = fBatchRecords.Next();
   const std::string_view record = fRecords.decoded() ? raw : fDecoder.Decode8(raw);
   if (byteText && record.data() == raw.data()) {
-    if (!fTextMarked) fSplitter.SetByteText(text);
+    if (!fTextMarked) fSplitter.SetByteText(fRecords.text());
     fTextMarked = true;
     fSplitter.SetRecordOfText(record);
   } else {
     fTextMarked = false;
     fSplitter.SetRecord(record);
   }
-  return end + 1;
 }
 
 void TextDataIteratorThread::ConvertRecord() {

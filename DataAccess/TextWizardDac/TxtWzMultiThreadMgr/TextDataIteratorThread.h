@@ -85,9 +85,8 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   void ConvertBatch();
   void PrepareBatch();
   void ConvertRecords();
-  // Makes fSplitter ready for the record at `cursor` of the text; returns where the next one
-  // begins.
-  std::size_t StartRecord(std::size_t cursor, bool byteText);
+  // Makes fSplitter ready for the next record of the text.
+  void StartRecord(bool byteText);
   void ConvertRecord();
   void DetectRecord();
   // Cuts the record's next fields, at most `wanted`, into fFields; returns how many.
@@ -124,6 +123,7 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   CaseBatch fCases;
 
   // The worker's own.
+  BatchRecords fBatchRecords;
   FieldSplitter fSplitter;
   std::array<std::string_view, 64> fFields;
   RecordDecoder fDecoder;

@@ -71,7 +71,7 @@ class Worker : public testing::Test {
 
 TEST_F(Worker, OneCaseARecordInRecordOrder) {
   Start(Numbers(2), CommaSettings());
-  const auto cases = Convert({"1,2", "3", "", "4,5,6"});
+  const auto cases = Convert({"1,2", "3", ",", "4,5,6"});
   ASSERT_EQ(cases.size(), 4u);
   EXPECT_EQ(Number(cases[0]), 1);
   EXPECT_EQ(Number(cases[0] + 1), 2);

@@ -154,6 +154,78 @@ void MarkBytes(const char* text, std::size_t size, const ByteSet& set, std::uint
   }
 }
 
+// Bits of 64 bytes.
+struct LineBits {
+  std::uint64_t ends = 0;  // LF or CR
+  std::uint64_t nuls = 0;
+};
+
+LineBits LineBitsOf(const std::uint8_t* text) {
+  static_assert(64 % kLanes == 0);
+  const Vector lf = hn::Set(kBytes, '\n');
+  const Vector cr = hn::Set(kBytes, '\r');
+  const auto bits = [](auto mask) {
+    std::uint8_t stored[8] = {};
+    hn::StoreMaskBits(kBytes, mask, stored);
+    std::uint64_t word;
+    std::memcpy(&word, stored, sizeof word);
+    return word;
+  };
+  LineBits found;
+  for (std::size_t k = 0; k < 64; k += kLanes) {
+    const Vector v = hn::LoadU(kBytes, text + k);
+    found.ends |= bits(hn::Or(hn::Eq(v, lf), hn::Eq(v, cr))) << k;
+    found.nuls |= bits(hn::Eq(v, hn::Zero(kBytes))) << k;
+  }
+  return found;
+}
+
+constexpr bool IsLineEnd(char byte) { return byte == '\n' || byte == '\r'; }
+
+// A record ends at a byte that ends lines behind one that does not, whichever the line ends are.
+LineRun FindLineRun(const char* text, std::size_t size, std::uint32_t most) {
+  std::uint32_t records = 0;
+  // The byte behind the last record.
+  std::size_t last = 0;
+  // The byte before the word ends lines.
+  std::uint64_t before = 1;
+  for (std::size_t i = 0; i < size; i += 64) {
+    LineBits bits;
+    if (i + 64 <= size) {
+      bits = LineBitsOf(AsBytes(text) + i);
+    } else {
+      std::uint8_t rest[64];
+      std::memset(rest, ' ', sizeof rest);
+      std::memcpy(rest, text + i, size - i);
+      bits = LineBitsOf(rest);
+    }
+    std::uint64_t ends = bits.ends & ~(bits.ends << 1 | before);
+    before = bits.ends >> 63;
+    auto found = static_cast<std::uint32_t>(std::popcount(ends));
+    const bool stops = bits.nuls != 0 || found > most - records;
+    if (stops) {
+      // All below the first NUL.
+      if (bits.nuls != 0) ends &= (bits.nuls & ~(bits.nuls - 1)) - 1;
+      for (found = static_cast<std::uint32_t>(std::popcount(ends)); found > most - records;
+           --found) {
+        ends &= ~(std::uint64_t{1} << (63 - std::countl_zero(ends)));
+      }
+    }
+    records += found;
+    if (ends != 0) last = i + 63 - static_cast<std::size_t>(std::countl_zero(ends));
+    if (stops) break;
+  }
+  if (records > 0 && last + 1 == size && text[last] == '\r') {
+    // Its line is left out: back to the end of the record before.
+    if (--records > 0) {
+      while (!IsLineEnd(text[last - 1])) --last;
+      while (IsLineEnd(text[last - 1])) --last;
+    }
+  }
+  if (records == 0) return {};
+  return {last + (text[last] == '\r' && text[last + 1] == '\n' ? 2 : 1), records};
+}
+
 bool IsAsciiVector(const std::uint8_t* text) {
   const hn::RebindToSigned<Bytes> d;
   const auto v = hn::BitCast(d, hn::LoadU(kBytes, text));
@@ -310,6 +382,7 @@ namespace textwizard {
 
 HWY_EXPORT(FindLineEnd8);
 HWY_EXPORT(FindLineEnd16);
+HWY_EXPORT(FindLineRun);
 HWY_EXPORT(MarkBytes);
 HWY_EXPORT(IsAscii);
 HWY_EXPORT(IsUtf8);
@@ -320,6 +393,10 @@ std::size_t FindLineEnd8(std::string_view text) {
 
 std::size_t FindLineEnd16(std::string_view text) {
   return HWY_DYNAMIC_DISPATCH(FindLineEnd16)(text.data(), text.size());
+}
+
+LineRun FindLineRun(std::string_view text, std::uint32_t most) {
+  return HWY_DYNAMIC_DISPATCH(FindLineRun)(text.data(), text.size(), most);
 }
 
 void MarkBytes(std::string_view text, const ByteSet& set, std::uint64_t* words) {

@@ -25,6 +25,18 @@ std::size_t FindLineEnd8(std::string_view text);
 // none.
 std::size_t FindLineEnd16(std::string_view text);
 
+// A stretch of lines.
+struct LineRun {
+  std::size_t length = 0;
+  // Its lines that are not empty.
+  std::uint32_t records = 0;
+};
+
+// The longest run of whole lines at the text's start that ends behind a line that is not empty,
+// holds at most `most` of those and no NUL. A line ends with LF, CR or CR LF; one that a CR at the
+// text's very end ends is not whole: an LF may follow. Its cost does not depend on the line ends.
+LineRun FindLineRun(std::string_view text, std::uint32_t most);
+
 // Sets bit i % 64 of words[i / 64] when byte i is in the set, for every byte of the text; the
 // remaining bits of the last word are 0. `words` has room for (size + 63) / 64 words.
 void MarkBytes(std::string_view text, const ByteSet& set, std::uint64_t* words);

@@ -65,6 +65,24 @@ std::size_t NaiveLineEnd16(std::string_view text) {
   return i;
 }
 
+LineRun NaiveLineRun(std::string_view text, std::uint32_t most) {
+  LineRun run;
+  for (std::size_t begin = 0;;) {
+    const std::size_t end = begin + NaiveLineEnd8(text.substr(begin));
+    if (end == text.size() || text[end] == '\0') return run;
+    std::size_t next = end + 1;
+    if (text[end] == '\r') {
+      if (next == text.size()) return run;
+      if (text[next] == '\n') ++next;
+    }
+    if (end > begin) {
+      if (run.records == most) return run;
+      run = {next, run.records + 1};
+    }
+    begin = next;
+  }
+}
+
 std::vector<std::uint64_t> NaiveMarks(std::string_view text, const ByteSet& set) {
   std::vector<std::uint64_t> words((text.size() + 63) / 64);
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -119,6 +137,51 @@ class ByteScan : public testing::TestWithParam<std::int64_t> {
 
 INSTANTIATE_TEST_SUITE_P(Targets, ByteScan, testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
                          [](const auto& target) { return hwy::TargetName(target.param); });
+
+void ExpectLineRun(std::string_view text, std::uint32_t most) {
+  const LineRun expected = NaiveLineRun(text, most);
+  for (std::size_t offset = 0; offset < 3; ++offset) {
+    const Placed placed(text, offset);
+    const LineRun run = FindLineRun(placed.view(), most);
+    ASSERT_EQ(run.length, expected.length) << testing::PrintToString(text) << most;
+    ASSERT_EQ(run.records, expected.records) << testing::PrintToString(text) << most;
+  }
+}
+
+TEST_P(ByteScan, LineRunsHaveWholeLinesWithoutNul) {
+  const auto run = [](std::string_view text, std::uint32_t most = 100) {
+    const LineRun found = FindLineRun(text, most);
+    return std::to_string(found.length) + ":" + std::to_string(found.records);
+  };
+  using namespace std::string_view_literals;
+  EXPECT_EQ(run(""), "0:0");
+  EXPECT_EQ(run("ab"), "0:0");
+  EXPECT_EQ(run("\n\r\r\n"), "0:0");
+  EXPECT_EQ(run("ab\ncd\nef"), "6:2");
+  EXPECT_EQ(run("ab\r\ncd\r\nef"), "8:2");
+  EXPECT_EQ(run("ab\rcd\ref"), "6:2");
+  EXPECT_EQ(run("\n\nab\n\r\n\ncd\n\n\nef"), "11:2");
+  // Whether a LF belongs to the last CR is not known.
+  EXPECT_EQ(run("ab\rcd\r"), "3:1");
+  EXPECT_EQ(run("ab\r\n\n\rcd\r"), "4:1");
+  EXPECT_EQ(run("ab\r"), "0:0");
+  EXPECT_EQ(run("ab\r\n"), "4:1");
+  EXPECT_EQ(run("ab\ncd\0\nef\n"sv), "3:1");
+  EXPECT_EQ(run("ab\r\0\n"sv), "3:1");
+  EXPECT_EQ(run("ab\r\ncd\nef\n", 2), "7:2");
+  EXPECT_EQ(run("ab\r\ncd\nef\n", 1), "4:1");
+  EXPECT_EQ(run("ab\n", 0), "0:0");
+}
+
+TEST_P(ByteScan, LineRunsOfRandomText) {
+  for (int round = 0; round < 4000; ++round) {
+    const std::size_t size = Random(round % 2 == 0 ? 40 : 300);
+    std::string text = RandomText(size, Random(2) != 0 ? "a\n\r" : "abcdefghijklmnopqr\n\r,;");
+    if (size > 0 && Random(3) == 0) text[Random(size)] = '\0';
+    ExpectLineRun(text, 1000);
+    ExpectLineRun(text, static_cast<std::uint32_t>(Random(20)));
+  }
+}
 
 constexpr std::string_view kLineBytes("abcdefgh\n\r\t\x0B\x0C\x0E\0\x80\x8A\xFF", 18);
 

@@ -1,7 +1,6 @@
 #include "reading/RecordReader.h"
 
-#include <array>
-#include <bit>
+#include <algorithm>
 #include <cstring>
 
 #include "reading/ByteScan.h"
@@ -68,7 +67,28 @@ bool RecordReader::ReadRecord(bool keepEmpty) {
   }
 }
 
-bool RecordReader::Read8(bool keepEmpty) { return ReadRecord<&RecordReader::ReadLine8>(keepEmpty); }
+// The next byte ends a line.
+inline bool RecordReader::AtLineEnd() {
+  if (ended_) return false;
+  const std::string_view block = stream_.Buffered();
+  return !block.empty() && (block.front() == '\n' || block.front() == '\r');
+}
+
+bool RecordReader::Read8(bool keepEmpty) {
+  if (!keepEmpty && AtLineEnd()) SkipEmptyLines8();
+  return ReadRecord<&RecordReader::ReadLine8>(keepEmpty);
+}
+
+// The line ends that nothing stands before.
+void RecordReader::SkipEmptyLines8() {
+  while (!stopped()) {
+    const std::string_view block = stream_.Buffered();
+    const auto text =
+        std::find_if(block.begin(), block.end(), [](char ch) { return ch != '\n' && ch != '\r'; });
+    stream_.Consume(static_cast<std::size_t>(text - block.begin()));
+    if (text != block.end() || block.empty()) return;
+  }
+}
 
 bool RecordReader::Read16(bool keepEmpty) {
   return ReadRecord<&RecordReader::ReadLine16>(keepEmpty);
@@ -79,36 +99,15 @@ std::size_t RecordReader::ReadRun(char* out, std::size_t room, std::uint32_t mos
   *count = 0;
   record_ = {};
   if (isUtf16() || ended_ || stopped()) return 0;
+  recordPosition_ = stream_.Position();
+  if (room == 0) return 0;
   const std::string_view block = stream_.Buffered();
-  const std::size_t length = RunLength(block, room, most, count);
-  if (length == 0) return 0;
-  std::memcpy(out, block.data(), length);
-  stream_.Consume(length);
-  return length;
-}
-
-std::size_t RecordReader::RunLength(std::string_view block, std::size_t room, std::uint32_t most,
-                                    std::uint32_t* count) const {
-  constexpr ByteSet kLineEnds = {{'\n', '\r', '\0'}, 3};
-  // Marked at once: few enough to stay in the nearest cache until they are copied.
-  constexpr std::size_t kChunk = 4096;
-  std::array<std::uint64_t, kChunk / 64> marks;
-  std::size_t length = 0;
-  block = block.substr(0, room);
-  for (std::size_t chunk = 0; chunk < block.size(); chunk += kChunk) {
-    const std::string_view text = block.substr(chunk, kChunk);
-    MarkBytes(text, kLineEnds, marks.data());
-    for (std::size_t word = 0; 64 * word < text.size(); ++word) {
-      for (std::uint64_t left = marks[word]; left != 0; left &= left - 1) {
-        const std::size_t at = chunk + 64 * word + static_cast<std::size_t>(std::countr_zero(left));
-        const bool isRecord = block[at] == '\n' && at != length;
-        if (!isRecord || at + 1 >= room || *count == most || stopped()) return length;
-        length = at + 1;
-        ++*count;
-      }
-    }
-  }
-  return length;
+  const LineRun run = FindLineRun(block.substr(0, room - 1), most);
+  if (run.records == 0) return 0;
+  std::memcpy(out, block.data(), run.length);
+  stream_.Consume(run.length);
+  *count = run.records;
+  return run.length;
 }
 
 void RecordReader::SkipLines(std::int64_t count, std::int64_t firstCase) {

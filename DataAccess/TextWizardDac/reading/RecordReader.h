@@ -18,8 +18,8 @@ class RecordReader {
  public:
   explicit RecordReader(const QANT_FileStream& stream);
 
-  // When set, reading stops as if the data ended once *stop is not 0; looked at for every record
-  // and every block. Outlives the reader or is reset to null.
+  // When set, reading stops as if the data ended once *stop is not 0; looked at for every record,
+  // run and block. Outlives the reader or is reset to null.
   void SetStop(const std::atomic<std::int32_t>* stop) { stop_ = stop; }
 
   // Moves to offset 0; false when that fails.
@@ -43,14 +43,15 @@ class RecordReader {
   // The same in one of the two widths, whatever mark was found.
   bool Read8(bool keepEmpty);
   bool Read16(bool keepEmpty);
-  // Copies the records that follow to `out`, each with a LF behind it: those without NULs that a LF
-  // ends, that are not empty and lie in the block in hand. They take fewer than `room` bytes
-  // together and are `most` at most; *count becomes their number. Returns their bytes. Any other
-  // record, and every 16-bit one, waits for Read. Leaves record() empty and its position undefined.
+  // Copies whole lines to `out` as they stand in the file, line ends and empty lines included:
+  // those that follow without a NUL and lie in the block in hand. A record of them is what lies
+  // between line ends (LF and CR, in any number); *count becomes the number of records, `most` at
+  // most. Returns the bytes, fewer than `room`. Any other record, and every 16-bit one, waits for
+  // Read. Leaves record() empty; recordPosition() is that of the first byte copied.
   std::size_t ReadRun(char* out, std::size_t room, std::uint32_t most, std::uint32_t* count);
   // The record read last; valid until the next Read or Seek.
   std::string_view record() const { return record_; }
-  // File position in bytes where that record began.
+  // File position in bytes where that record, or the latest run, began.
   std::int64_t recordPosition() const { return recordPosition_; }
   // Reads lines, empty ones too, while the count that starts at `count` differs from `firstCase`.
   void SkipLines(std::int64_t count, std::int64_t firstCase);
@@ -69,8 +70,8 @@ class RecordReader {
 
   template <LineEnd (RecordReader::*ReadLine)()>
   bool ReadRecord(bool keepEmpty);
-  std::size_t RunLength(std::string_view block, std::size_t room, std::uint32_t most,
-                        std::uint32_t* count) const;
+  bool AtLineEnd();
+  void SkipEmptyLines8();
   LineEnd ReadLine8();
   LineEnd ReadLine16();
   LineEnd EndData();

@@ -52,8 +52,8 @@ void BM_Records(benchmark::State& state) {
 BENCHMARK(BM_Records)->Arg(10)->Arg(50)->Arg(100)->Arg(1000);
 
 // The way of the multi-threaded engine: runs copied at once, what they leave one by one.
-void BM_Runs(benchmark::State& state) {
-  std::string file = Lines(static_cast<std::size_t>(state.range(0)), "\n");
+void ReadRuns(benchmark::State& state, std::string_view lineEnd) {
+  std::string file = Lines(static_cast<std::size_t>(state.range(0)), lineEnd);
   const auto size = static_cast<std::int64_t>(file.size());
   const embedded::ScopedMemoryFiles files("data.txt", std::move(file));
   QANT_FileStream stream;
@@ -71,10 +71,28 @@ void BM_Runs(benchmark::State& state) {
   state.SetBytesProcessed(size * state.iterations());
   state.SetItemsProcessed(records);
 }
+
+void BM_Runs(benchmark::State& state) { ReadRuns(state, "\n"); }
 BENCHMARK(BM_Runs)->Arg(10)->Arg(50)->Arg(100)->Arg(1000);
+
+void BM_RunsCrLf(benchmark::State& state) { ReadRuns(state, "\r\n"); }
+BENCHMARK(BM_RunsCrLf)->Arg(10)->Arg(50)->Arg(100)->Arg(1000);
+
+void BM_RunsCr(benchmark::State& state) { ReadRuns(state, "\r"); }
+BENCHMARK(BM_RunsCr)->Arg(10)->Arg(50)->Arg(100)->Arg(1000);
+
+// Every second line is empty.
+void BM_RunsEmptyLines(benchmark::State& state) { ReadRuns(state, "\n\n"); }
+BENCHMARK(BM_RunsEmptyLines)->Arg(10)->Arg(50);
 
 void BM_RecordsCrLf(benchmark::State& state) { ReadAll(state, Lines(50, "\r\n")); }
 BENCHMARK(BM_RecordsCrLf);
+
+void BM_RecordsCr(benchmark::State& state) { ReadAll(state, Lines(50, "\r")); }
+BENCHMARK(BM_RecordsCr);
+
+void BM_RecordsEmptyLines(benchmark::State& state) { ReadAll(state, Lines(50, "\n\n")); }
+BENCHMARK(BM_RecordsEmptyLines);
 
 void BM_RecordsUtf16(benchmark::State& state) { ReadAll(state, Wide(Lines(50, "\n"))); }
 BENCHMARK(BM_RecordsUtf16);

@@ -285,14 +285,12 @@ TEST(RecordReader, RunsHoldTheRecordsThatReadWouldGive) {
       ASSERT_TRUE(bytes < room || bytes == 0);
       ASSERT_LE(count, most);
       EXPECT_EQ(reader.record(), "");
-      std::string_view text(out.data(), bytes);
-      for (std::uint32_t i = 0; i < count; ++i) {
-        const std::size_t end = text.find('\n');
-        ASSERT_NE(end, std::string_view::npos);
-        records.emplace_back(text.substr(0, end));
-        text.remove_prefix(end + 1);
-      }
-      ASSERT_TRUE(text.empty());
+      // As the file has it.
+      out.resize(bytes);
+      ASSERT_EQ(out, file.substr(static_cast<std::size_t>(reader.recordPosition()), bytes));
+      const Strings copied = NaiveRecords(out, false);
+      ASSERT_EQ(copied.size(), count);
+      records.insert(records.end(), copied.begin(), copied.end());
       inRuns += count;
       more = reader.Read(false);
       if (more) records.emplace_back(reader.record());
@@ -322,6 +320,41 @@ TEST(RecordReader, ARunGoesOnUntilTheNextRecordWouldFillItsRoom) {
   EXPECT_EQ(count, 0U);
   ASSERT_TRUE(reader.Read(false));
   EXPECT_EQ(reader.record(), "gh");
+}
+
+TEST(RecordReader, ARunTakesEveryLineEndAndTheEmptyLines) {
+  const OpenFile open("ab\r\ncd\re\n\r\n\nf\r\n");
+  RecordReader reader(open.stream());
+  char out[32];
+  std::uint32_t count = 0;
+  const std::size_t bytes = reader.ReadRun(out, 32, 9, &count);
+  EXPECT_EQ(std::string_view(out, bytes), "ab\r\ncd\re\n\r\n\nf\r\n");
+  EXPECT_EQ(count, 4U);
+  EXPECT_FALSE(reader.Read(false));
+}
+
+// Behind a run, a line feed that belongs to its last line makes no empty line.
+TEST(RecordReader, ARunNeverEndsInsideALineEnd) {
+  for (std::size_t room = 1; room < 12; ++room) {
+    const OpenFile open("ab\r\ncd\r\n\r\nef");
+    RecordReader reader(open.stream());
+    std::uint32_t count = 0;
+    std::string out(room, '#');
+    out.resize(reader.ReadRun(out.data(), room, 9, &count));
+    Strings lines = AllRecords(reader, true);
+    EXPECT_EQ(NaiveRecords(out, true).size() + lines.size(), 4U) << room;
+  }
+}
+
+TEST(RecordReader, PositionsAreThoseOfRecordsBehindEmptyLines) {
+  const OpenFile open("\n\r\nab\n\n\ncd", 3);
+  RecordReader reader(open.stream());
+  ASSERT_TRUE(reader.Read(false));
+  EXPECT_EQ(reader.recordPosition(), 3);
+  ASSERT_TRUE(reader.Read(false));
+  EXPECT_EQ(reader.record(), "cd");
+  EXPECT_EQ(reader.recordPosition(), 8);
+  EXPECT_FALSE(reader.Read(false));
 }
 
 TEST(RecordReader, AStoppedReaderCopiesNoRun) {
