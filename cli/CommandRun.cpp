@@ -70,7 +70,9 @@ class CommandRunner {
 
 CommandEnd CommandRunner::Run(std::vector<embedded::CommandToken> tokens) {
   // Before anything is read, so that nobody waits for cases that cannot be written.
-  if (!OpenOutputs()) return CommandEnd::kOutputFailed;
+  if (!OpenOutputs()) {
+    return embedded::AttentionRequested() ? CommandEnd::kInterrupted : CommandEnd::kOutputFailed;
+  }
 
   dataFile_ = library::OutlineOf(tokens, context_.text).DataFile();
   embedded::Adapter adapter(std::move(tokens), MessageSink::Callback(), nullptr, options_.workers,
@@ -94,7 +96,8 @@ bool CommandRunner::Open(const std::string& name, std::unique_ptr<OutputFile>* f
   std::string error;
   *file = OutputFile::Open(NameForCommand(name, number_), &error);
   if (*file != nullptr) return true;
-  context_.console.Error(error);
+  // Opening a pipe waits for its reader.
+  if (!embedded::AttentionRequested()) context_.console.Error(error);
   return false;
 }
 
@@ -189,6 +192,7 @@ CommandEnd CommandRunner::Publish(const QANT_DataSource& source) {
 }
 
 CommandEnd CommandRunner::OutputFailure(const OutputFile& file) {
+  if (file.interrupted()) return CommandEnd::kInterrupted;
   context_.console.Error(file.error());
   return CommandEnd::kOutputFailed;
 }

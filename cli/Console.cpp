@@ -1,22 +1,28 @@
 #include "cli/Console.h"
 
-#include <cstdio>
+#include <cerrno>
+#include <cstring>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "HostFramework/embedded/messages/Attention.h"
+#include "cli/WholeWrite.h"
 
 namespace cli {
 namespace {
 
 constexpr std::size_t kWidthElsewhere = 100;
+// Of standard output that is no terminal, before it is handed on.
+constexpr std::size_t kBufferedBytes = std::size_t{64} * 1024;
 
-void Write(FILE* stream, std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stream);
-}
+// Standard error is where failures are told: its own are told nowhere.
+void WriteError(std::string_view text) { static_cast<void>(WriteWhole(STDERR_FILENO, text)); }
 
-void WriteLine(FILE* stream, std::string_view text) {
-  Write(stream, text);
-  if (text.empty() || text.back() != '\n') std::fputc('\n', stream);
+std::string Line(std::string_view text) {
+  std::string line(text);
+  if (line.empty() || line.back() != '\n') line += '\n';
+  return line;
 }
 
 }  // namespace
@@ -27,52 +33,64 @@ std::size_t TerminalWidth(int descriptor) {
   return known ? size.ws_col : kWidthElsewhere;
 }
 
-Console::Console(const Settings& settings) : settings_(settings) {}
+Console::Console(const Settings& settings)
+    : settings_(settings), onTerminal_(isatty(STDOUT_FILENO) != 0) {}
 
 Console::~Console() {
   const std::lock_guard guard(mutex_);
   EraseProgress();
+  WriteBuffer();
 }
 
-void Console::Error(std::string_view text) { WriteError("error: ", text); }
+void Console::Error(std::string_view text) { Report("error: ", text); }
 
-void Console::Warning(std::string_view text) { WriteError("warning: ", text); }
+void Console::Warning(std::string_view text) { Report("warning: ", text); }
 
-void Console::Note(std::string_view text) { WriteError("", text); }
+void Console::Note(std::string_view text) { Report("", text); }
 
-void Console::WriteError(std::string_view kind, std::string_view text) {
+void Console::Report(std::string_view kind, std::string_view text) {
   const std::lock_guard guard(mutex_);
   EraseProgress();
   // Both may be the same terminal: what was printed first is seen first.
-  std::fflush(stdout);
-  Write(stderr, kind);
-  WriteLine(stderr, text);
+  WriteBuffer();
+  WriteError(std::string(kind) + Line(text));
 }
 
-void Console::Log(std::string_view text) { WriteOutput(text); }
+void Console::Log(std::string_view text) { Print(text); }
 
-void Console::Print(std::string_view text) { WriteOutput(text); }
-
-void Console::WriteOutput(std::string_view text) {
+void Console::Print(std::string_view text) {
   const std::lock_guard guard(mutex_);
   EraseProgress();
-  WriteLine(settings_.outputIsData ? stderr : stdout, text);
+  if (settings_.outputIsData) {
+    WriteError(Line(text));
+  } else {
+    WriteOutput(text);
+  }
 }
 
 void Console::PrintResult(std::string_view line) {
   const std::lock_guard guard(mutex_);
   EraseProgress();
-  WriteLine(stdout, line);
+  WriteOutput(line);
+}
+
+void Console::WriteOutput(std::string_view text) {
+  buffer_ += Line(text);
+  if (onTerminal_ || buffer_.size() >= kBufferedBytes) WriteBuffer();
+}
+
+void Console::WriteBuffer() {
+  if (outputError_ == 0 && !WriteWhole(STDOUT_FILENO, buffer_)) outputError_ = errno;
+  buffer_.clear();
 }
 
 void Console::ShowProgress(std::string_view text) {
   if (!settings_.progress) return;
   const std::lock_guard guard(mutex_);
-  std::fflush(stdout);
+  WriteBuffer();
   EraseProgress();
   // A line that reached the terminal's edge would go on in the next one and could not be erased.
-  Write(stderr, text.substr(0, TerminalWidth(STDERR_FILENO) - 1));
-  std::fflush(stderr);
+  WriteError(text.substr(0, TerminalWidth(STDERR_FILENO) - 1));
   progressShown_ = true;
 }
 
@@ -84,14 +102,20 @@ void Console::ClearProgress() {
 void Console::EraseProgress() {
   if (!progressShown_) return;
   // To the start of the line, and erase to its end.
-  Write(stderr, "\r\033[K");
-  std::fflush(stderr);
+  WriteError("\r\033[K");
   progressShown_ = false;
 }
 
 bool Console::Flush() {
   const std::lock_guard guard(mutex_);
-  return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  EraseProgress();
+  WriteBuffer();
+  if (outputError_ == 0) return true;
+  if (outputError_ != EINTR) {
+    WriteError(std::string("error: cannot write standard output: ") + std::strerror(outputError_) +
+               "\n");
+  }
+  return false;
 }
 
 }  // namespace cli

@@ -12,7 +12,8 @@ namespace cli {
 // Columns of the terminal that is open as `descriptor`; a fixed number where none is.
 std::size_t TerminalWidth(int descriptor);
 
-// Texts are UTF-8. Any thread.
+// Texts are UTF-8. Any thread. Once the user has asked to interrupt, what nobody takes at once is
+// dropped.
 class Console {
  public:
   struct Settings {
@@ -44,16 +45,21 @@ class Console {
   void ShowProgress(std::string_view text);
   void ClearProgress();
 
-  // Writes what is buffered; false when standard output could not take everything.
+  // Writes what is buffered; false when standard output could not take everything. That is said on
+  // standard error, unless the user interrupted the writing.
   bool Flush();
 
  private:
-  void WriteError(std::string_view kind, std::string_view text);
+  void Report(std::string_view kind, std::string_view text);
   void WriteOutput(std::string_view text);
+  void WriteBuffer();
   void EraseProgress();
 
   const Settings settings_;
-  std::mutex mutex_;  // guards the streams and the line below
+  const bool onTerminal_;
+  std::mutex mutex_;  // guards the streams and what follows
+  std::string buffer_;
+  int outputError_ = 0;  // of the first write to standard output that failed
   bool progressShown_ = false;
 };
 

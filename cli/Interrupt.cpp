@@ -44,7 +44,12 @@ void OnInterrupt(int /*signal*/) {
     _exit(kExitInterrupted);
   }
   embedded::RequestAttention();
+  alarm(1);
 }
+
+// A call that began to wait in the moment between the look for an interrupt and its own start was
+// not woken by it: from time to time all that wait are woken.
+void OnAlarm(int /*signal*/) { alarm(1); }
 
 void Handle(int signal, void (*handler)(int)) {
   struct sigaction action {};
@@ -60,6 +65,7 @@ void HandleInterrupts() {
   // Waiting calls return when the signal comes: a run that waits for its command is interrupted
   // too.
   Handle(SIGINT, OnInterrupt);
+  Handle(SIGALRM, OnAlarm);
   for (const int signal : {SIGTERM, SIGHUP, SIGPIPE}) {
     struct sigaction before {};
     sigaction(signal, nullptr, &before);

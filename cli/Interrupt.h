@@ -5,10 +5,11 @@
 
 namespace cli {
 
-// From now on the first Ctrl-C asks the run to stop at its next check (the host's attention), and
-// the second one ends the process at once with kExitInterrupted, after removing the unfinished
-// files. A hang-up, a broken pipe and a request to terminate remove them too and then end the
-// process as they do by themselves. Once, on the main thread.
+// From now on the first Ctrl-C asks the run to stop at its next check (the host's attention) and
+// wakes every system call that waits (EINTR), and the second one ends the process at once with
+// kExitInterrupted, after removing the unfinished files. A hang-up, a broken pipe and a request to
+// terminate remove them too and then end the process as they do by themselves. Once, on the main
+// thread.
 void HandleInterrupts();
 
 // Names a file that a signal which ends the process removes. `path` stays where it is, unchanged,

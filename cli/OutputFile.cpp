@@ -10,6 +10,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "cli/WholeWrite.h"
+
 namespace cli {
 namespace {
 
@@ -41,6 +43,28 @@ int MakeTemporary(const std::filesystem::path& target, std::string* name) {
     descriptor = open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
   } while (descriptor < 0 && errno == EEXIST);
   return descriptor;
+}
+
+// Has the system put what was written through `descriptor` onto the disk; false, with errno set,
+// when that fails. Where the file system knows no such thing there is nothing to do.
+bool Settle(int descriptor) {
+  int result = fsync(descriptor);
+  while (result != 0 && errno == EINTR) result = fsync(descriptor);
+  return result == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+// The same of the folder that holds `file`, and with it the file's name. A folder that may be
+// written but not read cannot be asked for it.
+bool SettleFolderOf(const std::filesystem::path& file) {
+  const std::filesystem::path parent = file.parent_path();
+  const int folder =
+      open(parent.empty() ? "." : parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (folder < 0) return true;
+  const bool settled = Settle(folder);
+  const int code = errno;
+  close(folder);
+  errno = code;
+  return settled;
 }
 
 }  // namespace
@@ -96,22 +120,15 @@ void OutputFile::Append(std::string_view text) {
 }
 
 void OutputFile::Flush() {
-  const char* from = buffer_.data();
-  std::size_t left = used_;
+  const std::string_view text(buffer_.data(), used_);
   used_ = 0;
-  while (left > 0 && ok()) {
-    const ssize_t written = write(descriptor_, from, left);
-    if (written < 0) {
-      if (errno != EINTR) Fail(errno);
-      continue;
-    }
-    from += written;
-    left -= static_cast<std::size_t>(written);
-  }
+  if (ok() && !WriteWhole(descriptor_, text)) Fail(errno);
 }
 
 bool OutputFile::Finish() {
   Flush();
+  // Before the file takes its name: after a power cut the name must not stand for half of it.
+  if (!temporary_.empty() && ok() && !Settle(descriptor_)) Fail(errno);
   if (descriptor_ > STDERR_FILENO) {
     if (close(descriptor_) != 0 && ok()) Fail(errno);
     descriptor_ = -1;
@@ -128,9 +145,13 @@ bool OutputFile::Publish() {
   }
   unfinished_.reset();
   temporary_.clear();
-  return true;
+  if (!SettleFolderOf(final_)) Fail(errno);
+  return ok();
 }
 
-void OutputFile::Fail(int code) { error_ = CannotWrite(target_, code); }
+void OutputFile::Fail(int code) {
+  error_ = CannotWrite(target_, code);
+  interrupted_ = code == EINTR;
+}
 
 }  // namespace cli

@@ -13,9 +13,10 @@
 namespace cli {
 
 // Writes through a buffer of its own to a temporary file beside the target, which takes the
-// target's name when it is published and disappears when it is not. "-" is standard output, and a
-// target that is there and no regular file (a device, a pipe) is written as it stands. A failed
-// write is remembered: later writes do nothing, and Finish tells. One thread at a time.
+// target's name when it is published, both safely on the disk, and disappears when it is not. "-"
+// is standard output, and a target that is there and no regular file (a device, a pipe) is written
+// as it stands. A failed write is remembered: later writes do nothing, and Finish tells. One thread
+// at a time.
 class OutputFile {
  public:
   // Opens `target`. Null when it cannot be written; then *error says so, naming the target.
@@ -41,11 +42,15 @@ class OutputFile {
   bool ok() const { return error_.empty(); }
   // What failed, naming the target; empty while nothing did.
   const std::string& error() const { return error_; }
+  // It failed because the user interrupted a write that waited for a reader.
+  bool interrupted() const { return interrupted_; }
   const std::string& target() const { return target_; }
 
-  // Writes the rest and closes; false when anything failed. Nothing is written afterwards.
+  // Writes the rest, waits until the disk has it and closes; false when anything failed. Nothing is
+  // written afterwards.
   bool Finish();
-  // Gives a finished file the target's name; false when that fails.
+  // Gives a finished file the target's name and waits until the disk has that, too; false when that
+  // fails.
   bool Publish();
 
   static constexpr std::size_t kReservable = 4096;
@@ -62,6 +67,7 @@ class OutputFile {
   std::vector<char> buffer_;
   std::size_t used_ = 0;
   std::string error_;
+  bool interrupted_ = false;
 };
 
 }  // namespace cli

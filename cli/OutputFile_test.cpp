@@ -1,13 +1,50 @@
 #include "cli/OutputFile.h"
 
+#include <cerrno>
+#include <cstdio>
 #include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include "cli/testing/TestFolder.h"
+
+namespace {
+
+// What the process asked of the disk, in order: "file" or "folder" for one that is to be settled,
+// "name" for a file that takes another's.
+std::vector<std::string>& DiskCalls() {
+  static std::vector<std::string> calls;
+  return calls;
+}
+
+// What the next fsync fails with; 0 lets it do its work.
+int nextSettleError = 0;
+
+}  // namespace
+
+// In the place of the library's functions, as far as this program is concerned.
+extern "C" int fsync(int descriptor) {
+  struct stat file {};
+  fstat(descriptor, &file);
+  DiskCalls().push_back(S_ISDIR(file.st_mode) ? "folder" : "file");
+  if (nextSettleError != 0) {
+    errno = std::exchange(nextSettleError, 0);
+    return -1;
+  }
+  return static_cast<int>(syscall(SYS_fsync, descriptor));
+}
+
+extern "C" int rename(const char* from, const char* to) noexcept {
+  DiskCalls().push_back("name");
+  return static_cast<int>(syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
 
 namespace cli {
 namespace {
@@ -29,6 +66,53 @@ TEST(OutputFile, TakesItsNameWhenPublished) {
   ASSERT_TRUE(file->Publish());
   EXPECT_EQ(folder.Text("out.csv"), "one,2\n");
   EXPECT_EQ(folder.Count(), 1U);
+}
+
+TEST(OutputFile, IsOnTheDiskBeforeItTakesItsNameAndSoIsTheNameAfterwards) {
+  const TestFolder folder;
+  DiskCalls().clear();
+  std::string error;
+  const auto file = OutputFile::Open(folder / "out.csv", &error);
+  ASSERT_NE(file, nullptr) << error;
+  file->Append("text");
+  ASSERT_TRUE(file->Finish() && file->Publish());
+  EXPECT_EQ(DiskCalls(), (std::vector<std::string>{"file", "name", "folder"}));
+}
+
+TEST(OutputFile, ADiskThatCannotKeepItLeavesNothing) {
+  const TestFolder folder;
+  folder.Write("out.csv", "as it was");
+  std::string error;
+  {
+    const auto file = OutputFile::Open(folder / "out.csv", &error);
+    ASSERT_NE(file, nullptr) << error;
+    file->Append("text");
+    nextSettleError = EIO;
+    EXPECT_FALSE(file->Finish());
+    EXPECT_EQ(file->error(), "cannot write " + (folder / "out.csv") + ": Input/output error");
+    EXPECT_FALSE(file->Publish());
+  }
+  EXPECT_EQ(folder.Text("out.csv"), "as it was");
+  EXPECT_EQ(folder.Count(), 1U);
+}
+
+TEST(OutputFile, AFileSystemWithoutSuchACallIsNoFailure) {
+  const TestFolder folder;
+  std::string error;
+  const auto file = OutputFile::Open(folder / "out.csv", &error);
+  ASSERT_NE(file, nullptr) << error;
+  nextSettleError = EINVAL;
+  EXPECT_TRUE(file->Finish() && file->Publish());
+  EXPECT_TRUE(folder.Holds("out.csv"));
+}
+
+TEST(OutputFile, WhatIsNoFileOfItsOwnIsNotSettled) {
+  DiskCalls().clear();
+  std::string error;
+  const auto file = OutputFile::Open("/dev/null", &error);
+  ASSERT_NE(file, nullptr) << error;
+  EXPECT_TRUE(file->Finish() && file->Publish());
+  EXPECT_TRUE(DiskCalls().empty());
 }
 
 TEST(OutputFile, LeavesNothingWhenNotPublished) {

@@ -1,7 +1,5 @@
 #include "cli/Run.h"
 
-#include <cerrno>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
@@ -79,7 +77,9 @@ int Runner::Run() {
     return kExitUsage;
   }
   const bool perCommand = IsPerCommand(options_.messages);
-  if (!perCommand && !OpenMessages(0)) return kExitUsage;
+  if (!perCommand && !OpenMessages(0)) {
+    return embedded::AttentionRequested() ? kExitInterrupted : kExitUsage;
+  }
   if (const std::string problems = embedded::CatalogueProblems(); !problems.empty()) {
     messages_.Post(problems, kMessageWarning);
   }
@@ -91,7 +91,8 @@ int Runner::Run() {
   while (!interrupted && !outputFailed_ && reader.Next(command)) {
     ++number;
     if (perCommand && !OpenMessages(number)) {
-      outputFailed_ = true;
+      outputFailed_ = !embedded::AttentionRequested();
+      interrupted = !outputFailed_;
       break;
     }
     const CommandEnd end = RunOne(std::move(command), number);
@@ -110,7 +111,8 @@ int Runner::Run() {
                               stats_.cases, stats_.cases == 1 ? "" : "s"));
   }
   Finish();
-  if (interrupted) return kExitInterrupted;
+  // The user may also have given up a write of what was left at the end.
+  if (interrupted || (outputFailed_ && embedded::AttentionRequested())) return kExitInterrupted;
   if (outputFailed_) return kExitUsage;
   return failed_ ? kExitCommandFailed : kExitSuccess;
 }
@@ -140,7 +142,7 @@ bool Runner::OpenMessages(int number) {
   std::string error;
   messagesFile_ = OutputFile::Open(NameForCommand(options_.messages, number), &error);
   messages_.WriteTo(messagesFile_.get());
-  if (messagesFile_ == nullptr) console_.Error(error);
+  if (messagesFile_ == nullptr && !embedded::AttentionRequested()) console_.Error(error);
   return messagesFile_ != nullptr;
 }
 
@@ -148,17 +150,14 @@ bool Runner::CloseMessages() {
   if (messagesFile_ == nullptr) return true;
   messages_.WriteTo(nullptr);
   const bool written = messagesFile_->Finish() && messagesFile_->Publish();
-  if (!written) console_.Error(messagesFile_->error());
+  if (!written && !messagesFile_->interrupted()) console_.Error(messagesFile_->error());
   messagesFile_.reset();
   return written;
 }
 
 void Runner::Finish() {
   if (options_.stats) console_.PrintResult(stats_.Json());
-  if (!console_.Flush()) {
-    console_.Error(std::string("cannot write standard output: ") + std::strerror(errno));
-    outputFailed_ = true;
-  }
+  if (!console_.Flush()) outputFailed_ = true;
 }
 
 }  // namespace

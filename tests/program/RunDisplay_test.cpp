@@ -256,6 +256,27 @@ TEST_F(RunInterrupted, OnceReportsWhatWasReadAndLeavesNothingUnfinished) {
   EXPECT_EQ(folder_.Count(), 3U);  // the data, the command, the pipe
 }
 
+// Waits until nothing more goes into the pipe: whoever writes more than it holds is in a write that
+// waits.
+void AwaitFullPipe(const std::string& path) {
+  const int pipe = open(path.c_str(), O_WRONLY | O_NONBLOCK);
+  ASSERT_GE(pipe, 0);
+  pollfd room{pipe, POLLOUT, 0};
+  while (poll(&room, 1, 0) > 0) std::this_thread::yield();
+  close(pipe);
+}
+
+TEST_F(RunInterrupted, OnceEndsAWriteThatWaits) {
+  // Nobody reads the pipe any more.
+  AwaitFullPipe(folder_ / "pipe1");
+  ASSERT_EQ(kill(child_, SIGINT), 0);
+  const Ended ended = Wait(child_);
+  EXPECT_EQ(ended.status, 130);
+  EXPECT_THAT(ended.err, testing::MatchesRegex(
+                             "interrupted: [0-9]+ cases read; unfinished outputs were removed\n"));
+  EXPECT_EQ(folder_.Count(), 3U);
+}
+
 TEST_F(RunInterrupted, TwiceEndsAtOnce) {
   // Nobody reads the pipe any more: only a signal that ends the process ends it.
   int waited = 0;
