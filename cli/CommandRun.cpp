@@ -84,6 +84,7 @@ CommandEnd CommandRunner::Run(std::vector<embedded::CommandToken> tokens) {
   context_.console.ClearProgress();
   if (embedded::AttentionRequested()) return CommandEnd::kInterrupted;
   if (source.get() == nullptr) return CommandEnd::kFailed;
+  context_.messages.BeginNextPass();
   return ReadSource(*source.get(), source.sampleFraction());
 }
 
@@ -154,6 +155,7 @@ CommandEnd CommandRunner::ReadCases(const QANT_DataSource& source, CaseSampler s
                                source.GetFileSpec(),
                            kMessageError);
   }
+  context_.messages.EndCommand();
   if (batch) batch->Flush();
   if (batch) stats_.writeSeconds = batch->seconds();
   stats_.readSeconds = SecondsSince(start) - stats_.writeSeconds;
@@ -201,13 +203,16 @@ CommandEnd CommandRunner::OutputFailure(const OutputFile& file) {
 
 CommandEnd RunCommand(const RunContext& context, int number,
                       std::vector<embedded::CommandToken> tokens, RunStats* stats) {
+  CommandEnd end = CommandEnd::kFailed;
+  context.messages.BeginCommand();
   try {
-    return CommandRunner(context, number, stats).Run(std::move(tokens));
+    end = CommandRunner(context, number, stats).Run(std::move(tokens));
   } catch (const std::exception& failure) {
     // A case too large for the memory there is, for one.
     context.messages.PostError(std::string("the command cannot be run: ") + failure.what());
-    return CommandEnd::kFailed;
   }
+  context.messages.EndCommand();
+  return end;
 }
 
 }  // namespace cli

@@ -34,7 +34,24 @@ void MessageSink::WriteTo(OutputFile* file) {
 
 void MessageSink::Post(std::string_view hostText, int kind) {
   const std::lock_guard guard(mutex_);
+  if (UndecodableWarnings::IsOne(hostText) && !undecodable_.Take(hostText)) return;
   Write(hostText_.ToUtf8(hostText), kind);
+}
+
+void MessageSink::BeginCommand() {
+  const std::lock_guard guard(mutex_);
+  undecodable_.BeginCommand();
+}
+
+void MessageSink::BeginNextPass() {
+  const std::lock_guard guard(mutex_);
+  undecodable_.BeginNextPass();
+}
+
+void MessageSink::EndCommand() {
+  const std::lock_guard guard(mutex_);
+  if (const std::string rest = undecodable_.Rest(); !rest.empty()) Write(rest, kMessageWarning);
+  undecodable_.BeginCommand();
 }
 
 void MessageSink::PostError(std::string_view text) {

@@ -10,6 +10,7 @@
 #include "HostFramework/Messages.h"
 #include "cli/Console.h"
 #include "cli/OutputFile.h"
+#include "cli/UndecodableWarnings.h"
 #include "cli/Utf8Converter.h"
 
 namespace cli {
@@ -30,6 +31,13 @@ class MessageSink {
   // file stays the caller's and outlives its use here.
   void WriteTo(OutputFile* file);
 
+  // A command begins, it goes on to its next pass over the file, or it ends (the second time that
+  // is said changes nothing): of its warnings of bytes that are no character (UndecodableWarnings)
+  // the first are told, and at the end how many more there were.
+  void BeginCommand();
+  void BeginNextPass();
+  void EndCommand();
+
   // One message: host text and its kind.
   void Post(std::string_view hostText, int kind);
   // An error of the program's own: UTF-8, or what a name from outside makes of it.
@@ -47,6 +55,7 @@ class MessageSink {
   std::atomic<long long> errors_{0};
   std::mutex mutex_;  // guards what follows
   OutputFile* file_ = nullptr;
+  UndecodableWarnings undecodable_;
   Utf8Converter hostText_;
   Utf8Converter ownText_{"UTF-8"};
 };

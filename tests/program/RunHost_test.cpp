@@ -86,6 +86,32 @@ TEST_F(RunHost, UnknownCodePagesAreWrongUsage) {
   EXPECT_EQ(locale.err, "error: --locale-code-page: unknown code page no-such-page\n");
 }
 
+TEST_F(RunHost, BytesThatAreNoCharactersAreToldTwentyTimes) {
+  // Latin-1 read as UTF-8: a byte of every second case is no character.
+  std::string rows;
+  for (int number = 1; number <= 2000; ++number) rows += number % 2 == 0 ? "m\xFCller\n" : "x\n";
+  folder_.Write("latin.csv", rows);
+  for (const char* format : {"A8", "AUTO"}) {
+    const Ended ended =
+        Quiet(Import("latin.csv", std::string("name ") + format, "/ENCODING='UTF8'"));
+    EXPECT_EQ(ended.status, 0);
+    std::istringstream lines(ended.err);
+    std::vector<std::string> told;
+    for (std::string line; std::getline(lines, line);) told.push_back(line);
+    ASSERT_EQ(told.size(), 21U) << format;
+    EXPECT_THAT(told[0], testing::StartsWith("warning: [2279] Case 2 ")) << format;
+    EXPECT_THAT(told[19], testing::StartsWith("warning: [2279] Case 40 ")) << format;
+    EXPECT_EQ(told[20], "warning: and 980 more, the last in case 2000") << format;
+  }
+}
+
+TEST_F(RunHost, EveryCommandTellsItsOwnBytesThatAreNoCharacters) {
+  folder_.Write("latin.csv", "\xFC\n");
+  const std::string command = Import("latin.csv", "name A8", "/ENCODING='UTF8'");
+  const Ended ended = Quiet(command + command, {"--messages", "-"});
+  EXPECT_EQ(std::count(ended.out.begin(), ended.out.end(), '\n'), 2);
+}
+
 class RunSampling : public RunHost {
  protected:
   void SetUp() override {
