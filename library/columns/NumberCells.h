@@ -5,13 +5,15 @@
 #include <cstdint>
 #include <limits>
 
+#include "HostFramework/Calendar.h"
 #include "HostFramework/DataSource.h"
 
 namespace library {
 
 // Days and seconds from 1582-10-14, where the host counts from, to 1970-01-01.
-inline constexpr std::int64_t kEpochDay = 141428;
-inline constexpr double kEpochSeconds = 141428.0 * 86400.0;
+inline constexpr std::int64_t kEpochDay = calendar::kDay1970;
+inline constexpr double kEpochSeconds =
+    static_cast<double>(calendar::kDay1970 * calendar::kSecondsPerDay);
 
 inline bool IsMissingNumber(double value) {
   return !(value > kSystemMissing && value <= std::numeric_limits<double>::max());

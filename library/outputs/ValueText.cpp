@@ -1,25 +1,21 @@
 #include "library/outputs/ValueText.h"
 
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string_view>
 
+#include "HostFramework/Calendar.h"
+
 namespace library {
 namespace {
 
-constexpr std::uint32_t kSecondsPerDay = 86400;
-// Days are counted from 1582-10-14.
-constexpr double kFirstDay = 1;       // 1582-10-15
-constexpr double kLastDay = 3074324;  // 9999-12-31
 // Whole seconds below this are exact in a double, with fractions still meaningful.
 constexpr double kLongestTime = 1e15;
 constexpr double kPlainFrom = 1e-4;
 constexpr double kPlainBelow = 1e16;
-
-// Days from 0000-03-01 to 1582-10-14. A year that begins in March has its leap day at its end.
-constexpr std::uint32_t kDaysBefore = 578040;
 
 char* WriteTwoDigits(char* out, std::uint32_t number) {
   *out++ = static_cast<char>('0' + number / 10);
@@ -27,28 +23,16 @@ char* WriteTwoDigits(char* out, std::uint32_t number) {
   return out;
 }
 
-// The day of a moment inside the calendar.
-std::uint32_t DayOf(std::int64_t seconds) {
-  return static_cast<std::uint32_t>(seconds / kSecondsPerDay);
-}
-
-// Writes day `number` of the calendar as yyyy-mm-dd, by eras of 400 years.
-char* WriteDay(char* out, std::uint32_t number) {
-  const std::uint32_t days = number + kDaysBefore;
-  const std::uint32_t era = days / 146097;
-  const std::uint32_t dayOfEra = days % 146097;
-  const std::uint32_t yearOfEra =
-      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const std::uint32_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const std::uint32_t marchMonth = (5 * dayOfYear + 2) / 153;
-  const std::uint32_t month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
-  const std::uint32_t year = era * 400 + yearOfEra + (month <= 2 ? 1 : 0);
+// Writes the day of a moment inside the calendar as yyyy-mm-dd.
+char* WriteDay(char* out, std::int64_t seconds) {
+  const std::chrono::year_month_day date = calendar::DateOf(seconds / calendar::kSecondsPerDay);
+  const auto year = static_cast<std::uint32_t>(static_cast<int>(date.year()));
   out = WriteTwoDigits(out, year / 100);
   out = WriteTwoDigits(out, year % 100);
   *out++ = '-';
-  out = WriteTwoDigits(out, month);
+  out = WriteTwoDigits(out, static_cast<unsigned>(date.month()));
   *out++ = '-';
-  return WriteTwoDigits(out, dayOfYear - (153 * marchMonth + 2) / 5 + 1);
+  return WriteTwoDigits(out, static_cast<unsigned>(date.day()));
 }
 
 // A number of seconds that is not negative, cut at its decimal point. The fraction keeps the digits
@@ -92,15 +76,17 @@ char* WriteTime(char* out, double value) {
 char* WriteDateTime(char* out, double value) {
   char buffer[kValueTextRoom];
   const Seconds time = Split(value, buffer);
-  const auto ofDay = static_cast<std::uint32_t>(time.whole % kSecondsPerDay);
-  out = WriteDay(out, DayOf(time.whole));
+  const auto ofDay = static_cast<std::uint32_t>(time.whole % calendar::kSecondsPerDay);
+  out = WriteDay(out, time.whole);
   *out++ = 'T';
   out = WriteTwoDigits(out, ofDay / 3600);
   return WriteFraction(WriteMinutesAndSeconds(out, ofDay), time.fraction);
 }
 
 bool InCalendar(double value) {
-  return value >= kFirstDay * kSecondsPerDay && value < (kLastDay + 1) * kSecondsPerDay;
+  constexpr auto kBegin = static_cast<double>(calendar::kFirstDay * calendar::kSecondsPerDay);
+  constexpr auto kEnd = static_cast<double>((calendar::kLastDay + 1) * calendar::kSecondsPerDay);
+  return value >= kBegin && value < kEnd;
 }
 
 }  // namespace
@@ -127,7 +113,7 @@ char* WriteNumber(char* out, double value) {
 char* WriteValue(char* out, double value, ValueKind kind) {
   switch (kind) {
     case ValueKind::kDate:
-      if (InCalendar(value)) return WriteDay(out, DayOf(static_cast<std::int64_t>(value)));
+      if (InCalendar(value)) return WriteDay(out, static_cast<std::int64_t>(value));
       break;
     case ValueKind::kDateTime:
       if (InCalendar(value)) return WriteDateTime(out, value);

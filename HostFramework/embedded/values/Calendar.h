@@ -1,16 +1,16 @@
-// The Gregorian calendar as the host counts it: seconds since 1582-10-14 00:00:00.
+// Dates read from their parts: seconds since 1582-10-14 00:00:00.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 
+#include "HostFramework/Calendar.h"
+
 namespace embedded {
 
 inline constexpr std::int64_t kMinute = 60;
 inline constexpr std::int64_t kHour = 60 * kMinute;
-inline constexpr std::int64_t kDay = 24 * kHour;
-
-bool IsLeapYear(int year);
+inline constexpr std::int64_t kDay = calendar::kSecondsPerDay;
 
 // Midnight of the date. Nothing when there is no such date, or when it does not lie between
 // 1582-10-15, the calendar's first day, and 9999-12-31.

@@ -1,6 +1,7 @@
 // The calendar against one that counts day by day, and the window of two-digit years.
 #include "HostFramework/embedded/values/Calendar.h"
 
+#include <chrono>
 #include <string>
 
 #include "HostFramework/embedded/values/ValueSettings.h"
@@ -49,6 +50,20 @@ TEST(Calendar, NothingLiesOutsideIt) {
   EXPECT_EQ(MidnightAfterNewYear(1582, 286), std::nullopt);
   EXPECT_EQ(MidnightAfterNewYear(9999, 365), std::nullopt);
   EXPECT_EQ(MidnightAfterNewYear(0, 10), std::nullopt);
+}
+
+TEST(Calendar, GivesADayItsDateAgain) {
+  using namespace std::chrono;
+  EXPECT_EQ(calendar::kDay1970, 141'428);
+  EXPECT_EQ(calendar::DateOf(0), year(1582) / 10 / 14);
+  EXPECT_EQ(calendar::DateOf(calendar::kLastDay), year(9999) / 12 / 31);
+  for (std::int64_t day = calendar::kFirstDay; day <= calendar::kLastDay; ++day) {
+    const year_month_day date = calendar::DateOf(day);
+    const auto midnight = Midnight(static_cast<int>(date.year()),
+                                   static_cast<int>(static_cast<unsigned>(date.month())),
+                                   static_cast<int>(static_cast<unsigned>(date.day())));
+    ASSERT_EQ(midnight, day * 86'400) << day;
+  }
 }
 
 TEST(TwoDigitYears, BelowSixtyNineAreOfThisCentury) {

@@ -1,5 +1,7 @@
 #include "HostFramework/embedded/values/DateInput.h"
 
+#include <chrono>
+
 #include "HostFramework/embedded/values/Calendar.h"
 #include "HostFramework/embedded/values/DateNames.h"
 #include "HostFramework/embedded/values/FixedLayout.h"
@@ -215,7 +217,7 @@ bool ReadJDate(std::string_view text, double* value) {
   const int day = digits % kDayOfYearDigits;
   int year = digits / kDayOfYearDigits;
   if (run.count == 5) year = YearOfTwoDigits(year);
-  if (day < 1 || day > (IsLeapYear(year) ? 366 : 365)) return false;
+  if (day < 1 || day > (std::chrono::year(year).is_leap() ? 366 : 365)) return false;
   return Store(cursor, MidnightAfterNewYear(year, day - 1), value);
 }
 
