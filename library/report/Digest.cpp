@@ -41,6 +41,12 @@ void AppendCharacter(std::string& out, std::uint32_t code) {
   }
 }
 
+// The sum over a batch.
+class PartDigest : public CasePart {
+ public:
+  Digest sum;
+};
+
 }  // namespace
 
 std::string Digest::Hex() const { return fmt::format("{:016x}{:016x}", high, low); }
@@ -117,8 +123,8 @@ void CaseDigester::AppendUtf8(std::string_view text) {
   }
 }
 
-std::unique_ptr<BatchDigest> DigestMaker::Make(const OBS* cases, std::size_t count,
-                                               std::int64_t firstCase) {
+std::unique_ptr<CasePart> DigestSink::Make(const OBS* cases, std::size_t count,
+                                           std::int64_t firstCase) const {
   std::unique_ptr<CaseDigester> digester;
   {
     const std::lock_guard guard(mutex_);
@@ -130,15 +136,19 @@ std::unique_ptr<BatchDigest> DigestMaker::Make(const OBS* cases, std::size_t cou
   if (digester == nullptr) digester = std::make_unique<CaseDigester>(source_);
 
   const std::size_t cells = source_.GetObsAreaSize() / sizeof(OBS);
-  auto batch = std::make_unique<BatchDigest>();
+  auto part = std::make_unique<PartDigest>();
   for (std::size_t index = 0; index < count; ++index) {
     const std::int64_t number = firstCase + static_cast<std::int64_t>(index) + 1;
-    batch->sum += digester->Of(cases + index * cells, number);
+    part->sum += digester->Of(cases + index * cells, number);
   }
 
   const std::lock_guard guard(mutex_);
   idle_.push_back(std::move(digester));
-  return batch;
+  return part;
+}
+
+void DigestSink::Take(std::unique_ptr<CasePart> part) {
+  digest_ += static_cast<PartDigest&>(*part).sum;
 }
 
 }  // namespace library

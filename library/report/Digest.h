@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
-#include "HostFramework/ImportObserver.h"
 #include "HostFramework/Text.h"
+#include "library/outputs/CaseSink.h"
 
 namespace library {
 
@@ -60,23 +60,26 @@ class CaseDigester {
   std::string bytes_;
 };
 
-// What a worker makes of a batch: the sum of its cases' digests.
-class BatchDigest : public ImportBatchProduct {
+// The digest of all cases of an import: the sum of theirs.
+class DigestSink : public CaseSink {
  public:
-  Digest sum;
-};
+  // The source outlives it and has all its variables.
+  explicit DigestSink(const QANT_DataSource& source) : source_(source) {}
 
-// Makes the digests of batches, on any number of threads at once. The source outlives it.
-class DigestMaker {
- public:
-  explicit DigestMaker(const QANT_DataSource& source) : source_(source) {}
-  // `cases`: `count` cases in the source's layout, which follow `firstCase` cases.
-  std::unique_ptr<BatchDigest> Make(const OBS* cases, std::size_t count, std::int64_t firstCase);
+  std::unique_ptr<CasePart> Make(const OBS* cases, std::size_t count,
+                                 std::int64_t firstCase) const override;
+  void Take(std::unique_ptr<CasePart> part) override;
+  void Finish() override {}
+
+  // Of the cases taken.
+  const Digest& digest() const { return digest_; }
 
  private:
   const QANT_DataSource& source_;
-  std::mutex mutex_;
-  std::vector<std::unique_ptr<CaseDigester>> idle_;  // guarded by mutex_
+  Digest digest_;
+  mutable std::mutex mutex_;
+  // Those that no thread works with; guarded by mutex_.
+  mutable std::vector<std::unique_ptr<CaseDigester>> idle_;
 };
 
 }  // namespace library

@@ -1,5 +1,9 @@
 #include "library/report/Digest.h"
 
+#include <limits>
+#include <thread>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/text/HostText.h"
@@ -33,19 +37,43 @@ TEST_F(DigestTest, IsTheSeededHashOfTheCasesBytes) {
   EXPECT_EQ(digester.Of(cases.At(2), 3).Hex(), "7b2a0c4718095a9b01eaa360a0e527c8");
 }
 
-TEST_F(DigestTest, OfABatchIsTheSumModuloTwoToThePowerOf128) {
+TEST_F(DigestTest, OfAllCasesIsTheSumModuloTwoToThePowerOf128) {
   ReportSource source;
   Fill(source);
   ReportCases cases(source, 3);
   cases.Set(0, 0, 1.5).Set(0, 1, "Bern");
   cases.Set(1, 0, -0.0).Set(1, 2, -2.0);
   cases.Set(2, 1, "Z\xC3\xBCrich").Set(2, 2, 3.25);
-  DigestMaker maker(source);
-  EXPECT_EQ(maker.Make(cases.At(0), 3, 0)->sum.Hex(), "ccf2cb02d48d2c7b042f84d6ab42db59");
+  DigestSink whole(source);
+  whole.Take(whole.Make(cases.At(0), 3, 0));
+  whole.Finish();
+  EXPECT_EQ(whole.digest().Hex(), "ccf2cb02d48d2c7b042f84d6ab42db59");
   // However the cases are cut.
-  Digest sum = maker.Make(cases.At(2), 1, 2)->sum;
-  sum += maker.Make(cases.At(0), 2, 0)->sum;
-  EXPECT_EQ(sum.Hex(), "ccf2cb02d48d2c7b042f84d6ab42db59");
+  DigestSink cut(source);
+  auto second = cut.Make(cases.At(2), 1, 2);
+  cut.Take(cut.Make(cases.At(0), 2, 0));
+  cut.Take(std::move(second));
+  EXPECT_EQ(cut.digest(), whole.digest());
+}
+
+TEST_F(DigestTest, IsMadeOnSeveralThreadsAtOnce) {
+  ReportSource source;
+  Fill(source);
+  ReportCases cases(source, 100);
+  for (std::size_t index = 0; index < 100; ++index) cases.Set(index, 0, static_cast<double>(index));
+  DigestSink alone(source);
+  alone.Take(alone.Make(cases.At(0), 100, 0));
+  DigestSink shared(source);
+  std::vector<std::unique_ptr<CasePart>> parts(4);
+  std::vector<std::thread> threads;
+  for (std::size_t part = 0; part < parts.size(); ++part) {
+    threads.emplace_back([&shared, &cases, &parts, part] {
+      parts[part] = shared.Make(cases.At(25 * part), 25, static_cast<std::int64_t>(25 * part));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (auto& part : parts) shared.Take(std::move(part));
+  EXPECT_EQ(shared.digest(), alone.digest());
 }
 
 TEST_F(DigestTest, CarriesAndWrapsAround) {

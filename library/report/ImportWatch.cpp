@@ -5,11 +5,13 @@
 namespace library {
 namespace {
 
-// What the users of a batch made of it, in their order; the digest apart.
+// Cells of kept cases that go to the sinks together, at least; they stay in the nearer caches.
+constexpr std::size_t kGatheredCells = 16384;
+
+// What the sinks made of a batch.
 class Products : public ImportBatchProduct {
  public:
-  std::unique_ptr<BatchDigest> digest;
-  std::vector<std::unique_ptr<ImportBatchProduct>> ofUsers;
+  std::vector<std::unique_ptr<CasePart>> parts;
 };
 
 }  // namespace
@@ -26,17 +28,7 @@ void ImportWatch::Prepare(const QANT_DataSource& source, const Outputs& outputs,
   source_ = &source;
   outputs_ = outputs;
   oneThread_ = oneThread;
-  account_ = {};
-  kept_ = 0;
-  held_ = {};
-  digests_.reset();
-  keptDigest_.reset();
-  if (!settings_.digest) return;
-  if (settings_.sampled) {
-    keptDigest_ = std::make_unique<CaseDigester>(source);
-  } else {
-    digests_ = std::make_unique<DigestMaker>(source);
-  }
+  OnPassBegin();
 }
 
 std::int64_t ImportWatch::ProblemLimit() const {
@@ -44,9 +36,7 @@ std::int64_t ImportWatch::ProblemLimit() const {
   return settings_.sampled ? std::numeric_limits<std::int64_t>::max() : settings_.problemLimit;
 }
 
-bool ImportWatch::WantsBatches() const {
-  return !settings_.sampled && (settings_.digest || !users_.empty());
-}
+bool ImportWatch::WantsBatches() const { return !settings_.sampled && !sinks_.empty(); }
 
 void ImportWatch::OnEvidence(std::size_t variable, const ImportEvidence& evidence) {
   if (evidence_.size() <= variable) evidence_.resize(variable + 1);
@@ -55,9 +45,11 @@ void ImportWatch::OnEvidence(std::size_t variable, const ImportEvidence& evidenc
 
 void ImportWatch::OnPassBegin() {
   account_ = {};
-  kept_ = 0;
-  held_.count = 0;
-  if (settings_.digest) account_.digest.emplace();
+  cases_ = 0;
+  gathered_.clear();
+  gatheredCases_ = 0;
+  failure_ = nullptr;
+  Drop();
 }
 
 void ImportWatch::OnProblem(const ImportProblem& problem) {
@@ -91,16 +83,16 @@ void ImportWatch::TakeCaseSpan(const ImportCaseSpan& span) {
 }
 
 void ImportWatch::Keep(const OBS* obs) {
-  ++kept_;
+  ++cases_;
   for (std::size_t index = 0; index < held_.count; ++index) {
     HeldCase::Problem& held = held_.problems[index];
-    held.problem.caseNumber = kept_;
+    held.problem.caseNumber = cases_;
     held.problem.text = held.text;
     TakeProblem(held.problem);
   }
   if (held_.span) TakeCaseSpan(*held_.span);
   account_.ledger.AddCells(held_.cells);
-  if (keptDigest_ != nullptr) *account_.digest += keptDigest_->Of(obs, kept_);
+  if (!sinks_.empty()) Gather(obs);
   Drop();
 }
 
@@ -131,8 +123,9 @@ void ImportWatch::OnProblemCounts(const ImportProblemCount* counts, std::size_t 
 }
 
 void ImportWatch::OnPassEnd(const ImportPassEnd& end) {
+  if (gatheredCases_ > 0) HandOnGathered();
   account_.complete = end.complete;
-  account_.cases = settings_.sampled ? kept_ : end.cases;
+  account_.cases = settings_.sampled ? cases_ : end.cases;
   if (end.textsBeyondColumn != nullptr) account_.textsBeyondColumn = *end.textsBeyondColumn;
   account_.ledger.SetCounts({.bytes = end.bytes,
                              .cases = account_.cases,
@@ -141,20 +134,54 @@ void ImportWatch::OnPassEnd(const ImportPassEnd& end) {
                              .recordsWithoutCase = end.recordsWithoutCase});
 }
 
+void ImportWatch::Gather(const OBS* obs) {
+  gathered_.insert(gathered_.end(), obs, obs + source_->GetObsAreaSize() / sizeof(OBS));
+  ++gatheredCases_;
+  if (gathered_.size() >= kGatheredCells) HandOnGathered();
+}
+
+void ImportWatch::HandOnGathered() {
+  if (failed()) return;
+  try {
+    const std::int64_t before = cases_ - static_cast<std::int64_t>(gatheredCases_);
+    TakeParts(MakeParts(gathered_.data(), gatheredCases_, before));
+  } catch (...) {
+    failure_ = std::current_exception();
+  }
+  gathered_.clear();
+  gatheredCases_ = 0;
+}
+
+ImportWatch::Parts ImportWatch::MakeParts(const OBS* cases, std::size_t count,
+                                          std::int64_t firstCase) const {
+  Parts parts;
+  parts.reserve(sinks_.size());
+  for (const CaseSink* sink : sinks_) parts.push_back(sink->Make(cases, count, firstCase));
+  return parts;
+}
+
+void ImportWatch::TakeParts(Parts parts) {
+  for (std::size_t index = 0; index < sinks_.size(); ++index) {
+    sinks_[index]->Take(std::move(parts[index]));
+  }
+}
+
 std::unique_ptr<ImportBatchProduct> ImportWatch::MakeProduct(const OBS* cases, std::size_t count,
                                                              std::int64_t firstCase) {
   auto products = std::make_unique<Products>();
-  if (digests_ != nullptr) products->digest = digests_->Make(cases, count, firstCase);
-  for (BatchUser* user : users_) products->ofUsers.push_back(user->Make(cases, count, firstCase));
+  products->parts = MakeParts(cases, count, firstCase);
   return products;
 }
 
-void ImportWatch::OnProduct(std::unique_ptr<ImportBatchProduct> product, const OBS* cases,
-                            std::size_t count, std::int64_t firstCase) {
-  auto& products = static_cast<Products&>(*product);
-  if (products.digest != nullptr) *account_.digest += products.digest->sum;
-  for (std::size_t index = 0; index < users_.size(); ++index) {
-    users_[index]->Take(std::move(products.ofUsers[index]), cases, count, firstCase);
+void ImportWatch::OnProduct(std::unique_ptr<ImportBatchProduct> product, const OBS* /*cases*/,
+                            std::size_t count, std::int64_t /*firstCase*/) {
+  if (failed()) return;
+  cases_ += static_cast<std::int64_t>(count);
+  // An observer throws nothing.
+  try {
+    TakeParts(std::move(static_cast<Products&>(*product).parts));
+  } catch (...) {
+    failure_ = std::current_exception();
   }
 }
 

@@ -1,8 +1,10 @@
-// Watches the reading of one import for the program: its problems, its ledger, its digest.
+// Watches the reading of one import for the program: its problems and its ledger, and hands its
+// cases to whoever takes them.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,8 +12,7 @@
 #include <vector>
 
 #include "HostFramework/ImportObserver.h"
-#include "library/report/BatchUser.h"
-#include "library/report/Digest.h"
+#include "library/outputs/CaseSink.h"
 #include "library/report/PassAccount.h"
 #include "library/report/ProblemWriter.h"
 #include "library/report/RejectsFile.h"
@@ -27,11 +28,10 @@ struct WatchSettings {
   std::int64_t problemLimit = 0;
   bool rejects = false;
   bool evidence = false;
-  bool digest = false;
   // Keeps what a second pass is compared with, of as many problems.
   bool trail = false;
   // The host keeps a share of the cases and says of each whether it is kept. Cases then come one by
-  // one; problems, cells, digest and numbers are those of the kept ones.
+  // one; problems, cells and numbers are those of the kept ones.
   bool sampled = false;
   bool keepStrayQualifiers = false;
   // Texts that mean a missing number.
@@ -44,9 +44,11 @@ class ImportWatch final : public ImportObserver {
  public:
   explicit ImportWatch(WatchSettings settings);
 
-  // Gets all batches, in this order; before the first iterator is made. Outlives it. Cases come by
-  // the batch when there is one who uses them.
-  void Use(BatchUser& user) { users_.push_back(&user); }
+  // Gets all cases that are delivered, or kept; before the first iterator is made. Outlives the
+  // pass. Cases come by the batch when there is a sink and the host does not sample.
+  void Use(CaseSink& sink) { sinks_.push_back(&sink); }
+  // From now on nobody gets cases.
+  void UseNone() { sinks_.clear(); }
 
   // Where a pass writes, each may be null; they outlive the pass.
   struct Outputs {
@@ -56,9 +58,19 @@ class ImportWatch final : public ImportObserver {
   // Before a pass: of the source's cases, on the host's thread alone where `oneThread`.
   void Prepare(const QANT_DataSource& source, const Outputs& outputs, bool oneThread = false);
 
-  // Where the host samples: what becomes of the case that Next delivered.
+  // Where the host samples: what becomes of the case that Next delivered. Kept cases are gathered,
+  // and gone to the sinks once the pass has ended.
   void Keep(const OBS* obs);
   void Drop();
+
+  // Cases that were handed to sinks, or kept, so far.
+  std::int64_t cases() const { return cases_; }
+  // A sink could not take its cases: nobody gets more, and the pass should be given up.
+  bool failed() const { return failure_ != nullptr; }
+  // Throws what the sink threw; nothing where none did.
+  void Rethrow() const {
+    if (failure_ != nullptr) std::rethrow_exception(failure_);
+  }
 
   // What the last pass came to, once it has ended.
   const PassAccount& account() const { return account_; }
@@ -106,18 +118,26 @@ class ImportWatch final : public ImportObserver {
 
   void TakeProblem(const ImportProblem& problem);
   void TakeCaseSpan(const ImportCaseSpan& span);
+  void Gather(const OBS* obs);
+  void HandOnGathered();
+  // What the sinks make of a batch, in their order.
+  using Parts = std::vector<std::unique_ptr<CasePart>>;
+  Parts MakeParts(const OBS* cases, std::size_t count, std::int64_t firstCase) const;
+  void TakeParts(Parts parts);
 
   const WatchSettings settings_;
-  std::vector<BatchUser*> users_;
+  std::vector<CaseSink*> sinks_;
   std::vector<std::optional<ImportEvidence>> evidence_;
 
   const QANT_DataSource* source_ = nullptr;
   Outputs outputs_;
   bool oneThread_ = false;
-  std::unique_ptr<DigestMaker> digests_;      // of batches
-  std::unique_ptr<CaseDigester> keptDigest_;  // of kept cases
   HeldCase held_;
-  std::int64_t kept_ = 0;
+  std::int64_t cases_ = 0;
+  // Kept cases that wait for the sinks.
+  std::vector<OBS> gathered_;
+  std::size_t gatheredCases_ = 0;
+  std::exception_ptr failure_;
   PassAccount account_;
 };
 

@@ -1,5 +1,8 @@
 #include "library/report/ImportWatch.h"
 
+#include <cstring>
+#include <stdexcept>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -42,13 +45,6 @@ class ImportWatchTest : public testing::Test {
     watch.OnProblemCounts(&count, 1);
     watch.OnPassEnd({.cases = 3, .recordsInCases = 3, .bytes = 22, .complete = true});
   }
-  Digest DigestOf(std::vector<std::size_t> kept) {
-    CaseDigester digester(source_);
-    Digest sum;
-    std::int64_t number = 0;
-    for (const std::size_t index : kept) sum += digester.Of(cases_->At(index), ++number);
-    return sum;
-  }
 
   ReportSource source_;
   std::optional<ReportCases> cases_;
@@ -66,7 +62,6 @@ TEST_F(ImportWatchTest, AccountsForAPass) {
   EXPECT_TRUE(account.complete);
   EXPECT_EQ(account.problems.total(), 1);
   EXPECT_EQ(account.ledger.Imbalance(), "");
-  EXPECT_FALSE(account.digest);
 }
 
 TEST_F(ImportWatchTest, TakesTheCountsOfProblemsThatWereNotTold) {
@@ -79,33 +74,14 @@ TEST_F(ImportWatchTest, TakesTheCountsOfProblemsThatWereNotTold) {
   EXPECT_EQ(watch.account().problems.total(), 10);
 }
 
-TEST_F(ImportWatchTest, AddsTheDigestsOfBatches) {
-  WatchSettings settings;
-  settings.digest = true;
-  ImportWatch watch(settings);
-  EXPECT_TRUE(watch.WantsBatches());
-  watch.Prepare(source_, {});
-  Begin(watch);
-  auto second = watch.MakeProduct(cases_->At(2), 1, 2);
-  auto first = watch.MakeProduct(cases_->At(0), 2, 0);
-  watch.OnProduct(std::move(first), cases_->At(0), 2, 0);
-  watch.OnProduct(std::move(second), cases_->At(2), 1, 2);
-  End(watch);
-  EXPECT_EQ(watch.account().digest, DigestOf({0, 1, 2}));
-}
-
 TEST_F(ImportWatchTest, ASecondPassStartsAnew) {
-  WatchSettings settings;
-  settings.digest = true;
-  ImportWatch watch(settings);
+  ImportWatch watch({});
   for (int pass = 0; pass < 2; ++pass) {
     watch.Prepare(source_, {}, pass == 1);
     EXPECT_EQ(watch.ReadsOnOneThread(), pass == 1);
     Begin(watch);
-    watch.OnProduct(watch.MakeProduct(cases_->At(0), 3, 0), cases_->At(0), 3, 0);
     TellProblem(watch);
     End(watch);
-    EXPECT_EQ(watch.account().digest, DigestOf({0, 1, 2}));
     EXPECT_EQ(watch.account().problems.total(), 1);
     EXPECT_EQ(watch.account().ledger.Imbalance(), "");
   }
@@ -153,7 +129,6 @@ class SampledWatchTest : public ImportWatchTest {
   WatchSettings settings_ = [] {
     WatchSettings settings;
     settings.sampled = true;
-    settings.digest = true;
     settings.rejects = true;
     settings.problemLimit = 5;
     return settings;
@@ -170,7 +145,6 @@ TEST_F(SampledWatchTest, CountsKeptCasesOnly) {
   EXPECT_EQ(watch.account().problems.total(), 0);
   EXPECT_EQ(watch.account().ledger.Imbalance(), "");
   EXPECT_EQ(watch.account().ledger.Json()["cells"], 4);
-  EXPECT_EQ(watch.account().digest, DigestOf({0, 2}));
 }
 
 TEST_F(SampledWatchTest, NumbersKeptCases) {
@@ -188,29 +162,41 @@ TEST_F(SampledWatchTest, NumbersKeptCases) {
   EXPECT_THAT(rows, HasSubstr("unreadable,1,3,12,fee,F8.2,x,"));
   EXPECT_EQ(rejected, "fee,town\nx,Bern\n");
   EXPECT_EQ(watch.account().problems.total(), 1);
-  EXPECT_EQ(watch.account().digest, DigestOf({1}));
 }
 
-// Notes what it gets.
-class Notes : public BatchUser {
+// Notes the first numbers of the cases it gets, and fails when it is told to.
+class Notes : public CaseSink {
  public:
-  class Made : public ImportBatchProduct {
-   public:
-    explicit Made(std::int64_t of) : firstCase(of) {}
-    std::int64_t firstCase;
+  struct Part : public CasePart {
+    std::int64_t firstCase = 0;
+    std::vector<double> fees;
   };
-  std::unique_ptr<ImportBatchProduct> Make(const OBS*, std::size_t, std::int64_t first) override {
-    return std::make_unique<Made>(first);
+  std::unique_ptr<CasePart> Make(const OBS* cases, std::size_t count,
+                                 std::int64_t firstCase) const override {
+    auto part = std::make_unique<Part>();
+    part->firstCase = firstCase;
+    for (std::size_t index = 0; index < count; ++index) {
+      double fee = 0;
+      std::memcpy(&fee, cases[2 * index].bytes, sizeof fee);
+      part->fees.push_back(fee);
+    }
+    return part;
   }
-  void Take(std::unique_ptr<ImportBatchProduct> product, const OBS*, std::size_t count,
-            std::int64_t firstCase) override {
-    EXPECT_EQ(static_cast<Made&>(*product).firstCase, firstCase);
-    taken.push_back({firstCase, count});
+  void Take(std::unique_ptr<CasePart> part) override {
+    if (fails) throw std::runtime_error("full");
+    const auto& made = static_cast<Part&>(*part);
+    EXPECT_EQ(made.firstCase, static_cast<std::int64_t>(fees.size()));
+    fees.insert(fees.end(), made.fees.begin(), made.fees.end());
+    ++parts;
   }
-  std::vector<std::pair<std::int64_t, std::size_t>> taken;
+  void Finish() override {}
+
+  std::vector<double> fees;
+  int parts = 0;
+  bool fails = false;
 };
 
-TEST_F(ImportWatchTest, HandsBatchesToEveryUser) {
+TEST_F(ImportWatchTest, HandsBatchesToEverySink) {
   ImportWatch watch({});
   EXPECT_FALSE(watch.WantsBatches());
   Notes one;
@@ -222,9 +208,58 @@ TEST_F(ImportWatchTest, HandsBatchesToEveryUser) {
   Begin(watch);
   watch.OnProduct(watch.MakeProduct(cases_->At(0), 2, 0), cases_->At(0), 2, 0);
   watch.OnProduct(watch.MakeProduct(cases_->At(2), 1, 2), cases_->At(2), 1, 2);
-  const std::vector<std::pair<std::int64_t, std::size_t>> expected = {{0, 2}, {2, 1}};
-  EXPECT_EQ(one.taken, expected);
-  EXPECT_EQ(other.taken, expected);
+  EXPECT_EQ(watch.cases(), 3);
+  const std::vector<double> expected = {1.0, kSystemMissing, 3.0};
+  EXPECT_EQ(one.fees, expected);
+  EXPECT_EQ(other.fees, expected);
+  EXPECT_EQ(other.parts, 2);
+  watch.UseNone();
+  EXPECT_FALSE(watch.WantsBatches());
+}
+
+TEST_F(ImportWatchTest, WhatASinkThrowsIsKeptForTheHost) {
+  ImportWatch watch({});
+  Notes sink;
+  sink.fails = true;
+  watch.Use(sink);
+  watch.Prepare(source_, {});
+  Begin(watch);
+  EXPECT_NO_THROW(watch.Rethrow());
+  watch.OnProduct(watch.MakeProduct(cases_->At(0), 2, 0), cases_->At(0), 2, 0);
+  EXPECT_TRUE(watch.failed());
+  EXPECT_THROW(watch.Rethrow(), std::runtime_error);
+  sink.fails = false;
+  watch.OnProduct(watch.MakeProduct(cases_->At(2), 1, 2), cases_->At(2), 1, 2);
+  EXPECT_EQ(sink.parts, 0);
+  watch.Prepare(source_, {});
+  EXPECT_FALSE(watch.failed());
+}
+
+TEST_F(SampledWatchTest, GathersKeptCasesForTheSinks) {
+  ImportWatch watch(settings_);
+  Notes sink;
+  watch.Use(sink);
+  EXPECT_FALSE(watch.WantsBatches());
+  watch.Prepare(source_, {});
+  Sample(watch, {0, 2});
+  EXPECT_EQ(sink.fees, (std::vector<double>{1.0, 3.0}));
+  EXPECT_EQ(sink.parts, 1);
+  sink.fails = true;
+  watch.Prepare(source_, {});
+  Sample(watch, {1});
+  EXPECT_TRUE(watch.failed());
+}
+
+TEST_F(SampledWatchTest, HandsOnWhatItGathersInTime) {
+  ImportWatch watch(settings_);
+  Notes sink;
+  watch.Use(sink);
+  watch.Prepare(source_, {});
+  Begin(watch);
+  for (int count = 0; count < 100000; ++count) watch.Keep(cases_->At(0));
+  EXPECT_GT(sink.parts, 5);
+  End(watch);
+  EXPECT_EQ(sink.fees.size(), 100000U);
 }
 
 TEST_F(ImportWatchTest, KeepsTheEvidenceOfEachVariable) {
