@@ -1,0 +1,198 @@
+/* TextWizard's C interface: a text file as typed columns.
+ *
+ *     textwizard_import* import = NULL;
+ *     textwizard_error* error = NULL;
+ *     if (textwizard_open_file("data.csv", NULL, NULL, &import, &error) != TEXTWIZARD_OK) {
+ *       fprintf(stderr, "%s\n", textwizard_error_text(error));
+ *       textwizard_error_free(error);
+ *       return 1;
+ *     }
+ *     struct ArrowArrayStream cases;
+ *     textwizard_cases(import, &cases, &error);
+ *     ... cases.get_schema, cases.get_next, cases.release ...
+ *     textwizard_close(import);
+ *
+ * Texts are UTF-8 and end with a zero byte unless a length is given; paths are bytes of the file
+ * system. A struct whose first member is `size` may grow: set it to sizeof of the struct, and every
+ * member that is zero has its default. Every function that can fail gives a status and, where `error`
+ * is not null, sets *error to what happened; free it with textwizard_error_free. On success *error is
+ * left alone. C11 and C++.
+ *
+ * Threads. An import is used by one thread at a time, but for textwizard_cancel, which any thread may
+ * call. Conversion has threads of its own; callbacks come on the thread that called the function or
+ * the stream. Settings of the host that the library brings along (code page, decimal character) are
+ * the process's: imports that live at the same time must agree on them, else the later one fails with
+ * TEXTWIZARD_BUSY. Opening imports is serialized.
+ */
+#ifndef TEXTWIZARD_TEXTWIZARD_H
+#define TEXTWIZARD_TEXTWIZARD_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "textwizard/arrow_c.h"
+
+#if defined(__GNUC__)
+#define TEXTWIZARD_API __attribute__((visibility("default")))
+#else
+#define TEXTWIZARD_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef enum textwizard_status {
+  TEXTWIZARD_OK = 0,
+  TEXTWIZARD_COMMAND_FAILED = 1, /* the command or its data: the error has the message's number */
+  TEXTWIZARD_USAGE = 2,          /* an argument or a setting is wrong */
+  TEXTWIZARD_FILE = 3,           /* a file cannot be read or written */
+  TEXTWIZARD_NO_MEMORY = 4,
+  TEXTWIZARD_BUSY = 5,     /* another import lives with other settings of the process */
+  TEXTWIZARD_CANCELLED = 6 /* textwizard_cancel, or the progress callback wanted it */
+} textwizard_status;
+
+/* --- Errors */
+
+typedef struct textwizard_error textwizard_error;
+
+/* A sentence or several: what happened, where, and the way out. Lives as long as the error. */
+TEXTWIZARD_API const char* textwizard_error_text(const textwizard_error* error);
+/* The number of the message, such as 2265; 0 where it has none. */
+TEXTWIZARD_API int32_t textwizard_error_number(const textwizard_error* error);
+/* The place in the command text, from 1; 0 where it is not about the text. */
+TEXTWIZARD_API int32_t textwizard_error_line(const textwizard_error* error);
+TEXTWIZARD_API int32_t textwizard_error_column(const textwizard_error* error);
+/* Null is accepted. */
+TEXTWIZARD_API void textwizard_error_free(textwizard_error* error);
+
+/* --- Options */
+
+typedef enum textwizard_message_kind {
+  TEXTWIZARD_WARNING = 0,
+  TEXTWIZARD_ERROR = 1,
+  TEXTWIZARD_LOG = 3
+} textwizard_message_kind;
+
+/* What goes for every import. */
+typedef struct textwizard_options {
+  size_t size;
+  /* Of the host's text; null: UTF-8. */
+  const char* code_page;
+  /* What ENCODING=LOCALE means; null: the locale's codeset. */
+  const char* locale_code_page;
+  /* '.' or ',': the host's decimal character; 0: '.', or what the file was found to have. */
+  char decimal;
+  /* Conversion threads; 0: one per processor. */
+  int32_t workers;
+  /* Texts that mean a missing number; null: those of the file import ("", "NA", "N/A", "NULL", "null",
+     "NaN", "nan", ".", "-") for a file, none for a command. */
+  const char* const* null_texts;
+  size_t null_text_count;
+  /* 1: a line break inside a qualified field stays in the value; a backslash in one makes the next
+     character an ordinary one; a qualifier inside an unqualified field is an ordinary character. */
+  int32_t join_quoted_lines;
+  int32_t backslash_escapes;
+  int32_t keep_stray_qualifiers;
+  /* Problems kept for textwizard_problems, at most; 0: 1,000,000; negative: none. */
+  int64_t problem_limit;
+  /* 1: a problem makes the import fail. */
+  int32_t strict;
+  /* Columns of text carry variables' names instead of labels: 1. */
+  int32_t names_as_variables;
+  /* 1: columns of whole numbers within 2^53 are int64, as the whole file shows (files only; for a
+     command 1 makes every number without decimals int64). -1: never. 0: yes for a file, no for a
+     command. */
+  int32_t integers;
+  /* A message; may be null. `text` is good during the call. */
+  void (*message)(void* context, textwizard_message_kind kind, const char* text);
+  /* Cases and bytes so far, bytes in all (-1: unknown). Not 0 cancels. May be null. */
+  int32_t (*progress)(void* context, int64_t cases, int64_t bytes, int64_t all_bytes);
+  void* context;
+} textwizard_options;
+
+/* What is given instead of found about a bare file. */
+typedef struct textwizard_file_options {
+  size_t size;
+  const char* encoding;  /* a name that ICU knows */
+  const char* delimiter; /* "" : one column */
+  const char* qualifier; /* "" : none */
+  int64_t first_line;    /* where the data begins, from 1; 0: found */
+  int32_t header;        /* 1: names stand above the data; -1: they do not; 0: found */
+  const char* fixed;     /* columns such as "1-8,9-20" */
+  const char* types;     /* "visited=EDATE10,id=A12" */
+  const char* names;     /* "id,name,visited" */
+  int64_t sample_lines;  /* types from the first lines only; 0: from all */
+} textwizard_file_options;
+
+/* --- Imports */
+
+typedef struct textwizard_import textwizard_import;
+
+/* Runs one GET DATA command: parses it, finds the types of AUTO variables. `options` may be null. */
+TEXTWIZARD_API textwizard_status textwizard_open_command(const char* command,
+                                                         const textwizard_options* options,
+                                                         textwizard_import** import,
+                                                         textwizard_error** error);
+/* Understands a bare file (compressed or not; "-": standard input), finds the types from the whole of
+   it and makes the command. `file_options` and `options` may be null. */
+TEXTWIZARD_API textwizard_status textwizard_open_file(const char* path,
+                                                      const textwizard_file_options* file_options,
+                                                      const textwizard_options* options,
+                                                      textwizard_import** import,
+                                                      textwizard_error** error);
+/* Ends the import; streams of it end with an error from then on and are still to be released. Null is
+   accepted. */
+TEXTWIZARD_API void textwizard_close(textwizard_import* import);
+
+/* The columns. Release *schema. */
+TEXTWIZARD_API textwizard_status textwizard_schema(textwizard_import* import,
+                                                   struct ArrowSchema* schema,
+                                                   textwizard_error** error);
+/* The cases from the first to the last, as batches of at most 65,536; reads while it is asked. One at a
+   time: a second one begins again and ends the first. Release *cases. */
+TEXTWIZARD_API textwizard_status textwizard_cases(textwizard_import* import,
+                                                  struct ArrowArrayStream* cases,
+                                                  textwizard_error** error);
+/* The problems of the latest pass that came to its end, or as far as it came: kind, case, line, byte,
+   variable, format, text, detail. Release *problems. */
+TEXTWIZARD_API textwizard_status textwizard_problems(textwizard_import* import,
+                                                     struct ArrowArrayStream* problems,
+                                                     textwizard_error** error);
+/* Stops the pass that runs, or the next one, at its next check. Any thread. */
+TEXTWIZARD_API void textwizard_cancel(textwizard_import* import);
+
+/* Texts about the import, good until the next call of the same function or textwizard_close. */
+
+/* The GET DATA command. */
+TEXTWIZARD_API const char* textwizard_command(textwizard_import* import);
+/* JSON: file, cases, variables (with "evidence" of AUTO variables), and after a pass "ledger". */
+TEXTWIZARD_API const char* textwizard_dictionary(textwizard_import* import);
+/* JSON: how a bare file was read, as `textwizard sniff --json` says it; null for a command. */
+TEXTWIZARD_API const char* textwizard_reading(textwizard_import* import);
+/* JSON: the ledger of the latest pass; null before one ended. */
+TEXTWIZARD_API const char* textwizard_ledger(textwizard_import* import);
+/* The digest of the latest pass's cases, 32 hexadecimal digits; null before one ended. */
+TEXTWIZARD_API const char* textwizard_digest(textwizard_import* import);
+
+/* --- Without an import. Free the texts with textwizard_text_free. */
+
+/* JSON: how a bare file is built. */
+TEXTWIZARD_API textwizard_status textwizard_sniff(const char* path,
+                                                  const textwizard_file_options* file_options,
+                                                  char** json, textwizard_error** error);
+/* JSON: {"records":[{"line":n,"text":"...","cut":bool}...]}: `count` records from physical line `first`
+   (from 1) on, as the import wizard sees them. `encoding`: a name of the wizard's, such as "UTF-8". */
+TEXTWIZARD_API textwizard_status textwizard_preview(const char* path, const char* encoding,
+                                                    int64_t first, int64_t count, char** json,
+                                                    textwizard_error** error);
+TEXTWIZARD_API void textwizard_text_free(char* text);
+
+/* Such as "1.0.0". */
+TEXTWIZARD_API const char* textwizard_version(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* TEXTWIZARD_TEXTWIZARD_H */
