@@ -2,19 +2,23 @@
 // every format and one that leaves every type to be found, and the types in words for other
 // readers.
 //
-//   generate_data KIND MEGABYTES SEED FOLDER      KIND: mixed, numeric, strings or wide
+//   generate_data KIND MEGABYTES SEED FOLDER      KIND: mixed, numeric, strings, wide or short
 //
 // Makes FOLDER/KIND.csv, FOLDER/KIND.sps, FOLDER/KIND-auto.sps and FOLDER/KIND.types, which has one
-// line a column: integer, real, date, datetime or text. The same arguments give the same bytes.
+// line a column: integer, real, date, datetime or text. Lines end with LF; with -crlf or -cr behind
+// the kind they end with CR LF or CR. The same arguments give the same bytes, and the three line
+// ends the same rows: the megabytes are those of the file with LF.
 
 #include <array>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -132,6 +136,8 @@ std::vector<Column> Columns(const std::string& kind) {
     for (int i = 0; i < 2000; ++i) {
       columns.push_back(i % 5 == 4 ? Text(3, 8) : i % 2 == 0 ? Whole(10000) : Fraction(100, 3));
     }
+  } else if (kind == "short") {
+    columns = {Whole(100000000)};
   }
   return columns;
 }
@@ -159,26 +165,42 @@ bool WriteTypes(const std::string& path, const std::vector<Column>& columns) {
   return std::fclose(file) == 0;
 }
 
+// KIND and the line end that its name asks for.
+std::pair<std::string, std::string> KindAndLineEnd(const std::string& name) {
+  for (const auto& [ending, lineEnd] : {std::pair{"-crlf", "\r\n"}, std::pair{"-cr", "\r"}}) {
+    if (name.ends_with(ending)) {
+      return {name.substr(0, name.size() - std::strlen(ending)), lineEnd};
+    }
+  }
+  return {name, "\n"};
+}
+
 bool WriteData(const std::string& path, std::uint64_t bytes, Random& random,
-               const std::vector<Column>& columns) {
+               const std::vector<Column>& columns, const std::string& lineEnd) {
   FILE* file = std::fopen(path.c_str(), "wb");
   if (!file) return false;
   std::string block;
+  std::uint64_t lines = 0;
+  // As if every line ended with one byte.
+  const auto size = [&] { return block.size() - lines * (lineEnd.size() - 1); };
   for (std::size_t i = 0; i < columns.size(); ++i) {
     block.append(i ? "," : "").append("v").append(std::to_string(i + 1));
   }
-  block += '\n';
+  block += lineEnd;
+  ++lines;
   std::uint64_t written = 0;
   bool good = true;
-  while (good && written + block.size() < bytes) {
+  while (good && written + size() < bytes) {
     for (std::size_t i = 0; i < columns.size(); ++i) {
       if (i) block += ',';
       columns[i].write(block, random);
     }
-    block += '\n';
+    block += lineEnd;
+    ++lines;
     if (block.size() > (1U << 20)) {
       good = std::fwrite(block.data(), 1, block.size(), file) == block.size();
-      written += block.size();
+      written += size();
+      lines = 0;
       block.clear();
     }
   }
@@ -189,18 +211,21 @@ bool WriteData(const std::string& path, std::uint64_t bytes, Random& random,
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 5 || Columns(argv[1]).empty()) {
-    std::fputs("usage: generate_data mixed|numeric|strings|wide MEGABYTES SEED FOLDER\n", stderr);
+  const auto [kind, lineEnd] = KindAndLineEnd(argc > 1 ? argv[1] : "");
+  const std::vector<Column> columns = Columns(kind);
+  if (argc != 5 || columns.empty()) {
+    std::fputs(
+        "usage: generate_data mixed|numeric|strings|wide|short[-crlf|-cr] MEGABYTES SEED FOLDER\n",
+        stderr);
     return 2;
   }
-  const std::string kind = argv[1];
-  const std::string base = std::string(argv[4]) + "/" + kind;
-  const std::vector<Column> columns = Columns(kind);
+  const std::string base = std::string(argv[4]) + "/" + argv[1];
   Random random(std::strtoull(argv[3], nullptr, 10));
   const std::uint64_t bytes = std::strtoull(argv[2], nullptr, 10) * 1000000;
   if (!WriteCommand(base + ".sps", base + ".csv", columns, false) ||
       !WriteCommand(base + "-auto.sps", base + ".csv", columns, true) ||
-      !WriteTypes(base + ".types", columns) || !WriteData(base + ".csv", bytes, random, columns)) {
+      !WriteTypes(base + ".types", columns) ||
+      !WriteData(base + ".csv", bytes, random, columns, lineEnd)) {
     std::perror(base.c_str());
     return 1;
   }

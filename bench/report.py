@@ -18,6 +18,8 @@ SAMPLED_SHARE = {"mixed": 1.0}
 PEAK_MIB = {"wide": 128}
 OTHER_PEAK_MIB = 64
 PROPORTION = 0.1
+# Time of a file whose lines end with CR LF or CR, against the same lines with LF.
+LINE_END_SHARE = 1.1
 
 
 @dataclass
@@ -39,6 +41,15 @@ class Measured:
         peers = [c for c in self.contestants if is_peer(c) and c.mode == "declared"
                  and c.text_columns == self.file.text_columns and c.seconds]
         return min(peers, key=median, default=None)
+
+
+@dataclass
+class LineEnds:
+    """The same rows with LF, CR LF and CR: the files, and TextWizard's two contestants on each."""
+    files: list
+    runs: list
+
+    NAMES = ("LF", "CR LF", "CR")
 
 
 def is_peer(contestant):
@@ -146,12 +157,39 @@ def goals(measured):
     return rows
 
 
-def markdown(options, threads, measured):
+def line_end_share(contestant, lf):
+    """Least against least: what disturbs a machine only ever adds to a time."""
+    return min(contestant.seconds) / min(lf.seconds)
+
+
+def line_ends_section(each):
+    rows = []
+    for name, two in zip(each.NAMES, each.runs):
+        for lf, c in zip(each.runs[0], two):
+            rows.append([name, c.mode, f"{median(c):.3f}",
+                         f"{min(c.seconds):.3f} to {max(c.seconds):.3f}",
+                         f"{line_end_share(c, lf):.2f}", ""])
+    file = each.files[0]
+    return (f"### Line ends: {file.kind}, {file.rows:,} rows of {file.columns:,} columns\n\n"
+            + table(["Line end", "Types", "Seconds", "Least to most", "Of LF", ""], rows))
+
+
+def line_end_goals(each):
+    return [[f"{each.files[0].kind}, {'declared' if c.mode == 'declared' else 'AUTO'}, lines that end "
+             f"with {name}: time of those with LF", f"at most {LINE_END_SHARE:.2f}",
+             f"{line_end_share(c, lf):.2f}", met(line_end_share(c, lf) <= LINE_END_SHARE)]
+            for name, two in list(zip(each.NAMES, each.runs))[1:]
+            for lf, c in zip(each.runs[0], two)]
+
+
+def markdown(options, threads, measured, line_ends):
     lines = [f"Made by `make bench ROUNDS={options.rounds} MEGABYTES={options.megabytes}`; seconds "
              f"are medians of {options.rounds} rounds.", "", *machine(threads, measured), ""]
     lines += [file_section(each) for each in measured]
+    lines += [line_ends_section(each) for each in line_ends]
     lines += ["### Goals", "", table(["Goal", "Limit", "Measured", ""],
-                                     [row for each in measured for row in goals(each)])]
+                                     [row for each in measured for row in goals(each)]
+                                     + [row for each in line_ends for row in line_end_goals(each)])]
     return "\n".join(lines)
 
 

@@ -1,7 +1,7 @@
 """Whole imports against the floor and against other readers, on generated files.
 
     python3 run_benchmarks.py --bin FOLDER [--rounds N] [--megabytes N] [--kinds KIND,...]
-                              [--longest SECONDS] --report FILE
+                              [--line-ends KIND,...] [--longest SECONDS] --report FILE
 
 Every contestant reads every file once a round, one after the other, so that what disturbs the
 machine disturbs all of them. All must agree on the rows and on a checksum of the first column;
@@ -95,13 +95,17 @@ def check(file, who, rows, checksum):
                  f"which has {file.rows} and {file.checksum:.0f}")
 
 
-def generate(options, kind, megabytes):
+def generate(options, kind, megabytes, same_rows=None):
+    """The file, which has the rows of `same_rows` if that is given: lines that Python does not see."""
     folder = options.bin.parent / "data" / str(megabytes)
     folder.mkdir(parents=True, exist_ok=True)
     run([options.bin / "generate_data", kind, megabytes, SEED, folder])
     file = DataFile(kind, folder / f"{kind}.csv")
     types = file.path.with_suffix(".types").read_text().split()
     file.columns, file.text_columns = len(types), types.count("text")
+    if same_rows:
+        file.rows, file.checksum = same_rows.rows, same_rows.checksum
+        return file
     with open(file.path, "rb") as lines:
         file.rows, file.checksum = sum_first_column(lines, types[0] == "text")
     return file
@@ -123,12 +127,17 @@ def check_cases(options, file):
             sys.exit(f"{command.name} made {types.count('string')} strings, not {file.text_columns}")
 
 
-def contestants(options, file, small):
-    """The contestants on `file`, and TextWizard's two on `small`."""
-    def ours(of, ending):
-        command = of.path.with_name(of.kind + ending)
-        return [options.bin / "textwizard", "run", "--quiet", "--stats", "--show", "0", command]
+def ours(options, file):
+    """TextWizard's two contestants on `file`."""
+    def command(ending):
+        return [options.bin / "textwizard", "run", "--quiet", "--stats", "--show", "0",
+                file.path.with_name(file.kind + ending)]
 
+    return [Contestant("TextWizard", "declared", command(".sps")),
+            Contestant("TextWizard", "whole", command("-auto.sps"))]
+
+
+def contestants(options, file):
     def peer(name, *command):
         mode = command[-1]
         return Contestant(name, mode, [*command[:-2], PEERS / command[-2], file.path, mode, THREADS])
@@ -136,8 +145,7 @@ def contestants(options, file, small):
     r = ("Rscript", "--vanilla")
     return [
         Contestant("floor", "", [options.bin / "floor", file.path]),
-        Contestant("TextWizard", "declared", ours(file, ".sps")),
-        Contestant("TextWizard", "whole", ours(file, "-auto.sps")),
+        *ours(options, file),
         peer("DuckDB", "node", "duckdb.mjs", "declared"),
         peer("DuckDB", "node", "duckdb.mjs", "sampled"),
         peer("DuckDB", "node", "duckdb.mjs", "whole"),
@@ -148,9 +156,6 @@ def contestants(options, file, small):
         peer("vroom", *r, "vroom.R", "declared"),
         peer("vroom", *r, "vroom.R", "sampled"),
         peer("pandas", "/usr/bin/python3", "read_pandas.py", "declared"),
-    ], [
-        Contestant("TextWizard", "declared", ours(small, ".sps")),
-        Contestant("TextWizard", "whole", ours(small, "-auto.sps")),
     ]
 
 
@@ -183,7 +188,7 @@ def take_turn(contestant, file, longest):
         contestant.text_columns = said["text"]
         contestant.version = said["version"]
     contestant.peak = max(contestant.peak, peak)
-    print(f"{file.kind:8} {who:20} {contestant.seconds[-1]:8.3f} s {peak / 2**20:6.0f} MiB",
+    print(f"{file.kind:10} {who:20} {contestant.seconds[-1]:8.3f} s {peak / 2**20:6.0f} MiB",
           file=sys.stderr)
 
 
@@ -192,7 +197,7 @@ def measure(options, kind):
     small = generate(options, kind, max(options.megabytes // 10, 1))
     for each in (file, small):
         check_cases(options, each)
-    large_runs, small_runs = contestants(options, file, small)
+    large_runs, small_runs = contestants(options, file), ours(options, small)
     for _ in range(options.rounds):
         for contestant in large_runs:
             take_turn(contestant, file, options.longest)
@@ -201,18 +206,36 @@ def measure(options, kind):
     return report.Measured(file, large_runs, small, small_runs)
 
 
+def measure_line_ends(options, kind):
+    """The same rows with every line end, read in turn."""
+    files = [generate(options, kind, options.megabytes)]
+    files += [generate(options, kind + ending, options.megabytes, files[0])
+              for ending in ("-crlf", "-cr")]
+    for file in files:
+        check_cases(options, file)
+    runs = [ours(options, file) for file in files]
+    for _ in range(options.rounds * SMALL_RUNS):
+        for file, two in zip(files, runs):
+            for contestant in two:
+                take_turn(contestant, file, options.longest)
+    return report.LineEnds(files, runs)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--bin", type=pathlib.Path, required=True, help="folder of the programs")
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--megabytes", type=int, default=200, help="size of every file")
     parser.add_argument("--kinds", default="mixed,numeric,strings,wide")
+    parser.add_argument("--line-ends", default="short,mixed",
+                        help="kinds that are also read with CR LF and CR")
     parser.add_argument("--longest", type=int, default=900,
                         help="seconds after which a reader is left out")
     parser.add_argument("--report", type=pathlib.Path, required=True)
     options = parser.parse_args()
-    measured = [measure(options, kind) for kind in options.kinds.split(",")]
-    text = report.markdown(options, THREADS, measured)
+    measured = [measure(options, kind) for kind in options.kinds.split(",") if kind]
+    line_ends = [measure_line_ends(options, kind) for kind in options.line_ends.split(",") if kind]
+    text = report.markdown(options, THREADS, measured, line_ends)
     print(text)
     report.write(options.report, text)
 
