@@ -2,6 +2,9 @@
 // and variables told by a name, a type word and a length, one piece after another.
 #include "command/TxtWzParser.h"
 #include "model/FormatTable.h"
+#include "plan/TxtWzDlmCount.h"
+#include "plan/TxtWzDlmLines.h"
+#include "plan/TxtWzFixedLines.h"
 
 namespace textwizard {
 namespace {

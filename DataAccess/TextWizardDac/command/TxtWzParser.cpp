@@ -1,5 +1,8 @@
 #include "command/TxtWzParser.h"
 
+#include "plan/TxtWzDlmCount.h"
+#include "plan/TxtWzDlmLines.h"
+#include "plan/TxtWzFixedLines.h"
 #include "reading/FieldRules.h"
 
 namespace textwizard {

@@ -5,6 +5,9 @@
 
 #include "command/testing/CommandTesting.h"
 #include "model/FormatCode.h"
+#include "plan/TxtWzDlmCount.h"
+#include "plan/TxtWzDlmLines.h"
+#include "plan/TxtWzFixedLines.h"
 
 namespace textwizard {
 namespace {

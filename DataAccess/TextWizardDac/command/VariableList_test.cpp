@@ -3,6 +3,7 @@
 
 #include "command/testing/CommandTesting.h"
 #include "model/FormatCode.h"
+#include "plan/TxtWzDlmLines.h"
 
 namespace textwizard {
 namespace {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "detection/BlankTrim.h"
+#include "detection/VariableWidening.h"
 #include "model/FormatCode.h"
 
 namespace textwizard {

@@ -1,5 +1,5 @@
 // The tests that sort one field text into number, date or time, dollar amount, percentage, and
-// comma- or dot-grouped number, and the rule by which a value widens a variable.
+// comma- or dot-grouped number.
 #pragma once
 
 #include <array>
@@ -16,31 +16,8 @@
 #include "detection/RegExMappings.h"
 #include "detection/UnicodeText.h"
 #include "model/ImportSettings.h"
-#include "model/TxtWzVar.h"
 
 namespace textwizard {
-
-// Blanks (character 32) are all that is ever trimmed.
-std::string_view TrimLeft(std::string_view text);
-std::string_view TrimRight(std::string_view text);
-// Whether nothing but blanks is there.
-bool IsBlank(std::string_view text);
-// Offset of the last character of `text` that is one of `set`, or npos.
-std::size_t LastOf(std::string_view text, std::string_view set);
-
-// A text length as a width; a longer one than a width can hold counts as the largest.
-std::uint32_t AsWidth(std::size_t length);
-
-// Widens `variable` for a number written as `value`, whose fraction starts after the last of
-// `decimalCharacters`. With fixed columns the width becomes the value's length, blanks included;
-// else it only grows.
-void UpdateVarSizes(TxtWzVar& variable, std::string_view value, std::string_view decimalCharacters,
-                    Arrangement arrangement);
-
-// The same for a value of `length` bytes, without blanks to trim, whose fraction starts after the
-// offset `point` (npos: none).
-void UpdateVarSizes(TxtWzVar& variable, std::size_t length, std::size_t point,
-                    Arrangement arrangement);
 
 // Every number form has a pattern of its own in the table.
 enum class NumberForm { kPercentage, kDollar, kComma, kDot };

@@ -6,7 +6,6 @@
 
 #include "HostFramework/embedded/text/testing/TextTest.h"
 #include "detection/testing/TestLocale.h"
-#include "plan/TxtWzExecFile.h"
 
 namespace textwizard {
 namespace {
@@ -227,129 +226,6 @@ TEST(ValueClassifier, ASwappedDecimalCharacterIsReadAsTheOtherOne) {
   ValueClassifier german(table, kDelimitedLines);
   EXPECT_TRUE(german.IsNumericSwapped("1.5", '.'));
   EXPECT_FALSE(german.IsNumeric("1.5"));
-}
-
-TEST(ValueClassifier, TrimmingTakesBlanksOnly) {
-  EXPECT_EQ(TrimLeft("  a b "), "a b ");
-  EXPECT_EQ(TrimRight(" a b  "), " a b");
-  EXPECT_EQ(TrimLeft("\ta"), "\ta");
-  EXPECT_EQ(TrimRight("a\n"), "a\n");
-  EXPECT_TRUE(IsBlank("   "));
-  EXPECT_TRUE(IsBlank(""));
-  EXPECT_FALSE(IsBlank(" \t"));
-}
-
-TxtWzVar Sized(std::uint32_t width, std::int32_t decimals) {
-  TxtWzVar variable;
-  variable.width = width;
-  variable.decimals = decimals;
-  return variable;
-}
-
-TEST(UpdateVarSizes, ANumberThatBeginsWithItsPointIsOneShorter) {
-  TxtWzVar variable;
-  UpdateVarSizes(variable, ".5", ".,", kDelimitedLines);
-  EXPECT_EQ(variable.width, 1u);
-  EXPECT_EQ(variable.decimals, 1);
-}
-
-TEST(UpdateVarSizes, MoreDecimalsWidenByTheDifference) {
-  TxtWzVar variable = Sized(8, 2);
-  UpdateVarSizes(variable, "123.456", ".,", kDelimitedLines);
-  EXPECT_EQ(variable.decimals, 3);
-  EXPECT_EQ(variable.width, 9u);
-}
-
-TEST(UpdateVarSizes, NoMoreDecimalsChangeNothing) {
-  for (const char* value : {"1.5", "1.55"}) {
-    TxtWzVar variable = Sized(50, 2);
-    UpdateVarSizes(variable, value, ".,", kDelimitedLines);
-    EXPECT_EQ(variable.decimals, 2) << value;
-    EXPECT_EQ(variable.width, 50u) << value;
-  }
-}
-
-TEST(UpdateVarSizes, MoreDecimalsTakeAWidthAbove40BackTo40) {
-  TxtWzVar variable = Sized(50, 2);
-  UpdateVarSizes(variable, "1.555", ".,", kDelimitedLines);
-  EXPECT_EQ(variable.decimals, 3);
-  EXPECT_EQ(variable.width, 40u);
-}
-
-TEST(UpdateVarSizes, DecimalsWidenTo40AtMostAndLengthWithoutBound) {
-  TxtWzVar variable = Sized(30, 2);
-  UpdateVarSizes(variable, "1." + std::string(25, '5'), ".,", kDelimitedLines);
-  EXPECT_EQ(variable.decimals, 25);
-  EXPECT_EQ(variable.width, 40u);
-  UpdateVarSizes(variable, std::string(50, '7'), ".,", kDelimitedLines);
-  EXPECT_EQ(variable.width, 50u);
-}
-
-TEST(UpdateVarSizes, TheLastOfTheDecimalCharactersCounts) {
-  TxtWzVar variable;
-  UpdateVarSizes(variable, "1,234,5", ".,", kDelimitedLines);
-  EXPECT_EQ(variable.decimals, 1);
-  variable = Sized(0, 0);
-  UpdateVarSizes(variable, "$1,234.56", ".", kDelimitedLines);
-  EXPECT_EQ(variable.decimals, 2);
-  EXPECT_EQ(variable.width, 9u);
-  variable = Sized(0, 0);
-  UpdateVarSizes(variable, "1.234,567", ",", kDelimitedLines);
-  EXPECT_EQ(variable.decimals, 3);
-}
-
-TEST(UpdateVarSizes, OneCasePerLineTrimsBlanksAndTheOthersKeepThem) {
-  TxtWzVar variable;
-  UpdateVarSizes(variable, "  1.5  ", ".,", kDelimitedLines);
-  EXPECT_EQ(variable.width, 3u);
-  EXPECT_EQ(variable.decimals, 1);
-  variable = Sized(0, 0);
-  UpdateVarSizes(variable, "  1.5  ", ".,", kDelimitedCount);
-  EXPECT_EQ(variable.width, 7u);
-  EXPECT_EQ(variable.decimals, 3);
-}
-
-TEST(UpdateVarSizes, InColumnsTheWidthBecomesTheLength) {
-  TxtWzVar variable = Sized(8, 0);
-  UpdateVarSizes(variable, "12", ".,", kFixedColumns);
-  EXPECT_EQ(variable.width, 2u);
-  UpdateVarSizes(variable, "  1.25", ".,", kFixedColumns);
-  EXPECT_EQ(variable.width, 6u);
-  EXPECT_EQ(variable.decimals, 2);
-}
-
-// The plan offers the tests under their own names.
-TEST(PlanClassification, AnswersForThePlan) {
-  TxtWzDlmLines plan;
-  // The caller's text stays as it is.
-  std::string value = "  a  ";
-  EXPECT_EQ(TxtWzExecFile::TrimLeft(value), "a  ");
-  EXPECT_EQ(TxtWzExecFile::TrimRight(value), "  a");
-  EXPECT_EQ(value, "  a  ");
-  EXPECT_TRUE(TxtWzExecFile::IsEmptyString("   "));
-  EXPECT_FALSE(TxtWzExecFile::IsEmptyString(" x "));
-  EXPECT_TRUE(plan.IsNumeric("12,"));
-  EXPECT_FALSE(plan.IsNumeric("1,2,x"));
-  EXPECT_TRUE(plan.IsPercentage("5%"));
-  EXPECT_TRUE(plan.IsDollar("$5"));
-  EXPECT_TRUE(plan.IsComma("1,000"));
-  EXPECT_TRUE(plan.IsDot("1.000"));
-  EXPECT_FALSE(plan.IsDollar("5"));
-  EXPECT_EQ(plan.IsDateTime("01-JAN-2020"), 1000);
-  EXPECT_EQ(plan.IsDateTime("01-jan-2020"), 1000);
-  EXPECT_EQ(plan.IsDateTime(" 01-jan-2020"), 0);
-  EXPECT_EQ(TxtWzFixedLines().IsDateTime(" 01-jan-2020"), 1000);
-
-  auto variable = std::make_unique<TxtWzVar>();
-  variable->width = 8;
-  variable->decimals = 2;
-  variable->SetVarName("x");
-  plan.AddVariable(std::move(variable));
-  plan.SetVarCount(1);
-  plan.UpdateVarSizes(0, "123.456", ".,");
-  EXPECT_EQ(plan.slots()[0]->width, 9u);
-  EXPECT_EQ(plan.slots()[0]->decimals, 3);
-  plan.UpdateVarSizes(1, "1", ".,");
 }
 
 }  // namespace

@@ -11,7 +11,9 @@
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "model/FormatCode.h"
-#include "plan/TxtWzExecFile.h"
+#include "plan/TxtWzDlmCount.h"
+#include "plan/TxtWzDlmLines.h"
+#include "plan/TxtWzFixedLines.h"
 #include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {

@@ -3,8 +3,10 @@
 #include <string>
 #include <string_view>
 
+#include "detection/BlankTrim.h"
 #include "detection/NumericRule.h"
 #include "detection/ValueClassifier.h"
+#include "detection/VariableWidening.h"
 #include "plan/TxtWzExecFile.h"
 
 namespace textwizard {

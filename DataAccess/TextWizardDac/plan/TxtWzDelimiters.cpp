@@ -1,15 +1,12 @@
+#include "plan/TxtWzDelimiters.h"
+
 #include <cstring>
 
 #include "HostFramework/Text.h"
-#include "plan/TxtWzExecFile.h"
 #include "reading/FieldRules.h"
 #include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
-TxtWzDlmLines::TxtWzDlmLines() { settings.arrangement = kDelimitedLines; }
-
-TxtWzDlmCount::TxtWzDlmCount() { settings.arrangement = kDelimitedCount; }
-
 void TxtWzDelimiters::SetDelimiters(const char* delimiters) {
   if (delimitersSet_) return;
   delimitersSet_ = true;

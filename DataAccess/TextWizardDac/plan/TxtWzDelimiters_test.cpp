@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "HostFramework/embedded/text/HostText.h"
-#include "plan/TxtWzExecFile.h"
+#include "plan/TxtWzDlmLines.h"
 
 namespace textwizard {
 namespace {

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,35 +16,11 @@
 #include "model/ImportSettings.h"
 #include "model/TwExecInput.h"
 #include "model/TxtWzVar.h"
+#include "plan/TxtWzFile.h"
 
 namespace textwizard {
 
 class QANT_TextWizardSrc;
-
-// A small reader of text files, line by line.
-class TxtWzFile {
- public:
-  TxtWzFile();
-  TxtWzFile(const TxtWzFile&) = delete;
-  TxtWzFile& operator=(const TxtWzFile&) = delete;
-  virtual ~TxtWzFile();
-
-  // Opens `name` for reading; false when a file is open already or it cannot be opened.
-  bool OpenFile(const char* name);
-  // Points *line at the next line (at most 4,097 bytes with its line end), valid until the next
-  // call; false at the end.
-  bool GetLine(char** line);
-  // Moves to the start; false without a file.
-  bool SeekBegin();
-  // 1 when a file was open, else 0.
-  int CloseFile();
-
- private:
-  static constexpr int kLineBufferSize = 4098;
-  std::unique_ptr<char[]> lineBuffer_;
-  FILE* file_ = nullptr;
-  std::string fileName_;
-};
 
 class TxtWzExecFile : public TxtWzFile {
  public:
@@ -73,7 +48,8 @@ class TxtWzExecFile : public TxtWzFile {
   // The slots; the plan keeps ownership of the variables.
   const std::vector<TxtWzVar*>& slots() const { return slots_; }
 
-  // The rule of IMPORTCASE for a caller that samples cases itself.
+  // The rule of IMPORTCASE, for a host that picks cases by the plan itself; iterators keep the
+  // limit on their own and leave the random share to whoever reads them.
   void StartSampling();
   bool MoreCases();
   bool SampleCase();
@@ -84,7 +60,8 @@ class TxtWzExecFile : public TxtWzFile {
   // reading the file fails.
   int SetDictionary(QANT_DataSource* source);
 
-  // Classification of one value; none changes it.
+  // Classification of one value, for a host that asks the plan about a text of its own; detection
+  // itself goes by DetectionCounters. None changes the value.
   // The value without the blanks (no other white space) of one side.
   static std::string TrimLeft(const std::string& value);
   static std::string TrimRight(const std::string& value);
@@ -121,41 +98,6 @@ class TxtWzExecFile : public TxtWzFile {
   std::unordered_map<std::string_view, std::uint32_t> upperNameIndex_;
   std::int64_t caseCounter_ = 0;
   RegExMappings patterns_;
-};
-
-class TxtWzDelimiters : public TxtWzExecFile {
- public:
-  // Keeps a copy of the delimiter characters on the first call; later calls change nothing.
-  void SetDelimiters(const char* delimiters);
-  int SetDataSource(QANT_TextWizardSrc* source) override;
-  // Cuts the next field at *cursor into `out` (room for the rest of the text and a NUL) and moves
-  // the cursor past it and its delimiter; a simple cut without qualifier. False, with an empty
-  // field, at the end of the text and where only blanks that are delimiters are left.
-  bool GetNextVar(char* out, char** cursor);
-
- private:
-  bool delimitersSet_ = false;
-  bool lastWasDelimiter_ = false;
-};
-
-class TxtWzDlmLines : public TxtWzDelimiters {
- public:
-  TxtWzDlmLines();
-};
-
-class TxtWzDlmCount : public TxtWzDelimiters {
- public:
-  TxtWzDlmCount();
-};
-
-class TxtWzFixedLines : public TxtWzExecFile {
- public:
-  TxtWzFixedLines();
-  int SetDataSource(QANT_TextWizardSrc* source) override;
-  // Copies the field of `variable` out of `record` (NUL-terminated) into `out` (room for the
-  // record's text and a NUL), whole characters only; false, with an empty field, when the record is
-  // null or ends before the field's start.
-  bool GetVarBuffer(char* out, const TxtWzVar* variable, const char* record) const;
 };
 
 }  // namespace textwizard

@@ -9,6 +9,9 @@
 #include <fstream>
 
 #include "model/FormatCode.h"
+#include "plan/TxtWzDlmCount.h"
+#include "plan/TxtWzDlmLines.h"
+#include "plan/TxtWzFixedLines.h"
 #include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
@@ -220,45 +223,6 @@ TEST(SetDataSource, GivesWhatOnlyTheArrangementHas) {
   EXPECT_EQ(fixed.SetDataSource(&source), 1);
   EXPECT_EQ(source.settings().recordsPerCase, 4u);
   EXPECT_EQ(source.settings().delimiters, ";\t");
-}
-
-TEST(PlanFile, IsReadLineByLine) {
-  const TestFile file("first\nsecond");
-  TxtWzFile reader;
-  char* line = nullptr;
-  EXPECT_FALSE(reader.GetLine(&line));
-  EXPECT_FALSE(reader.SeekBegin());
-  EXPECT_EQ(reader.CloseFile(), 0);
-  ASSERT_TRUE(reader.OpenFile(file.path()));
-  EXPECT_FALSE(reader.OpenFile(file.path())) << "one at a time";
-  ASSERT_TRUE(reader.GetLine(&line));
-  EXPECT_STREQ(line, "first\n");
-  ASSERT_TRUE(reader.GetLine(&line));
-  EXPECT_STREQ(line, "second");
-  EXPECT_FALSE(reader.GetLine(&line));
-  ASSERT_TRUE(reader.SeekBegin());
-  ASSERT_TRUE(reader.GetLine(&line));
-  EXPECT_STREQ(line, "first\n");
-  EXPECT_EQ(reader.CloseFile(), 1);
-  EXPECT_EQ(reader.CloseFile(), 0);
-  EXPECT_TRUE(reader.OpenFile(file.path()));
-}
-
-TEST(PlanFile, ALongLineComesInPieces) {
-  const TestFile file(std::string(5000, 'x') + "\n");
-  TxtWzFile reader;
-  ASSERT_TRUE(reader.OpenFile(file.path()));
-  char* line = nullptr;
-  ASSERT_TRUE(reader.GetLine(&line));
-  EXPECT_EQ(line, std::string(4097, 'x'));
-  ASSERT_TRUE(reader.GetLine(&line));
-  EXPECT_EQ(line, std::string(903, 'x') + "\n");
-}
-
-TEST(PlanFile, OneThatIsNotThere) {
-  TxtWzFile reader;
-  EXPECT_FALSE(reader.OpenFile("/no/such/folder/data.txt"));
-  EXPECT_EQ(reader.CloseFile(), 0);
 }
 
 }  // namespace

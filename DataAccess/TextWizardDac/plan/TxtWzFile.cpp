@@ -1,5 +1,6 @@
+#include "plan/TxtWzFile.h"
+
 #include "HostFramework/Text.h"
-#include "plan/TxtWzExecFile.h"
 
 namespace textwizard {
 

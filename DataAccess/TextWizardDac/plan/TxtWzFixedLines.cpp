@@ -1,5 +1,6 @@
+#include "plan/TxtWzFixedLines.h"
+
 #include "HostFramework/Text.h"
-#include "plan/TxtWzExecFile.h"
 #include "reading/FixedFields.h"
 #include "source/QANT_TextWizardSrc.h"
 

@@ -1,9 +1,10 @@
 // The plan's own cut of a record into fields of fixed columns.
+#include "plan/TxtWzFixedLines.h"
+
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/text/HostText.h"
 #include "model/FormatCode.h"
-#include "plan/TxtWzExecFile.h"
 
 namespace textwizard {
 namespace {

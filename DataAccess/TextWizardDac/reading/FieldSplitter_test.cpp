@@ -156,29 +156,6 @@ TEST(FieldSplitter, ADelimiterThatIsTheQualifierCuts) {
 TEST(FieldSplitter, KeepsAtMostTenDelimiters) {
   EXPECT_EQ(Fields("0a1b2c3d4e5f6g7h8i9j0k1", "abcdefghijk"),
             (Strings{"0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "0k1"}));
-  FieldRules rules;
-  EXPECT_EQ(rules.SetWideDelimiters("abcdefghijk"), 10);
-  EXPECT_TRUE(rules.IsDelimiter('j'));
-  EXPECT_FALSE(rules.IsDelimiter('k'));
-  EXPECT_EQ(rules.SetWideDelimiters(nullptr), 0);
-  EXPECT_FALSE(rules.IsDelimiter('a'));
-}
-
-TEST(FieldSplitter, BytesThatAreNoCharacterEndTheDelimiters) {
-  FieldRules rules;
-  EXPECT_EQ(rules.SetWideDelimiters("a\xFFz"), 2);
-  EXPECT_TRUE(rules.IsDelimiter('a'));
-  EXPECT_FALSE(rules.IsDelimiter('z'));
-  EXPECT_FALSE(rules.IsDelimiter(0));
-}
-
-TEST(FieldSplitter, WithoutAQualifierNothingIsOne) {
-  const FieldRules rules(Settings(",", nullptr, kNone));
-  EXPECT_FALSE(rules.IsQualifier(0));
-  EXPECT_FALSE(rules.IsQualifier('"'));
-  const FieldRules quoted(Settings(",", "\"", kNone));
-  EXPECT_TRUE(quoted.IsQualifier('"'));
-  EXPECT_FALSE(quoted.IsQualifier(0));
 }
 
 TEST(FieldSplitter, CharactersBeyondAsciiCutAndQualify) {
