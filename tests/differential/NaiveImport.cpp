@@ -212,8 +212,8 @@ class Reader {
     const bool blankCuts = IsDelimiter(U' ');
     int state = 0;
     bool ended = false;
-    // Bytes of the character appended last.
-    std::size_t lastLength = 0;
+    // Bytes of each character of the field.
+    std::vector<std::size_t> lengths;
     while (!ended && cursor < record_.size()) {
       char32_t c = 0;
       std::size_t length = host_.Decode(record_, cursor, &c);
@@ -248,7 +248,10 @@ class Reader {
           } else if (IsDelimiter(c)) {
             ended = true;
           } else if (IsQualifier(c)) {
-            if (!field.empty() && field.front() == ' ') field.resize(field.size() - lastLength);
+            if (!field.empty() && field.front() == ' ') {
+              field.resize(field.size() - lengths.back());
+              lengths.pop_back();
+            }
             state = 2;
           } else {
             field += bytes;
@@ -271,7 +274,7 @@ class Reader {
             state = 1;
           }
       }
-      if (field.size() > before) lastLength = field.size() - before;
+      if (field.size() > before) lengths.push_back(field.size() - before);
     }
     if (settings_.leadingSpaces) field = LeadingBlanksRemoved(field);
     if (settings_.multipleSpaces && blankCuts) {
