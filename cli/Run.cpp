@@ -29,12 +29,12 @@ namespace {
 bool SetHost(const RunOptions& options, std::string* error) {
   const bool utf8 = options.codePage.empty();
   if (!embedded::SetCodePage(utf8 ? nullptr : options.codePage.c_str())) {
-    *error = "--code-page: unknown code page " + options.codePage;
+    *error = "--code-page: " + embedded::CodePageRefusal(options.codePage);
     return false;
   }
   if (!options.localeCodePage.empty() &&
       !embedded::SetLocaleCodePage(options.localeCodePage.c_str())) {
-    *error = "--locale-code-page: unknown code page " + options.localeCodePage;
+    *error = "--locale-code-page: " + embedded::CodePageRefusal(options.localeCodePage);
     return false;
   }
   if (options.decimalComma) {

@@ -81,6 +81,10 @@ TEST_F(RunHost, UnknownCodePagesAreWrongUsage) {
   const Ended page = Quiet(Import("s.csv", "a A1"), {"--code-page", "no-such-page"});
   EXPECT_EQ(page.status, 2);
   EXPECT_EQ(page.err, "error: --code-page: unknown code page no-such-page\n");
+  const Ended near = Quiet(Import("s.csv", "a A1"), {"--code-page", "widnows-1252"});
+  EXPECT_EQ(near.status, 2);
+  EXPECT_EQ(near.err,
+            "error: --code-page: unknown code page widnows-1252; near ones: windows-1252\n");
   const Ended locale = Quiet(Import("s.csv", "a A1"), {"--locale-code-page", "no-such-page"});
   EXPECT_EQ(locale.status, 2);
   EXPECT_EQ(locale.err, "error: --locale-code-page: unknown code page no-such-page\n");

@@ -9,6 +9,8 @@
 
 #include <unicode/uniset.h>
 
+#include "HostFramework/embedded/text/CodePageNames.h"
+
 namespace embedded {
 namespace {
 
@@ -48,6 +50,13 @@ const CodePage& CodePage::Utf8() {
 }
 
 const CodePage* CodePage::Find(const char* name) {
+  for (const std::string& candidate : CodePageCandidates(name)) {
+    if (const CodePage* page = Open(candidate.c_str())) return page;
+  }
+  return nullptr;
+}
+
+const CodePage* CodePage::Open(const char* name) {
   static std::mutex mutex;
   static auto* const pages = new std::map<std::string, std::unique_ptr<const CodePage>>();
 

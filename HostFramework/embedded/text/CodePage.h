@@ -19,8 +19,9 @@ namespace embedded {
 class CodePage {
  public:
   static const CodePage& Utf8();
-  // The page that ICU knows under this name. Null for an unknown name and a page that is not a
-  // stateless superset of ASCII. Throws std::bad_alloc. Takes a lock; any thread.
+  // The page of that name, or of one that people use it for (see CodePageCandidates). Null for an
+  // unknown name and a page that is not a stateless superset of ASCII. Throws std::bad_alloc. Takes
+  // a lock; any thread.
   static const CodePage* Find(const char* name);
 
   CodePage(const CodePage&) = delete;
@@ -59,6 +60,9 @@ class CodePage {
 
   CodePage() : name_("UTF-8"), kind_(Kind::kUtf8) {}
   explicit CodePage(IcuConverter& icu);
+
+  // The page that ICU has under exactly this name, as Find.
+  static const CodePage* Open(const char* name);
 
   static char32_t Entry(const Character& character);
   Character DecodeByTable(const char* text, std::size_t available) const {

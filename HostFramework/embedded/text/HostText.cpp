@@ -5,6 +5,8 @@
 #include <langinfo.h>
 
 #include "HostFramework/Text.h"
+#include "HostFramework/embedded/text/CodePageNames.h"
+#include "HostFramework/embedded/text/IcuConverter.h"
 #include "HostFramework/embedded/text/Settings.h"
 
 namespace embedded {
@@ -38,6 +40,21 @@ bool SetLocaleCodePage(const char* name) {
   if (name != nullptr && page == nullptr) return false;
   localePage.store(page, std::memory_order_release);
   return true;
+}
+
+std::string CodePageRefusal(const std::string& name) {
+  constexpr std::size_t kMostNames = 3;
+  if (const IcuConverter known(name.c_str()); known.IsOpen()) {
+    return "code page " + name +
+           " cannot be worked in: it has shift states or is no superset of ASCII";
+  }
+  std::string text = "unknown code page " + name;
+  const char* before = "; near ones: ";
+  for (const std::string& near : NearCodePages(name, kMostNames)) {
+    text += before + near;
+    before = ", ";
+  }
+  return text;
 }
 
 const CodePage& HostPage() { return Decided(hostPage); }

@@ -6,11 +6,18 @@
 #include <thread>
 #include <vector>
 
+#include <gmock/gmock.h>
+#include <unicode/ucnv.h>
+
 #include "HostFramework/Text.h"
 #include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace embedded {
 namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
 
 // The defaults are decided once in a process, so these run in processes of their own.
 class HostTextDefault : public testing::Test {
@@ -88,6 +95,75 @@ TEST(HostText, PagesThatHostTextCanBeIn) {
                            "EUC-JP", "GB18030", "cp437", "ISO-8859-15", "UTF-8"}) {
     EXPECT_TRUE(SetCodePage(name)) << name;
     EXPECT_TRUE(SetLocaleCodePage(name)) << name;
+  }
+}
+
+TEST(HostText, PagesByTheNamesInCommonUse) {
+  const InCodePage restored(nullptr);
+  struct Case {
+    const char* name;
+    std::string_view bytes;
+    const char* utf8;
+  };
+  for (const Case& tried : {Case{"cp949", "\\\x81\x41", "\\\uAC02"},
+                            Case{"949", "\x81\x41", "\uAC02"},
+                            Case{"uhc", "\x81\x41", "\uAC02"},
+                            Case{"UHC", "\x81\x41", "\uAC02"},
+                            Case{"ks_c_5601-1987", "\xB0\xA1", "\uAC00"},
+                            Case{"ibm-943", "\\\x82\xA0", "\\\u3042"},
+                            Case{"win1252", "\x80", "\u20AC"},
+                            Case{"win-1252", "\x80", "\u20AC"},
+                            Case{"1252", "\x80", "\u20AC"},
+                            Case{"cp-1252", "\x80", "\u20AC"},
+                            Case{"CP1257", "\xE0", "\u0105"},
+                            Case{"936", "\xB0\xA1", "\u554A"},
+                            Case{"cp932", "\x87\x40", "\u2460"},
+                            Case{"dos-850", "\x9B", "\u00F8"},
+                            Case{"oem437", "\x81", "\u00FC"},
+                            Case{"latin", "\xE9", "\u00E9"},
+                            Case{"latin-1", "\xE9", "\u00E9"},
+                            Case{"l1", "\xE9", "\u00E9"},
+                            Case{"latin7", "\xE0", "\u0105"},
+                            Case{"koi", "\xC1", "\u0430"},
+                            Case{"thai", "\xA1", "\u0E01"},
+                            Case{"chinese", "\xB0\xA1", "\u554A"},
+                            Case{"gb_2312-80", "\xB0\xA1", "\u554A"},
+                            Case{"866", "\x80", "\u0410"}}) {
+    ASSERT_TRUE(SetLocaleCodePage(tried.name)) << tried.name;
+    EXPECT_EQ(LocaleToU8(tried.bytes), tried.utf8) << tried.name;
+  }
+}
+
+// Whatever ICU calls a page that host text can be in, so may a command.
+TEST(HostText, EveryNameThatIcuHasForAPageItCanBeIn) {
+  const InCodePage restored(nullptr);
+  int names = 0;
+  for (std::int32_t i = 0; i < ucnv_countAvailable(); ++i) {
+    const char* page = ucnv_getAvailableName(i);
+    if (!SetLocaleCodePage(page)) continue;
+    UErrorCode error = U_ZERO_ERROR;
+    const std::uint16_t count = ucnv_countAliases(page, &error);
+    for (std::uint16_t alias = 0; alias < count; ++alias, ++names) {
+      EXPECT_TRUE(SetLocaleCodePage(ucnv_getAlias(page, alias, &error))) << page << ' ' << alias;
+    }
+  }
+  EXPECT_GT(names, 300);
+}
+
+TEST(HostText, ARefusalNamesWhatMayBeMeant) {
+  EXPECT_EQ(CodePageRefusal("no-such-page"), "unknown code page no-such-page");
+  EXPECT_EQ(CodePageRefusal(""), "unknown code page ");
+  EXPECT_EQ(CodePageRefusal("latni1"), "unknown code page latni1; near ones: latin1");
+  EXPECT_THAT(CodePageRefusal("windows1522"), EndsWith("; near ones: windows-1252"));
+  EXPECT_THAT(CodePageRefusal("Shift_JS"), HasSubstr("Shift_JIS"));
+  EXPECT_THAT(CodePageRefusal("koi8-x"), HasSubstr("KOI8-R"));
+  EXPECT_THAT(CodePageRefusal("utf-9"), HasSubstr("UTF-8"));
+  // What is not to be had is not offered.
+  EXPECT_THAT(CodePageRefusal("utf-61"), Not(HasSubstr("UTF-16")));
+  for (const char* page : {"UTF-16LE", "ISO-2022-JP", "ibm-37"}) {
+    EXPECT_EQ(CodePageRefusal(page),
+              "code page " + std::string(page) +
+                  " cannot be worked in: it has shift states or is no superset of ASCII");
   }
 }
 
