@@ -46,7 +46,8 @@ bench: bench-build
 bench-units: bench-build
 	@for program in build/bench/bin/*_benchmarks; do echo "== $${program##*/}"; $$program || exit 1; done
 
-bench-build: setup
+bench-build:
+	@tools/install-packages bench
 	cmake --preset bench >/dev/null && cmake --build --preset bench
 
 lint: setup
