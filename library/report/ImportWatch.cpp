@@ -24,19 +24,21 @@ const std::vector<std::string>& DefaultNullTexts() {
 
 ImportWatch::ImportWatch(WatchSettings settings) : settings_(std::move(settings)) {}
 
-void ImportWatch::Prepare(const QANT_DataSource& source, const Outputs& outputs, bool oneThread) {
+void ImportWatch::Prepare(const QANT_DataSource& source, const Outputs& outputs, const Mode& mode) {
   source_ = &source;
   outputs_ = outputs;
-  oneThread_ = oneThread;
+  mode_ = mode;
   OnPassBegin();
 }
 
 std::int64_t ImportWatch::ProblemLimit() const {
   // Which of them count is known only when the case was kept.
-  return settings_.sampled ? std::numeric_limits<std::int64_t>::max() : settings_.problemLimit;
+  return mode_.sampled ? std::numeric_limits<std::int64_t>::max() : settings_.problemLimit;
 }
 
-bool ImportWatch::WantsBatches() const { return !settings_.sampled && !sinks_.empty(); }
+bool ImportWatch::WantsBatches() const {
+  return mode_.batches && !mode_.sampled && !sinks_.empty();
+}
 
 void ImportWatch::OnEvidence(std::size_t variable, const ImportEvidence& evidence) {
   if (evidence_.size() <= variable) evidence_.resize(variable + 1);
@@ -53,7 +55,7 @@ void ImportWatch::OnPassBegin() {
 }
 
 void ImportWatch::OnProblem(const ImportProblem& problem) {
-  if (!settings_.sampled) {
+  if (!mode_.sampled) {
     TakeProblem(problem);
     return;
   }
@@ -71,7 +73,7 @@ void ImportWatch::TakeProblem(const ImportProblem& problem) {
 }
 
 void ImportWatch::OnProblemCase(const ImportCaseSpan& span) {
-  if (settings_.sampled) {
+  if (mode_.sampled) {
     held_.span = span;
   } else {
     TakeCaseSpan(span);
@@ -109,7 +111,7 @@ void ImportWatch::OnSpan(const ImportSpan& span) {
 }
 
 void ImportWatch::OnCells(const ImportCellCounts& cells) {
-  if (settings_.sampled) {
+  if (mode_.sampled) {
     held_.cells = cells;
   } else {
     account_.ledger.AddCells(cells);
@@ -118,14 +120,14 @@ void ImportWatch::OnCells(const ImportCellCounts& cells) {
 
 void ImportWatch::OnProblemCounts(const ImportProblemCount* counts, std::size_t count) {
   // Where the host samples they hold those of dropped cases too; all were told one by one.
-  if (settings_.sampled) return;
+  if (mode_.sampled) return;
   for (std::size_t index = 0; index < count; ++index) account_.problems.SetCount(counts[index]);
 }
 
 void ImportWatch::OnPassEnd(const ImportPassEnd& end) {
   if (gatheredCases_ > 0) HandOnGathered();
   account_.complete = end.complete;
-  account_.cases = settings_.sampled ? cases_ : end.cases;
+  account_.cases = mode_.sampled ? cases_ : end.cases;
   if (end.textsBeyondColumn != nullptr) account_.textsBeyondColumn = *end.textsBeyondColumn;
   account_.ledger.SetCounts({.bytes = end.bytes,
                              .cases = account_.cases,

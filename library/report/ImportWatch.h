@@ -22,7 +22,7 @@ namespace library {
 // The texts that mean a missing number unless a person names others.
 const std::vector<std::string>& DefaultNullTexts();
 
-// What the host wants of its watch; constant but for `oneThread`.
+// What the host wants of its watch; constant.
 struct WatchSettings {
   // Problems that are told one by one, at most; all are counted.
   std::int64_t problemLimit = 0;
@@ -30,9 +30,6 @@ struct WatchSettings {
   bool evidence = false;
   // Keeps what a second pass is compared with, of as many problems.
   bool trail = false;
-  // The host keeps a share of the cases and says of each whether it is kept. Cases then come one by
-  // one; problems, cells and numbers are those of the kept ones.
-  bool sampled = false;
   bool keepStrayQualifiers = false;
   // Texts that mean a missing number.
   std::vector<std::string> nullTexts = DefaultNullTexts();
@@ -44,8 +41,7 @@ class ImportWatch final : public ImportObserver {
  public:
   explicit ImportWatch(WatchSettings settings);
 
-  // Gets all cases that are delivered, or kept; before the first iterator is made. Outlives the
-  // pass. Cases come by the batch when there is a sink and the host does not sample.
+  // Gets all cases that are delivered, or kept; before the iterator is made. Outlives the pass.
   void Use(CaseSink& sink) { sinks_.push_back(&sink); }
   // From now on nobody gets cases.
   void UseNone() { sinks_.clear(); }
@@ -55,11 +51,22 @@ class ImportWatch final : public ImportObserver {
     ProblemWriter* problems = nullptr;
     RejectsFile* rejects = nullptr;
   };
-  // Before a pass: of the source's cases, on the host's thread alone where `oneThread`.
-  void Prepare(const QANT_DataSource& source, const Outputs& outputs, bool oneThread = false);
+  // How a pass is read.
+  struct Mode {
+    // Cases come by the batch where there is a sink; else one by one, and the host hands them on
+    // by Keep.
+    bool batches = false;
+    // The host keeps a share of the cases and says of each whether it is kept. No batches then;
+    // problems, cells and numbers are those of the kept ones.
+    bool sampled = false;
+    // On the host's thread alone.
+    bool oneThread = false;
+  };
+  // Before the iterator of a pass over the source's cases is made.
+  void Prepare(const QANT_DataSource& source, const Outputs& outputs, const Mode& mode);
 
-  // Where the host samples: what becomes of the case that Next delivered. Kept cases are gathered,
-  // and gone to the sinks once the pass has ended.
+  // Where cases come one by one: the host keeps the case that Next delivered, or does not. Kept
+  // cases are gathered, and gone to the sinks once the pass has ended.
   void Keep(const OBS* obs);
   void Drop();
 
@@ -83,10 +90,10 @@ class ImportWatch final : public ImportObserver {
   bool WantsProblems() const override { return true; }
   std::int64_t ProblemLimit() const override;
   bool WantsProblemCases() const override { return settings_.rejects; }
-  bool WantsCellsPerCase() const override { return settings_.sampled; }
+  bool WantsCellsPerCase() const override { return mode_.sampled; }
   bool WantsEvidence() const override { return settings_.evidence; }
   bool WantsBatches() const override;
-  bool ReadsOnOneThread() const override { return oneThread_; }
+  bool ReadsOnOneThread() const override { return mode_.oneThread; }
   const std::vector<std::string>& NullTexts() const override { return settings_.nullTexts; }
   bool KeepsStrayQualifiers() const override { return settings_.keepStrayQualifiers; }
 
@@ -131,7 +138,7 @@ class ImportWatch final : public ImportObserver {
 
   const QANT_DataSource* source_ = nullptr;
   Outputs outputs_;
-  bool oneThread_ = false;
+  Mode mode_;
   HeldCase held_;
   std::int64_t cases_ = 0;
   // Kept cases that wait for the sinks.

@@ -53,7 +53,7 @@ class ImportWatchTest : public testing::Test {
 
 TEST_F(ImportWatchTest, AccountsForAPass) {
   ImportWatch watch({});
-  watch.Prepare(source_, {});
+  watch.Prepare(source_, {}, {});
   Begin(watch);
   TellProblem(watch);
   End(watch);
@@ -66,7 +66,7 @@ TEST_F(ImportWatchTest, AccountsForAPass) {
 
 TEST_F(ImportWatchTest, TakesTheCountsOfProblemsThatWereNotTold) {
   ImportWatch watch({});
-  watch.Prepare(source_, {});
+  watch.Prepare(source_, {}, {});
   Begin(watch);
   TellProblem(watch);
   const ImportProblemCount counts[] = {{Kind::kUnreadable, 0, 8}, {Kind::kCut, 1, 2}};
@@ -77,7 +77,7 @@ TEST_F(ImportWatchTest, TakesTheCountsOfProblemsThatWereNotTold) {
 TEST_F(ImportWatchTest, ASecondPassStartsAnew) {
   ImportWatch watch({});
   for (int pass = 0; pass < 2; ++pass) {
-    watch.Prepare(source_, {}, pass == 1);
+    watch.Prepare(source_, {}, {.oneThread = pass == 1});
     EXPECT_EQ(watch.ReadsOnOneThread(), pass == 1);
     Begin(watch);
     TellProblem(watch);
@@ -92,21 +92,20 @@ TEST_F(ImportWatchTest, WritesProblemsAndRejectsAsTheyAreTold) {
   settings.rejects = true;
   settings.problemLimit = 10;
   ImportWatch watch(settings);
-  std::string rows;
-  std::string rejected;
+  TextSink rows;
+  TextSink rejected;
   MemorySource data(kData, true);
-  ProblemWriter writer(ProblemFormat::kCsv, variables_, 10,
-                       [&rows](std::string_view text) { rows += text; });
-  RejectsFile rejects(data, [&rejected](std::string_view text) { rejected += text; });
-  watch.Prepare(source_, {&writer, &rejects});
+  ProblemWriter writer(ProblemFormat::kCsv, variables_, 10, rows);
+  RejectsFile rejects(data, rejected);
+  watch.Prepare(source_, {&writer, &rejects}, {});
   EXPECT_EQ(watch.ProblemLimit(), 10);
   Begin(watch);
   TellProblem(watch);
   End(watch);
   writer.Flush();
   rejects.Finish();
-  EXPECT_THAT(rows, HasSubstr("unreadable,2,3,12,fee,F8.2,x,"));
-  EXPECT_EQ(rejected, "fee,town\nx,Bern\n");
+  EXPECT_THAT(rows.text, HasSubstr("unreadable,2,3,12,fee,F8.2,x,"));
+  EXPECT_EQ(rejected.text, "fee,town\nx,Bern\n");
 }
 
 class SampledWatchTest : public ImportWatchTest {
@@ -128,7 +127,6 @@ class SampledWatchTest : public ImportWatchTest {
   }
   WatchSettings settings_ = [] {
     WatchSettings settings;
-    settings.sampled = true;
     settings.rejects = true;
     settings.problemLimit = 5;
     return settings;
@@ -137,9 +135,9 @@ class SampledWatchTest : public ImportWatchTest {
 
 TEST_F(SampledWatchTest, CountsKeptCasesOnly) {
   ImportWatch watch(settings_);
+  watch.Prepare(source_, {}, {.sampled = true});
   EXPECT_FALSE(watch.WantsBatches());
   EXPECT_TRUE(watch.WantsCellsPerCase());
-  watch.Prepare(source_, {});
   Sample(watch, {0, 2});
   EXPECT_EQ(watch.account().cases, 2);
   EXPECT_EQ(watch.account().problems.total(), 0);
@@ -149,18 +147,17 @@ TEST_F(SampledWatchTest, CountsKeptCasesOnly) {
 
 TEST_F(SampledWatchTest, NumbersKeptCases) {
   ImportWatch watch(settings_);
-  std::string rows;
-  std::string rejected;
+  TextSink rows;
+  TextSink rejected;
   MemorySource data(kData, true);
-  ProblemWriter writer(ProblemFormat::kCsv, variables_, 10,
-                       [&rows](std::string_view text) { rows += text; });
-  RejectsFile rejects(data, [&rejected](std::string_view text) { rejected += text; });
-  watch.Prepare(source_, {&writer, &rejects});
+  ProblemWriter writer(ProblemFormat::kCsv, variables_, 10, rows);
+  RejectsFile rejects(data, rejected);
+  watch.Prepare(source_, {&writer, &rejects}, {.sampled = true});
   Sample(watch, {1});
   writer.Flush();
   rejects.Finish();
-  EXPECT_THAT(rows, HasSubstr("unreadable,1,3,12,fee,F8.2,x,"));
-  EXPECT_EQ(rejected, "fee,town\nx,Bern\n");
+  EXPECT_THAT(rows.text, HasSubstr("unreadable,1,3,12,fee,F8.2,x,"));
+  EXPECT_EQ(rejected.text, "fee,town\nx,Bern\n");
   EXPECT_EQ(watch.account().problems.total(), 1);
 }
 
@@ -203,8 +200,10 @@ TEST_F(ImportWatchTest, HandsBatchesToEverySink) {
   Notes other;
   watch.Use(one);
   watch.Use(other);
+  watch.Prepare(source_, {}, {});
+  EXPECT_FALSE(watch.WantsBatches());
+  watch.Prepare(source_, {}, {.batches = true});
   EXPECT_TRUE(watch.WantsBatches());
-  watch.Prepare(source_, {});
   Begin(watch);
   watch.OnProduct(watch.MakeProduct(cases_->At(0), 2, 0), cases_->At(0), 2, 0);
   watch.OnProduct(watch.MakeProduct(cases_->At(2), 1, 2), cases_->At(2), 1, 2);
@@ -222,7 +221,7 @@ TEST_F(ImportWatchTest, WhatASinkThrowsIsKeptForTheHost) {
   Notes sink;
   sink.fails = true;
   watch.Use(sink);
-  watch.Prepare(source_, {});
+  watch.Prepare(source_, {}, {.batches = true});
   Begin(watch);
   EXPECT_NO_THROW(watch.Rethrow());
   watch.OnProduct(watch.MakeProduct(cases_->At(0), 2, 0), cases_->At(0), 2, 0);
@@ -231,21 +230,38 @@ TEST_F(ImportWatchTest, WhatASinkThrowsIsKeptForTheHost) {
   sink.fails = false;
   watch.OnProduct(watch.MakeProduct(cases_->At(2), 1, 2), cases_->At(2), 1, 2);
   EXPECT_EQ(sink.parts, 0);
-  watch.Prepare(source_, {});
+  watch.Prepare(source_, {}, {.batches = true});
   EXPECT_FALSE(watch.failed());
+}
+
+TEST_F(ImportWatchTest, HandsOnCasesThatComeOneByOne) {
+  ImportWatch watch({});
+  Notes sink;
+  watch.Use(sink);
+  watch.Prepare(source_, {}, {});
+  Begin(watch);
+  for (std::size_t index = 0; index < 3; ++index) {
+    if (index == 1) TellProblem(watch);
+    watch.Keep(cases_->At(index));
+  }
+  End(watch);
+  EXPECT_EQ(sink.fees.size(), 3U);
+  EXPECT_EQ(watch.account().cases, 3);
+  EXPECT_EQ(watch.account().problems.total(), 1);
+  EXPECT_EQ(watch.account().ledger.Imbalance(), "");
 }
 
 TEST_F(SampledWatchTest, GathersKeptCasesForTheSinks) {
   ImportWatch watch(settings_);
   Notes sink;
   watch.Use(sink);
+  watch.Prepare(source_, {}, {.sampled = true});
   EXPECT_FALSE(watch.WantsBatches());
-  watch.Prepare(source_, {});
   Sample(watch, {0, 2});
   EXPECT_EQ(sink.fees, (std::vector<double>{1.0, 3.0}));
   EXPECT_EQ(sink.parts, 1);
   sink.fails = true;
-  watch.Prepare(source_, {});
+  watch.Prepare(source_, {}, {.sampled = true});
   Sample(watch, {1});
   EXPECT_TRUE(watch.failed());
 }
@@ -254,7 +270,7 @@ TEST_F(SampledWatchTest, HandsOnWhatItGathersInTime) {
   ImportWatch watch(settings_);
   Notes sink;
   watch.Use(sink);
-  watch.Prepare(source_, {});
+  watch.Prepare(source_, {}, {.sampled = true});
   Begin(watch);
   for (int count = 0; count < 100000; ++count) watch.Keep(cases_->At(0));
   EXPECT_GT(sink.parts, 5);

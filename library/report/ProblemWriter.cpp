@@ -1,7 +1,6 @@
 #include "library/report/ProblemWriter.h"
 
 #include <charconv>
-#include <utility>
 
 #include "library/report/ProblemKind.h"
 
@@ -14,12 +13,8 @@ constexpr std::string_view kHeader = "kind,case,line,byte,variable,format,text,d
 }  // namespace
 
 ProblemWriter::ProblemWriter(ProblemFormat format, const ReportVariables& variables,
-                             std::int64_t limit, ByteSink sink)
-    : format_(format),
-      variables_(variables),
-      left_(limit),
-      sink_(std::move(sink)),
-      detail_(variables) {}
+                             std::int64_t limit, ByteSink& sink)
+    : format_(format), variables_(variables), left_(limit), sink_(sink), detail_(variables) {}
 
 void ProblemWriter::WriteHeader() {
   if (format_ == ProblemFormat::kCsv) rows_ += kHeader;
@@ -38,7 +33,7 @@ void ProblemWriter::Write(const ImportProblem& problem) {
 }
 
 void ProblemWriter::Flush() {
-  sink_(rows_);
+  sink_.Append(rows_);
   rows_.clear();
 }
 

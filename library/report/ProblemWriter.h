@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include "HostFramework/ImportObserver.h"
+#include "library/outputs/ByteSink.h"
 #include "library/report/ProblemDetail.h"
 #include "library/report/ReportText.h"
 #include "library/report/ReportVariable.h"
@@ -14,9 +14,6 @@
 namespace library {
 
 enum class ProblemFormat { kCsv, kJsonLines };
-
-// Where bytes of an output go. Keeps failures to itself: whoever owns the output asks it.
-using ByteSink = std::function<void(std::string_view)>;
 
 // Writes rows with the columns kind, case, line, byte, variable, format, text and detail. A problem
 // of which no case came has no case (JSON: no such key), one of a record no variable and no format
@@ -26,7 +23,7 @@ class ProblemWriter {
  public:
   // At most `limit` rows, the first ones.
   ProblemWriter(ProblemFormat format, const ReportVariables& variables, std::int64_t limit,
-                ByteSink sink);
+                ByteSink& sink);
   // What stands before the rows: the header of CSV.
   void WriteHeader();
   void Write(const ImportProblem& problem);
@@ -43,7 +40,7 @@ class ProblemWriter {
   const ProblemFormat format_;
   const ReportVariables& variables_;
   std::int64_t left_;
-  const ByteSink sink_;
+  ByteSink& sink_;
   ReportText text_;
   ProblemDetail detail_;
   std::string rows_;

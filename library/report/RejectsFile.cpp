@@ -13,7 +13,7 @@ bool IsLineEnd(char character) { return character == '\n' || character == '\r'; 
 
 }  // namespace
 
-RejectsFile::RejectsFile(ByteSource& data, ByteSink sink) : data_(data), sink_(std::move(sink)) {
+RejectsFile::RejectsFile(ByteSource& data, ByteSink& sink) : data_(data), sink_(sink) {
   NoteMark();
 }
 
@@ -43,7 +43,7 @@ void RejectsFile::CopyCase(const ImportCaseSpan& span) {
       const std::string_view lineEnd = width_ == Width::kEightBit       ? "\n"sv
                                        : width_ == Width::kLittleEndian ? "\n\0"sv
                                                                         : "\0\n"sv;
-      sink_(lineEnd);
+      sink_.Append(lineEnd);
     }
     begin_ = span.begin;
   }
@@ -64,7 +64,7 @@ void RejectsFile::CopyPending() {
       problem_ = "the data file became shorter while it was read";
       return;
     }
-    sink_(block_);
+    sink_.Append(block_);
     NoteEnd(block_);
     begin_ += static_cast<std::int64_t>(read);
   }

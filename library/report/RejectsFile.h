@@ -5,17 +5,17 @@
 #include <string>
 
 #include "HostFramework/ImportObserver.h"
-#include "library/report/ProblemWriter.h"
+#include "library/outputs/ByteSink.h"
 #include "library/sniff/ByteSource.h"
 
 namespace library {
 
 // Copies bytes of the data file: the head (byte-order mark and lines before the first case), then
 // the records of cases with their line ends, so that the command that read the data file reads the
-// copy alike. One thread; the data outlives it.
+// copy alike. One thread; data and sink outlive it.
 class RejectsFile {
  public:
-  RejectsFile(ByteSource& data, ByteSink sink);
+  RejectsFile(ByteSource& data, ByteSink& sink);
 
   // The head goes on up to `end`. Before any case.
   void CopyHead(std::int64_t end);
@@ -36,7 +36,7 @@ class RejectsFile {
   void NoteEnd(std::string_view written);
 
   ByteSource& data_;
-  const ByteSink sink_;
+  ByteSink& sink_;
   std::string problem_;
   std::string block_;
   Width width_ = Width::kEightBit;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "library/report/testing/ReportTesting.h"
+
 namespace library {
 namespace {
 
@@ -15,14 +17,14 @@ class RejectsFileTest : public testing::Test {
   };
   std::string Copied(std::string_view data, std::int64_t head, const std::vector<Span>& cases) {
     MemorySource source(data, true);
-    std::string text;
-    RejectsFile rejects(source, [&text](std::string_view bytes) { text += bytes; });
+    TextSink sink;
+    RejectsFile rejects(source, sink);
     if (head > 0) rejects.CopyHead(head);
     std::int64_t number = 0;
     for (const Span& span : cases) rejects.CopyCase({++number, 1, span.begin, span.end});
     rejects.Finish();
     problem_ = rejects.problem();
-    return text;
+    return sink.text;
   }
   std::string problem_;
 };

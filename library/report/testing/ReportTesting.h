@@ -8,6 +8,7 @@
 
 #include "HostFramework/DataSource.h"
 #include "HostFramework/ImportObserver.h"
+#include "library/outputs/ByteSink.h"
 #include "library/report/ReportVariable.h"
 
 namespace library {
@@ -59,6 +60,13 @@ class ReportCases {
   const QANT_DataSource& source_;
   std::size_t perCase_;
   std::vector<OBS> cells_;
+};
+
+// Keeps what is written.
+class TextSink : public ByteSink {
+ public:
+  void Append(std::string_view bytes) override { text += bytes; }
+  std::string text;
 };
 
 // A problem of case 1 in line 2 at byte 10.
