@@ -4,13 +4,14 @@
 #include <map>
 #include <string>
 
+#include "HostFramework/embedded/command/SpoolFile.h"
+
 namespace embedded {
 
 // Copies pipes into unlinked temporary files, which last as long as this object. One thread.
 class PipeSpools {
  public:
   PipeSpools() = default;
-  ~PipeSpools();
   PipeSpools(const PipeSpools&) = delete;
   PipeSpools& operator=(const PipeSpools&) = delete;
 
@@ -23,7 +24,7 @@ class PipeSpools {
 
  private:
   struct Copy {
-    int descriptor;  // -1 when copying failed
+    SpoolFile file;  // not open when copying failed
     std::string path;
   };
   std::map<std::string, Copy> copies_;  // by the path asked for
