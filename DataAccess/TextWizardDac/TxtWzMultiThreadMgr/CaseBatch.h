@@ -8,18 +8,17 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
+#include "TxtWzMultiThreadMgr/UndecodableNotes.h"
 #include "model/TxtWzVar.h"
 
 namespace textwizard {
 
-// Something that a record of a batch gave rise to and that is reported when its case is delivered.
+// A flag of a variable that a record of a batch gave rise to and that is set when its case is
+// delivered; the first of the batch only.
 struct BatchNote {
-  enum Kind : std::uint8_t {
-    kUndecodable,      // detail: byte position in the record
-    kMissingStored,    // detail: position in the list of variables; first of the batch only
-    kStringTruncated,  // the same
-  };
-  std::uint64_t detail;
+  enum Kind : std::uint8_t { kMissingStored, kStringTruncated };
+  // Position in the list of variables.
+  std::uint32_t variable;
   // Number in the batch, from 0.
   std::uint32_t record;
   Kind kind;
@@ -37,6 +36,7 @@ class CaseBatch {
     fConsumeIndex = 0;
     fNextNote = 0;
     fNotes.clear();
+    fUndecodable.Clear();
     fFailed = false;
   }
   // Room for `count` cases of `cells` cells each. Throws when there is no memory for it.
@@ -51,6 +51,9 @@ class CaseBatch {
   // The case of record `index`, which has room.
   OBS* Case(std::uint32_t index) { return fCases.get() + fCaseCells * index; }
   void Add(const BatchNote& note) { fNotes.push_back(note); }
+  void AddUndecodable(std::uint32_t record, const UndecodableRun& run) {
+    fUndecodable.Add(record, run);
+  }
   // The batch holds what came of the first `count` records. `failed`: the worker ran out of memory
   // behind them.
   void End(std::uint32_t count, bool failed) {
@@ -73,8 +76,10 @@ class CaseBatch {
     if (fNextNote == fNotes.size() || fNotes[fNextNote].record >= fConsumeIndex) return nullptr;
     return &fNotes[fNextNote++];
   }
-  // Number of the case, from 1, that `note` belongs to.
-  std::int64_t CaseNumber(const BatchNote& note) const { return fFirstCase + note.record + 1; }
+  // The same of bytes that are no character; good until the next call.
+  const UndecodableNotes::Note* NextUndecodable() { return fUndecodable.Next(fConsumeIndex); }
+  // Number of the case, from 1, that came of a record of the batch.
+  std::int64_t CaseNumber(std::uint32_t record) const { return fFirstCase + record + 1; }
 
   // --- Both
   const std::vector<BatchNote>& notes() const { return fNotes; }
@@ -91,6 +96,7 @@ class CaseBatch {
   std::int64_t fFirstCase = 0;
   std::vector<BatchNote> fNotes;
   std::size_t fNextNote = 0;
+  UndecodableNotes fUndecodable;
   bool fFailed = false;
 };
 

@@ -171,18 +171,20 @@ void QANT_TextWizardMultiThreadedManager::ReleaseSlot(TextDataIteratorThread& wo
 
 void QANT_TextWizardMultiThreadedManager::TakeNotes() {
   while (const BatchNote* const note = fTaken.NextNote()) {
+    TxtWzVar& variable = *fSource.variables()[note->variable];
     switch (note->kind) {
-      case BatchNote::kUndecodable:
-        if (ErrorMonitor* monitor = Monitor()) {
-          monitor->Report(UndecodableWarning(fTaken.CaseNumber(*note), note->detail));
-        }
-        break;
       case BatchNote::kMissingStored:
-        fSource.variables()[note->detail]->missingStored = true;
+        variable.missingStored = true;
         break;
       case BatchNote::kStringTruncated:
-        fSource.variables()[note->detail]->stringTruncated = true;
+        variable.stringTruncated = true;
         break;
+    }
+  }
+  while (const UndecodableNotes::Note* const note = fTaken.NextUndecodable()) {
+    if (ErrorMonitor* const monitor = Monitor()) {
+      fUndecodableWarnings.Report(*monitor, fTaken.CaseNumber(note->record), note->run.position,
+                                  note->run.count);
     }
   }
 }

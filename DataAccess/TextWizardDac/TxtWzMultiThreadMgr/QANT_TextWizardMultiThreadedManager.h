@@ -20,6 +20,7 @@
 #include "HostFramework/Threads.h"
 #include "TxtWzMultiThreadMgr/TextDataIteratorThread.h"
 #include "TxtWzMultiThreadMgr/WorkerPlan.h"
+#include "model/UndecodableWarnings.h"
 #include "reading/RecordDecoder.h"
 #include "reading/RecordReader.h"
 
@@ -143,6 +144,7 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   bool fEndOfData = false;
   TxtWzVar* const* fAutoVariables = nullptr;
   std::unique_ptr<QantErrorMonitor> fOwnedErrorMonitor;
+  UndecodableWarnings fUndecodableWarnings;
 };
 
 }  // namespace textwizard

@@ -14,6 +14,11 @@ namespace {
 // Bytes behind a string's width that tell whether the character at its end is whole.
 constexpr std::size_t kLongestCharacter = 8;
 
+// Place of a variable's flag among those of all variables.
+constexpr std::size_t FlagIndex(BatchNote::Kind kind, std::size_t variable) {
+  return variable * 2 + kind;
+}
+
 std::size_t TextLimit(std::size_t firstRecord) {
   constexpr std::size_t kMost = TextDataIteratorThread::kLargestBatchText;
   constexpr std::size_t kRecords = TextDataIteratorThread::kRecordsOfFirstLength;
@@ -109,7 +114,7 @@ void TextDataIteratorThread::ConvertBatch() {
   }
   fCases.End(fConvertIndex, failed);
   for (const BatchNote& note : fCases.notes()) {
-    if (note.kind != BatchNote::kUndecodable) fFlagNoted[note.detail * 2 + (note.kind & 1)] = 0;
+    fFlagNoted[FlagIndex(note.kind, note.variable)] = 0;
   }
 }
 
@@ -212,14 +217,14 @@ inline void TextDataIteratorThread::AutoDetectVar(std::string_view field) {
 }
 
 void TextDataIteratorThread::NoteFlag(BatchNote::Kind kind, std::uint32_t variable) {
-  std::uint8_t& noted = fFlagNoted[std::size_t{variable} * 2 + (kind & 1)];
+  std::uint8_t& noted = fFlagNoted[FlagIndex(kind, variable)];
   if (noted) return;
   fCases.Add({variable, fConvertIndex, kind});
   noted = 1;
 }
 
-void TextDataIteratorThread::OnUndecodable(std::size_t position) {
-  fCases.Add({position, fConvertIndex, BatchNote::kUndecodable});
+void TextDataIteratorThread::OnUndecodable(const UndecodableRun& run) {
+  fCases.AddUndecodable(fConvertIndex, run);
 }
 
 }  // namespace textwizard

@@ -81,7 +81,7 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   void PostFree() { fFreeSemaphore.post(); }
 
  private:
-  void OnUndecodable(std::size_t position) override;
+  void OnUndecodable(const UndecodableRun& run) override;
   void ConvertBatch();
   void PrepareBatch();
   void ConvertRecords();

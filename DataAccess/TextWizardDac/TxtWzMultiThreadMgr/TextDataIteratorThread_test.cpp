@@ -183,10 +183,10 @@ TEST_F(Worker, FlagsAreNotedOncePerBatchWithTheirFirstRecord) {
     const auto notes = Notes();
     ASSERT_EQ(notes.size(), 2u);
     EXPECT_EQ(notes[0].kind, BatchNote::kMissingStored);
-    EXPECT_EQ(notes[0].detail, 0u);
+    EXPECT_EQ(notes[0].variable, 0u);
     EXPECT_EQ(notes[0].record, 1u);
     EXPECT_EQ(notes[1].kind, BatchNote::kStringTruncated);
-    EXPECT_EQ(notes[1].detail, 1u);
+    EXPECT_EQ(notes[1].variable, 1u);
     EXPECT_EQ(notes[1].record, 2u);
   }
 }
@@ -201,13 +201,16 @@ TEST_F(Worker, BytesThatAreNoCharacterAreNotedWithTheirPosition) {
   EXPECT_EQ(Text(cases[1], 8),
             "a\xFF"
             "b\xFE    ");
-  const auto notes = Notes();
-  ASSERT_EQ(notes.size(), 2u);
-  EXPECT_EQ(notes[0].kind, BatchNote::kUndecodable);
-  EXPECT_EQ(notes[0].detail, 1u);
-  EXPECT_EQ(notes[1].detail, 3u);
-  // The batch begins behind 100 cases.
-  EXPECT_EQ(taken_.CaseNumber(notes[0]), 102);
+  EXPECT_TRUE(Notes().empty());
+  const UndecodableNotes::Note* note = taken_.NextUndecodable();
+  ASSERT_NE(note, nullptr);
+  EXPECT_EQ(taken_.CaseNumber(note->record), 102);
+  EXPECT_EQ(note->run.position, 1u);
+  EXPECT_EQ(note->run.count, 1u);
+  note = taken_.NextUndecodable();
+  ASSERT_NE(note, nullptr);
+  EXPECT_EQ(note->run.position, 3u);
+  EXPECT_EQ(taken_.NextUndecodable(), nullptr);
 }
 
 TEST_F(Worker, NotesWaitForTheirCase) {

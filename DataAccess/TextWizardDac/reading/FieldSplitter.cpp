@@ -86,7 +86,7 @@ void FieldSplitter::SetByteText(std::string_view text) {
 }
 
 void FieldSplitter::SetRecordOfText(std::string_view record) {
-  begin_ = cursor_ = record.data();
+  begin_ = cursor_ = told_ = record.data();
   end_ = begin_ + record.size();
   mode_ = Mode::kBytes;
 }
@@ -97,19 +97,24 @@ bool FieldSplitter::CutsByBytes(std::string_view text) const {
   return IsAscii(text) || (utf8_ && rulesAreAscii_ && IsUtf8(text));
 }
 
+FieldSplitter::Mode FieldSplitter::ModeOf(std::string_view record) const {
+  if (CutsByBytes(record)) return Mode::kBytes;
+  const bool byBytes = utf8_ && asciiIsPlain_ && rulesAreAscii_;
+  return byBytes && record.find('\0') == std::string_view::npos ? Mode::kBroken : Mode::kCharacters;
+}
+
 bool FieldSplitter::Next(std::string_view& field) {
   if (cursor_ == end_) {
     field = {};
     return false;
   }
-  if (mode_ == Mode::kUnknown) {
-    mode_ = CutsByBytes(Text(begin_, end_)) ? Mode::kBytes : Mode::kCharacters;
-  }
+  if (mode_ == Mode::kUnknown) mode_ = ModeOf(Text(begin_, end_));
   if (mode_ == Mode::kCharacters) {
     WalkCharacters(field);
   } else if (spaceOptions_ || CutViews(&field, 1) == 0) {
     NextOfBytes(field);
   }
+  if (mode_ == Mode::kBroken) TellBroken();
   return true;
 }
 
@@ -117,8 +122,9 @@ std::size_t FieldSplitter::Cut(std::string_view* fields, std::size_t count) {
   std::size_t done = 0;
   while (done < count) {
     // Blanks are data or cut like any other delimiter.
-    if (mode_ == Mode::kBytes && !spaceOptions_) {
+    if ((mode_ == Mode::kBytes || mode_ == Mode::kBroken) && !spaceOptions_) {
       done += CutViews(fields + done, count - done);
+      if (mode_ == Mode::kBroken) TellBroken();
       if (done == count) break;
     }
     const std::string_view& field = fields[done];
@@ -256,6 +262,8 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
       return Finish(field, false);
     }
   }
+  // Where qualifiers join pieces, bytes that are no character could look like one.
+  if (mode_ == Mode::kBroken) return WalkCharacters(field);
   WalkBytes(field);
 }
 
@@ -337,26 +345,49 @@ void FieldSplitter::WalkBytes(std::string_view& field) {
   Finish(field, false);
 }
 
-// Decodes the character at `at` and returns its length. Bytes that are no character are reported,
-// and the first of them is taken as one.
-int FieldSplitter::Decode(const char* at, std::uint32_t* ch) {
+// Decodes the character at `at` and returns its length. A byte that is no character is taken as one
+// and joins `run`; when it does not follow it, the run is told first.
+int FieldSplitter::Decode(const char* at, std::uint32_t* ch, UndecodableRun* run) {
   const auto limit = static_cast<int>(std::min(end_ - at, kLongestCharacter));
   const int length = QANTMBU32GetC_A(converter_, ch, at, 0, limit);
   if (length > 0) return length;
-  if (listener_) listener_->OnUndecodable(static_cast<std::size_t>(at - begin_));
   *ch = static_cast<unsigned char>(*at);
+  const auto position = static_cast<std::size_t>(at - begin_);
+  if (position != run->position + run->count) Tell(run);
+  if (run->count == 0) run->position = position;
+  ++run->count;
   return 1;
+}
+
+void FieldSplitter::Tell(UndecodableRun* run) {
+  if (listener_ && run->count != 0) listener_->OnUndecodable(*run);
+  run->count = 0;
+}
+
+void FieldSplitter::TellBroken() {
+  if (!listener_) return;
+  // The cut ends behind an ASCII character or with the record.
+  const std::string_view cut = Text(begin_, cursor_);
+  auto from = static_cast<std::size_t>(told_ - begin_);
+  told_ = cursor_;
+  for (;;) {
+    const UndecodableRun run = FindUndecodable(cut, from);
+    if (run.count == 0) return;
+    listener_->OnUndecodable(run);
+    from = run.position + run.count;
+  }
 }
 
 void FieldSplitter::WalkCharacters(std::string_view& field) {
   buffer_.clear();
   lengths_.clear();
+  UndecodableRun run;
   State state = State::kStart;
   const char* at = cursor_;
   bool ended = false;
   while (at != end_ && !ended) {
     std::uint32_t ch = 0;
-    const int length = Decode(at, &ch);
+    const int length = Decode(at, &ch, &run);
     const Kind kind = KindOfCharacter(ch);
     const char* const next = at + length;
     bool append = false;
@@ -408,11 +439,12 @@ void FieldSplitter::WalkCharacters(std::string_view& field) {
     }
     if (append) {
       buffer_.append(at, next);
-      lengths_.push_back(static_cast<char>(length));
+      if (buffer_.front() == ' ') lengths_.push_back(static_cast<char>(length));
     }
     at = next;
   }
-  cursor_ = at;
+  Tell(&run);
+  cursor_ = told_ = at;
   field = buffer_;
   Finish(field, false);
 }

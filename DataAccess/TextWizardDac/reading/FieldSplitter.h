@@ -10,14 +10,16 @@
 #include "HostFramework/Text.h"
 #include "reading/ByteScan.h"
 #include "reading/FieldRules.h"
+#include "reading/UndecodableScan.h"
 
 namespace textwizard {
 
 // Learns of bytes that are no character.
 class UndecodableListener {
  public:
-  // `position`: byte offset in the record.
-  virtual void OnUndecodable(std::size_t position) = 0;
+  // A run of them in the record. Runs come in the order of the record, those of a field before the
+  // field is delivered; each byte of a run is taken as one character.
+  virtual void OnUndecodable(const UndecodableRun& run) = 0;
 
  protected:
   ~UndecodableListener() = default;
@@ -34,8 +36,9 @@ enum class SplitUse {
 // Cuts one record after another. One thread; the rules and the listener (may be null) outlive it.
 //
 // Text whose characters need no decoding is cut by bytes: the bytes that can cut are marked in
-// blocks, and fields are what lies between marks. Other text is walked character by character. Both
-// ways give the same fields.
+// blocks, and fields are what lies between marks. So is UTF-8 with bytes that are no character,
+// which are looked for behind the cut. Other text is walked character by character. All ways give
+// the same fields.
 class FieldSplitter {
  public:
   FieldSplitter(const FieldRules& rules, SplitUse use, UndecodableListener* listener);
@@ -72,7 +75,7 @@ class FieldSplitter {
   // Byte offset in the record where the next field begins.
   std::size_t offset() const { return static_cast<std::size_t>(cursor_ - begin_); }
   // At most the record's size.
-  void SetOffset(std::size_t offset) { cursor_ = begin_ + offset; }
+  void SetOffset(std::size_t offset) { cursor_ = told_ = begin_ + offset; }
 
  private:
   // What a byte that is a character by itself does.
@@ -80,11 +83,13 @@ class FieldSplitter {
   // What the next character of a field means.
   enum class State { kStart, kPlain, kQualified, kAfterQualifier };
 
-  // How the record is cut; found out by its first Next.
-  enum class Mode { kUnknown, kBytes, kCharacters };
+  // How the record is cut; found out by its first Next. Broken text is UTF-8 that is cut by bytes
+  // though some are no character.
+  enum class Mode { kUnknown, kBytes, kBroken, kCharacters };
 
   static constexpr std::size_t kMarkWords = 64;
 
+  Mode ModeOf(std::string_view record) const;
   Kind KindOf(char byte) const { return kinds_[static_cast<unsigned char>(byte)]; }
   Kind KindOfCharacter(std::uint32_t ch) const;
   // After an unqualified blank that is a delimiter: is it dropped, since another delimiter follows?
@@ -110,7 +115,11 @@ class FieldSplitter {
   void NextOfBytes(std::string_view& field);
   void WalkBytes(std::string_view& field);
   void WalkCharacters(std::string_view& field);
-  int Decode(const char* at, std::uint32_t* ch);
+  int Decode(const char* at, std::uint32_t* ch, UndecodableRun* run);
+  // Tells the listener of a run and empties it.
+  void Tell(UndecodableRun* run);
+  // Tells of what the fields cut since then had of bytes that are no character.
+  void TellBroken();
   // The space options, once the field has ended. `unqualified`: no two blanks after its first
   // character that is none.
   void Finish(std::string_view& field, bool unqualified);
@@ -139,6 +148,8 @@ class FieldSplitter {
   const char* begin_ = nullptr;
   const char* end_ = nullptr;
   const char* cursor_ = nullptr;
+  // In broken text, the bytes before are told of.
+  const char* told_ = nullptr;
   Mode mode_ = Mode::kBytes;
 
   // Marks of the bytes of text_ in cutting_: markCount_ words of 64 bytes from firstMark_ on.
@@ -148,7 +159,8 @@ class FieldSplitter {
   std::array<std::uint64_t, kMarkWords> marks_;
 
   std::string buffer_;
-  // Byte lengths of the characters in buffer_, where they cannot be told from the bytes.
+  // Byte lengths of the characters in buffer_ when it begins with a blank: a qualifier may take the
+  // last one away.
   std::string lengths_;
 };
 

@@ -27,7 +27,9 @@ ImportSettings Settings(const char* delimiters, const char* qualifier, int optio
 
 class KeptPositions : public UndecodableListener {
  public:
-  void OnUndecodable(std::size_t position) override { positions.push_back(position); }
+  void OnUndecodable(const UndecodableRun& run) override {
+    for (std::size_t i = 0; i < run.count; ++i) positions.push_back(run.position + i);
+  }
   std::vector<std::size_t> positions;
 };
 

@@ -149,9 +149,9 @@ bool QANT_TextWizardIterator::ReadCase() {
 
 // Messages.
 
-void QANT_TextWizardIterator::OnUndecodable(std::size_t position) {
+void QANT_TextWizardIterator::OnUndecodable(const UndecodableRun& run) {
   if (ErrorMonitor* const monitor = GetErrorMonitor()) {
-    monitor->Report(UndecodableWarning(currentCase_ + 1, position));
+    undecodableWarnings_.Report(*monitor, currentCase_ + 1, run.position, run.count);
   }
 }
 

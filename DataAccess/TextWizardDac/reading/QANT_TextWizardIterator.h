@@ -11,6 +11,7 @@
 
 #include "HostFramework/DataSource.h"
 #include "model/TxtWzVar.h"
+#include "model/UndecodableWarnings.h"
 #include "reading/DecimalCharacterPin.h"
 #include "reading/FieldSplitter.h"
 #include "reading/RecordDecoder.h"
@@ -106,7 +107,7 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   // Bytes of text that a string may have and lose none.
   std::size_t StringRoom(const TxtWzVar& variable, unsigned column) const;
 
-  void OnUndecodable(std::size_t position) override;
+  void OnUndecodable(const UndecodableRun& run) override;
   bool ReadRecord(bool keepEmpty) {
     return reader_.isUtf16() ? GetRecord16(keepEmpty) : GetRecord(keepEmpty);
   }
@@ -138,6 +139,7 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   std::vector<Column> lineColumns_;
   // By column; 0 for numbers.
   std::vector<std::size_t> stringRooms_;
+  UndecodableWarnings undecodableWarnings_;
 
   std::string_view record_;
   std::string_view suppliedRecord_;
