@@ -1,5 +1,7 @@
 #include "cli/MessageSink.h"
 
+#include <atomic>
+
 #include <fmt/format.h>
 
 #include "cli/JsonText.h"
@@ -27,37 +29,23 @@ MessageSink::~MessageSink() { current = before_; }
 
 ErrorCallback MessageSink::Callback() { return &PostToCurrent; }
 
-void MessageSink::WriteTo(OutputFile* file) {
-  const std::lock_guard guard(mutex_);
-  file_ = file;
-}
+void MessageSink::WriteTo(OutputFile* file) { file_ = file; }
 
 void MessageSink::Post(std::string_view hostText, int kind) {
-  const std::lock_guard guard(mutex_);
   if (UndecodableWarnings::IsOne(hostText) && !undecodable_.Take(hostText)) return;
   Write(hostText_.ToUtf8(hostText), kind);
 }
 
-void MessageSink::BeginCommand() {
-  const std::lock_guard guard(mutex_);
-  undecodable_.BeginCommand();
-}
+void MessageSink::BeginCommand() { undecodable_.BeginCommand(); }
 
-void MessageSink::BeginNextPass() {
-  const std::lock_guard guard(mutex_);
-  undecodable_.BeginNextPass();
-}
+void MessageSink::BeginNextPass() { undecodable_.BeginNextPass(); }
 
 void MessageSink::EndCommand() {
-  const std::lock_guard guard(mutex_);
   if (const std::string rest = undecodable_.Rest(); !rest.empty()) Write(rest, kMessageWarning);
   undecodable_.BeginCommand();
 }
 
-void MessageSink::PostError(std::string_view text) {
-  const std::lock_guard guard(mutex_);
-  Write(ownText_.ToUtf8(text), kMessageError);
-}
+void MessageSink::PostError(std::string_view text) { Write(ownText_.ToUtf8(text), kMessageError); }
 
 void MessageSink::Write(std::string_view text, int kind) {
   if (kind == kMessageProgress) {

@@ -1,9 +1,7 @@
 // Where the messages of the component go: to the console, or to a file as JSON Lines.
 #pragma once
 
-#include <atomic>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -15,8 +13,9 @@
 
 namespace cli {
 
-// Takes messages from any thread. The host's callback is a plain function, so the sink that it
-// posts to is the one that was made last; sinks nest.
+// Takes messages from any thread, but one at a time, as the component gives them: there may be
+// millions. The host's callback is a plain function, so the sink that it posts to is the one that
+// was made last; sinks nest.
 class MessageSink {
  public:
   explicit MessageSink(Console& console);
@@ -44,7 +43,7 @@ class MessageSink {
   void PostError(std::string_view text);
 
   // Errors posted so far.
-  long long errors() const { return errors_.load(); }
+  long long errors() const { return errors_; }
 
  private:
   void Write(std::string_view text, int kind);
@@ -52,8 +51,7 @@ class MessageSink {
 
   Console& console_;
   MessageSink* const before_;
-  std::atomic<long long> errors_{0};
-  std::mutex mutex_;  // guards what follows
+  long long errors_ = 0;
   OutputFile* file_ = nullptr;
   UndecodableWarnings undecodable_;
   Utf8Converter hostText_;

@@ -46,6 +46,8 @@ void ExpectWarnings(const std::vector<Place>& places) {
 
 const std::vector<Place> kPlaces = {{1, 0, 1},
                                     {1, 7, 5},
+                                    {1, 12, 90},
+                                    {1, 2147483646, 3},
                                     {1, 3, 0},
                                     {2, 98, 4},
                                     {2, 5, 1},
