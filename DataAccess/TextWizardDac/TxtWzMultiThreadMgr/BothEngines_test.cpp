@@ -10,6 +10,7 @@
 #include "HostFramework/embedded/text/testing/TextTest.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 #include "TxtWzMultiThreadMgr/testing/EngineTest.h"
+#include "model/MessageText.h"
 #include "reading/QANT_TextWizardIterator.h"
 
 namespace textwizard {
@@ -190,6 +191,25 @@ TEST(BothEngines, LargeFilesWithFlagsAndWarningsInManyBatches) {
     import.bytes += "," + std::to_string(random() % 1000) + ".25\n";
   }
   ExpectSame(import);
+}
+
+// Every one of very many bytes has its warning.
+TEST(BothEngines, LongLinesOfBytesThatAreNoCharacter) {
+  Import import;
+  import.columns = {{kFormatA, 8}, { kFormatA, 8 }};
+  import.settings = CommaSettings();
+  import.settings.encoding = kEncodingNone;
+  import.bytes =
+      "a,b\n" + std::string(150000, '\xFF') + ",\"" + std::string(50000, '\x80') + "\"\n";
+  for (int i = 0; i < 40000; ++i) import.bytes += "\xE9.";
+  import.bytes += "\n";
+  ExpectSame(import);
+  const DataFile file(import.bytes);
+  const Pass pass = ReadOnOneThread(file, import);
+  ASSERT_EQ(pass.warnings.size(), 240000u);
+  EXPECT_EQ(pass.warnings.front(), UndecodableWarning(2, 0).text);
+  EXPECT_EQ(pass.warnings[150000], UndecodableWarning(2, 150002).text);
+  EXPECT_EQ(pass.warnings.back(), UndecodableWarning(3, 79998).text);
 }
 
 TEST(BothEngines, AnyBlockSize) {

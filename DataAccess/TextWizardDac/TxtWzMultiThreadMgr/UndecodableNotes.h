@@ -26,6 +26,8 @@ class UndecodableNotes {
   void Add(std::uint32_t record, const UndecodableRun& run);
   // The next note of a record below `records`; null when there is none. Good until the next call.
   const Note* Next(std::uint32_t records);
+  // Bytes that the batch's notes take.
+  std::size_t bytes() const { return packed_.size(); }
 
  private:
   // Numbers in groups of 7 bits, the lowest first; the top bit says that more follow.

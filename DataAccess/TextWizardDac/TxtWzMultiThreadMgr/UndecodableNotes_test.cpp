@@ -40,6 +40,21 @@ TEST(UndecodableNotes, WaitForTheirRecord) {
   EXPECT_EQ(TakeBelow(notes, 1), (Runs{{0, 9, 2}}));
 }
 
+TEST(UndecodableNotes, TakeNoMoreMemoryThanTheText) {
+  UndecodableNotes notes;
+  // Every second byte of a long record, and one byte in each of many.
+  constexpr std::size_t kLength = 1000000;
+  for (std::size_t at = 1; at < kLength; at += 2) notes.Add(0, {at, 1});
+  EXPECT_LE(notes.bytes(), kLength);
+  notes.Clear();
+  for (std::uint32_t record = 0; record < 1000; ++record) notes.Add(record, {3, 1});
+  EXPECT_LE(notes.bytes(), 4000u);
+  // However long the run.
+  notes.Clear();
+  notes.Add(0, {0, std::size_t{1} << 40});
+  EXPECT_LE(notes.bytes(), 10u);
+}
+
 TEST(UndecodableNotes, RandomRuns) {
   std::mt19937 random(3);
   UndecodableNotes notes;
