@@ -28,6 +28,7 @@ int AcceptRomanMonth(TextCursor& cursor) {
     at.AcceptLetter(letter);
     letters[length++] = letter;
   }
+  if (length == 0) return 0;
   int month = 0;
   for (const std::string_view numeral : kNumerals) {
     ++month;
@@ -86,35 +87,38 @@ bool ReadFixedDate(const char* text, FixedDate& date) {
   return true;
 }
 
+// Whether a date of `size` bytes at the beginning of a text is not followed by another digit.
+bool EndsBehind(std::string_view text, std::size_t size) {
+  if (text.size() == size) return true;
+  const auto next = static_cast<unsigned char>(text[size]);
+  return next < '0' || (next > '9' && next < 0x80);
+}
+
 // Consumes DD-MM-YYYY or DD-MMM-YYYY, separated by one character each, when no further digit
-// follows. Nothing, and nothing consumed, when the text is another one or no date.
-std::optional<std::int64_t> AcceptFixedDayMonthYear(TextCursor& cursor) {
+// follows; false, and nothing consumed, when the text is another one. Such a text cannot be read in
+// another way: *midnight is nothing when there is no such date.
+bool AcceptFixedDayMonthYear(TextCursor& cursor, std::optional<std::int64_t>* midnight) {
   const std::string_view text = cursor.Rest();
-  const auto endsBehind = [text](std::size_t size) {
-    if (text.size() == size) return true;
-    const auto next = static_cast<unsigned char>(text[size]);
-    return next < '0' || (next > '9' && next < 0x80);
-  };
   FixedDate date;
   std::size_t size = kDateSize;
-  if (text.size() < kDateSize) return std::nullopt;
+  if (text.size() < kDateSize) return false;
   if (!ReadFixedDate(text.data(), date)) {
     size = kNamedDateSize;
     std::uint64_t start, end;
     if (text.size() < kNamedDateSize || !kDayName.Matches(text.data(), &start) ||
         !kNameYear.Matches(text.data() + kNamedSecondWord, &end)) {
-      return std::nullopt;
+      return false;
     }
     TextCursor month(text.substr(kMonthPlace));
     date = {FixedLayout::TwoDigits(start, 0), AcceptMonthName(month),
             FixedLayout::FourDigits(end, 4)};
     const auto left = month.Rest().size();
-    if (left + kMonthPlace + kMonthLetters != text.size()) return std::nullopt;
+    if (left + kMonthPlace + kMonthLetters != text.size()) return false;
   }
-  if (!endsBehind(size)) return std::nullopt;
-  const auto midnight = Midnight(date.year, date.second, date.first);
-  if (midnight) cursor.Skip(size);
-  return midnight;
+  if (!EndsBehind(text, size)) return false;
+  *midnight = Midnight(date.year, date.second, date.first);
+  cursor.Skip(size);
+  return true;
 }
 
 bool Store(const TextCursor& cursor, std::optional<std::int64_t> seconds, double* value) {
@@ -152,7 +156,8 @@ bool ReadSeparator(TextCursor& cursor) {
 }
 
 std::optional<std::int64_t> ReadDayMonthYear(TextCursor& cursor) {
-  if (const auto midnight = AcceptFixedDayMonthYear(cursor)) return midnight;
+  std::optional<std::int64_t> midnight;
+  if (AcceptFixedDayMonthYear(cursor, &midnight)) return midnight;
   int day, month, year;
   bool letters;
   if (!ReadDay(cursor, day)) return std::nullopt;

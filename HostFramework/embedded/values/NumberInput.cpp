@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <system_error>
 
+#include "HostFramework/embedded/text/Utf8.h"
 #include "HostFramework/embedded/values/Decimal.h"
 #include "HostFramework/embedded/values/FormatCodes.h"
 #include "HostFramework/embedded/values/PlainNumber.h"
@@ -143,25 +144,36 @@ bool ReadAny(Cursor at, const NumberRules& rules, double* value) {
 
 // Reads a number as the standard's parser does, whose form is ours when it names the same decimal
 // character. False for other forms and for numbers that are out of range.
-bool ReadStandard(const char* at, const char* end, double* value) {
+bool ReadStandard(std::string_view text, double* value) {
   // It would also take a sign, an infinity and texts that are not a number.
-  if (at == end || !(IsDigit(*at) || *at == '.')) return false;
+  if (!IsDigit(text.front()) && text.front() != '.') return false;
   double read;
-  const auto [last, error] = std::from_chars(at, end, read);
+  const char* const end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, read);
   if (last != end || error != std::errc()) return false;
   *value = read;
   return true;
 }
 
-bool ReadMagnitude(const char* at, const char* end, const NumberRules& rules, double* value) {
-  const auto length = static_cast<std::size_t>(end - at);
-  if (length - 1 < PlainNumber::kLongest &&
-      PlainNumber::Read(at, length, rules.decimal, false, value)) {
+// What ByteCursor does not read as TextCursor does.
+bool HasWideOrBlank(std::string_view text) {
+  return AsciiPrefix(text.data(), text.size()) != text.size() ||
+         static_cast<unsigned char>(text.back()) <= ' ';
+}
+
+// `mayBePlain`: PlainNumber did not refuse the text yet.
+bool ReadMagnitude(std::string_view text, const NumberRules& rules, bool mayBePlain,
+                   double* value) {
+  if (text.empty()) return false;
+  if (mayBePlain && text.size() <= PlainNumber::kLongest &&
+      PlainNumber::Read(text.data(), text.size(), rules.decimal, false, value)) {
     return true;
   }
-  if (rules.standard && ReadStandard(at, end, value)) return true;
-  const std::string_view text(at, length);
-  return ReadAny(ByteCursor(text), rules, value) || ReadAny(TextCursor(text), rules, value);
+  if (rules.standard && text.size() > PlainNumber::kLongest && ReadStandard(text, value)) {
+    return true;
+  }
+  return ReadAny(ByteCursor(text), rules, value) ||
+         (HasWideOrBlank(text) && ReadAny(TextCursor(text), rules, value));
 }
 
 NumberRules RulesOf(int code, char decimal) {
@@ -178,9 +190,8 @@ NumberRules RulesOf(int code, char decimal) {
   }
 }
 
-// Drops one percent sign at the end and the blanks before it.
+// Drops the percent sign at the end and the blanks before it.
 std::string_view WithoutPercent(std::string_view text) {
-  if (text.back() != '%') return text;
   text.remove_suffix(1);
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
   return text;
@@ -189,22 +200,26 @@ std::string_view WithoutPercent(std::string_view text) {
 }  // namespace
 
 bool ReadNumber(std::string_view text, int code, char decimal, double* value) {
-  if (code == kPct) text = WithoutPercent(text);
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  bool dollar = code != kDollar;  // true once no dollar sign may follow
-  if (!dollar && at != end && *at == '$') {
-    dollar = true;
-    ++at;
+  bool mayBePlain = code == kN;
+  if (code == kPct && text.back() == '%') {
+    text = WithoutPercent(text);
+    mayBePlain = true;
   }
+  const auto takeDollar = [&] {
+    if (text.empty() || text.front() != '$') return false;
+    text.remove_prefix(1);
+    mayBePlain = true;
+    return true;
+  };
+  const bool dollar = code == kDollar && takeDollar();
   // Signs come as they please in a column, so that skipping one is no branch.
-  const char sign = at != end && code != kN ? *at : '0';
+  const char sign = text.empty() || code == kN ? '0' : text.front();
   const bool negative = sign == '-';
-  at += negative | (sign == '+');
-  if (!dollar && at != end && *at == '$') ++at;
+  text.remove_prefix(negative | (sign == '+'));
+  if (code == kDollar && !dollar) takeDollar();
 
   double magnitude;
-  if (!ReadMagnitude(at, end, RulesOf(code, decimal), &magnitude)) return false;
+  if (!ReadMagnitude(text, RulesOf(code, decimal), mayBePlain, &magnitude)) return false;
   constexpr double kSigns[] = {1, -1};
   *value = magnitude * kSigns[negative];
   return true;

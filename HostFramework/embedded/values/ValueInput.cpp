@@ -10,6 +10,7 @@
 #include "HostFramework/embedded/values/NumberInput.h"
 #include "HostFramework/embedded/values/PlainNumber.h"
 #include "HostFramework/embedded/values/TimeInput.h"
+#include "HostFramework/embedded/values/ValueShape.h"
 
 namespace embedded {
 namespace {
@@ -111,6 +112,11 @@ int IocvConvertInput(const char* text, std::size_t length, int format, int /*fla
   if (embedded::ReadCommonNumber(text, length, format, value)) return embedded::kConverted;
   const std::string_view trimmed = embedded::Trimmed(text, length);
   if (trimmed.empty()) return embedded::kEmpty;
+  if (!embedded::ValueShape::MayBe(trimmed, format)) return embedded::kNotAValue;
+  if (trimmed.size() != length &&
+      embedded::ReadCommonNumber(trimmed.data(), trimmed.size(), format, value)) {
+    return embedded::kConverted;
+  }
   return embedded::Convert(trimmed, format, value);
 }
 

@@ -1,9 +1,11 @@
 // Values converted one after the other, by format and kind of text, in bytes of text a second.
 #include "HostFramework/ValueInput.h"
 
+#include <algorithm>
 #include <charconv>
 #include <clocale>
 #include <functional>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -97,6 +99,25 @@ std::string DateTimeFraction(std::mt19937_64& random) {
 }
 std::string IsoDateTime(std::mt19937_64& random) { return IsoDate(random) + "T" + Clock(random); }
 
+std::string Word(std::mt19937_64& random) {
+  constexpr const char* kWords[] = {"Hamburg", "New York",   "yes",    "no",
+                                    "unknown", "Mueller",    "A-17-B", "m",
+                                    "June",    "Ostfriesen", "x42",    "total"};
+  return kWords[random() % std::size(kWords)];
+}
+std::string Amount(std::mt19937_64& random) { return Number(random, 3, 2); }
+std::string Identifier(std::mt19937_64& random) {
+  return std::string(1, static_cast<char>('A' + random() % 26)) +
+         std::to_string(100000 + random() % 900000);
+}
+
+constexpr FormatCode kFormats[] = {
+    embedded::kF,     embedded::kComma, embedded::kDot,  embedded::kDollar,   embedded::kPct,
+    embedded::kE,     embedded::kN,     embedded::kDate, embedded::kADate,    embedded::kEDate,
+    embedded::kSDate, embedded::kJDate, embedded::kQyr,  embedded::kMoyr,     embedded::kWkyr,
+    embedded::kWkday, embedded::kMonth, embedded::kTime, embedded::kDateTime, embedded::kDTime,
+    embedded::kMTime, embedded::kYmdhms};
+
 void Convert(benchmark::State& state, FormatCode format, const Texts::Make& make) {
   const Texts texts(make);
   for (auto _ : state) {
@@ -125,6 +146,31 @@ void ConvertInLocale(benchmark::State& state, const char* locale, FormatCode for
   std::setlocale(LC_NUMERIC, "C");
   Convert(state, format, make);
   std::setlocale(LC_ALL, "C");
+}
+
+// Texts of one kind under each format that takes none of them: how fast a format is found to be
+// another one.
+void Refuse(benchmark::State& state, const Texts::Make& make) {
+  const Texts texts(make);
+  std::vector<int> formats;
+  for (const FormatCode format : kFormats) {
+    const auto isRefused = [format](const std::string& text) {
+      double value = 0;
+      return IocvConvertInput(text.data(), text.size(), format, 0, &value) != 0;
+    };
+    if (std::all_of(texts.begin(), texts.end(), isRefused)) formats.push_back(format);
+  }
+  for (auto _ : state) {
+    int refused = 0;
+    for (const std::string& text : texts) {
+      for (const int format : formats) {
+        double value = 0;
+        refused += IocvConvertInput(text.data(), text.size(), format, 0, &value) != 0;
+      }
+    }
+    benchmark::DoNotOptimize(refused);
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kTexts * formats.size()));
 }
 
 // The library's parser alone, to compare with.
@@ -163,5 +209,14 @@ BENCHMARK_CAPTURE(Convert, TIME, embedded::kTime, Clock);
 BENCHMARK_CAPTURE(Convert, DATETIME, embedded::kDateTime, DateTime);
 BENCHMARK_CAPTURE(Convert, DATETIME_fraction, embedded::kDateTime, DateTimeFraction);
 BENCHMARK_CAPTURE(Convert, YMDHMS, embedded::kYmdhms, IsoDateTime);
+BENCHMARK_CAPTURE(Refuse, words, Word);
+BENCHMARK_CAPTURE(Refuse, identifiers, Identifier);
+BENCHMARK_CAPTURE(Refuse, small_integers, SmallInteger);
+BENCHMARK_CAPTURE(Refuse, amounts, Amount);
+BENCHMARK_CAPTURE(Refuse, SDATE, IsoDate);
+BENCHMARK_CAPTURE(Refuse, ADATE, NumericDate);
+BENCHMARK_CAPTURE(Refuse, DATE_names, NamedDate);
+BENCHMARK_CAPTURE(Refuse, TIME, Clock);
+BENCHMARK_CAPTURE(Refuse, YMDHMS, IsoDateTime);
 
 }  // namespace
