@@ -9,9 +9,9 @@
 #include "HostFramework/FileMessages.h"
 #include "HostFramework/embedded/packages/PackageRegistry.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "cli/Console.h"
 #include "cli/ExitStatus.h"
-#include "cli/VisibleText.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/VisibleText.h"
 
 namespace cli {
 namespace {

@@ -12,8 +12,8 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/Preview.h"
-#include "cli/Run.h"
 #include "cli/Version.h"
+#include "cli/run/RunSubcommand.h"
 
 namespace cli {
 namespace {

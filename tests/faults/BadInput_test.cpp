@@ -11,7 +11,7 @@
 
 #include "HostFramework/embedded/messages/Catalogue.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "cli/testing/TestFolder.h"
+#include "library/testing/TestFolder.h"
 #include "model/MessageText.h"
 #include "tests/support/ImportRun.h"
 
@@ -74,7 +74,7 @@ class BadInput : public testing::Test {
     return cases;
   }
 
-  cli::TestFolder folder_;
+  library::TestFolder folder_;
 
  private:
   static std::string CaseText(const QANT_DataSource& source, const char* cells) {

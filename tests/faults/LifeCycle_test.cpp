@@ -17,7 +17,7 @@
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "HostFramework/embedded/packages/PackageRegistry.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "cli/testing/TestFolder.h"
+#include "library/testing/TestFolder.h"
 #include "tests/support/Effort.h"
 #include "tests/support/ImportRun.h"
 
@@ -49,7 +49,7 @@ class LifeCycle : public testing::Test {
     return Command(path, "/DELIMITERS=','", "n AUTO s AUTO");
   }
 
-  cli::TestFolder folder_;
+  library::TestFolder folder_;
 };
 
 TEST_F(LifeCycle, AThousandIteratorsOneAfterAnother) {

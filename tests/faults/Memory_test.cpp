@@ -16,8 +16,8 @@
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "cli/testing/TestFolder.h"
 #include "entry/CommandEntry.h"
+#include "library/testing/TestFolder.h"
 #include "model/FormatCode.h"
 #include "tests/faults/FailingMemory.h"
 #include "tests/faults/FaultyFile.h"
@@ -189,7 +189,7 @@ INSTANTIATE_TEST_SUITE_P(All, Memory, testing::ValuesIn(Arrangements()),
 // and a record that cannot be had.
 TEST(WizardMemory, RunsOutInACall) {
   ASSERT_TRUE(embedded::SetCodePage(nullptr));
-  const cli::TestFolder folder;
+  const library::TestFolder folder;
   const FileOpenRequest request(folder.Write("data.txt", "a\nlonger than the first\n"), "UTF-8",
                                 false);
   bool openRefused = false;

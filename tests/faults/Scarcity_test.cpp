@@ -14,7 +14,7 @@
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "HostFramework/embedded/threads/ThreadStarts.h"
-#include "cli/testing/TestFolder.h"
+#include "library/testing/TestFolder.h"
 #include "tests/faults/FaultyFile.h"
 
 namespace whole {
@@ -184,7 +184,7 @@ class DescriptorScarcity : public FaultTest {
   }
   Message Failure() const { return {kMessageError, textwizard::ReadFailedError(path_).text}; }
 
-  cli::TestFolder folder_;
+  library::TestFolder folder_;
   std::string path_;
 };
 

@@ -11,7 +11,7 @@
 #include "HostFramework/FileMessages.h"
 #include "HostFramework/embedded/packages/PackageRegistry.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "cli/testing/TestFolder.h"
+#include "library/testing/TestFolder.h"
 #include "tests/support/Effort.h"
 
 namespace whole {
@@ -85,7 +85,7 @@ class WizardBytes : public testing::Test {
     EXPECT_FALSE(answer.HasError());
   }
 
-  cli::TestFolder folder_;
+  library::TestFolder folder_;
   std::string path_;
   std::unique_ptr<embedded::PackageConnection> wizard_;
 };

@@ -15,7 +15,7 @@
 #include <nlohmann/json.hpp>
 
 #include "TreePaths.h"
-#include "cli/testing/TestFolder.h"
+#include "library/testing/TestFolder.h"
 
 namespace program {
 
@@ -107,7 +107,7 @@ class ProgramTest : public testing::Test {
            more + " /VARIABLES=id F4.0 town A20 founded ADATE10 fee F8.2.\n";
   }
 
-  cli::TestFolder folder_;
+  library::TestFolder folder_;
   std::vector<std::pair<std::string, std::string>> environment_;
   // Bytes of memory that the program can have; 0 is no limit.
   rlim_t addressSpace_ = 0;
@@ -119,7 +119,7 @@ class ProgramTest : public testing::Test {
     close(descriptor);
   }
 
-  cli::TestFolder streams_{"streams"};
+  library::TestFolder streams_{"streams"};
 };
 
 }  // namespace program

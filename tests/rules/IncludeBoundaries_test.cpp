@@ -15,7 +15,7 @@
 #include <gtest/gtest.h>
 
 #include "TreePaths.h"
-#include "cli/testing/TestFolder.h"
+#include "library/testing/TestFolder.h"
 
 namespace {
 
@@ -127,7 +127,7 @@ TEST(IncludeBoundaries, EveryFolderOfTheComponentHasALevel) {
 }
 
 TEST(IncludeBoundaries, APlantedClimbIsSeen) {
-  const cli::TestFolder folder;
+  const library::TestFolder folder;
   for (const char* name : {"model", "reading", "wizard", "plan", "attic"}) {
     fs::create_directory(folder.path() / name);
     folder.Write(std::string(name) + "/Header.h", "#pragma once\n");

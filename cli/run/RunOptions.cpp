@@ -1,0 +1,172 @@
+#include "cli/run/RunOptions.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <fmt/format.h>
+#include <sys/stat.h>
+
+namespace cli {
+namespace {
+
+constexpr std::string_view kNumberMark = "%d";
+constexpr std::string_view kStandardOutput = "-";
+constexpr std::string_view kStandardInput = "-";
+
+struct Output {
+  const char* option;
+  const std::string& name;
+};
+
+std::filesystem::path Resolved(const std::string& name) {
+  std::error_code failed;
+  return std::filesystem::weakly_canonical(std::filesystem::absolute(name, failed), failed);
+}
+
+// The name that a file has however it is written.
+std::string NameOf(const std::string& name) {
+  return name == kStandardOutput ? name : Resolved(name).string();
+}
+
+// The files that are read, by their names and, where they are there and regular files, by their
+// numbers on their devices: a file may have several names.
+class InputFiles {
+ public:
+  InputFiles(const RunOptions& options, const std::vector<ListedCommand>& commands) {
+    if (options.commandFile != kStandardInput) Add(options.commandFile, "the command file");
+    for (std::size_t index = 0; index < commands.size(); ++index) {
+      const std::string& file = commands[index].dataFile;
+      if (file.empty() || file == kStandardInput) continue;
+      Add(file, commands.size() == 1 ? "the data file"
+                                     : fmt::format("the data file of command {}", index + 1));
+    }
+  }
+  // What `name` is among them; empty when it is none.
+  std::string Find(const std::string& name) const {
+    const auto named = byName_.find(NameOf(name));
+    if (named != byName_.end()) return named->second;
+    const auto numbered = byNumber_.find(NumberOf(name));
+    return numbered != byNumber_.end() ? numbered->second : std::string();
+  }
+
+ private:
+  using Number = std::optional<std::pair<dev_t, ino_t>>;
+  static Number NumberOf(const std::string& name) {
+    struct stat file {};
+    if (stat(name.c_str(), &file) != 0 || !S_ISREG(file.st_mode)) return std::nullopt;
+    return std::pair(file.st_dev, file.st_ino);
+  }
+  void Add(const std::string& name, const std::string& what) {
+    byName_.try_emplace(NameOf(name), what);
+    if (const Number number = NumberOf(name)) byNumber_.try_emplace(number, what);
+  }
+
+  std::map<std::string, std::string> byName_;
+  std::map<Number, std::string> byNumber_;
+};
+
+// How many things are read from standard input.
+std::ptrdiff_t ReadersOfInput(const RunOptions& options,
+                              const std::vector<ListedCommand>& commands) {
+  return (options.commandFile == kStandardInput ? 1 : 0) +
+         std::count_if(commands.begin(), commands.end(), [](const ListedCommand& command) {
+           return command.dataFile == kStandardInput;
+         });
+}
+
+// A device or a pipe: what is written there overwrites nothing.
+bool IsStream(const std::string& name) {
+  struct stat file {};
+  return stat(name.c_str(), &file) == 0 && !S_ISREG(file.st_mode);
+}
+
+// Says which file the outputs would write twice, or which input they would overwrite; empty when
+// they do neither.
+std::string Overwritten(const Output (&outputs)[3], const RunOptions& options,
+                        const std::vector<ListedCommand>& commands) {
+  const InputFiles inputs(options, commands);
+  std::map<std::string, const char*> written;
+  for (const Output& output : outputs) {
+    if (output.name.empty()) continue;
+    const bool perCommand = IsPerCommand(output.name);
+    const std::size_t names = perCommand ? std::max<std::size_t>(commands.size(), 1) : 1;
+    for (std::size_t number = 1; number <= names; ++number) {
+      const std::string name = NameForCommand(output.name, static_cast<int>(number));
+      const auto [other, isNew] = written.try_emplace(NameOf(name), output.option);
+      if (!isNew) return fmt::format("{} and {} are both {}", other->second, output.option, name);
+      if (name == kStandardOutput || IsStream(name)) continue;
+      if (const std::string input = inputs.Find(name); !input.empty()) {
+        return fmt::format("{} {} would overwrite {}", output.option, name, input);
+      }
+    }
+    const bool itself = !perCommand && &output.name != &options.messages;
+    if (itself && output.name != kStandardOutput && SeveralRun(commands)) {
+      return fmt::format(
+          "{} {}: the file holds several commands, and the second would overwrite the first's; "
+          "put %d, the command's number, into the name",
+          output.option, output.name);
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+std::optional<library::CaseFormat> CaseFormatOf(const RunOptions& options) {
+  if (options.format) return options.format;
+  if (options.cases == kStandardOutput) return library::CaseFormat::kCsv;
+  std::string ending = std::filesystem::path(options.cases).extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(),
+                 [](unsigned char character) { return std::tolower(character); });
+  if (ending == ".csv") return library::CaseFormat::kCsv;
+  if (ending == ".tsv") return library::CaseFormat::kTsv;
+  if (ending == ".jsonl") return library::CaseFormat::kJsonLines;
+  return std::nullopt;
+}
+
+bool IsPerCommand(const std::string& name) { return name.find(kNumberMark) != std::string::npos; }
+
+std::string NameForCommand(const std::string& name, int number) {
+  std::string result = name;
+  const std::string digits = std::to_string(number);
+  for (std::size_t at = result.find(kNumberMark); at != std::string::npos;
+       at = result.find(kNumberMark, at + digits.size())) {
+    result.replace(at, kNumberMark.size(), digits);
+  }
+  return result;
+}
+
+bool WritesStandardOutput(const RunOptions& options) {
+  return options.cases == kStandardOutput || options.dictionary == kStandardOutput ||
+         options.messages == kStandardOutput;
+}
+
+bool SeveralRun(const std::vector<ListedCommand>& commands) {
+  return std::count_if(commands.begin(), commands.end(),
+                       [](const ListedCommand& command) { return command.canRun; }) > 1;
+}
+
+std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedCommand>& commands) {
+  if (!options.cases.empty() && !CaseFormatOf(options)) {
+    return fmt::format(
+        "--cases {}: the ending is none of .csv, .tsv and .jsonl; name the format with --format",
+        options.cases);
+  }
+  if (options.format && options.cases.empty()) return "--format needs --cases";
+  if (ReadersOfInput(options, commands) > 1) {
+    return "standard input can be read only once, but more than one of the command file and the "
+           "data files is -";
+  }
+
+  const Output outputs[] = {{"--cases", options.cases},
+                            {"--dictionary", options.dictionary},
+                            {"--messages", options.messages}};
+  return Overwritten(outputs, options, commands);
+}
+
+}  // namespace cli

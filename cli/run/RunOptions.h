@@ -1,0 +1,57 @@
+// The options of `textwizard run`.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/run/CommandFile.h"
+#include "cli/run/HostOptions.h"
+#include "library/outputs/CaseWriter.h"
+#include "library/outputs/MakeCaseWriter.h"
+
+namespace cli {
+
+struct RunOptions {
+  std::string commandFile;  // "-" is standard input
+
+  // Outputs: a file, "-" for standard output, or empty for none. "%d" stands for the number of the
+  // command.
+  std::string cases;
+  std::string dictionary;
+  std::string messages;
+  std::optional<library::CaseFormat> format;  // else by the ending of `cases`
+  library::ValueStyle values = library::ValueStyle::kDisplay;
+
+  HostOptions host;
+  int workers = 0;  // 0: one per processor
+  std::optional<unsigned> seed;
+
+  // What is shown.
+  long long show = 10;
+  bool stats = false;
+  bool quiet = false;
+  bool noProgress = false;
+};
+
+// What is wrong with options that are right one by one: outputs that would overwrite one another,
+// the command file or the data of any of its `commands`, standard input that would be read twice, a
+// file of cases without a known format. Empty when nothing is.
+std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedCommand>& commands);
+
+// True when more than one of the commands can be run.
+bool SeveralRun(const std::vector<ListedCommand>& commands);
+
+// The format of the cases: what was asked for, or the one that the file's ending names; CSV for
+// standard output. Nothing when the ending names none.
+std::optional<library::CaseFormat> CaseFormatOf(const RunOptions& options);
+
+// True when output `name` names another file for every command.
+bool IsPerCommand(const std::string& name);
+// The name of an output for command `number` (from 1).
+std::string NameForCommand(const std::string& name, int number);
+
+// True when a file goes to standard output.
+bool WritesStandardOutput(const RunOptions& options);
+
+}  // namespace cli

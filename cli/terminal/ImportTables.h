@@ -1,0 +1,46 @@
+// What a person sees of one command: its variables, its first cases, the counts.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "HostFramework/DataSource.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/TerminalTable.h"
+#include "library/outputs/CaseWriter.h"
+
+namespace cli {
+
+// The table of the variables: name, format, width. Long dictionaries are cut after the first
+// variables, and the text says so.
+std::string VariableTable(const QANT_DataSource& source);
+
+// "5 cases, 7 variables".
+std::string Counts(long long cases, std::size_t variables);
+
+// Keeps the text of the first cases, no more columns of them than a terminal can show.
+class FirstCases {
+ public:
+  FirstCases(const QANT_DataSource& source, library::ValueStyle style, long long limit,
+             std::size_t terminalWidth);
+  // Takes a case while fewer than the limit were taken.
+  void Take(const OBS* obs) {
+    if (taken_ < limit_) Keep(obs);
+  }
+  // The table, or an empty text when no case was taken.
+  std::string Text() const;
+
+ private:
+  void Keep(const OBS* obs);
+
+  long long limit_;
+  long long taken_ = 0;
+  std::size_t terminalWidth_;
+  std::size_t variables_;
+  std::vector<library::CaseColumn> columns_;
+  TerminalTable table_;
+  library::Utf8Converter hostText_;
+};
+
+}  // namespace cli

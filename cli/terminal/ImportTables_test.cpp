@@ -1,0 +1,67 @@
+#include "cli/terminal/ImportTables.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "HostFramework/embedded/text/HostText.h"
+#include "library/testing/TestSource.h"
+
+namespace cli {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+TEST(ImportTables, ListsTheVariables) {
+  library::TestSource source;
+  source.Number("id", 5, 4, 0).String("town", 20).Number("day", 20, 11, 0);
+  EXPECT_EQ(VariableTable(source),
+            "Variable  Format  Width\nid        F4          4\ntown      A20        20\n"
+            "day       DATE11     11\n");
+}
+
+TEST(ImportTables, CutsALongDictionary) {
+  library::TestSource source;
+  for (int number = 0; number < 250; ++number)
+    source.Number(("v" + std::to_string(number)).c_str());
+  const std::string text = VariableTable(source);
+  EXPECT_THAT(text, HasSubstr("v199 "));
+  EXPECT_THAT(text, Not(HasSubstr("v200 ")));
+  EXPECT_THAT(text, HasSubstr("and 50 more variables"));
+}
+
+TEST(ImportTables, ShowsTheFirstCases) {
+  library::TestSource source;
+  source.Number("id").String("town", 12).Number("day", 20, 11, 0);
+  FirstCases first(source, library::ValueStyle::kDisplay, 2, 80);
+  first.Take(library::TestCase(source).Set(0, 10).Set(1, "Bern").Set(2, 86400).obs());
+  first.Take(library::TestCase(source).Set(1, "a\tb").obs());
+  first.Take(library::TestCase(source).Set(0, 3).obs());
+  EXPECT_EQ(first.Text(), "id  town         day\n10  Bern  1582-10-15\n .  a\\tb           .\n");
+}
+
+TEST(ImportTables, SaysWhichVariablesAreNotShown) {
+  library::TestSource source;
+  for (int number = 0; number < 500; ++number) source.Number("variable");
+  FirstCases first(source, library::ValueStyle::kDisplay, 1, 40);
+  first.Take(library::TestCase(source).obs());
+  EXPECT_EQ(first.Text(),
+            "variable  variable  variable  variable\n       .         .         .         .\n"
+            "and 496 more variables (--cases writes them all)\n");
+}
+
+TEST(ImportTables, ShowsNothingWhereNothingWasTaken) {
+  library::TestSource source;
+  source.Number("id");
+  FirstCases none(source, library::ValueStyle::kDisplay, 0, 80);
+  none.Take(library::TestCase(source).obs());
+  EXPECT_EQ(none.Text(), "");
+}
+
+TEST(ImportTables, Counts) {
+  EXPECT_EQ(Counts(1, 1), "1 case, 1 variable");
+  EXPECT_EQ(Counts(0, 2), "0 cases, 2 variables");
+}
+
+}  // namespace
+}  // namespace cli

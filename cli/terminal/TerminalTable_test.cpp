@@ -1,0 +1,90 @@
+#include "cli/terminal/TerminalTable.h"
+
+#include <gtest/gtest.h>
+
+namespace cli {
+namespace {
+
+using Align = TerminalTable::Align;
+constexpr char kEllipsis[] = "\xE2\x80\xA6";
+
+TEST(TerminalTable, NumbersStandRightAndTextsLeft) {
+  TerminalTable table;
+  table.AddColumn("id", Align::kRight);
+  table.AddColumn("name", Align::kLeft);
+  table.AddColumn("n", Align::kRight);
+  table.AddRow({"1", "Ann", "10"});
+  table.AddRow({"200", "Bo", "."});
+  std::size_t shown = 0;
+  EXPECT_EQ(table.Text(80, &shown), " id  name   n\n  1  Ann   10\n200  Bo     .\n");
+  EXPECT_EQ(shown, 3U);
+}
+
+TEST(TerminalTable, LinesHaveNoBlanksAtTheirEnd) {
+  TerminalTable table;
+  table.AddColumn("a", Align::kLeft);
+  table.AddRow({"long"});
+  table.AddRow({""});
+  std::size_t shown = 0;
+  EXPECT_EQ(table.Text(80, &shown), "a\nlong\n\n");
+}
+
+TEST(TerminalTable, ColumnsThatDoNotFitAreLeftOut) {
+  TerminalTable table;
+  for (const char* title : {"aaaa", "bbbb", "cccc"}) table.AddColumn(title, Align::kLeft);
+  std::size_t shown = 0;
+  EXPECT_EQ(table.Text(10, &shown), "aaaa  bbbb\n");
+  EXPECT_EQ(shown, 2U);
+  EXPECT_EQ(table.Text(9, &shown), "aaaa\n");
+  EXPECT_EQ(table.Text(1, &shown), "aaaa\n");
+  EXPECT_EQ(shown, 1U);
+}
+
+TEST(TerminalTable, TextsAreNarrowedToWhatIsLeft) {
+  TerminalTable table;
+  table.AddColumn("n", Align::kRight);
+  table.AddColumn("text", Align::kLeft);
+  table.AddColumn("more", Align::kLeft);
+  table.AddRow({"1", "abcdefghijklmnopqrstuvwxyz", "x"});
+  std::size_t shown = 0;
+  EXPECT_EQ(table.Text(15, &shown), std::string("n  text\n1  abcdefghijk") + kEllipsis + "\n");
+  EXPECT_EQ(shown, 2U);
+  EXPECT_EQ(table.Text(14, &shown), "n\n1\n");
+}
+
+TEST(TerminalTable, WideCellsAreCut) {
+  TerminalTable table;
+  table.AddColumn("text", Align::kLeft);
+  table.AddRow({std::string(200, 'x')});
+  std::size_t shown = 0;
+  EXPECT_EQ(table.Text(1000, &shown),
+            "text\n" + std::string(TerminalTable::kWidestCell - 1, 'x') + kEllipsis + "\n");
+}
+
+TEST(TerminalTable, WideCharactersTakeTwoColumns) {
+  TerminalTable table;
+  table.AddColumn("city", Align::kLeft);
+  table.AddColumn("n", Align::kRight);
+  table.AddRow({"\xE4\xB8\x87\xE5\xB9\xB4", "1"});
+  table.AddRow({"Z\xC3\xBCri", "2"});
+  std::size_t shown = 0;
+  EXPECT_EQ(table.Text(80, &shown), "city  n\n\xE4\xB8\x87\xE5\xB9\xB4  1\nZ\xC3\xBCri  2\n");
+}
+
+TEST(TerminalTable, ControlCharactersAreVisible) {
+  TerminalTable table;
+  table.AddColumn("s", Align::kLeft);
+  table.AddRow({"a\tb\x1B[31m"});
+  std::size_t shown = 0;
+  EXPECT_EQ(table.Text(80, &shown), "s\na\\tb\\x1B[31m\n");
+}
+
+TEST(TerminalTable, WithoutColumnsThereIsNoText) {
+  const TerminalTable table;
+  std::size_t shown = 7;
+  EXPECT_EQ(table.Text(80, &shown), "");
+  EXPECT_EQ(shown, 0U);
+}
+
+}  // namespace
+}  // namespace cli

@@ -1,0 +1,85 @@
+// One command from its tokens to its cases.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "HostFramework/DataSource.h"
+#include "HostFramework/ImportObserver.h"
+#include "HostFramework/embedded/command/CommandLanguage.h"
+#include "HostFramework/embedded/data/CaseBuffer.h"
+#include "library/import/ActiveSource.h"
+#include "library/import/CaseReceiver.h"
+#include "library/import/CaseSampler.h"
+#include "library/import/ImportMessages.h"
+#include "library/import/ImportStats.h"
+#include "library/report/ObservedAdapter.h"
+
+namespace library {
+
+struct ImportOptions {
+  int workers = 0;               // conversion threads; below 1 for one per processor
+  std::optional<unsigned> seed;  // makes the draw of IMPORTCASE PERCENT repeatable
+  // Watches the import; outlives it. Null for none.
+  ImportObserver* observer = nullptr;
+};
+
+enum class ImportEnd {
+  kDone,
+  kFailed,       // an error message was posted
+  kInterrupted,  // by the user (the host's attention)
+  kStopped,      // by the receiver of the cases
+};
+
+// Runs a command and reads its cases. The host's settings (code page, decimal character) are made
+// before and stay while it lives, and of these objects there is one at a time: its data source is
+// the host's active one. Host's thread. Nothing is thrown: what goes wrong is a message.
+class CommandImport : private ImportMessages {
+ public:
+  // `messages` gets what is posted and outlives this object.
+  CommandImport(const ImportOptions& options, ImportMessages& messages);
+  ~CommandImport() override;
+  CommandImport(const CommandImport&) = delete;
+  CommandImport& operator=(const CommandImport&) = delete;
+
+  // Runs the command of these tokens (those behind GET DATA /TYPE=TXT /) until its dictionary is
+  // made. Once. Done, failed or interrupted.
+  ImportEnd Open(std::vector<embedded::CommandToken> tokens);
+  // The data source; after Open has done.
+  const QANT_DataSource& source() const { return *source_->get(); }
+
+  // Reads the cases that are left, up to the end of the data or to where the receiver stops; from
+  // there the next call reads on. The first call begins.
+  ImportEnd Read(CaseReceiver& receiver);
+
+  // So far. Reading counts as a whole: who measures writing takes it off.
+  const ImportStats& stats() const { return stats_; }
+
+ private:
+  // Counts errors on the way to the messages.
+  void Post(std::string_view hostText, int kind) override;
+  void PostError(std::string_view text) { Post(text, kMessageError); }
+  bool StartReading(CaseReceiver& receiver);
+  // True at the end of the data, false where the receiver or the user stopped before.
+  bool ReadOn(CaseReceiver& receiver);
+  void EndReading();
+
+  const ImportOptions options_;
+  ImportMessages& messages_;
+  const MessageRoute route_;
+  long long errors_ = 0;
+  QantErrorMonitor monitor_;
+  ImportStats stats_;
+  // Each uses those before it.
+  std::unique_ptr<ObservedAdapter> adapter_;
+  std::optional<ActiveSource> source_;
+  std::optional<CaseSampler> sampler_;
+  std::unique_ptr<embedded::CaseBuffer> buffer_;
+  std::unique_ptr<QANT_InputCaseIterator> iterator_;
+  int threadsBefore_ = 0;
+  bool finished_ = false;  // nothing is left to be read
+};
+
+}  // namespace library

@@ -1,0 +1,44 @@
+// Cases as lines of text, and what their writers share.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "HostFramework/DataSource.h"
+#include "library/outputs/FormatName.h"
+#include "library/outputs/Utf8Converter.h"
+#include "library/outputs/ValueText.h"
+
+namespace library {
+
+enum class ValueStyle {
+  kDisplay,  // dates and times as ISO 8601 shows them
+  kRaw,      // every number as a number
+};
+
+// A variable as a writer sees it.
+struct CaseColumn {
+  std::string name;   // UTF-8
+  std::size_t cell;   // its first cell in a case
+  std::size_t bytes;  // of a string; 0 for a number
+  ValueKind kind;
+};
+
+// The columns of a source, in its order.
+std::vector<CaseColumn> ColumnsOf(const QANT_DataSource& source, ValueStyle style);
+
+// The value of a number's column.
+double NumberAt(const OBS* obs, const CaseColumn& column);
+// The text of a string's column (host text) without the blanks that pad it. A view into the case.
+std::string_view StringAt(const OBS* obs, const CaseColumn& column);
+
+// Writes the cases of one source to one file. Allocates nothing per case.
+class CaseWriter {
+ public:
+  virtual ~CaseWriter() = default;
+  // What stands before the cases.
+  virtual void WriteHeader() = 0;
+  virtual void WriteCase(const OBS* obs) = 0;
+};
+
+}  // namespace library

@@ -1,0 +1,34 @@
+// Cases as separated values, the way RFC 4180 has them, with line feeds as line ends.
+#pragma once
+
+#include <array>
+#include <string_view>
+#include <vector>
+
+#include "library/outputs/CaseWriter.h"
+#include "library/outputs/OutputFile.h"
+
+namespace library {
+
+// A header of names, then a line a case. A field is quoted where it holds the separator, a quote or
+// a line end, and where it would be an empty line: many readers skip those, and a case would be
+// lost. Blanks are part of a field and need no quotes. A missing number is an empty field.
+class DelimitedWriter : public CaseWriter {
+ public:
+  DelimitedWriter(char separator, std::vector<CaseColumn> columns, OutputFile& file);
+  void WriteHeader() override;
+  void WriteCase(const OBS* obs) override;
+
+ private:
+  // A text in UTF-8.
+  void WriteField(std::string_view text);
+  void WriteQuoted(std::string_view text);
+
+  char separator_;
+  std::vector<CaseColumn> columns_;
+  OutputFile& file_;
+  Utf8Converter hostText_;
+  std::array<bool, 256> quoted_{};  // the bytes that need quotes around their field
+};
+
+}  // namespace library

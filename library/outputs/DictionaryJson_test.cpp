@@ -1,0 +1,36 @@
+#include "library/outputs/DictionaryJson.h"
+
+#include <gtest/gtest.h>
+
+#include "HostFramework/embedded/text/HostText.h"
+#include "library/testing/TestFolder.h"
+#include "library/testing/TestSource.h"
+
+namespace library {
+namespace {
+
+TEST(DictionaryJson, HasEveryKeyInItsOrder) {
+  ASSERT_TRUE(embedded::SetCodePage(nullptr));
+  TestSource source;
+  source.Number("id", 5, 8, 2).String("t\xC3\xA9", 20);
+  source.SetFileSpec("/proc/self/fd/3");
+  source.GetVariable(0)->SetWriteFormat(5, 9, 3);
+  source.GetVariable(1)->SetDisplayWidth(12);
+  const TestFolder folder;
+  std::string error;
+  const auto file = OutputFile::Open(folder / "d.json", &error);
+  ASSERT_NE(file, nullptr) << error;
+  WriteDictionary(source, "data/a \"b\".csv", 3, *file);
+  ASSERT_TRUE(file->Finish() && file->Publish());
+  EXPECT_EQ(
+      folder.Text("d.json"),
+      "{\"file\":\"data/a \\\"b\\\".csv\",\"cases\":3,\"variables\":["
+      "{\"name\":\"id\",\"type\":\"numeric\",\"format\":\"F8.2\",\"format_code\":5,\"width\":8,"
+      "\"decimals\":2,\"write_format\":\"F9.3\",\"bytes\":0,\"display_width\":8},"
+      "{\"name\":\"t\xC3\xA9\",\"type\":\"string\",\"format\":\"A20\",\"format_code\":1,"
+      "\"width\":20,\"decimals\":0,\"write_format\":\"A20\",\"bytes\":20,"
+      "\"display_width\":12}]}\n");
+}
+
+}  // namespace
+}  // namespace library

@@ -1,0 +1,157 @@
+#include "library/outputs/OutputFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "library/outputs/WholeWrite.h"
+
+namespace library {
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
+constexpr mode_t kNewFileMode = 0666;
+constexpr mode_t kPermissions = 07777;
+
+std::string CannotWrite(const std::string& target, int code) {
+  return "cannot write " + (target == "-" ? "standard output" : target) + ": " +
+         std::strerror(code);
+}
+
+// The file that `target` stands for: behind symbolic links, so that the file they name is replaced
+// and not the link.
+std::string BehindLinks(const std::string& target) {
+  std::error_code failed;
+  const auto resolved = std::filesystem::weakly_canonical(target, failed);
+  return failed || resolved.empty() ? target : resolved.string();
+}
+
+// A new file beside `target`, with a name that nobody else has; -1 with errno when there is none.
+int MakeTemporary(const std::filesystem::path& target, std::string* name) {
+  static unsigned made = 0;
+  int descriptor = -1;
+  do {
+    const std::string own =
+        ".textwizard-" + std::to_string(getpid()) + "-" + std::to_string(++made) + ".tmp";
+    *name = (target.parent_path() / own).string();
+    descriptor = open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
+  } while (descriptor < 0 && errno == EEXIST);
+  return descriptor;
+}
+
+// Has the system put what was written through `descriptor` onto the disk; false, with errno set,
+// when that fails. Where the file system knows no such thing there is nothing to do.
+bool Settle(int descriptor) {
+  int result = fsync(descriptor);
+  while (result != 0 && errno == EINTR) result = fsync(descriptor);
+  return result == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+// The same of the folder that holds `file`, and with it the file's name. A folder that may be
+// written but not read cannot be asked for it.
+bool SettleFolderOf(const std::filesystem::path& file) {
+  const std::filesystem::path parent = file.parent_path();
+  const int folder =
+      open(parent.empty() ? "." : parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (folder < 0) return true;
+  const bool settled = Settle(folder);
+  const int code = errno;
+  close(folder);
+  errno = code;
+  return settled;
+}
+
+}  // namespace
+
+OutputFile::OutputFile(std::string target, std::string final, std::string temporary, int descriptor)
+    : target_(std::move(target)),
+      final_(std::move(final)),
+      temporary_(std::move(temporary)),
+      descriptor_(descriptor),
+      buffer_(kBufferSize) {
+  if (!temporary_.empty()) unfinished_.emplace(temporary_.c_str());
+}
+
+std::unique_ptr<OutputFile> OutputFile::Open(const std::string& target, std::string* error) {
+  std::string final = target;
+  std::string temporary;
+  int descriptor = STDOUT_FILENO;
+  if (target != "-") {
+    struct stat present {};
+    const bool exists = stat(target.c_str(), &present) == 0;
+    if (exists && !S_ISREG(present.st_mode)) {
+      descriptor = open(target.c_str(), O_WRONLY | O_CLOEXEC);
+    } else {
+      final = BehindLinks(target);
+      descriptor = MakeTemporary(final, &temporary);
+    }
+    if (descriptor < 0) {
+      *error = CannotWrite(target, errno);
+      return nullptr;
+    }
+    // A file that is replaced keeps its permissions where the system allows it.
+    if (exists && !temporary.empty()) {
+      static_cast<void>(fchmod(descriptor, present.st_mode & kPermissions));
+    }
+  }
+  return std::unique_ptr<OutputFile>(
+      new OutputFile(target, std::move(final), std::move(temporary), descriptor));
+}
+
+OutputFile::~OutputFile() {
+  if (descriptor_ > STDERR_FILENO) close(descriptor_);
+  if (!temporary_.empty()) unlink(temporary_.c_str());
+}
+
+void OutputFile::Append(std::string_view text) {
+  while (!text.empty()) {
+    if (used_ == buffer_.size()) Flush();
+    const std::size_t part = std::min(text.size(), buffer_.size() - used_);
+    std::memcpy(buffer_.data() + used_, text.data(), part);
+    used_ += part;
+    text.remove_prefix(part);
+  }
+}
+
+void OutputFile::Flush() {
+  const std::string_view text(buffer_.data(), used_);
+  used_ = 0;
+  if (ok() && !WriteWhole(descriptor_, text)) Fail(errno);
+}
+
+bool OutputFile::Finish() {
+  Flush();
+  // Before the file takes its name: after a power cut the name must not stand for half of it.
+  if (!temporary_.empty() && ok() && !Settle(descriptor_)) Fail(errno);
+  if (descriptor_ > STDERR_FILENO) {
+    if (close(descriptor_) != 0 && ok()) Fail(errno);
+    descriptor_ = -1;
+  }
+  return ok();
+}
+
+bool OutputFile::Publish() {
+  if (!ok()) return false;
+  if (temporary_.empty()) return true;
+  if (std::rename(temporary_.c_str(), final_.c_str()) != 0) {
+    Fail(errno);
+    return false;
+  }
+  unfinished_.reset();
+  temporary_.clear();
+  if (!SettleFolderOf(final_)) Fail(errno);
+  return ok();
+}
+
+void OutputFile::Fail(int code) {
+  error_ = CannotWrite(target_, code);
+  interrupted_ = code == EINTR;
+}
+
+}  // namespace library

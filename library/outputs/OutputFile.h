@@ -1,0 +1,74 @@
+// A file that is written whole or not at all.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "library/outputs/ByteSink.h"
+#include "library/outputs/UnfinishedFile.h"
+
+namespace library {
+
+// Writes through a buffer of its own to a temporary file beside the target, which takes the
+// target's name when it is published, both safely on the disk, and disappears when it is not. "-"
+// is standard output, and a target that is there and no regular file (a device, a pipe) is written
+// as it stands. A failed write is remembered: later writes do nothing, and Finish tells. One thread
+// at a time.
+class OutputFile final : public ByteSink {
+ public:
+  // Opens `target`. Null when it cannot be written; then *error says so, naming the target.
+  static std::unique_ptr<OutputFile> Open(const std::string& target, std::string* error);
+  // Removes what was not published.
+  ~OutputFile() override;
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  void Append(std::string_view text) override;
+  void Append(char character) { *Reserve(1) = character, ++used_; }
+  // Room for `bytes` bytes (at most kReservable) at the end of the text; write there and hand the
+  // end of what was written to Advance. Valid until the next call.
+  char* Reserve(std::size_t bytes) {
+    if (buffer_.size() - used_ < bytes) Flush();
+    return buffer_.data() + used_;
+  }
+  void Advance(const char* end) { used_ = static_cast<std::size_t>(end - buffer_.data()); }
+  // Hands what is buffered to the system.
+  void Flush();
+
+  // False after a write failed.
+  bool ok() const { return error_.empty(); }
+  // What failed, naming the target; empty while nothing did.
+  const std::string& error() const { return error_; }
+  // It failed because the user interrupted a write that waited for a reader.
+  bool interrupted() const { return interrupted_; }
+  const std::string& target() const { return target_; }
+
+  // Writes the rest, waits until the disk has it and closes; false when anything failed. Nothing is
+  // written afterwards.
+  bool Finish();
+  // Gives a finished file the target's name and waits until the disk has that, too; false when that
+  // fails.
+  bool Publish();
+
+  static constexpr std::size_t kReservable = 4096;
+
+ private:
+  OutputFile(std::string target, std::string final, std::string temporary, int descriptor);
+  void Fail(int code);
+
+  std::string target_;     // as it was named
+  std::string final_;      // behind symbolic links
+  std::string temporary_;  // empty when the target is written as it stands, and once published
+  std::optional<UnfinishedFile> unfinished_;
+  int descriptor_;
+  std::vector<char> buffer_;
+  std::size_t used_ = 0;
+  std::string error_;
+  bool interrupted_ = false;
+};
+
+}  // namespace library
