@@ -58,14 +58,8 @@ int ReportWrongUsage(const CLI::App& program, const CLI::ParseError& error) {
   return kExitUsage;
 }
 
-}  // namespace
-
-int RunProgram(int argc, char** argv) {
-  FillStandardStreams();
-  // The user's month names and codeset; but how numbers are read, and so what types are found, must
-  // not depend on where a command is run: --decimal says it.
-  std::setlocale(LC_ALL, "");
-  std::setlocale(LC_NUMERIC, "C");
+// Registers the subcommands, parses the arguments and runs the subcommand they name.
+int ParseAndRun(int argc, char** argv) {
   int status = kExitSuccess;
   CLI::App program("Imports text data files by GET DATA commands.", "textwizard");
   program.set_version_flag("--version", std::string("textwizard ") + Version());
@@ -79,11 +73,24 @@ int RunProgram(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == kExitSuccess) return Show(program, error);
     return ReportWrongUsage(program, error);
+  }
+  return status;
+}
+
+}  // namespace
+
+int RunProgram(int argc, char** argv) {
+  FillStandardStreams();
+  try {
+    // The user's month names and codeset; but how numbers are read, and so what types are found,
+    // must not depend on where a command is run: --decimal says it.
+    std::setlocale(LC_ALL, "");
+    std::setlocale(LC_NUMERIC, "C");
+    return ParseAndRun(argc, argv);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "error: %s\n", error.what());
     return kExitUsage;
   }
-  return status;
 }
 
 }  // namespace cli

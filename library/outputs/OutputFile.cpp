@@ -69,39 +69,38 @@ bool SettleFolderOf(const std::filesystem::path& file) {
 
 }  // namespace
 
-OutputFile::OutputFile(std::string target, std::string final, std::string temporary, int descriptor)
-    : target_(std::move(target)),
-      final_(std::move(final)),
-      temporary_(std::move(temporary)),
-      descriptor_(descriptor),
-      buffer_(kBufferSize) {
-  if (!temporary_.empty()) unfinished_.emplace(temporary_.c_str());
-}
+OutputFile::OutputFile(std::string target) : target_(std::move(target)), buffer_(kBufferSize) {}
 
 std::unique_ptr<OutputFile> OutputFile::Open(const std::string& target, std::string* error) {
-  std::string final = target;
-  std::string temporary;
-  int descriptor = STDOUT_FILENO;
-  if (target != "-") {
-    struct stat present {};
-    const bool exists = stat(target.c_str(), &present) == 0;
-    if (exists && !S_ISREG(present.st_mode)) {
-      descriptor = open(target.c_str(), O_WRONLY | O_CLOEXEC);
-    } else {
-      final = BehindLinks(target);
-      descriptor = MakeTemporary(final, &temporary);
-    }
-    if (descriptor < 0) {
-      *error = CannotWrite(target, errno);
-      return nullptr;
-    }
-    // A file that is replaced keeps its permissions where the system allows it.
-    if (exists && !temporary.empty()) {
-      static_cast<void>(fchmod(descriptor, present.st_mode & kPermissions));
-    }
+  // First: when memory lacks, nothing has been made that would stay behind.
+  std::unique_ptr<OutputFile> file(new OutputFile(target));
+  if (file->OpenTarget()) return file;
+  *error = file->error();
+  return nullptr;
+}
+
+bool OutputFile::OpenTarget() {
+  descriptor_ = STDOUT_FILENO;
+  if (target_ == "-") return true;
+  struct stat present {};
+  const bool exists = stat(target_.c_str(), &present) == 0;
+  if (exists && !S_ISREG(present.st_mode)) {
+    descriptor_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
+  } else {
+    final_ = BehindLinks(target_);
+    descriptor_ = MakeTemporary(final_, &temporary_);
   }
-  return std::unique_ptr<OutputFile>(
-      new OutputFile(target, std::move(final), std::move(temporary), descriptor));
+  if (descriptor_ < 0) {
+    Fail(errno);
+    temporary_.clear();
+    return false;
+  }
+  if (!temporary_.empty()) {
+    unfinished_.emplace(temporary_.c_str());
+    // A file that is replaced keeps its permissions where the system allows it.
+    if (exists) static_cast<void>(fchmod(descriptor_, present.st_mode & kPermissions));
+  }
+  return true;
 }
 
 OutputFile::~OutputFile() {

@@ -57,14 +57,15 @@ class OutputFile final : public ByteSink {
   static constexpr std::size_t kReservable = 4096;
 
  private:
-  OutputFile(std::string target, std::string final, std::string temporary, int descriptor);
+  explicit OutputFile(std::string target);
+  bool OpenTarget();
   void Fail(int code);
 
   std::string target_;     // as it was named
   std::string final_;      // behind symbolic links
   std::string temporary_;  // empty when the target is written as it stands, and once published
   std::optional<UnfinishedFile> unfinished_;
-  int descriptor_;
+  int descriptor_ = -1;
   std::vector<char> buffer_;
   std::size_t used_ = 0;
   std::string error_;

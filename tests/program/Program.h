@@ -51,13 +51,15 @@ class ProgramTest : public testing::Test {
     for (std::string& argument : copies) words.push_back(argument.data());
     words.push_back(nullptr);
     for (const auto& [name, value] : environment_) setenv(name.c_str(), value.c_str(), 1);
+    signal(SIGINT, SIG_DFL);
+    signal(SIGPIPE, SIG_DFL);
+    if (chdir(folder_.path().c_str()) != 0) _exit(127);
+    // Last: this process may have more than the limit already, and could not even grow its stack.
     if (addressSpace_ > 0) {
       const rlimit limit{addressSpace_, addressSpace_};
       setrlimit(RLIMIT_AS, &limit);
     }
-    signal(SIGINT, SIG_DFL);
-    signal(SIGPIPE, SIG_DFL);
-    if (chdir(folder_.path().c_str()) == 0) execv(path.c_str(), words.data());
+    execv(path.c_str(), words.data());
     _exit(127);
   }
 
