@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include <langinfo.h>
@@ -154,6 +155,9 @@ std::string WithNames(const RowText& row) {
   return regex.replace(regex.find("%s"), 2, names);
 }
 
+// More than the compilation of any pattern of the table takes.
+constexpr std::size_t kCompilerRoom = std::size_t{1} << 20;
+
 // Compiled patterns are constant and shared by all tables of the process: every worker has a table.
 std::shared_ptr<const icu::RegexPattern> SharedPattern(const std::string& regex) {
   static std::mutex mutex;
@@ -167,6 +171,8 @@ std::shared_ptr<const icu::RegexPattern> SharedPattern(const std::string& regex)
   UParseError where;
   const icu::UnicodeString text = icu::UnicodeString::fromUTF8(key);
   if (text.isBogus()) CheckMemory(U_MEMORY_ALLOCATION_ERROR);
+  // ICU's compiler does not survive it when memory runs out halfway.
+  ::operator delete(::operator new(kCompilerRoom));
   std::shared_ptr<const icu::RegexPattern> pattern(
       icu::RegexPattern::compile(text, 0, where, status));
   CheckMemory(status);
