@@ -1,0 +1,57 @@
+// Something that the wizard's server does for a while, and what it says of it.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace cli {
+
+// An event as the page gets it.
+struct JobEvent {
+  std::string name;
+  std::string data;  // JSON
+  bool operator==(const JobEvent&) const = default;
+};
+
+// Told by one thread, followed by any number of others. Of progress only the latest is kept for who
+// comes late.
+class Job {
+ public:
+  // --- The thread that does it
+  void Progress(const nlohmann::json& data);
+  // Ends it; each at most once.
+  void Done(const nlohmann::json& data) { End({"done", data.dump()}); }
+  void Failed(const nlohmann::json& error) { End({"failed", error.dump()}); }
+  void Cancelled() { End({"cancelled", "{}"}); }
+  bool cancelRequested() const { return cancel_.load(); }
+
+  // --- Any thread
+  void Cancel() { cancel_.store(true); }
+  // The event behind the first `seen` ones, waited for at most so long; nothing when none came.
+  // *seen counts it.
+  std::optional<JobEvent> Next(std::size_t* seen, std::chrono::milliseconds wait);
+  // No event comes behind the first `seen` ones.
+  bool EndedAt(std::size_t seen);
+  bool ended();
+
+ private:
+  void End(JobEvent event);
+
+  std::atomic<bool> cancel_{false};
+  std::mutex mutex_;
+  std::condition_variable told_;
+  // Guarded by mutex_: how many there were, the latest of progress, and the last one.
+  std::size_t count_ = 0;
+  JobEvent latest_;
+  bool ended_ = false;
+};
+
+}  // namespace cli
