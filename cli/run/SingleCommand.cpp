@@ -94,10 +94,10 @@ CommandEnd SingleCommand::OpenOutputs() {
 
 CommandEnd SingleCommand::ReadSource() {
   const QANT_DataSource& source = import_.source();
-  if (shows()) context_.console.Print(VariableTable(source) + "\n");
+  const std::size_t width = TerminalWidth(STDOUT_FILENO);
+  if (shows()) context_.console.Print(VariableTable(source, width) + "\n");
 
-  FirstCases firstCases(source, options_.values, shows() ? options_.show : 0,
-                        TerminalWidth(STDOUT_FILENO));
+  FirstCases firstCases(source, options_.values, shows() ? options_.show : 0, width);
   const CommandEnd end = ReadCases(firstCases);
   if (shows() && end != CommandEnd::kFailed) {
     if (const std::string table = firstCases.Text(); !table.empty()) {

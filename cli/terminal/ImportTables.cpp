@@ -10,6 +10,8 @@ namespace cli {
 namespace {
 
 constexpr std::size_t kMostVariables = 200;
+constexpr char kFormatTitle[] = "Format";
+constexpr char kWidthTitle[] = "Width";
 
 std::string Count(long long number, std::string_view noun) {
   return fmt::format("{} {}{}", number, noun, number == 1 ? "" : "s");
@@ -27,20 +29,40 @@ std::string_view ValueAt(const OBS* obs, const library::CaseColumn& column,
   return {room.data(), static_cast<std::size_t>(end - room.data())};
 }
 
+// Says that so many variables are not shown, and which option writes them; empty where all are.
+std::string MoreVariables(std::size_t more, const char* option, std::size_t terminalWidth) {
+  if (more == 0) return {};
+  const std::string text = "and " + Count(static_cast<long long>(more), "more variable");
+  const std::string wayOut = fmt::format("({} writes them all)", option);
+  const char* between = text.size() + 1 + wayOut.size() <= terminalWidth ? " " : "\n";
+  return text + between + wayOut + "\n";
+}
+
 }  // namespace
 
 std::string Counts(long long cases, std::size_t variables) {
   return Count(cases, "case") + ", " + Count(static_cast<long long>(variables), "variable");
 }
 
-std::string VariableTable(const QANT_DataSource& source) {
+std::string VariableTable(const QANT_DataSource& source, std::size_t terminalWidth) {
   using Align = TerminalTable::Align;
   library::Utf8Converter hostText;
   TerminalTable table;
-  table.AddColumn("Variable", Align::kLeft);
-  table.AddColumn("Format", Align::kLeft);
-  table.AddColumn("Width", Align::kRight);
   const std::size_t shown = std::min(source.GetNVariables(), kMostVariables);
+  // Long names are cut before the columns behind them are left out.
+  std::size_t formatWidth = std::string_view(kFormatTitle).size();
+  for (std::size_t index = 0; index < shown; ++index) {
+    const QANT_Format& format = source.GetVariable(index)->GetFormat();
+    formatWidth = std::max(formatWidth, library::FormatName(format).size());
+  }
+  const std::size_t behind =
+      formatWidth + std::string_view(kWidthTitle).size() + 2 * TerminalTable::kGap;
+  const std::size_t nameWidth =
+      std::clamp(terminalWidth > behind ? terminalWidth - behind : 0, TerminalTable::kNarrowestText,
+                 TerminalTable::kWidestCell);
+  table.AddColumn("Variable", Align::kLeft, nameWidth);
+  table.AddColumn(kFormatTitle, Align::kLeft);
+  table.AddColumn(kWidthTitle, Align::kRight);
   for (std::size_t index = 0; index < shown; ++index) {
     const QANT_Variable& variable = *source.GetVariable(index);
     const std::string format = library::FormatName(variable.GetFormat());
@@ -48,12 +70,8 @@ std::string VariableTable(const QANT_DataSource& source) {
     table.AddRow({hostText.ToUtf8(variable.GetName()), format, width});
   }
   std::size_t columns = 0;
-  std::string text = table.Text(std::string::npos, &columns);
-  if (const std::size_t more = source.GetNVariables() - shown; more > 0) {
-    text += fmt::format("and {} (--dictionary writes them all)\n",
-                        Count(static_cast<long long>(more), "more variable"));
-  }
-  return text;
+  return table.Text(terminalWidth, &columns) +
+         MoreVariables(source.GetNVariables() - shown, "--dictionary", terminalWidth);
 }
 
 FirstCases::FirstCases(const QANT_DataSource& source, library::ValueStyle style, long long limit,
@@ -85,12 +103,8 @@ void FirstCases::Keep(const OBS* obs) {
 std::string FirstCases::Text() const {
   if (taken_ == 0 || columns_.empty()) return {};
   std::size_t shown = 0;
-  std::string text = table_.Text(terminalWidth_, &shown);
-  if (const std::size_t more = variables_ - shown; more > 0) {
-    text += fmt::format("and {} (--cases writes them all)\n",
-                        Count(static_cast<long long>(more), "more variable"));
-  }
-  return text;
+  const std::string text = table_.Text(terminalWidth_, &shown);
+  return text + MoreVariables(variables_ - shown, "--cases", terminalWidth_);
 }
 
 }  // namespace cli

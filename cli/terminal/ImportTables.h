@@ -12,9 +12,9 @@
 
 namespace cli {
 
-// The table of the variables: name, format, width. Long dictionaries are cut after the first
-// variables, and the text says so.
-std::string VariableTable(const QANT_DataSource& source);
+// The table of the variables: name, format, width, for a terminal of `terminalWidth` columns. Long
+// dictionaries are cut after the first variables, and the text says so.
+std::string VariableTable(const QANT_DataSource& source, std::size_t terminalWidth);
 
 // "5 cases, 7 variables".
 std::string Counts(long long cases, std::size_t variables);

@@ -1,5 +1,8 @@
 #include "cli/terminal/ImportTables.h"
 
+#include <sstream>
+#include <string>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,7 +18,7 @@ using testing::Not;
 TEST(ImportTables, ListsTheVariables) {
   library::TestSource source;
   source.Number("id", 5, 4, 0).String("town", 20).Number("day", 20, 11, 0);
-  EXPECT_EQ(VariableTable(source),
+  EXPECT_EQ(VariableTable(source, 80),
             "Variable  Format  Width\nid        F4          4\ntown      A20        20\n"
             "day       DATE11     11\n");
 }
@@ -24,7 +27,7 @@ TEST(ImportTables, CutsALongDictionary) {
   library::TestSource source;
   for (int number = 0; number < 250; ++number)
     source.Number(("v" + std::to_string(number)).c_str());
-  const std::string text = VariableTable(source);
+  const std::string text = VariableTable(source, 80);
   EXPECT_THAT(text, HasSubstr("v199 "));
   EXPECT_THAT(text, Not(HasSubstr("v200 ")));
   EXPECT_THAT(text, HasSubstr("and 50 more variables"));
@@ -47,7 +50,21 @@ TEST(ImportTables, SaysWhichVariablesAreNotShown) {
   first.Take(library::TestCase(source).obs());
   EXPECT_EQ(first.Text(),
             "variable  variable  variable  variable\n       .         .         .         .\n"
-            "and 496 more variables (--cases writes them all)\n");
+            "and 496 more variables\n(--cases writes them all)\n");
+}
+
+TEST(ImportTables, NoLineIsWiderThanTheTerminal) {
+  library::TestSource source;
+  source.Number("a_name_that_is_longer_than_narrow_terminals_are", 22, 20, 0).String("text", 200);
+  for (int number = 0; number < 250; ++number) source.Number("v");
+  for (const std::size_t width : {31U, 40U, 80U}) {
+    FirstCases first(source, library::ValueStyle::kDisplay, 2, width);
+    first.Take(library::TestCase(source).Set(0, 86400).Set(1, std::string(200, 'x')).obs());
+    std::istringstream lines(VariableTable(source, width) + first.Text());
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), width + 2) << line;
+  }
+  // The name gives way, not what stands behind it.
+  EXPECT_THAT(VariableTable(source, 40), HasSubstr("\xE2\x80\xA6  DATETIME20     20\n"));
 }
 
 TEST(ImportTables, ShowsNothingWhereNothingWasTaken) {

@@ -6,8 +6,8 @@
 
 namespace cli {
 
-void TerminalTable::AddColumn(std::string_view title, Align align) {
-  columns_.push_back({align, 0, {}});
+void TerminalTable::AddColumn(std::string_view title, Align align, std::size_t widest) {
+  columns_.push_back({align, widest, 0, {}});
   AddCell(columns_.back(), title);
 }
 
@@ -18,7 +18,7 @@ void TerminalTable::AddRow(const std::vector<std::string_view>& cells) {
 }
 
 void TerminalTable::AddCell(Column& column, std::string_view text) {
-  std::string visible = VisibleText(text, kWidestCell);
+  std::string visible = VisibleText(text, column.widest);
   column.width = std::max(column.width, DisplayWidth(visible));
   column.cells.push_back(std::move(visible));
 }
@@ -31,7 +31,7 @@ std::string TerminalTable::Text(std::size_t width, std::size_t* shown) const {
     const std::size_t left = width > used + gap ? width - used - gap : 0;
     const bool narrowed = column.align == Align::kLeft && left >= kNarrowestText;
     if (column.width > left && !widths.empty() && !narrowed) break;
-    widths.push_back(narrowed ? std::min(column.width, left) : column.width);
+    widths.push_back(std::min(column.width, left));
     used += gap + widths.back();
   }
   *shown = widths.size();

@@ -13,14 +13,14 @@ class TerminalTable {
   enum class Align { kLeft, kRight };
 
   // Texts of cells and titles are UTF-8 of any kind; the table makes them visible and cuts those
-  // wider than kWidestCell columns.
-  void AddColumn(std::string_view title, Align align);
+  // wider than `widest` columns.
+  void AddColumn(std::string_view title, Align align, std::size_t widest = kWidestCell);
   // As many cells as there are columns.
   void AddRow(const std::vector<std::string_view>& cells);
 
-  // The table, a line a row, as many columns as fit into `width`, but at least one; a column of
-  // texts that is too wide for what is left is narrowed to that. *shown becomes the number of
-  // columns that are there.
+  // The table, a line a row, none wider than `width`: as many columns as fit, but at least one; a
+  // column of texts that is too wide for what is left is narrowed to that, and so is the first
+  // column. *shown becomes the number of columns that are there.
   std::string Text(std::size_t width, std::size_t* shown) const;
 
   static constexpr std::size_t kWidestCell = 40;
@@ -32,6 +32,7 @@ class TerminalTable {
  private:
   struct Column {
     Align align;
+    std::size_t widest;
     std::size_t width;
     std::vector<std::string> cells;  // the title, then a cell a row
   };

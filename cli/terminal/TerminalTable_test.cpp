@@ -1,6 +1,11 @@
 #include "cli/terminal/TerminalTable.h"
 
+#include <sstream>
+#include <string>
+
 #include <gtest/gtest.h>
+
+#include "cli/terminal/VisibleText.h"
 
 namespace cli {
 namespace {
@@ -36,8 +41,32 @@ TEST(TerminalTable, ColumnsThatDoNotFitAreLeftOut) {
   EXPECT_EQ(table.Text(10, &shown), "aaaa  bbbb\n");
   EXPECT_EQ(shown, 2U);
   EXPECT_EQ(table.Text(9, &shown), "aaaa\n");
-  EXPECT_EQ(table.Text(1, &shown), "aaaa\n");
+  EXPECT_EQ(table.Text(3, &shown), std::string("aa") + kEllipsis + "\n");
+  EXPECT_EQ(table.Text(1, &shown), std::string(kEllipsis) + "\n");
   EXPECT_EQ(shown, 1U);
+}
+
+TEST(TerminalTable, NoLineIsWiderThanItMayBe) {
+  TerminalTable table;
+  table.AddColumn("a number with a long title", Align::kRight);
+  table.AddColumn("\xE4\xB8\x87\xE5\xB9\xB4\xE4\xB8\x87\xE5\xB9\xB4\xE4\xB8\x87\xE5\xB9\xB4",
+                  Align::kLeft);
+  table.AddColumn("n", Align::kRight);
+  table.AddRow({"123456.75", "\xF0\x9F\x98\x80 and a text", "1"});
+  for (std::size_t width = 1; width <= 60; ++width) {
+    std::size_t shown = 0;
+    std::istringstream lines(table.Text(width, &shown));
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(DisplayWidth(line), width) << line;
+    EXPECT_GE(shown, 1U);
+  }
+}
+
+TEST(TerminalTable, AColumnMayBeKeptNarrow) {
+  TerminalTable table;
+  table.AddColumn("text", Align::kLeft, 6);
+  table.AddRow({"abcdefgh"});
+  std::size_t shown = 0;
+  EXPECT_EQ(table.Text(80, &shown), std::string("text\nabcde") + kEllipsis + "\n");
 }
 
 TEST(TerminalTable, TextsAreNarrowedToWhatIsLeft) {

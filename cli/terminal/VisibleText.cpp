@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <iterator>
 #include <memory>
 
 #include <fmt/format.h>
+#include <unicode/uchar.h>
 
 #include "HostFramework/Text.h"
 
@@ -14,34 +14,77 @@ namespace {
 
 constexpr char kReplacement[] = "\xEF\xBF\xBD";
 constexpr char kEllipsis[] = "\xE2\x80\xA6";
+constexpr std::uint32_t kReplacementCode = 0xFFFD;
 constexpr std::uint32_t kFirstNonAscii = 0x80;
 
-struct Range {
-  std::uint32_t first;
-  std::uint32_t last;
-};
-
-// Control and format characters: a terminal obeys or hides them.
-constexpr Range kInvisible[] = {{0x00, 0x1F},     {0x7F, 0x9F},      {0x00AD, 0x00AD},
-                                {0x061C, 0x061C}, {0x180E, 0x180E},  {0x200B, 0x200F},
-                                {0x2028, 0x202E}, {0x2060, 0x206F},  {0xFEFF, 0xFEFF},
-                                {0xFFF9, 0xFFFB}, {0xE0001, 0xE007F}};
-constexpr Range kCombining[] = {
-    {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A},  {0x064B, 0x065F},
-    {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF},  {0x20D0, 0x20FF},
-    {0x3099, 0x309A}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}, {0xE0100, 0xE01EF}};
-constexpr Range kWide[] = {
-    {0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0x33FF},   {0x3400, 0x4DBF},
-    {0x4E00, 0x9FFF},   {0xA000, 0xA4CF},   {0xA960, 0xA97F},   {0xAC00, 0xD7A3},
-    {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},
-    {0x1F300, 0x1F64F}, {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
-
-template <std::size_t kCount>
-bool IsIn(const Range (&ranges)[kCount], std::uint32_t character) {
-  return std::any_of(std::begin(ranges), std::end(ranges), [character](const Range& range) {
-    return character >= range.first && character <= range.last;
-  });
+// Control and format characters, and others that are not seen: a terminal obeys or hides them.
+bool IsInvisible(std::uint32_t code) {
+  const auto character = static_cast<UChar32>(code);
+  switch (u_charType(character)) {
+    case U_CONTROL_CHAR:
+    case U_LINE_SEPARATOR:
+    case U_PARAGRAPH_SEPARATOR:
+      return true;
+    case U_FORMAT_CHAR:
+      // Some signs that stand under the digits behind them count as format characters.
+      return !u_hasBinaryProperty(character, UCHAR_PREPENDED_CONCATENATION_MARK);
+    case U_NON_SPACING_MARK:
+      return false;
+    default:
+      return u_hasBinaryProperty(character, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
+  }
 }
+
+// Vowels and final consonants of Korean that are written into the syllable before them.
+bool JoinsSyllable(UChar32 character) {
+  const int type = u_getIntPropertyValue(character, UCHAR_HANGUL_SYLLABLE_TYPE);
+  return type == U_HST_VOWEL_JAMO || type == U_HST_TRAILING_JAMO;
+}
+
+bool IsWide(UChar32 character) {
+  const int width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+  return width == U_EA_WIDE || width == U_EA_FULLWIDTH;
+}
+
+// Adds up the columns of visible characters, of which some change what stands before them.
+class ColumnCount {
+ public:
+  // True when the character stands for itself and not with the one before it.
+  bool Add(std::uint32_t code) {
+    if (code >= kFirstNonAscii) return AddOther(static_cast<UChar32>(code));
+    ++columns_;
+    last_ = static_cast<UChar32>(code);
+    lastIsWide_ = false;
+    return true;
+  }
+  std::size_t columns() const { return columns_; }
+
+ private:
+  bool AddOther(UChar32 character) {
+    if (character == kEmojiPresentation) {
+      // A sign that is also an emoji is shown as one.
+      if (!lastIsWide_ && u_hasBinaryProperty(last_, UCHAR_EMOJI)) ++columns_;
+      lastIsWide_ = true;
+      return false;
+    }
+    const auto type = u_charType(character);
+    if (type == U_NON_SPACING_MARK || type == U_ENCLOSING_MARK || JoinsSyllable(character)) {
+      return false;
+    }
+    const bool joins = u_hasBinaryProperty(character, UCHAR_EMOJI_MODIFIER) != 0 &&
+                       u_hasBinaryProperty(last_, UCHAR_EMOJI_MODIFIER_BASE) != 0;
+    last_ = character;
+    if (joins) return false;
+    lastIsWide_ = IsWide(character);
+    columns_ += lastIsWide_ ? 2 : 1;
+    return true;
+  }
+
+  static constexpr UChar32 kEmojiPresentation = 0xFE0F;
+  std::size_t columns_ = 0;
+  UChar32 last_ = 0;
+  bool lastIsWide_ = true;  // no column is added in front of the first character
+};
 
 struct Character {
   std::uint32_t code;
@@ -67,7 +110,7 @@ Character First(std::string_view text) {
 
 std::string Shown(const Character& character) {
   if (!character.valid) return kReplacement;
-  if (!IsIn(kInvisible, character.code)) return std::string(character.bytes);
+  if (!IsInvisible(character.code)) return std::string(character.bytes);
   switch (character.code) {
     case '\t':
       return "\\t";
@@ -82,37 +125,46 @@ std::string Shown(const Character& character) {
   return fmt::format("\\u{{{:04X}}}", character.code);
 }
 
+// Counts a visible text. True when its first character stands for itself.
+bool AddAll(std::string_view visible, ColumnCount& count) {
+  bool first = true;
+  bool begins = false;
+  while (!visible.empty()) {
+    const Character character = First(visible);
+    visible.remove_prefix(character.bytes.size());
+    const bool alone = count.Add(character.valid ? character.code : kReplacementCode);
+    if (first) begins = alone;
+    first = false;
+  }
+  return begins;
+}
+
 }  // namespace
 
 std::string VisibleText(std::string_view text, std::size_t columns) {
   std::string visible;
-  std::size_t width = 0;
+  ColumnCount count;
   // Where to cut when the whole does not fit: the ellipsis takes the last column.
   std::size_t fitting = 0;
   while (!text.empty()) {
     const Character character = First(text);
     text.remove_prefix(character.bytes.size());
     const std::string shown = Shown(character);
-    width += DisplayWidth(shown);
-    if (width > columns) {
+    const std::size_t before = count.columns();
+    if (AddAll(shown, count) && before < columns) fitting = visible.size();
+    if (count.columns() > columns) {
       visible.resize(fitting);
       return columns > 0 ? visible + kEllipsis : visible;
     }
     visible += shown;
-    if (width < columns) fitting = visible.size();
   }
   return visible;
 }
 
 std::size_t DisplayWidth(std::string_view visible) {
-  std::size_t width = 0;
-  while (!visible.empty()) {
-    const Character character = First(visible);
-    visible.remove_prefix(character.bytes.size());
-    if (IsIn(kCombining, character.code) && character.valid) continue;
-    width += character.valid && IsIn(kWide, character.code) ? 2 : 1;
-  }
-  return width;
+  ColumnCount count;
+  AddAll(visible, count);
+  return count.columns();
 }
 
 }  // namespace cli

@@ -14,8 +14,9 @@ namespace cli {
 // exactly that many columns or one less.
 std::string VisibleText(std::string_view text, std::size_t columns = std::string_view::npos);
 
-// Columns that a visible text (UTF-8) takes: 2 for wide East Asian characters and emoji, 0 for
-// combining marks.
+// Columns that a visible text (UTF-8) takes by the character database: 2 for wide East Asian
+// characters and emoji, signs that a selector makes emoji included, 0 for combining marks and for
+// what joins the character before it.
 std::size_t DisplayWidth(std::string_view visible);
 
 }  // namespace cli
