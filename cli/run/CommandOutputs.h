@@ -2,13 +2,13 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
+#include <vector>
 
 #include "HostFramework/DataSource.h"
 #include "cli/run/RunOptions.h"
 #include "library/outputs/CaseBatch.h"
-#include "library/outputs/CaseWriter.h"
+#include "library/outputs/CasesFile.h"
 #include "library/outputs/OutputFile.h"
 
 namespace cli {
@@ -22,21 +22,18 @@ class CommandOutputs {
 
   // False when one cannot be written; then *error says so.
   bool Open(std::string* error);
-  // Writes the header of the cases; after Open.
+  // Begins the files of cases; after Open. Throws std::runtime_error with a sentence for what one
+  // of them cannot hold.
   void Begin(const QANT_DataSource& source);
   void Write(const OBS* obs) {
-    if (batch_) batch_->Add(obs);
+    for (library::CaseBatch& batch : batches_) batch.Add(obs);
   }
-  // Writes what is still kept of the cases.
-  void Flush() {
-    if (batch_) batch_->Flush();
-  }
-  // Time that was spent in the writer of the cases.
-  double seconds() const { return batch_ ? batch_->seconds() : 0; }
-  // The file of cases that can no longer be written; null while all is well.
-  const library::OutputFile* failed() const {
-    return cases_ != nullptr && !cases_->ok() ? cases_.get() : nullptr;
-  }
+  // Hands over what is still kept of the cases.
+  void Flush();
+  // Time that was spent in the writers of the cases.
+  double seconds() const;
+  // A file of cases that can no longer be written; null while all is well.
+  const library::OutputFile* failed() const;
   // Writes the dictionary and gives all files their names, once all are complete. The file that
   // failed; null when none did.
   const library::OutputFile* Publish(const QANT_DataSource& source, const std::string& dataFile,
@@ -49,10 +46,10 @@ class CommandOutputs {
   const RunOptions& options_;
   const int number_;
   // Each uses those before it.
-  std::unique_ptr<library::OutputFile> cases_;
+  std::vector<std::unique_ptr<library::CasesFile>> cases_;
   std::unique_ptr<library::OutputFile> dictionary_;
-  std::unique_ptr<library::CaseWriter> writer_;
-  std::optional<library::CaseBatch> batch_;
+  std::vector<library::CaseSink*> sinks_;
+  std::vector<library::CaseBatch> batches_;
 };
 
 }  // namespace cli

@@ -1,7 +1,6 @@
 #include "cli/run/RunOptions.h"
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -20,7 +19,8 @@ constexpr std::string_view kStandardInput = "-";
 
 struct Output {
   const char* option;
-  const std::string& name;
+  std::string name;
+  bool ofOneCommand = true;  // each command writes one of its own
 };
 
 std::filesystem::path Resolved(const std::string& name) {
@@ -87,7 +87,7 @@ bool IsStream(const std::string& name) {
 
 // Says which file the outputs would write twice, or which input they would overwrite; empty when
 // they do neither.
-std::string Overwritten(const Output (&outputs)[3], const RunOptions& options,
+std::string Overwritten(const std::vector<Output>& outputs, const RunOptions& options,
                         const std::vector<ListedCommand>& commands) {
   const InputFiles inputs(options, commands);
   std::map<std::string, const char*> written;
@@ -104,7 +104,7 @@ std::string Overwritten(const Output (&outputs)[3], const RunOptions& options,
         return fmt::format("{} {} would overwrite {}", output.option, name, input);
       }
     }
-    const bool itself = !perCommand && &output.name != &options.messages;
+    const bool itself = !perCommand && output.ofOneCommand;
     if (itself && output.name != kStandardOutput && SeveralRun(commands)) {
       return fmt::format(
           "{} {}: the file holds several commands, and the second would overwrite the first's; "
@@ -117,16 +117,19 @@ std::string Overwritten(const Output (&outputs)[3], const RunOptions& options,
 
 }  // namespace
 
-std::optional<library::CaseFormat> CaseFormatOf(const RunOptions& options) {
-  if (options.format) return options.format;
-  if (options.cases == kStandardOutput) return library::CaseFormat::kCsv;
-  std::string ending = std::filesystem::path(options.cases).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(),
-                 [](unsigned char character) { return std::tolower(character); });
-  if (ending == ".csv") return library::CaseFormat::kCsv;
-  if (ending == ".tsv") return library::CaseFormat::kTsv;
-  if (ending == ".jsonl") return library::CaseFormat::kJsonLines;
-  return std::nullopt;
+std::vector<CasesTarget> CasesTargets(const RunOptions& options) {
+  const auto formatOf = [](const std::string& name) {
+    return name == kStandardOutput ? library::CaseFormat::kCsv : library::CaseFormatOfFile(name);
+  };
+  std::vector<CasesTarget> targets;
+  if (!options.cases.empty()) {
+    targets.push_back(
+        {"--cases", options.cases, options.format ? options.format : formatOf(options.cases)});
+  }
+  for (const std::string& name : options.outputs) {
+    targets.push_back({"--output", name, formatOf(name)});
+  }
+  return targets;
 }
 
 bool IsPerCommand(const std::string& name) { return name.find(kNumberMark) != std::string::npos; }
@@ -142,8 +145,10 @@ std::string NameForCommand(const std::string& name, int number) {
 }
 
 bool WritesStandardOutput(const RunOptions& options) {
-  return options.cases == kStandardOutput || options.dictionary == kStandardOutput ||
-         options.messages == kStandardOutput;
+  const auto isStandard = [](const std::string& name) { return name == kStandardOutput; };
+  return isStandard(options.cases) || isStandard(options.dictionary) ||
+         isStandard(options.messages) ||
+         std::any_of(options.outputs.begin(), options.outputs.end(), isStandard);
 }
 
 bool SeveralRun(const std::vector<ListedCommand>& commands) {
@@ -152,10 +157,14 @@ bool SeveralRun(const std::vector<ListedCommand>& commands) {
 }
 
 std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedCommand>& commands) {
-  if (!options.cases.empty() && !CaseFormatOf(options)) {
-    return fmt::format(
-        "--cases {}: the ending is none of .csv, .tsv and .jsonl; name the format with --format",
-        options.cases);
+  std::vector<Output> outputs;
+  for (const CasesTarget& target : CasesTargets(options)) {
+    if (!target.format) {
+      return fmt::format("{} {}: the ending names no format; let it be {}{}", target.option,
+                         target.name, library::CaseFormatNames(),
+                         target.name == options.cases ? ", or name the format with --format" : "");
+    }
+    outputs.push_back({target.option, target.name});
   }
   if (options.format && options.cases.empty()) return "--format needs --cases";
   if (ReadersOfInput(options, commands) > 1) {
@@ -163,9 +172,8 @@ std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedComma
            "data files is -";
   }
 
-  const Output outputs[] = {{"--cases", options.cases},
-                            {"--dictionary", options.dictionary},
-                            {"--messages", options.messages}};
+  outputs.push_back({"--dictionary", options.dictionary});
+  outputs.push_back({"--messages", options.messages, false});
   return Overwritten(outputs, options, commands);
 }
 

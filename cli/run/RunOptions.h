@@ -8,7 +8,7 @@
 #include "cli/run/CommandFile.h"
 #include "cli/run/HostOptions.h"
 #include "library/outputs/CaseWriter.h"
-#include "library/outputs/MakeCaseWriter.h"
+#include "library/outputs/CasesFile.h"
 
 namespace cli {
 
@@ -21,6 +21,8 @@ struct RunOptions {
   std::string dictionary;
   std::string messages;
   std::optional<library::CaseFormat> format;  // else by the ending of `cases`
+  std::vector<std::string> outputs;           // of cases, too; the format by each ending
+  library::ArrowBody arrowBody = library::ArrowBody::kPlain;
   library::ValueStyle values = library::ValueStyle::kDisplay;
 
   HostOptions host;
@@ -42,9 +44,14 @@ std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedComma
 // True when more than one of the commands can be run.
 bool SeveralRun(const std::vector<ListedCommand>& commands);
 
-// The format of the cases: what was asked for, or the one that the file's ending names; CSV for
-// standard output. Nothing when the ending names none.
-std::optional<library::CaseFormat> CaseFormatOf(const RunOptions& options);
+// A file of cases: its name, which may hold "%d", and its format: what was asked for, or the one
+// that the file's ending names; CSV for standard output. Nothing when the ending names none.
+struct CasesTarget {
+  const char* option;
+  std::string name;
+  std::optional<library::CaseFormat> format;
+};
+std::vector<CasesTarget> CasesTargets(const RunOptions& options);
 
 // True when output `name` names another file for every command.
 bool IsPerCommand(const std::string& name);

@@ -23,10 +23,19 @@ RunOptions WithCases(const std::string& name) {
   return options;
 }
 
+// The format of the only file of cases.
+std::optional<library::CaseFormat> CaseFormatOf(const RunOptions& options) {
+  const std::vector<CasesTarget> targets = CasesTargets(options);
+  return targets.size() == 1 ? targets[0].format : std::nullopt;
+}
+
 TEST(RunOptions, TheEndingNamesTheFormat) {
   EXPECT_EQ(CaseFormatOf(WithCases("a.csv")), library::CaseFormat::kCsv);
   EXPECT_EQ(CaseFormatOf(WithCases("a.b/c.TSV")), library::CaseFormat::kTsv);
   EXPECT_EQ(CaseFormatOf(WithCases("part-%d.jsonl")), library::CaseFormat::kJsonLines);
+  EXPECT_EQ(CaseFormatOf(WithCases("a.arrow")), library::CaseFormat::kArrow);
+  EXPECT_EQ(CaseFormatOf(WithCases("a.parquet")), library::CaseFormat::kParquet);
+  EXPECT_EQ(CaseFormatOf(WithCases("a.sqlite")), library::CaseFormat::kSqlite);
   EXPECT_EQ(CaseFormatOf(WithCases("-")), library::CaseFormat::kCsv);
   EXPECT_EQ(CaseFormatOf(WithCases("cases")), std::nullopt);
   EXPECT_EQ(CaseFormatOf(WithCases("a.csv/cases")), std::nullopt);
@@ -43,6 +52,22 @@ TEST(RunOptions, AnUnknownEndingIsWrong) {
   RunOptions named = WithCases("cases.txt");
   named.format = library::CaseFormat::kCsv;
   EXPECT_THAT(WhatIsWrong(named, kOne), IsEmpty());
+}
+
+TEST(RunOptions, CasesMayGoToSeveralFilesByTheirEndings) {
+  RunOptions options = WithCases("a.csv");
+  options.outputs = {"b.parquet", "c.sqlite"};
+  EXPECT_THAT(WhatIsWrong(options, kOne), IsEmpty());
+  const std::vector<CasesTarget> targets = CasesTargets(options);
+  ASSERT_EQ(targets.size(), 3U);
+  EXPECT_EQ(targets[1].format, library::CaseFormat::kParquet);
+  EXPECT_EQ(targets[2].name, "c.sqlite");
+  options.outputs = {"b.doc"};
+  EXPECT_THAT(WhatIsWrong(options, kOne), HasSubstr("--output b.doc"));
+  options.outputs = {"a.csv"};
+  EXPECT_THAT(WhatIsWrong(options, kOne), HasSubstr("are both"));
+  options.outputs = {"b.csv"};
+  EXPECT_THAT(WhatIsWrong(options, kTwo), HasSubstr("%d"));
 }
 
 TEST(RunOptions, AFormatWithoutCasesIsWrong) {

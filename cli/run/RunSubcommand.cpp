@@ -41,6 +41,7 @@ read or written, 130 interrupted.
 void AddRun(CLI::App& program, int* status) {
   CLI::App* run = program.add_subcommand("run", "Runs the GET DATA commands of a file");
   const auto options = std::make_shared<RunOptions>();
+  const std::vector<std::string> formats = {"csv", "tsv", "jsonl", "arrow", "parquet", "sqlite"};
 
   run->add_option("COMMAND-FILE", options->commandFile, "GET DATA commands; - is standard input")
       ->type_name("FILE|-")
@@ -51,16 +52,26 @@ void AddRun(CLI::App& program, int* status) {
       ->group("Outputs");
   run->add_option_function<std::string>(
          "--format",
-         [options](const std::string& name) {
-           static const std::map<std::string, library::CaseFormat> formats = {
-               {"csv", library::CaseFormat::kCsv},
-               {"tsv", library::CaseFormat::kTsv},
-               {"jsonl", library::CaseFormat::kJsonLines}};
-           options->format = formats.at(name);
-         },
-         "Format of the cases: csv, tsv, jsonl (default: by the ending)")
+         [options](const std::string& name) { options->format = library::CaseFormatNamed(name); },
+         "Format of --cases: " + library::CaseFormatNames() + " (default: by the ending)")
       ->type_name("NAME")
-      ->check(CLI::IsMember({"csv", "tsv", "jsonl"}).description(""))
+      ->check(CLI::IsMember(formats).description(""))
+      ->group("Outputs");
+  run->add_option("-o,--output", options->outputs,
+                  "Write every case in the format of the file's ending; may be given several times")
+      ->type_name("FILE|-")
+      ->expected(1)
+      ->take_all()
+      ->group("Outputs");
+  run->add_option_function<std::string>(
+         "--arrow-compression",
+         [options](const std::string& name) {
+           options->arrowBody =
+               name == "lz4" ? library::ArrowBody::kLz4 : library::ArrowBody::kPlain;
+         },
+         "Of Arrow files (default: none, so that they can be mapped)")
+      ->type_name("none|lz4")
+      ->check(CLI::IsMember({"none", "lz4"}).description(""))
       ->group("Outputs");
   run->add_option_function<std::string>(
          "--values",

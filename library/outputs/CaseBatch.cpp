@@ -12,8 +12,8 @@ constexpr std::size_t kMostCases = 4096;
 
 }  // namespace
 
-CaseBatch::CaseBatch(std::size_t caseBytes, CaseWriter& writer)
-    : writer_(writer),
+CaseBatch::CaseBatch(std::size_t caseBytes, CaseSink& sink)
+    : sink_(sink),
       cellsPerCase_(caseBytes / sizeof(OBS)),
       capacity_(std::clamp<std::size_t>(kBatchCells / std::max<std::size_t>(cellsPerCase_, 1), 1,
                                         kMostCases)),
@@ -25,10 +25,10 @@ void CaseBatch::Add(const OBS* obs) {
 }
 
 void CaseBatch::Flush() {
+  if (count_ == 0) return;
   const auto start = std::chrono::steady_clock::now();
-  for (std::size_t index = 0; index < count_; ++index) {
-    writer_.WriteCase(cells_.data() + index * cellsPerCase_);
-  }
+  sink_.Take(sink_.Make(cells_.data(), count_, before_));
+  before_ += static_cast<std::int64_t>(count_);
   count_ = 0;
   seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }

@@ -6,6 +6,7 @@
 
 #include "HostFramework/DataSource.h"
 #include "library/outputs/FormatName.h"
+#include "library/outputs/TextBlock.h"
 #include "library/outputs/Utf8Converter.h"
 #include "library/outputs/ValueText.h"
 
@@ -32,13 +33,14 @@ double NumberAt(const OBS* obs, const CaseColumn& column);
 // The text of a string's column (host text) without the blanks that pad it. A view into the case.
 std::string_view StringAt(const OBS* obs, const CaseColumn& column);
 
-// Writes the cases of one source to one file. Allocates nothing per case.
+// Writes the cases of one source as text (UTF-8). Allocates nothing per case. Any thread, several
+// at the same time, each with a converter of its own.
 class CaseWriter {
  public:
   virtual ~CaseWriter() = default;
   // What stands before the cases.
-  virtual void WriteHeader() = 0;
-  virtual void WriteCase(const OBS* obs) = 0;
+  virtual void WriteHeader(TextBlock& out) const = 0;
+  virtual void WriteCase(const OBS* obs, Utf8Converter& hostText, TextBlock& out) const = 0;
 };
 
 }  // namespace library

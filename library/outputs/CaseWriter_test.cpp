@@ -1,11 +1,11 @@
 #include "library/outputs/CaseWriter.h"
-#include "library/outputs/MakeCaseWriter.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 #include "HostFramework/embedded/text/HostText.h"
 #include "library/outputs/CaseBatch.h"
+#include "library/outputs/CasesFile.h"
 #include "library/testing/TestFolder.h"
 #include "library/testing/TestSource.h"
 
@@ -17,12 +17,14 @@ std::string Written(CaseFormat format, const QANT_DataSource& source,
                     const std::vector<TestCase>& cases, ValueStyle style = ValueStyle::kDisplay) {
   const TestFolder folder;
   std::string error;
-  const auto file = OutputFile::Open(folder / "cases", &error);
+  const auto file = CasesFile::Open(folder / "cases", format, &error);
   EXPECT_NE(file, nullptr) << error;
-  const auto writer = MakeCaseWriter(format, ColumnsOf(source, style), *file);
-  writer->WriteHeader();
-  for (const TestCase& one : cases) writer->WriteCase(one.obs());
-  EXPECT_TRUE(file->Finish() && file->Publish());
+  CaseSink& sink = file->Begin(source, {.values = style});
+  std::int64_t before = 0;
+  for (const TestCase& one : cases) sink.Take(sink.Make(one.obs(), 1, before++));
+  sink.Finish();
+  file->Finish({});
+  EXPECT_TRUE(file->file().Finish() && file->file().Publish());
   return folder.Text("cases");
 }
 
@@ -150,22 +152,20 @@ TEST(CaseWriter, TextOfACodePageIsWrittenAsUtf8) {
   EXPECT_EQ(text, "na\xC3\xAFve\n\"\xE2\x82\xAC \xC3\xA9,\"\n");
 }
 
-TEST(CaseBatch, WritesEveryCaseInOrder) {
+TEST(CaseBatch, HandsOverEveryCaseInOrder) {
   const TestFolder folder;
   TestSource source;
   source.Number("n").String("s", 12);
   std::string error;
-  const auto file = OutputFile::Open(folder / "cases", &error);
-  const auto writer =
-      MakeCaseWriter(CaseFormat::kCsv, ColumnsOf(source, ValueStyle::kDisplay), *file);
-  CaseBatch batch(source.GetObsAreaSize(), *writer);
-  std::string expected;
+  const auto file = CasesFile::Open(folder / "cases", CaseFormat::kCsv, &error);
+  CaseBatch batch(source.GetObsAreaSize(), file->Begin(source, {}));
+  std::string expected = "n,s\n";
   for (int number = 0; number < 20000; ++number) {
     batch.Add(TestCase(source).Set(0, number).Set(1, "text").obs());
     expected += std::to_string(number) + ",text\n";
   }
   batch.Flush();
-  ASSERT_TRUE(file->Finish() && file->Publish());
+  ASSERT_TRUE(file->file().Finish() && file->file().Publish());
   EXPECT_EQ(folder.Text("cases"), expected);
   EXPECT_GT(batch.seconds(), 0);
 }

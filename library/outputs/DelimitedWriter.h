@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "library/outputs/CaseWriter.h"
-#include "library/outputs/OutputFile.h"
 
 namespace library {
 
@@ -15,19 +14,16 @@ namespace library {
 // lost. Blanks are part of a field and need no quotes. A missing number is an empty field.
 class DelimitedWriter : public CaseWriter {
  public:
-  DelimitedWriter(char separator, std::vector<CaseColumn> columns, OutputFile& file);
-  void WriteHeader() override;
-  void WriteCase(const OBS* obs) override;
+  DelimitedWriter(char separator, std::vector<CaseColumn> columns);
+  void WriteHeader(TextBlock& out) const override;
+  void WriteCase(const OBS* obs, Utf8Converter& hostText, TextBlock& out) const override;
 
  private:
   // A text in UTF-8.
-  void WriteField(std::string_view text);
-  void WriteQuoted(std::string_view text);
+  void WriteField(std::string_view text, TextBlock& out) const;
 
-  char separator_;
-  std::vector<CaseColumn> columns_;
-  OutputFile& file_;
-  Utf8Converter hostText_;
+  const char separator_;
+  const std::vector<CaseColumn> columns_;
   std::array<bool, 256> quoted_{};  // the bytes that need quotes around their field
 };
 

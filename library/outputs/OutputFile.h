@@ -46,6 +46,9 @@ class OutputFile final : public ByteSink {
   // It failed because the user interrupted a write that waited for a reader.
   bool interrupted() const { return interrupted_; }
   const std::string& target() const { return target_; }
+  // The file that is written, for who writes it by its name instead of by Append; empty when the
+  // target is written as it stands.
+  const std::string& path() const { return temporary_; }
 
   // Writes the rest, waits until the disk has it and closes; false when anything failed. Nothing is
   // written afterwards.
