@@ -24,8 +24,6 @@ SubcommandResult CommandWalk::Next() {
   return parser_.SetSyntaxParam(subcommand_) ? result : textwizard::kSubcommandError;
 }
 
-CommandPlace CommandWalk::Place() const {
-  return words_.PlaceOf(begin_, words_.EndOfSubcommand(begin_));
-}
+CommandPlace CommandWalk::Place() const { return words_.PlaceOfSubcommand(begin_); }
 
 }  // namespace library

@@ -49,10 +49,19 @@ bool CommandWords::IsSlash(std::size_t token) const {
 }
 
 CommandPlace CommandWords::PlaceOf(std::size_t begin, std::size_t end) const {
-  if (tokens_.empty()) return {};
+  return PlaceOfTokens(FirstFrom(begin), FirstFrom(end));
+}
+
+CommandPlace CommandWords::PlaceOfSubcommand(std::size_t begin) const {
   std::size_t first = FirstFrom(begin);
-  std::size_t last = FirstFrom(end);
-  if (first + 1 < last && IsSlash(first)) ++first;
+  if (first < tokens_.size() && IsSlash(first)) ++first;
+  std::size_t last = first;
+  while (last < tokens_.size() && !IsSlash(last)) ++last;
+  return PlaceOfTokens(first, last);
+}
+
+CommandPlace CommandWords::PlaceOfTokens(std::size_t first, std::size_t last) const {
+  if (tokens_.empty()) return {};
   if (first >= last) {
     first = first > 0 ? first - 1 : 0;
     last = first + 1;
@@ -60,13 +69,6 @@ CommandPlace CommandWords::PlaceOf(std::size_t begin, std::size_t end) const {
   const embedded::CommandToken& from = tokens_[first];
   const std::size_t bytes = tokens_[last - 1].end - from.begin;
   return {from.line, from.column, std::string(source_.substr(from.begin, bytes))};
-}
-
-std::size_t CommandWords::EndOfSubcommand(std::size_t begin) const {
-  std::size_t token = FirstFrom(begin);
-  if (token < tokens_.size() && IsSlash(token)) ++token;
-  while (token < tokens_.size() && !IsSlash(token)) ++token;
-  return token < tokens_.size() ? starts_[token] : text_.size();
 }
 
 }  // namespace library

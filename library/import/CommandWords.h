@@ -28,17 +28,21 @@ class CommandWords {
 
   // What the parser reads.
   const std::string& text() const { return text_; }
-  // The place of what begins in text() at `begin` or behind it and before `end`, without a slash at
-  // its start. Nothing there is the place of the last word before.
+  // Offset in text() behind the last word: the end of the command follows.
+  std::size_t end() const { return text_.rfind('\n'); }
+  // The place of what begins in text() at `begin` or behind it and before `end`. Nothing there is
+  // the place of the last word before.
   CommandPlace PlaceOf(std::size_t begin, std::size_t end) const;
-  // Offset in text() where the subcommand ends that begins at `begin`: at the slash of the next one
-  // or the end of the text.
-  std::size_t EndOfSubcommand(std::size_t begin) const;
+  // The place of the subcommand that begins in text() at `begin`, from its name to the slash of the
+  // next one.
+  CommandPlace PlaceOfSubcommand(std::size_t begin) const;
 
  private:
   // Index of the first token that begins in text() at `offset` or behind it.
   std::size_t FirstFrom(std::size_t offset) const;
   bool IsSlash(std::size_t token) const;
+  // Of the tokens [first, last); of the one before when there are none.
+  CommandPlace PlaceOfTokens(std::size_t first, std::size_t last) const;
 
   const std::vector<embedded::CommandToken>& tokens_;
   std::string_view source_;

@@ -10,8 +10,8 @@ namespace library {
 class ImportMessages {
  public:
   virtual ~ImportMessages() = default;
-  // Takes one message: host text and its kind (ErrorTextKind). Any thread, but one at a time, as the
-  // component gives them: there may be millions.
+  // Takes one message: host text and its kind (ErrorTextKind). Any thread, but one at a time, as
+  // the component gives them: there may be millions.
   virtual void Post(std::string_view hostText, int kind) = 0;
 };
 

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <numeric>
 
 #include <unicode/ucnv.h>
 
 #include "HostFramework/embedded/text/CodePage.h"
+#include "HostFramework/embedded/text/EditDistance.h"
 
 namespace embedded {
 namespace {
@@ -52,24 +52,6 @@ std::string_view NumberOf(std::string_view key) {
   return isNumber && prefix != std::end(kNumberPrefixes) ? number : std::string_view();
 }
 
-// The fewest letters to put in, leave out, exchange or swap with their neighbour.
-std::size_t Distance(std::string_view from, std::string_view to) {
-  std::vector<std::size_t> beforeLast(to.size() + 1), last(to.size() + 1), row(to.size() + 1);
-  std::iota(last.begin(), last.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= from.size(); ++i) {
-    row[0] = i;
-    for (std::size_t j = 1; j <= to.size(); ++j) {
-      const std::size_t exchange = last[j - 1] + (from[i - 1] == to[j - 1] ? 0 : 1);
-      row[j] = std::min({last[j] + 1, row[j - 1] + 1, exchange});
-      const bool swapped = i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1];
-      if (swapped) row[j] = std::min(row[j], beforeLast[j - 2] + 1);
-    }
-    std::swap(beforeLast, last);
-    std::swap(last, row);
-  }
-  return last[to.size()];
-}
-
 struct Near {
   std::size_t distance;
   std::string name;
@@ -88,7 +70,7 @@ void AddNearest(const char* page, std::string_view key, std::vector<Near>& found
     const std::string other = KeyOf(alias);
     const bool begins = key.size() >= kShortestBeginning && other.starts_with(key);
     const std::size_t distance =
-        begins ? std::min<std::size_t>(1, other.size() - key.size()) : Distance(key, other);
+        begins ? std::min<std::size_t>(1, other.size() - key.size()) : EditDistance(key, other);
     if (distance < nearest.distance) nearest = {distance, std::string(alias)};
   }
   if (nearest.distance <= most) found.push_back(std::move(nearest));

@@ -1,0 +1,26 @@
+#include "HostFramework/embedded/text/EditDistance.h"
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+namespace embedded {
+
+std::size_t EditDistance(std::string_view from, std::string_view to) {
+  std::vector<std::size_t> beforeLast(to.size() + 1), last(to.size() + 1), row(to.size() + 1);
+  std::iota(last.begin(), last.end(), std::size_t{0});
+  for (std::size_t i = 1; i <= from.size(); ++i) {
+    row[0] = i;
+    for (std::size_t j = 1; j <= to.size(); ++j) {
+      const std::size_t exchange = last[j - 1] + (from[i - 1] == to[j - 1] ? 0 : 1);
+      row[j] = std::min({last[j] + 1, row[j - 1] + 1, exchange});
+      const bool swapped = i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1];
+      if (swapped) row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+    }
+    std::swap(beforeLast, last);
+    std::swap(last, row);
+  }
+  return last[to.size()];
+}
+
+}  // namespace embedded
