@@ -143,19 +143,23 @@ const char* QuoteRewriter::WalkFields(const char* at, const char* end, QuotePosi
 
 // The state behind bytes without a qualifier that begin in `state`, outside of qualified text.
 State QuoteRewriter::StateBehind(const char* begin, const char* end, State state) const {
+  const bool wasQualified = state == QuotePosition::kAfter || state == QuotePosition::kBehind;
   bool blanks = false;
+  bool text = false;
   for (const char* at = end; at != begin;) {
     const char byte = *--at;
-    if (endsField_[Number(byte)]) return blanks ? QuotePosition::kBlank : QuotePosition::kStart;
+    if (endsField_[Number(byte)]) {
+      return text ? QuotePosition::kPlain : blanks ? QuotePosition::kBlank : QuotePosition::kStart;
+    }
     // A NUL is dropped before fields are cut.
     if (byte == '\0') continue;
-    if (byte != ' ') return QuotePosition::kPlain;
-    blanks = true;
+    (byte == ' ' ? blanks : text) = true;
+    // What the field began with matters only where it may have been a qualifier.
+    if (text && !wasQualified) return QuotePosition::kPlain;
   }
-  if (!blanks) return state;
-  return state == QuotePosition::kStart   ? QuotePosition::kBlank
-         : state == QuotePosition::kAfter ? QuotePosition::kPlain
-                                          : state;
+  if (!text && !blanks) return state;
+  if (wasQualified) return QuotePosition::kBehind;
+  return state == QuotePosition::kStart ? QuotePosition::kBlank : state;
 }
 
 // Whether the unit, or it and those before it, is a delimiter.
@@ -213,7 +217,9 @@ void QuoteRewriter::Step(const char* at, QuotePosition& position, const Sink& si
   if (rules_.page != nullptr && IsTrail(*at, position)) {
     if (state == QuotePosition::kEscape) {
       state = QuotePosition::kQualified;
-    } else if (state != QuotePosition::kQualified) {
+    } else if (state == QuotePosition::kAfter) {
+      state = QuotePosition::kBehind;
+    } else if (state != QuotePosition::kQualified && state != QuotePosition::kBehind) {
       state = QuotePosition::kPlain;
     }
     return;
@@ -257,7 +263,7 @@ void QuoteRewriter::Step(const char* at, QuotePosition& position, const Sink& si
     case QuotePosition::kAfter:
       state = unit == qualifier_ ? QuotePosition::kQualified
               : delimits         ? QuotePosition::kStart
-                                 : QuotePosition::kPlain;
+                                 : QuotePosition::kBehind;
       return;
     case QuotePosition::kStart:
     case QuotePosition::kBlank:
@@ -270,9 +276,11 @@ void QuoteRewriter::Step(const char* at, QuotePosition& position, const Sink& si
       }
       return;
     case QuotePosition::kPlain:
+    case QuotePosition::kBehind:
       if (unit == qualifier_) {
         ++position.strays;
-        if (!rules_.options.keepStrayQualifiers) state = QuotePosition::kQualified;
+        const bool kept = state == QuotePosition::kPlain && rules_.options.keepStrayQualifiers;
+        if (!kept) state = QuotePosition::kQualified;
       } else if (delimits) {
         state = QuotePosition::kStart;
       }

@@ -23,6 +23,7 @@ struct QuotePosition {
     kPlain,      // in an unqualified field
     kQualified,  // inside qualified text
     kAfter,      // behind a qualifier in qualified text
+    kBehind,     // in text behind the closing qualifier
     kEscape,     // behind an escaping backslash
     kCutOff,     // 16-bit: behind a zero unit, which ends the text of its line
   };

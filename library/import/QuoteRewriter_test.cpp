@@ -87,7 +87,10 @@ TEST(QuoteRewriter, DoubledQualifiersStayInTheField) {
 TEST(QuoteRewriter, TextBehindAClosingQualifierIsUnqualified) {
   EXPECT_EQ(Rewritten("\"a\"b\nc\n", Rules(kJoin)), "\"a\"b\nc\n");
   EXPECT_EQ(Rewritten("\"a\" \"b\nc\n", Rules(kJoin)), "\"a\" \"bNcN");
-  EXPECT_EQ(Rewritten("\"a\" \"b\nc\n", Rules(kJoinStrays)), "\"a\" \"b\nc\n");
+  EXPECT_EQ(Rewritten("\"a\" \"b\nc\n", Rules(kJoinStrays)), "\"a\" \"bNcN")
+      << "the field is no unqualified one";
+  EXPECT_EQ(Rewritten("\"a\" b c \"d\n\",\"e\"f,g\"\n", Rules(kJoinStrays)),
+            "\"a\" b c \"dN\",\"e\"f,g\"\n");
 }
 
 TEST(QuoteRewriter, AStrayQualifierQualifiesUnlessItIsKept) {
@@ -150,7 +153,7 @@ TEST(QuoteRewriter, SeveralDelimitersAndOtherQualifiers) {
 TEST(QuoteRewriter, DelimitersOfSeveralBytes) {
   const QuoteRules rules = Rules(kJoinStrays, {"\xC2\xA7", "\xE2\x80\xA2"});
   EXPECT_EQ(Rewritten("a\xC2\xA7\"b\nc\"\xE2\x80\xA2\"d\ne\"\xC2\xA8\"\nf\n", rules),
-            "a\xC2\xA7\"bNc\"\xE2\x80\xA2\"dNe\"\xC2\xA8\"\nf\n");
+            "a\xC2\xA7\"bNc\"\xE2\x80\xA2\"dNe\"\xC2\xA8\"NfN");
 }
 
 TEST(QuoteRewriter, Utf16InBothOrders) {

@@ -85,7 +85,4 @@ class JoinedLines {
   QuotePosition position_;
 };
 
-// The control characters of a file of these units. False when it cannot be read.
-bool FindControls(embedded::StreamDevice& file, FileUnits units, ControlSet* held);
-
 }  // namespace library

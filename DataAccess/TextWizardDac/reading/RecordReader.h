@@ -53,6 +53,8 @@ class RecordReader {
   std::string_view record() const { return record_; }
   // File position in bytes where that record, or the latest run, began.
   std::int64_t recordPosition() const { return recordPosition_; }
+  // File position in bytes of what is read next.
+  std::int64_t position() const { return stream_.Position(); }
   // Reads lines, empty ones too, while the count that starts at `count` differs from `firstCase`.
   void SkipLines(std::int64_t count, std::int64_t firstCase);
   // The stream could not be opened again for this reader, or failed (it did not just end).

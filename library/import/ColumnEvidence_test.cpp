@@ -1,0 +1,145 @@
+#include "library/import/ColumnEvidence.h"
+
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "HostFramework/embedded/text/HostText.h"
+#include "library/import/testing/Evidence.h"
+
+namespace library {
+namespace {
+
+using testing_support::EvidenceOf;
+
+class ColumnEvidenceTest : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(embedded::SetCodePage(nullptr)); }
+};
+
+TEST_F(ColumnEvidenceTest, EmptyAndNullTextsCountAsNothing) {
+  const ColumnEvidence column = EvidenceOf({"1", "", "  ", "NA", " nan ", ".", "-", "N/A", "2"});
+  EXPECT_EQ(column.values(), 2);
+  EXPECT_EQ(column.empties(), 2);
+  EXPECT_EQ(column.nulls().count, 5);
+  EXPECT_EQ(column.nulls().line, 5);
+  EXPECT_EQ(column.nulls().text, "NA");
+  EXPECT_EQ(column.Read(Reading::kPoint), 2);
+}
+
+TEST_F(ColumnEvidenceTest, ANullTextMayBeANumber) {
+  const ColumnEvidence column = EvidenceOf({"1", "-99", "2", "-9"}, 2, {"-99"});
+  EXPECT_EQ(column.values(), 3);
+  EXPECT_EQ(column.nulls().count, 1);
+}
+
+TEST_F(ColumnEvidenceTest, ReadingsAreCountedWithTheFirstValueThatLacksOne) {
+  const ColumnEvidence column =
+      EvidenceOf({"31/12/2019", "01/02/2020", "02/03/2020", "12/31/2019", "x", "30/01/2020"});
+  EXPECT_EQ(column.Read(Reading::kDayMonthYear), 4);
+  EXPECT_EQ(column.Read(Reading::kMonthDayYear), 3);
+  EXPECT_EQ(column.Unread(Reading::kDayMonthYear).count, 2);
+  EXPECT_EQ(column.Unread(Reading::kDayMonthYear).line, 5);
+  EXPECT_EQ(column.Unread(Reading::kDayMonthYear).text, "12/31/2019");
+  EXPECT_EQ(column.Only(Reading::kDayMonthYear, Reading::kMonthDayYear).count, 2);
+  EXPECT_EQ(column.Only(Reading::kDayMonthYear, Reading::kMonthDayYear).line, 2);
+  EXPECT_EQ(column.Both(Reading::kDayMonthYear, Reading::kMonthDayYear).count, 2);
+  EXPECT_EQ(column.Both(Reading::kDayMonthYear, Reading::kMonthDayYear).text, "01/02/2020");
+  EXPECT_EQ(column.slashed(), 5);
+}
+
+TEST_F(ColumnEvidenceTest, PlainNumbersNeedWhatTheyShow) {
+  const ColumnEvidence column = EvidenceOf({"-12", "3.25", "+100.5", "0.125", "7."});
+  EXPECT_EQ(column.point().whole, 4);
+  EXPECT_EQ(column.point().fraction, 3);
+  EXPECT_EQ(column.point().fractions, 3);
+  EXPECT_EQ(column.Read(Reading::kPoint), 5);
+  // Three digits behind the point may be a group of them.
+  EXPECT_EQ(column.Read(Reading::kComma), 2);
+  EXPECT_EQ(column.comma().grouped.text, "0.125");
+}
+
+TEST_F(ColumnEvidenceTest, ZerosDigitsAndLengths) {
+  const ColumnEvidence column =
+      EvidenceOf({"12", "007", "012", "12345678901234567891", "a longer text  "});
+  EXPECT_EQ(column.leadingZeros().count, 2);
+  EXPECT_EQ(column.leadingZeros().line, 3);
+  EXPECT_EQ(column.lostDigits().count, 1);
+  EXPECT_EQ(column.lostDigits().line, 5);
+  EXPECT_EQ(column.longest().count, 20);
+  EXPECT_EQ(column.longest().line, 5) << "the first of them";
+  EXPECT_EQ(EvidenceOf({"ab", "abcdef   "}).longest().count, 9) << "blanks count";
+  EXPECT_EQ(column.longestRead(), 20);
+}
+
+TEST_F(ColumnEvidenceTest, AWitnessIsCutAtACharacter) {
+  std::string text = "x";
+  while (text.size() < 300) text += "\xC3\xA9";
+  const ColumnEvidence column = EvidenceOf({text});
+  EXPECT_EQ(column.longest().text.size(), 199u);
+  EXPECT_EQ(column.longest().count, static_cast<std::int64_t>(text.size()));
+}
+
+// Evidence does not depend on where a file is cut, nor on the order in which the pieces meet.
+TEST_F(ColumnEvidenceTest, StretchesJoinToTheWholeInAnyGrouping) {
+  const std::vector<std::string> pool = {"1",
+                                         "1.5",
+                                         "1,5",
+                                         "1.234",
+                                         "1,234",
+                                         "007",
+                                         "NA",
+                                         "",
+                                         "$5",
+                                         "5%",
+                                         "2020-01-02",
+                                         "31/12/2019",
+                                         "1/2/2020",
+                                         "Monday",
+                                         "12:30",
+                                         "abc",
+                                         "Mar",
+                                         "1e5",
+                                         "03.04.19",
+                                         "75:30.5",
+                                         "1Q2020",
+                                         "  ",
+                                         "Jan 2020",
+                                         "-",
+                                         "1.1.1",
+                                         "99999999999999999999",
+                                         "01/02/2020 10:30",
+                                         "a text that is longer than others"};
+  std::mt19937_64 random(3);
+  for (int round = 0; round < 300; ++round) {
+    std::vector<std::string> values;
+    for (std::size_t count = random() % 60; count > 0; --count) {
+      values.push_back(pool[random() % pool.size()]);
+    }
+    const ColumnEvidence whole = EvidenceOf(values, 1);
+    // Three stretches, joined from the left and from the right.
+    std::size_t cuts[2] = {random() % (values.size() + 1), random() % (values.size() + 1)};
+    if (cuts[0] > cuts[1]) std::swap(cuts[0], cuts[1]);
+    const auto stretch = [&](std::size_t begin, std::size_t end) {
+      return EvidenceOf({values.begin() + static_cast<std::ptrdiff_t>(begin),
+                         values.begin() + static_cast<std::ptrdiff_t>(end)},
+                        1);
+    };
+    const ColumnEvidence a = stretch(0, cuts[0]);
+    const ColumnEvidence b = stretch(cuts[0], cuts[1]);
+    const ColumnEvidence c = stretch(cuts[1], values.size());
+    const auto lines = [](std::size_t count) { return static_cast<std::int64_t>(count); };
+    ColumnEvidence left = a;
+    left.Append(b, lines(cuts[0]));
+    left.Append(c, lines(cuts[1]));
+    ColumnEvidence rest = b;
+    rest.Append(c, lines(cuts[1] - cuts[0]));
+    ColumnEvidence right = a;
+    right.Append(rest, lines(cuts[0]));
+    ASSERT_EQ(left, whole) << testing::PrintToString(values);
+    ASSERT_EQ(right, whole) << testing::PrintToString(values);
+  }
+}
+
+}  // namespace
+}  // namespace library

@@ -1,0 +1,166 @@
+#include "library/import/PartReader.h"
+
+#include <algorithm>
+
+#include "library/import/Controls.h"
+#include "reading/ByteScan.h"
+
+namespace library {
+namespace {
+
+constexpr std::size_t kRunBytes = std::size_t{1} << 17;
+
+bool Decodes(const textwizard::RecordReader& reader, textwizard::FileEncoding encoding) {
+  return reader.isUtf16() || encoding == textwizard::kEncodingLocale ||
+         (encoding == textwizard::kEncodingUtf8 && !qUTF8mode());
+}
+
+}  // namespace
+
+PartReader::PartReader(const QANT_FileStream& stream, const ColumnCut& cut, const NullTexts& nulls,
+                       const StandIns* standIns)
+    : cut_(cut),
+      nulls_(nulls),
+      standIns_(standIns),
+      fixed_(cut.settings.arrangement == textwizard::kFixedColumns),
+      rules_(cut.settings),
+      reader_(stream),
+      decoder_(cut.settings.encoding),
+      splitter_(rules_, textwizard::SplitUse::kReading, this),
+      run_(kRunBytes),
+      fields_(cut.fields.size()) {
+  reader_.SeekBegin();
+  reader_.HandleByteOrderMark();
+  decodes_ = Decodes(reader_, cut.settings.encoding);
+}
+
+// Stands where the first line of the stretch begins.
+bool PartReader::BeginAt(std::int64_t from, bool atStart) {
+  if (atStart) return reader_.SeekTo(from);
+  // From the unit before on: when that ends a line, the next one begins at `from`.
+  if (!reader_.SeekTo(from - (reader_.isUtf16() ? 2 : 1))) return false;
+  reader_.Read(true);
+  return !reader_.failed();
+}
+
+bool PartReader::Summarize(std::int64_t from, std::int64_t to, bool atStart, PartSummary* summary) {
+  summary_ = summary;
+  line_ = 1;
+  if (!BeginAt(from, atStart)) return false;
+  while (reader_.position() < to) {
+    // Whole lines that lie in the stretch; then one that may go on behind it.
+    TakeRun(
+        static_cast<std::size_t>(std::min<std::int64_t>(to - reader_.position() + 1, kRunBytes)));
+    const std::int64_t position = reader_.position();
+    if (position >= to || !reader_.Read(true)) break;
+    TakeRaw(reader_.record());
+    bytesRead_.fetch_add(reader_.position() - position, std::memory_order_relaxed);
+  }
+  summary->lines = line_ - 1;
+  return !reader_.failed();
+}
+
+void PartReader::TakeRun(std::size_t room) {
+  std::uint32_t count = 0;
+  const std::size_t bytes = reader_.ReadRun(run_.data(), room, UINT32_MAX, &count);
+  if (bytes == 0) return;
+  bytesRead_.fetch_add(static_cast<std::int64_t>(bytes), std::memory_order_relaxed);
+  TakeText({run_.data(), bytes});
+}
+
+// Whole lines as they stand in the file.
+void PartReader::TakeText(std::string_view text) {
+  const bool marked = !fixed_ && !decodes_ && splitter_.CutsByBytes(text);
+  if (marked) {
+    NoteControls(text);
+    splitter_.SetByteText(text);
+  }
+  for (std::size_t at = 0; at < text.size();) {
+    const std::string_view rest = text.substr(at);
+    const std::size_t length = textwizard::FindLineEnd8(rest);
+    const std::string_view record = rest.substr(0, length);
+    if (!marked) {
+      TakeRaw(record);
+    } else {
+      if (!record.empty()) {
+        splitter_.SetRecordOfText(record);
+        TakeDelimited(record);
+      }
+      PassLine(record);
+    }
+    at += length;
+    if (length < rest.size()) at += rest.substr(length, 2) == "\r\n" ? 2 : 1;
+  }
+}
+
+// A line without its end, as it stands in the file.
+void PartReader::TakeRaw(std::string_view raw) {
+  const std::string_view record =
+      raw.empty() || !decodes_ ? raw : decoder_.Decode(raw, reader_.mark());
+  NoteControls(record);
+  if (!raw.empty()) {
+    if (fixed_) {
+      TakeFixed(record);
+    } else {
+      splitter_.SetRecord(record);
+      TakeDelimited(record);
+    }
+  }
+  PassLine(record);
+}
+
+void PartReader::NoteControls(std::string_view text) {
+  if (standIns_ == nullptr) return;
+  hasControls_ = HoldsControl(text);
+  if (hasControls_) CountControls(text, &summary_->controls);
+}
+
+// The record ends here. So do the lines whose ends were joined in it.
+void PartReader::PassLine(std::string_view record) {
+  ++line_;
+  if (!hasControls_) return;
+  char before = '\0';
+  for (const char byte : record) {
+    const bool isPair = byte == standIns_->lineFeed && before == standIns_->carriageReturn;
+    const bool joins = byte == standIns_->lineFeed || byte == standIns_->carriageReturn;
+    if (joins && !isPair) ++line_;
+    before = byte;
+  }
+}
+
+void PartReader::TakeDelimited(std::string_view record) {
+  ++summary_->records;
+  undecodable_ = false;
+  const std::size_t count = fields_.size();
+  std::size_t column = 0;
+  for (std::size_t field = 0; field < count;) {
+    const std::size_t cut = splitter_.Cut(fields_.data(), count - field);
+    for (std::size_t i = 0; i < cut; ++i, ++field) {
+      if (cut_.fields[field].imported) {
+        summary_->columns[column++].Count(fields_[i], line_, nulls_);
+      } else if (!fields_[i].empty()) {
+        summary_->unexpected.Add(fields_[i], line_);
+      }
+    }
+  }
+  if (splitter_.offset() < record.size()) {
+    const std::string_view rest = record.substr(splitter_.offset());
+    const bool isData = std::any_of(rest.begin(), rest.end(), [this](char byte) {
+      return byte != ' ' && !rules_.IsDelimiter(static_cast<unsigned char>(byte));
+    });
+    if (isData) summary_->surplus.Add(rest, line_);
+  }
+  if (undecodable_) summary_->undecodable.Add(record, line_);
+}
+
+void PartReader::TakeFixed(std::string_view record) {
+  ++summary_->records;
+  std::size_t column = 0;
+  for (const ColumnCut::Field& place : cut_.fields) {
+    const std::string_view field =
+        record.size() < place.start ? std::string_view() : record.substr(place.start, place.width);
+    if (place.imported) summary_->columns[column++].Count(field, line_, nulls_);
+  }
+}
+
+}  // namespace library

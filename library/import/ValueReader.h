@@ -1,0 +1,53 @@
+// Which readings a value has: found by the conversion that reads the cases, tried where the text's
+// shape leaves a chance.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "library/import/Reading.h"
+
+namespace library {
+
+// What the digits of a number need, under one decimal character.
+struct NumberShape {
+  // Characters in front of the decimal character, sign and grouping included.
+  int whole = 0;
+  // Digits behind it.
+  int fraction = 0;
+  bool grouped = false;
+  bool exponent = false;
+};
+
+struct ValueReadings {
+  ReadingSet set;
+  // By kPoint and kComma, where the set has them; of percentages and dollar amounts by the first.
+  NumberShape point;
+  NumberShape comma;
+  // What a number would lose: a zero in front of other digits; digits that a double does not keep.
+  bool leadingZero = false;
+  bool losesDigits = false;
+  // Digits of the fraction of a second; whether there are seconds at all.
+  int secondFraction = 0;
+  bool hasSeconds = false;
+  // A date's month is a name; its year has two digits.
+  bool monthInLetters = false;
+  bool shortYear = false;
+  // What stands between the parts of a date of digits; 0 elsewhere.
+  char separator = 0;
+  // A date and time of digits whose day and month would be a date the other way round, too.
+  bool eitherOrder = false;
+};
+
+// Reads `text` (host text, not empty, without blanks and tabs around it). Nothing but a chance to
+// read more values than are told is given up by rules: texts that a format reads and hardly anyone
+// means so (version numbers, codes and lists that could be dates; Roman numerals that could be
+// months; numbers of the minutes, days and months) have no such reading. What is in the set
+// converts. Any thread; allocates nothing in most cases.
+ValueReadings ReadValue(std::string_view text);
+
+// The digits of a number in `text` that a double does not keep: 16 significant ones or more, whose
+// double reads back to others.
+bool LosesDigits(std::string_view text, double value);
+
+}  // namespace library
