@@ -36,7 +36,7 @@ class PartReader : private textwizard::UndecodableListener {
   std::int64_t bytesRead() const { return bytesRead_.load(std::memory_order_relaxed); }
 
  private:
-  void OnUndecodable(std::size_t) override { undecodable_ = true; }
+  void OnUndecodable(const textwizard::UndecodableRun&) override { undecodable_ = true; }
   bool BeginAt(std::int64_t from, bool atStart);
   void TakeRun(std::size_t room);
   void TakeText(std::string_view text);
