@@ -12,6 +12,7 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/Preview.h"
+#include "cli/Sniff.h"
 #include "cli/Version.h"
 #include "cli/run/RunSubcommand.h"
 
@@ -25,6 +26,7 @@ constexpr char kExamples[] = R"(Examples:
   textwizard run import.sps --cases cases.csv
   textwizard run --help
   textwizard preview survey.csv
+  textwizard sniff survey.csv
 )";
 
 // Gives each standard stream that was closed a descriptor on which it fails, so that no file which
@@ -68,6 +70,7 @@ int ParseAndRun(int argc, char** argv) {
   program.require_subcommand(1);
   AddRun(program, &status);
   AddPreview(program, &status);
+  AddSniff(program, &status);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

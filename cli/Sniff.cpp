@@ -1,0 +1,68 @@
+#include "cli/Sniff.h"
+
+#include <memory>
+#include <string>
+
+#include <fmt/format.h>
+#include <unistd.h>
+#include <CLI/CLI.hpp>
+
+#include "HostFramework/embedded/text/HostText.h"
+#include "cli/ExitStatus.h"
+#include "cli/terminal/Console.h"
+#include "cli/terminal/SniffScreen.h"
+#include "library/sniff/SniffJson.h"
+#include "library/sniff/Sniffer.h"
+
+namespace cli {
+namespace {
+
+constexpr char kExamples[] = R"(Examples:
+  textwizard sniff data.csv
+  textwizard sniff --json data.csv
+
+Exit status: 0 shown, 1 the file is no text, 2 it cannot be read, or wrong usage.
+)";
+
+struct SniffOptions {
+  std::string file;
+  bool json = false;
+};
+
+int Sniff(const SniffOptions& options) {
+  Console console({});
+  embedded::SetCodePage(nullptr);
+  std::string problem;
+  const auto source = library::FileSource::Open(options.file, &problem);
+  if (!source) {
+    console.Error(fmt::format("{}: {}", options.file, problem));
+    return kExitUsage;
+  }
+  library::SniffResult result;
+  if (!library::Sniff(*source, {}, &result, &problem)) {
+    console.Error(fmt::format("{}: {}", options.file, problem));
+    return kExitCommandFailed;
+  }
+  if (options.json) {
+    console.PrintResult(library::SniffJson(options.file, result)
+                            .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+  } else {
+    const std::size_t width = TerminalWidth(STDOUT_FILENO);
+    console.Print(SniffSettingsText(options.file, result, width));
+    console.Print("\n" + SniffColumnsText(result, width));
+  }
+  return console.Flush() ? kExitSuccess : kExitUsage;
+}
+
+}  // namespace
+
+void AddSniff(CLI::App& program, int* status) {
+  CLI::App* sniff = program.add_subcommand("sniff", "Says how a bare file is built");
+  const auto options = std::make_shared<SniffOptions>();
+  sniff->add_option("FILE", options->file, "The file to look at")->type_name("FILE")->required();
+  sniff->add_flag("--json", options->json, "As JSON");
+  sniff->footer(kExamples);
+  sniff->callback([options, status] { *status = Sniff(*options); });
+}
+
+}  // namespace cli

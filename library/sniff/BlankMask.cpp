@@ -1,0 +1,165 @@
+#include "library/sniff/BlankMask.h"
+
+#include <algorithm>
+
+#include "library/sniff/Utf8.h"
+#include "model/FormatCode.h"
+#include "reading/FixedFields.h"
+
+namespace library {
+namespace {
+
+// Of so many lines one may fill a place between columns.
+constexpr std::uint64_t kLinesAFill = 50;
+// Lines above the data, which may cross columns: this share of all, and so many at most.
+constexpr std::size_t kShareAbove = 4;
+constexpr std::size_t kMostAbove = 10;
+// Lines without blanks are cut where so many agree.
+constexpr std::size_t kFewestDense = 3;
+
+enum class Edge { kOther, kDigit, kLetter };
+
+Edge EdgeOf(char byte) {
+  if (byte >= '0' && byte <= '9') return Edge::kDigit;
+  if ((byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z')) return Edge::kLetter;
+  return Edge::kOther;
+}
+
+// The values of a run end at its last place, and do not all begin at its first one.
+bool IsRightAligned(const std::vector<std::string_view>& lines, const CharacterRange& run) {
+  std::size_t ends = 0;
+  std::size_t begins = 0;
+  std::size_t values = 0;
+  for (const std::string_view line : lines) {
+    const std::string_view text = CutCharacters(line, run);
+    if (text.find_first_not_of(' ') == std::string_view::npos) continue;
+    ++values;
+    begins += text.front() != ' ' ? 1 : 0;
+    ends +=
+        text.back() != ' ' && static_cast<std::int64_t>(CountUtf8(text)) == run.to - run.from + 1;
+  }
+  return 10 * ends >= 9 * values && begins < ends;
+}
+
+// Adds cuts inside runs that no line leaves blank, where every line changes between digits and
+// letters.
+void CutDense(const std::vector<std::string_view>& lines, std::vector<CharacterRange>* runs) {
+  if (lines.size() < kFewestDense) return;
+  std::vector<CharacterRange> cut;
+  for (const CharacterRange& run : *runs) {
+    CharacterRange rest = run;
+    for (std::int64_t place = run.from + 1; place <= run.to; ++place) {
+      const auto changes = [&](std::string_view line) {
+        const std::string_view pair = CutCharacters(line, {place - 1, place});
+        if (pair.size() != 2) return false;
+        const Edge left = EdgeOf(pair[0]);
+        const Edge right = EdgeOf(pair[1]);
+        return left != Edge::kOther && right != Edge::kOther && left != right;
+      };
+      if (!std::all_of(lines.begin(), lines.end(), changes)) continue;
+      cut.push_back({rest.from, place - 1});
+      rest.from = place;
+    }
+    cut.push_back(rest);
+  }
+  *runs = cut;
+}
+
+// The runs with the blanks between them.
+std::vector<CharacterRange> Widened(const std::vector<std::string_view>& lines,
+                                    const std::vector<CharacterRange>& runs) {
+  std::vector<CharacterRange> columns = runs;
+  columns.front().from = 1;
+  for (std::size_t i = 1; i < runs.size(); ++i) {
+    if (IsRightAligned(lines, runs[i])) {
+      columns[i].from = runs[i - 1].to + 1;
+    } else {
+      columns[i - 1].to = runs[i].from - 1;
+    }
+  }
+  return columns;
+}
+
+}  // namespace
+
+std::string_view CutCharacters(std::string_view line, const CharacterRange& range) {
+  std::size_t begin = 0;
+  std::int64_t place = 1;
+  for (; place < range.from && begin < line.size(); ++place) begin += Utf8Length(line[begin]);
+  std::size_t end = std::min(begin, line.size());
+  for (; (range.to == 0 || place <= range.to) && end < line.size(); ++place) {
+    end += Utf8Length(line[end]);
+  }
+  textwizard::TxtWzVar variable;
+  variable.formatType = textwizard::kFormatA;
+  variable.startColumn = static_cast<std::uint32_t>(begin);
+  variable.maxStringLength =
+      static_cast<std::uint32_t>(std::min(end, line.size()) - std::min(begin, line.size()));
+  std::string_view field;
+  textwizard::CutFixedField(line, variable, field);
+  return field;
+}
+
+void BlankMask::Add(std::string_view line) {
+  ++lines_;
+  std::size_t place = 0;
+  for (std::size_t at = 0; at < line.size() && place < kMostPlaces; at += Utf8Length(line[at])) {
+    if (place == filled_.size()) filled_.push_back(0);
+    filled_[place] += line[at] == ' ' ? 0 : 1;
+    ++place;
+  }
+}
+
+void BlankMask::Merge(const BlankMask& other) {
+  lines_ += other.lines_;
+  filled_.resize(std::max(filled_.size(), other.filled_.size()));
+  for (std::size_t i = 0; i < other.filled_.size(); ++i) filled_[i] += other.filled_[i];
+}
+
+std::vector<CharacterRange> BlankMask::Runs() const {
+  std::vector<CharacterRange> runs;
+  const std::uint64_t few = lines_ / kLinesAFill;
+  for (std::size_t i = 0; i < filled_.size(); ++i) {
+    if (filled_[i] <= few) continue;
+    const auto place = static_cast<std::int64_t>(i) + 1;
+    if (runs.empty() || runs.back().to + 1 < place) {
+      runs.push_back({place, place});
+    } else {
+      runs.back().to = place;
+    }
+  }
+  return runs;
+}
+
+std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::string_view>& lines) {
+  std::vector<std::vector<CharacterRange>> ways;
+  std::vector<std::string_view> body;
+  BlankMask rules;
+  for (const std::string_view line : lines) {
+    if (line.find('\t') != std::string_view::npos) return {};
+    if (line.find_first_not_of(" -=_") != std::string_view::npos) {
+      body.push_back(line);
+    } else if (line.find_first_not_of(' ') != std::string_view::npos) {
+      rules.Add(line);
+    }
+  }
+  const auto add = [&](std::vector<CharacterRange> runs) {
+    if (runs.size() < 2) return;
+    std::vector<CharacterRange> columns = Widened(body, runs);
+    if (std::find(ways.begin(), ways.end(), columns) == ways.end()) ways.push_back(columns);
+  };
+  add(rules.Runs());
+  BlankMask all;
+  for (const std::string_view line : body) all.Add(line);
+  add(all.Runs());
+  const std::size_t above = std::min(kMostAbove, body.size() / kShareAbove);
+  body.erase(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(above));
+  BlankMask below;
+  for (const std::string_view line : body) below.Add(line);
+  std::vector<CharacterRange> runs = below.Runs();
+  if (runs.size() == 1) CutDense(body, &runs);
+  add(runs);
+  return ways;
+}
+
+}  // namespace library

@@ -1,0 +1,84 @@
+// Columns of fixed places.
+
+#include "library/sniff/BlankMask.h"
+
+#include <string_view>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace library {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(BlankMask, RunsLieBetweenPlacesThatEveryLineLeavesBlank) {
+  BlankMask mask;
+  mask.Add("ab  12");
+  mask.Add("a    3");
+  EXPECT_THAT(mask.Runs(), ElementsAre(CharacterRange{1, 2}, CharacterRange{5, 6}));
+}
+
+TEST(BlankMask, MasksOfPartsAddUp) {
+  BlankMask all;
+  BlankMask first;
+  BlankMask second;
+  for (const std::string_view line : {"ab  12", "abc 12"}) all.Add(line), first.Add(line);
+  for (const std::string_view line : {"a    3 x", "abcd 7 y"}) all.Add(line), second.Add(line);
+  first.Merge(second);
+  EXPECT_EQ(first.Runs(), all.Runs());
+  EXPECT_EQ(first.lines(), 4U);
+}
+
+TEST(BlankMask, PlacesAreCharacters) {
+  BlankMask mask;
+  mask.Add("äöü 1");
+  mask.Add("abc 2");
+  EXPECT_THAT(mask.Runs(), ElementsAre(CharacterRange{1, 3}, CharacterRange{5, 5}));
+}
+
+TEST(FixedColumns, RightAlignedNumbersTakeTheBlanksBeforeThem) {
+  const auto ways =
+      FixedColumns({"Anna        7", "Bob Smith 123", "Li         45", "Carol      99"});
+  ASSERT_FALSE(ways.empty());
+  EXPECT_THAT(ways[0], ElementsAre(CharacterRange{1, 9}, CharacterRange{10, 13}));
+}
+
+TEST(FixedColumns, LeftAlignedTextsLeaveTheBlanksToTheColumnBeforeThem) {
+  const auto ways =
+      FixedColumns({"Anna      red", "Bob Smith green", "Li        blue", "Carol     red"});
+  ASSERT_FALSE(ways.empty());
+  EXPECT_THAT(ways[0], ElementsAre(CharacterRange{1, 10}, CharacterRange{11, 15}));
+}
+
+TEST(FixedColumns, ARuleShowsTheColumns) {
+  const auto ways = FixedColumns({"name      n", "-------  --", "St. Gall  1", "Aro sa   22"});
+  ASSERT_FALSE(ways.empty());
+  EXPECT_EQ(ways[0].size(), 2U);
+  EXPECT_EQ(ways[0][0].from, 1);
+}
+
+TEST(FixedColumns, WithoutBlanksDigitsAndLettersAreCutApart) {
+  const auto ways = FixedColumns({"0012AB2020", "0345CD2021", "9999XY1999", "0001QR2000"});
+  ASSERT_FALSE(ways.empty());
+  EXPECT_THAT(ways[0],
+              ElementsAre(CharacterRange{1, 4}, CharacterRange{5, 6}, CharacterRange{7, 10}));
+}
+
+TEST(FixedColumns, ProseAndTabsHaveNone) {
+  EXPECT_THAT(
+      FixedColumns({"To be, or not to be,", "that is the question:", "Whether 'tis nobler"}),
+      IsEmpty());
+  EXPECT_THAT(FixedColumns({"a\tb", "c\td"}), IsEmpty());
+}
+
+TEST(CutCharacters, EndsWithTheLine) {
+  EXPECT_EQ(CutCharacters("äbc", {2, 9}), "bc");
+  EXPECT_EQ(CutCharacters("äbc", {4, 9}), "");
+  EXPECT_EQ(CutCharacters("äbc", {1, 0}), "äbc");
+}
+
+}  // namespace
+}  // namespace library

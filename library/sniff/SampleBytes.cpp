@@ -1,0 +1,34 @@
+#include "library/sniff/SampleBytes.h"
+
+namespace library {
+
+bool SampleBytes::Add(ByteSource& source, std::uint64_t offset, std::size_t count,
+                      std::string* problem) {
+  Region region{offset, std::string(count, '\0')};
+  std::size_t read = 0;
+  if (!source.ReadAt(offset, region.bytes.data(), count, &read, problem)) return false;
+  region.bytes.resize(read);
+  regions_.push_back(std::move(region));
+  return true;
+}
+
+bool SampleBytes::Read(ByteSource& source, std::string* problem) {
+  regions_.clear();
+  sourceSize_ = source.Size();
+  reachesEnd_ = source.IsWhole();
+  if (sourceSize_ < kWholeBelow) {
+    whole_ = source.IsWhole();
+    return Add(source, 0, static_cast<std::size_t>(sourceSize_), problem);
+  }
+  whole_ = false;
+  if (!Add(source, 0, kHead, problem)) return false;
+  // The blocks stand at even distances between head and tail, on multiples of 4 bytes so that units
+  // of two and four bytes stay whole.
+  const std::uint64_t gap = (sourceSize_ - kHead - kTail) / (kSpreadBlocks + 1);
+  for (std::size_t i = 1; i <= kSpreadBlocks; ++i) {
+    if (!Add(source, (kHead + i * gap) & ~std::uint64_t{3}, kBlock, problem)) return false;
+  }
+  return Add(source, (sourceSize_ - kTail) & ~std::uint64_t{3}, kTail + 4, problem);
+}
+
+}  // namespace library

@@ -1,0 +1,322 @@
+#include "library/sniff/Sniffer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include <fmt/format.h>
+
+#include "library/sniff/BinaryFile.h"
+#include "library/sniff/ColumnFormats.h"
+#include "library/sniff/ColumnNames.h"
+#include "library/sniff/CommentLines.h"
+#include "library/sniff/DialectFinder.h"
+#include "library/sniff/EncodingFinder.h"
+#include "library/sniff/HeaderLabels.h"
+#include "library/sniff/SampleTable.h"
+#include "library/sniff/SampleText.h"
+#include "library/sniff/SniffEvidence.h"
+#include "library/sniff/TableShape.h"
+
+namespace library {
+namespace {
+
+// What is cut into cells: of the head, and of the end.
+constexpr std::size_t kMostHeadRows = 1500;
+constexpr std::size_t kMostHeadCells = 120000;
+constexpr std::size_t kMostTailRows = 120;
+// Of every other region so many records are cut, to see whether they are like the head's.
+constexpr std::size_t kRowsARegion = 40;
+
+class Sniffing {
+ public:
+  Sniffing(ByteSource& source, const SniffSettings& settings, SniffResult* result,
+           std::string* problem)
+      : source_(source), settings_(settings), result_(*result), problem_(*problem) {}
+
+  bool Run();
+
+ private:
+  bool ReadText();
+  bool FindDialectOfText();
+  void CutTable();
+  void AddRecords(const SampleRecords& records, std::size_t region, std::size_t begin,
+                  std::size_t end, std::size_t mostCells);
+  void CheckOtherRegions();
+  void PlaceData();
+  void PlaceEnd();
+  void ListOtherLines();
+  void MakeColumns();
+
+  std::size_t RowsOfData() const { return shape_.endData - shape_.firstData; }
+  std::int64_t LineOf(const SampleRow& row) const {
+    return static_cast<std::int64_t>(row.line) + 1;
+  }
+
+  ByteSource& source_;
+  const SniffSettings& settings_;
+  SniffResult& result_;
+  std::string& problem_;
+
+  SampleBytes bytes_;
+  SampleText text_;
+  ValueKinds kinds_;
+  EncodingAnswer encoding_;
+  DialectAnswer dialect_;
+  std::string_view comment_;
+  SampleRecords records_;
+  std::unique_ptr<SampleTable> table_;
+  // The table's last row is the file's.
+  bool reachesEnd_ = false;
+  // The table's rows before this one follow one another.
+  std::size_t headRows_ = 0;
+  TableShape shape_;
+  SniffFindings findings_;
+};
+
+bool Sniffing::ReadText() {
+  if (!bytes_.Read(source_, &problem_)) return false;
+  result_.fileSize = bytes_.sourceSize();
+  result_.readWhole = bytes_.whole();
+  const std::string_view head = bytes_.head();
+  if (const std::string name = NameOfBinary(head); !name.empty()) {
+    problem_ = fmt::format("this is {}, not a text file", name);
+    return false;
+  }
+  encoding_ = FindEncoding(bytes_);
+  const bool wide =
+      encoding_.converter.starts_with("UTF-16") || encoding_.converter.starts_with("UTF-32");
+  if (IsControlHeavy(head, !wide) && !wide) {
+    problem_ = "this is no text file: too many of its bytes are control characters";
+    return false;
+  }
+  if (settings_.encoding) {
+    encoding_.encoding = {*settings_.encoding, true, "", "", 1.0};
+    encoding_.verdict = Verdict::kCertain;
+    // A mark decides which byte comes first.
+    if (encoding_.markLength == 0) encoding_.converter = *settings_.encoding;
+  }
+  if (!text_.Decode(bytes_, encoding_.converter, encoding_.markLength)) {
+    problem_ = fmt::format("there is no encoding {}", encoding_.encoding.value);
+    return false;
+  }
+  if (settings_.sampleLines) {
+    text_.KeepLines(static_cast<std::size_t>(std::max<std::int64_t>(1, *settings_.sampleLines)));
+  }
+  return true;
+}
+
+bool Sniffing::FindDialectOfText() {
+  const std::vector<std::string_view>& lines = text_.head();
+  if (settings_.fixed) {
+    dialect_.dialect.columns = *settings_.fixed;
+  } else if (settings_.delimiter &&
+             settings_.delimiter->find_first_of("\r\n") != std::string::npos) {
+    problem_ = "a line end cannot be the delimiter";
+    return false;
+  } else {
+    dialect_ = FindDialect(lines, settings_, kinds_);
+  }
+  comment_ = CommentSign(lines, LinesForDialect(lines));
+  // Where quotes are data only, the double quote is still what would qualify: reading with it, and
+  // keeping stray ones, cuts the same fields.
+  Dialect& dialect = dialect_.dialect;
+  if (!dialect.fixed() && dialect.qualifier.empty() && !settings_.qualifier && text_.Holds('"')) {
+    dialect.qualifier = "\"";
+  }
+  return true;
+}
+
+// Adds records [begin, end) to the table, without remarks. A remark that is cut as wide as most
+// records names their columns.
+void Sniffing::AddRecords(const SampleRecords& records, std::size_t region, std::size_t begin,
+                          std::size_t end, std::size_t mostCells) {
+  for (std::size_t i = begin; i < end && table_->cells() < mostCells; ++i) {
+    SampleRecord record = records.records[i];
+    if (IsCommentLine(record.text, comment_)) {
+      const std::size_t width = dialect_.score.modalWidth;
+      record.text.remove_prefix(record.text.find(comment_) + comment_.size());
+      RecordCutter cutter(dialect_.dialect);
+      std::vector<RecordCutter::Field> fields;
+      cutter.Cut(record.text, &fields);
+      if (width < 2 || fields.size() != width) {
+        if (region == 0) findings_.comments.push_back(static_cast<std::int64_t>(record.line) + 1);
+        continue;
+      }
+    }
+    table_->Add(record, region);
+  }
+}
+
+void Sniffing::CutTable() {
+  records_ = JoinRecords(text_.head(), text_.head().size(), dialect_.dialect);
+  table_ = std::make_unique<SampleTable>(dialect_.dialect, kinds_);
+  const std::size_t all = records_.records.size();
+  const std::size_t head = std::min(all, kMostHeadRows);
+  AddRecords(records_, 0, 0, head, kMostHeadCells);
+  headRows_ = table_->rows().size();
+  const bool cut = table_->cells() >= kMostHeadCells;
+  reachesEnd_ = text_.headIsWhole() && head == all && !cut;
+  if (text_.headIsWhole() && !reachesEnd_ && head < all) {
+    AddRecords(records_, 0, std::max(head, all - std::min(all, kMostTailRows)), all,
+               2 * kMostHeadCells);
+    reachesEnd_ = table_->cells() < 2 * kMostHeadCells;
+  } else if (text_.regions().size() > 1 && bytes_.reachesEnd()) {
+    const std::size_t last = text_.regions().size() - 1;
+    const auto& lines = text_.regions()[last].lines;
+    const SampleRecords tail = JoinRecords(lines, lines.size(), dialect_.dialect);
+    const std::size_t count = tail.records.size();
+    AddRecords(tail, last, count - std::min(count, kMostTailRows), count, 2 * kMostHeadCells);
+    reachesEnd_ = table_->cells() < 2 * kMostHeadCells;
+  }
+  CheckOtherRegions();
+}
+
+// Whether the records of the rest of the file are as wide as those of the head.
+void Sniffing::CheckOtherRegions() {
+  RecordCutter cutter(dialect_.dialect);
+  std::vector<RecordCutter::Field> fields;
+  for (std::size_t region = 1; region < text_.regions().size(); ++region) {
+    const auto& lines = text_.regions()[region].lines;
+    const SampleRecords records =
+        JoinRecords(lines, std::min(lines.size(), kRowsARegion), dialect_.dialect);
+    for (const SampleRecord& record : records.records) {
+      cutter.Cut(record.text, &fields);
+      ++findings_.otherRecords;
+      findings_.otherModal += fields.size() == dialect_.score.modalWidth ? 1 : 0;
+    }
+  }
+}
+
+void Sniffing::PlaceData() {
+  const auto& rows = table_->rows();
+  const auto lineOf = [&](std::size_t row) {
+    return row < headRows_ ? LineOf(rows[row]) : static_cast<std::int64_t>(text_.head().size()) + 1;
+  };
+  result_.firstDataLine.value = lineOf(shape_.firstData);
+  result_.firstDataLine.given = settings_.firstLine.has_value();
+  result_.headerLines.given = settings_.header.has_value();
+  for (std::size_t i = shape_.headerBegin; i < shape_.headerEnd; ++i) {
+    const SampleRow& row = rows[i];
+    const SampleCell* const cells = table_->Cells(row);
+    const bool filled =
+        std::any_of(cells, cells + row.count, [](const SampleCell& cell) { return !cell.empty(); });
+    if (filled) result_.headerLines.value += static_cast<std::int64_t>(row.lines);
+  }
+  const bool header = shape_.headerEnd > shape_.headerBegin;
+  result_.preambleLines = (header ? lineOf(shape_.headerBegin) : result_.firstDataLine.value) - 1;
+  result_.firstDataOffset =
+      text_.OffsetOfLine(0, static_cast<std::size_t>(result_.firstDataLine.value - 1));
+}
+
+void Sniffing::PlaceEnd() {
+  const auto& rows = table_->rows();
+  result_.dataEndOffset = result_.fileSize;
+  if (!reachesEnd_) return;
+  for (std::size_t i = shape_.endData; i < rows.size(); ++i) {
+    const SampleCell* const cells = table_->Cells(rows[i]);
+    const bool filled = std::any_of(cells, cells + rows[i].count,
+                                    [](const SampleCell& cell) { return !cell.empty(); });
+    result_.footerLines += filled ? static_cast<std::int64_t>(rows[i].lines) : 0;
+  }
+  if (shape_.endData == 0 || RowsOfData() == 0) return;
+  const SampleRow& last = rows[shape_.endData - 1];
+  if (last.region == 0)
+    result_.lastDataLine = LineOf(last) + static_cast<std::int64_t>(last.lines) - 1;
+  if (shape_.endData < rows.size()) {
+    result_.dataEndOffset = text_.OffsetOfLine(last.region, last.line + last.lines);
+  }
+}
+
+void Sniffing::ListOtherLines() {
+  auto& others = result_.otherLines;
+  const auto& rows = table_->rows();
+  const auto add = [&](std::int64_t line, OtherLine::Kind kind) {
+    if (others.size() < SniffResult::kMostOtherLines) others.push_back({line, kind});
+  };
+  for (const std::int64_t line : findings_.comments) {
+    if (line > result_.firstDataLine.value) add(line, OtherLine::Kind::kComment);
+  }
+  for (std::size_t i = shape_.firstData; i < std::min(rows.size(), headRows_); ++i) {
+    const RowKind kind = KindOfRow(*table_, i, shape_);
+    if (kind == RowKind::kData) continue;
+    add(LineOf(rows[i]), kind == RowKind::kBlank   ? OtherLine::Kind::kBlank
+                         : kind == RowKind::kTitle ? OtherLine::Kind::kTitle
+                         : kind == RowKind::kTotal ? OtherLine::Kind::kTotal
+                                                   : OtherLine::Kind::kNote);
+  }
+  std::sort(others.begin(), others.end(),
+            [](const OtherLine& a, const OtherLine& b) { return a.line < b.line; });
+}
+
+void Sniffing::MakeColumns() {
+  const Dialect& dialect = dialect_.dialect;
+  const std::size_t width = WidthOf(*table_, shape_, dialect, reachesEnd_);
+  const std::vector<std::string> labels = HeaderLabels(*table_, shape_, width);
+  const std::vector<std::string> names = NamesOf(labels);
+  const DecimalAnswer decimal = FindDecimal(*table_, shape_.firstData, shape_.endData);
+  result_.decimal.value = settings_.decimal.value_or(decimal.decimal);
+  result_.decimal.given = settings_.decimal.has_value();
+  findings_.decimal = decimal;
+  for (std::size_t j = 0; j < width; ++j) {
+    std::vector<const SampleCell*> values;
+    for (std::size_t i = shape_.firstData; i < shape_.endData; ++i) {
+      if (KindOfRow(*table_, i, shape_) == RowKind::kData)
+        values.push_back(&table_->Cell(table_->rows()[i], j));
+    }
+    SniffColumn column;
+    column.name = names[j];
+    column.label = labels[j];
+    column.format = FormatOf(values, result_.decimal.value);
+    if (dialect.fixed()) column.range = dialect.columns[j];
+    result_.columns.push_back(std::move(column));
+  }
+}
+
+bool Sniffing::Run() {
+  if (!ReadText() || !FindDialectOfText()) return false;
+  result_.encoding = encoding_.encoding;
+  result_.sameEncodings = encoding_.same;
+  result_.byteOrderMark = encoding_.markLength > 0;
+  result_.lineEnd.value = text_.lineEnd();
+  CutTable();
+  const Dialect& dialect = dialect_.dialect;
+  result_.arrangement.value = dialect.fixed() ? Arrangement::kFixed : Arrangement::kDelimited;
+  result_.arrangement.given = settings_.fixed.has_value() || settings_.delimiter.has_value();
+  result_.delimiter.value = dialect.delimiter;
+  result_.delimiter.given = settings_.delimiter.has_value();
+  result_.multipleBlanks = dialect.multipleBlanks;
+  result_.qualifier.value = dialect.qualifier;
+  result_.qualifier.given = settings_.qualifier.has_value();
+  result_.escape.value = dialect.escape;
+  result_.lineBreaksInQuotes.count = records_.lineBreaks;
+  if (records_.lineBreaks > 0) {
+    result_.lineBreaksInQuotes.firstLine = static_cast<std::int64_t>(records_.firstLineBreak) + 1;
+  }
+  result_.strayQualifiers = records_.quotes.stray > 0;
+  result_.comment = std::string(findings_.comments.empty() ? std::string_view() : comment_);
+  shape_ = FindShape(*table_, reachesEnd_, settings_);
+  PlaceData();
+  PlaceEnd();
+  ListOtherLines();
+  MakeColumns();
+  findings_.encoding = &encoding_;
+  findings_.dialect = &dialect_;
+  findings_.records = &records_;
+  findings_.shape = &shape_;
+  findings_.table = table_.get();
+  findings_.text = &text_;
+  TellEvidence(findings_, &result_);
+  JudgeConfidence(findings_, &result_);
+  return true;
+}
+
+}  // namespace
+
+bool Sniff(ByteSource& source, const SniffSettings& settings, SniffResult* result,
+           std::string* problem) {
+  *result = {};
+  return Sniffing(source, settings, result, problem).Run();
+}
+
+}  // namespace library
