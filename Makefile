@@ -22,6 +22,7 @@ space := $(empty) $(empty)
 # Everything under g++ with warnings as errors and again under the address and undefined-behaviour
 # sanitizers, and what has threads under the thread sanitizer.
 test: setup
+	@tools/install-readers
 	cmake --preset dev >/dev/null && cmake --build --preset dev
 	cmake --preset tsan >/dev/null && cmake --build --preset tsan --target $(threaded_tests)
 	cmake --preset asan-ubsan >/dev/null && cmake --build --preset asan-ubsan
