@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "HostFramework/Formats.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "HostFramework/embedded/values/FormatCodes.h"
 #include "library/columns/ColumnBatch.h"
 
 namespace library {
@@ -52,20 +52,19 @@ std::vector<Value> ValuesOf(const ColumnBatch& batch) {
 }
 
 TEST(ColumnTypes, FollowTheFormat) {
-  using embedded::FormatCode;
-  EXPECT_EQ(TypeOf(embedded::kF, 0), ColumnType::kFloat64);
-  EXPECT_EQ(TypeOf(embedded::kDollar, 0), ColumnType::kFloat64);
-  for (const int date : {embedded::kDate, embedded::kADate, embedded::kEDate, embedded::kSDate,
-                         embedded::kJDate, embedded::kMoyr, embedded::kQyr, embedded::kWkyr}) {
+  EXPECT_EQ(TypeOf(kFormatF, 0), ColumnType::kFloat64);
+  EXPECT_EQ(TypeOf(kFormatDollar, 0), ColumnType::kFloat64);
+  for (const int date : {kFormatDate, kFormatADate, kFormatEDate, kFormatSDate, kFormatJDate,
+                         kFormatMoyr, kFormatQyr, kFormatWkyr}) {
     EXPECT_EQ(TypeOf(date, 0), ColumnType::kDate32) << date;
   }
-  EXPECT_EQ(TypeOf(embedded::kDateTime, 0), ColumnType::kTimestampMicros);
-  EXPECT_EQ(TypeOf(embedded::kYmdhms, 0), ColumnType::kTimestampMicros);
-  for (const int time : {embedded::kTime, embedded::kDTime, embedded::kMTime}) {
+  EXPECT_EQ(TypeOf(kFormatDateTime, 0), ColumnType::kTimestampMicros);
+  EXPECT_EQ(TypeOf(kFormatYmdhms, 0), ColumnType::kTimestampMicros);
+  for (const int time : {kFormatTime, kFormatDTime, kFormatMTime}) {
     EXPECT_EQ(TypeOf(time, 0), ColumnType::kDurationMicros) << time;
   }
-  EXPECT_EQ(TypeOf(embedded::kWkday, 0), ColumnType::kInt8);
-  EXPECT_EQ(TypeOf(embedded::kMonth, 0), ColumnType::kInt8);
+  EXPECT_EQ(TypeOf(kFormatWkday, 0), ColumnType::kInt8);
+  EXPECT_EQ(TypeOf(kFormatMonth, 0), ColumnType::kInt8);
   EXPECT_EQ(TypeOf(1, 20), ColumnType::kUtf8);
 }
 

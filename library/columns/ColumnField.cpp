@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "HostFramework/embedded/values/FormatCodes.h"
+#include "HostFramework/Formats.h"
 
 namespace library {
 namespace {
@@ -37,24 +37,24 @@ ColumnType TypeOf(int formatCode, std::size_t stringBytes) {
                                                            : ColumnType::kUtf8;
   }
   switch (formatCode) {
-    case embedded::kDate:
-    case embedded::kADate:
-    case embedded::kEDate:
-    case embedded::kSDate:
-    case embedded::kJDate:
-    case embedded::kMoyr:
-    case embedded::kQyr:
-    case embedded::kWkyr:
+    case kFormatDate:
+    case kFormatADate:
+    case kFormatEDate:
+    case kFormatSDate:
+    case kFormatJDate:
+    case kFormatMoyr:
+    case kFormatQyr:
+    case kFormatWkyr:
       return ColumnType::kDate32;
-    case embedded::kDateTime:
-    case embedded::kYmdhms:
+    case kFormatDateTime:
+    case kFormatYmdhms:
       return ColumnType::kTimestampMicros;
-    case embedded::kTime:
-    case embedded::kDTime:
-    case embedded::kMTime:
+    case kFormatTime:
+    case kFormatDTime:
+    case kFormatMTime:
       return ColumnType::kDurationMicros;
-    case embedded::kWkday:
-    case embedded::kMonth:
+    case kFormatWkday:
+    case kFormatMonth:
       return ColumnType::kInt8;
     default:
       return ColumnType::kFloat64;

@@ -108,7 +108,7 @@ std::string FormatWayOut(const std::string& written) {
                        fmt::join(names, ", "), DidYouMean(name, names));
   }
   if (width == 0 && decimals == 0) {
-    return fmt::format("{} needs a width, such as {}{}", row->name, row->name, row->minWidth + 4);
+    return fmt::format("{} needs a width, such as {}{}", row->name, row->name, row->MinWidth(0) + 4);
   }
   if (decimals > textwizard::kMaxDecimals) {
     return fmt::format("a format has at most {} decimals", textwizard::kMaxDecimals);

@@ -4,17 +4,11 @@
 #include <string>
 
 #include "HostFramework/DataSource.h"
+#include "HostFramework/Formats.h"
 
 namespace library {
 
-// How a value is turned into text.
-enum class ValueKind {
-  kString,
-  kNumber,    // the number itself
-  kDate,      // seconds since 1582-10-14, shown as a day
-  kDateTime,  // the same, shown as a day and a time
-  kTime,      // seconds, shown as hours, minutes and seconds
-};
+using ::ValueKind;
 
 // The format as a command writes it, such as "F8.2", "A20" or "DATE11". A code that has no name is
 // named "badFormat".

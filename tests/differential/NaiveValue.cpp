@@ -12,7 +12,7 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
-#include "HostFramework/embedded/values/FormatCodes.h"
+#include "HostFramework/Formats.h"
 
 namespace naive {
 namespace {
@@ -88,30 +88,29 @@ std::string InAscii(std::string_view text, bool dropBlanks) {
 }
 
 std::optional<double> ReadNumber(std::string_view given, int format, char decimal) {
-  using namespace embedded;
-  const bool isAmount = format == kComma || format == kDollar || format == kDot;
+  const bool isAmount = format == kFormatComma || format == kFormatDollar || format == kFormatDot;
   const std::string ascii = InAscii(given, isAmount);
   std::string_view text = ascii;
   char group = decimal == '.' ? ',' : '.';
-  if (format == kComma || format == kDollar) decimal = '.', group = ',';
-  if (format == kDot) decimal = ',', group = '.';
-  if (format == kPct && !text.empty() && text.back() == '%') {
+  if (format == kFormatComma || format == kFormatDollar) decimal = '.', group = ',';
+  if (format == kFormatDot) decimal = ',', group = '.';
+  if (format == kFormatPct && !text.empty() && text.back() == '%') {
     text.remove_suffix(1);
     while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
   }
-  if (format == kN) {
+  if (format == kFormatN) {
     if (!std::all_of(text.begin(), text.end(), IsDigit)) return std::nullopt;
     return std::strtod(std::string(text).c_str(), nullptr);
   }
   Rest rest(text);
   bool negative = false;
-  const bool dollar = format == kDollar && rest.TakeOneOf("$");
+  const bool dollar = format == kFormatDollar && rest.TakeOneOf("$");
   if (rest.TakeOneOf("-")) {
     negative = true;
   } else {
     rest.TakeOneOf("+");
   }
-  if (format == kDollar && !dollar) rest.TakeOneOf("$");
+  if (format == kFormatDollar && !dollar) rest.TakeOneOf("$");
 
   std::string number = rest.Digits();
   if (!number.empty() && number.size() <= 3) {
@@ -337,11 +336,10 @@ std::optional<double> Name(std::string_view text, bool months) {
 
 // A sign, a count of units and what follows it: TIME, DTIME, MTIME. False when the count is long.
 bool Duration(std::string_view text, int format, std::optional<double>* value) {
-  using namespace embedded;
   Rest rest(text);
   const bool negative = TakeSign(rest);
   *value = std::nullopt;
-  if (format == kTime) {
+  if (format == kFormatTime) {
     std::string hours;
     const auto time = Clock(rest, kPointOrSeparator, &hours);
     if (hours.size() > kMostCountDigits) return false;
@@ -353,7 +351,7 @@ bool Duration(std::string_view text, int format, std::optional<double>* value) {
     if (count.size() > kMostCountDigits) return false;
     const std::int64_t units = std::strtoll(count.c_str(), nullptr, 10);
     if (count.empty()) return true;
-    if (format == kDTime) {
+    if (format == kFormatDTime) {
       if (!rest.TakeOneOf(":") && !rest.Blanks()) return true;
       *value = TimeOfDay(rest, kPoint, units * kDaySeconds);
     } else {
@@ -401,15 +399,14 @@ std::optional<Value> Ymdhms(std::string_view text) {
 }  // namespace
 
 std::optional<Value> ReadValue(std::string_view text, int format, char decimal) {
-  using namespace embedded;
   switch (format) {
-    case kF:
-    case kE:
-    case kPct:
-    case kComma:
-    case kDollar:
-    case kDot:
-    case kN:
+    case kFormatF:
+    case kFormatE:
+    case kFormatPct:
+    case kFormatComma:
+    case kFormatDollar:
+    case kFormatDot:
+    case kFormatN:
       return Value{ReadNumber(text, format, decimal)};
     default:
       break;
@@ -418,32 +415,32 @@ std::optional<Value> ReadValue(std::string_view text, int format, char decimal) 
   if (!std::all_of(text.begin(), text.end(), isAscii)) return std::nullopt;
   std::optional<double> duration;
   switch (format) {
-    case kDate:
-    case kEDate:
+    case kFormatDate:
+    case kFormatEDate:
       return Value{WholeDate(text, "dmy")};
-    case kADate:
+    case kFormatADate:
       return Value{WholeDate(text, "mdy")};
-    case kSDate:
+    case kFormatSDate:
       return Value{WholeDate(text, "ymd")};
-    case kMoyr:
+    case kFormatMoyr:
       return Value{WholeDate(text, "my")};
-    case kJDate:
+    case kFormatJDate:
       return Value{JDate(text)};
-    case kQyr:
+    case kFormatQyr:
       return Value{PartOfYear(text, "q", 4)};
-    case kWkyr:
+    case kFormatWkyr:
       return Value{PartOfYear(text, "wk", 53)};
-    case kWkday:
+    case kFormatWkday:
       return Value{Name(text, false)};
-    case kMonth:
+    case kFormatMonth:
       return Value{Name(text, true)};
-    case kDateTime:
+    case kFormatDateTime:
       return Value{DateTime(text)};
-    case kYmdhms:
+    case kFormatYmdhms:
       return Ymdhms(text);
-    case kTime:
-    case kDTime:
-    case kMTime:
+    case kFormatTime:
+    case kFormatDTime:
+    case kFormatMTime:
       if (Duration(text, format, &duration)) return Value{duration};
       return std::nullopt;
     default:

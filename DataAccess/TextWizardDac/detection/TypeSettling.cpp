@@ -44,29 +44,11 @@ void SettleDate(TxtWzVar& variable, const RegExMappings& table) {
 
 // Width below which a date or time type cannot be shown; 0 for types without such a bound.
 std::uint32_t MinimumWidth(std::uint32_t formatType) {
-  switch (formatType) {
-    case kFormatDate:
-    case kFormatDTime:
-      return 9;
-    case kFormatTime:
-    case kFormatJDate:
-    case kFormatMTime:
-      return 5;
-    case kFormatDateTime:
-      return 17;
-    case kFormatADate:
-    case kFormatWkyr:
-    case kFormatEDate:
-    case kFormatSDate:
-      return 8;
-    case kFormatMoyr:
-    case kFormatQyr:
-      return 6;
-    case kFormatYmdhms:
-      return 16;
-    default:
-      return 0;
-  }
+  const DisplayFormat* format = DisplayFormatOf(formatType);
+  const bool isDateOrTime =
+      format && (format->kind == ValueKind::kDate || format->kind == ValueKind::kDateTime ||
+                 format->kind == ValueKind::kTime);
+  return isDateOrTime ? static_cast<std::uint32_t>(MinWidthFound(*format)) : 0;
 }
 
 // Leaves room for `others` characters besides the decimals.

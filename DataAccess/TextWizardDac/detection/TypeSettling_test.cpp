@@ -156,7 +156,8 @@ TEST(NormaliseFormat, DatesHaveMinimumWidths) {
 }
 
 TEST(NormaliseFormat, DayAndMonthNamesAndSkippedFieldsStay) {
-  for (const std::uint32_t type : {kFormatWkday, kFormatMonth, kFormatSkip}) {
+  for (const std::uint32_t type :
+       std::initializer_list<std::uint32_t>{kFormatWkday, kFormatMonth, kFormatSkip}) {
     EXPECT_EQ(Normalised(type, 1, 1), (Size{1, 1}));
   }
 }

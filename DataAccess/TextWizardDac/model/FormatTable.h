@@ -1,4 +1,4 @@
-// The display formats: their names in a command, codes, defaults and limits.
+// The formats that a command can name: their defaults and limits.
 #pragma once
 
 #include <cstdint>
@@ -15,19 +15,13 @@ struct FormatRow {
   // What a command means that gives neither width nor decimals.
   std::uint32_t defaultWidth;
   std::uint32_t defaultDecimals;
-  // Smallest width without decimals.
-  std::uint32_t minWidth;
-  // Smallest width with decimals is the decimals plus this; 0 where decimals take no room.
-  std::uint32_t minWidthBesideDecimals;
   // Column width from which a format without width and decimals has two decimals; 0 is never.
   std::uint32_t columnsForFraction;
   // The lower-case word of the compact header's vocabulary; empty when there is none.
   std::string_view typeWord;
 
-  std::uint32_t MinWidth(std::uint32_t decimals) const {
-    return decimals == 0 || minWidthBesideDecimals == 0 ? minWidth
-                                                        : decimals + minWidthBesideDecimals;
-  }
+  // The display format's own; 1 for a field that is none.
+  std::uint32_t MinWidth(std::uint32_t decimals) const;
   std::uint32_t MaxWidth() const;
 };
 

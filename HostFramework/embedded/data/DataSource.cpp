@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "HostFramework/embedded/data/FormatWidth.h"
+#include "HostFramework/Formats.h"
 
 namespace {
 
-constexpr int kFormatA = 1;
-
 QANT_Format WithMinimumWidth(int type, int width, int decimals) {
-  return {type, std::max(width, embedded::MinimumFormatWidth(type, decimals)), decimals};
+  const DisplayFormat* format = DisplayFormatOf(type);
+  const int least = format ? static_cast<int>(format->MinWidth(decimals)) : 1;
+  return {type, std::max(width, least), decimals};
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/data/CaseBuffer.h"
-#include "HostFramework/embedded/data/FormatWidth.h"
 #include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace {
@@ -74,20 +73,6 @@ TEST(Variable, AWidthBelowTheFormatsMinimumIsRaised) {
   EXPECT_EQ(variable.GetWriteFormat(), (QANT_Format{20, 9, 0}));
   variable.SetFormat(22, 30, 2);
   EXPECT_EQ(variable.GetFormat(), (QANT_Format{22, 30, 2}));
-}
-
-TEST(FormatWidth, EveryFormatHasItsMinimum) {
-  const struct {
-    int type, whole, twoDecimals;
-  } kExpected[] = {{5, 1, 3},  {17, 8, 9},   {16, 1, 1},   {1, 1, 1},   {3, 1, 3},
-                   {32, 1, 3}, {4, 2, 4},    {31, 2, 4},   {20, 9, 9},  {23, 8, 8},
-                   {38, 8, 8}, {24, 5, 5},   {39, 8, 8},   {29, 6, 6},  {28, 6, 6},
-                   {30, 8, 8}, {22, 17, 23}, {21, 5, 11},  {25, 9, 15}, {26, 2, 2},
-                   {27, 3, 3}, {85, 3, 6},   {86, 12, 17}, {0, 1, 1},   {999, 1, 1}};
-  for (const auto& [type, whole, twoDecimals] : kExpected) {
-    EXPECT_EQ(embedded::MinimumFormatWidth(type, 0), whole) << type;
-    EXPECT_EQ(embedded::MinimumFormatWidth(type, 2), twoDecimals) << type;
-  }
 }
 
 TEST(DataSource, HasTheHostsAnswersToWhatASourceDoesNotDecide) {

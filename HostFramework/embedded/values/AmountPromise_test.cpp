@@ -63,15 +63,15 @@ struct Pattern {
 };
 
 const Pattern kPatterns[] = {
-    {kPct, R"(^-?\d*(\.\d+)? *%?$)", MakePercentage},
-    {kDollar, R"(^\$(\-?)(\d{1,3}(\,\d{3})*|(\d+))(\.\d{1,})?\s*$)",
+    {kFormatPct, R"(^-?\d*(\.\d+)? *%?$)", MakePercentage},
+    {kFormatDollar, R"(^\$(\-?)(\d{1,3}(\,\d{3})*|(\d+))(\.\d{1,})?\s*$)",
      [](LayoutText& text) {
        text.Literal("$");
        MakeAmount(text, ",", ".");
      }},
-    {kComma, R"(^(\-?)(\d{1,3}(\,\d{3})*|(\d+))(\.\d{1,})?\s*$)",
+    {kFormatComma, R"(^(\-?)(\d{1,3}(\,\d{3})*|(\d+))(\.\d{1,})?\s*$)",
      [](LayoutText& text) { MakeAmount(text, ",", "."); }},
-    {kDot, R"(^(\-?)(\d{1,3}(\.\d{3})*|(\d+))(\,\d{1,})?\s*$)",
+    {kFormatDot, R"(^(\-?)(\d{1,3}(\.\d{3})*|(\d+))(\,\d{1,})?\s*$)",
      [](LayoutText& text) { MakeAmount(text, ".", ","); }},
 };
 

@@ -85,7 +85,7 @@ TEST_F(TwoDigitYearWindow, IsMovedByTheHost) {
   EXPECT_EQ(TwoDigitYearStart(), 1950);
   EXPECT_EQ(YearOfTwoDigits(49), 2049);
   EXPECT_EQ(YearOfTwoDigits(50), 1950);
-  EXPECT_EQ(Read("31.12.49", kEDate), Midnight(2049, 12, 31));
+  EXPECT_EQ(Read("31.12.49", kFormatEDate), Midnight(2049, 12, 31));
   ASSERT_TRUE(SetTwoDigitYearStart(2000));
   EXPECT_EQ(YearOfTwoDigits(0), 2000);
   EXPECT_EQ(YearOfTwoDigits(99), 2099);

@@ -79,18 +79,18 @@ TEST(FixedLayout, EveryDayAndMonthOfSomeYears) {
         const char one = kSeparators[(day + month) % 4];
         const char two = kSeparators[day % 4];
         dates += expected.has_value();
-        EXPECT_EQ(Read(d + one + m + two + y, kDate), expected);
-        EXPECT_EQ(Read(d + one + m + two + y, kEDate), expected);
-        EXPECT_EQ(Read(m + one + d + two + y, kADate), expected);
-        EXPECT_EQ(Read(y + one + m + two + d, kSDate), expected);
+        EXPECT_EQ(Read(d + one + m + two + y, kFormatDate), expected);
+        EXPECT_EQ(Read(d + one + m + two + y, kFormatEDate), expected);
+        EXPECT_EQ(Read(m + one + d + two + y, kFormatADate), expected);
+        EXPECT_EQ(Read(y + one + m + two + d, kFormatSDate), expected);
         const auto later = expected ? std::optional(*expected + 86399) : std::nullopt;
-        EXPECT_EQ(Read(d + one + m + two + y + " 23:59:59", kDateTime), later);
-        EXPECT_EQ(Read(y + one + m + two + d + "T23:59:59", kYmdhms), later);
-        EXPECT_EQ(Read(y + one + m + two + d + " 24:00:00", kYmdhms), kNoValue);
+        EXPECT_EQ(Read(d + one + m + two + y + " 23:59:59", kFormatDateTime), later);
+        EXPECT_EQ(Read(y + one + m + two + d + "T23:59:59", kFormatYmdhms), later);
+        EXPECT_EQ(Read(y + one + m + two + d + " 24:00:00", kFormatYmdhms), kNoValue);
         if (month < 1 || month > 12) continue;
         const std::string named = d + one + kNames[month - 1] + two + y;
-        EXPECT_EQ(Read(named, kDate), expected) << named;
-        EXPECT_EQ(Read(named + "t23:59:59", kDateTime), later) << named;
+        EXPECT_EQ(Read(named, kFormatDate), expected) << named;
+        EXPECT_EQ(Read(named + "t23:59:59", kFormatDateTime), later) << named;
         ASSERT_FALSE(testing::Test::HasFailure()) << d << '.' << m << '.' << y;
       }
     }
@@ -107,11 +107,11 @@ TEST(FixedLayout, EveryTimeOfDay) {
             Padded(hour, 2) + ":" + Padded(minute, 2) + ":" + Padded(second, 2);
         std::optional<double> expected;
         if (minute < 60 && second < 60) expected = hour * 3600 + minute * 60 + second;
-        ASSERT_EQ(Read(text, kTime), expected) << text;
+        ASSERT_EQ(Read(text, kFormatTime), expected) << text;
         const auto ofDay = hour < 24 ? expected : std::nullopt;
         const auto dated = ofDay ? std::optional(Day1970(18292) + *ofDay) : std::nullopt;
-        ASSERT_EQ(Read("31.01.2020 " + text, kDateTime), dated) << text;
-        ASSERT_EQ(Read("2020-01-31 " + text, kYmdhms), dated) << text;
+        ASSERT_EQ(Read("31.01.2020 " + text, kFormatDateTime), dated) << text;
+        ASSERT_EQ(Read("2020-01-31 " + text, kFormatYmdhms), dated) << text;
       }
     }
   }
@@ -135,11 +135,11 @@ TEST(FixedLayout, NearlyFixedTextsAreReadAsPartByPart) {
     const char* text;
     int formats[3];
   };
-  constexpr Layout kLayouts[] = {{"12/31/2020", {kDate, kADate, kEDate}},
-                                 {"07.08.1999", {kDate, kADate, kEDate}},
-                                 {"2020-02-29", {kSDate, kDate, kSDate}},
-                                 {"28-feb-2019", {kDate, kEDate, kADate}},
-                                 {"31-DEC-1999", {kDate, kEDate, kDate}}};
+  constexpr Layout kLayouts[] = {{"12/31/2020", {kFormatDate, kFormatADate, kFormatEDate}},
+                                 {"07.08.1999", {kFormatDate, kFormatADate, kFormatEDate}},
+                                 {"2020-02-29", {kFormatSDate, kFormatDate, kFormatSDate}},
+                                 {"28-feb-2019", {kFormatDate, kFormatEDate, kFormatADate}},
+                                 {"31-DEC-1999", {kFormatDate, kFormatEDate, kFormatDate}}};
   const std::string pieces[] = {"0",        "1",    "2", "3",  "9",   "-", "/", ".",
                                 ",",        " ",    "j", "n",  "i",   "x", ":", "\xD9\xA1",
                                 "\xC2\xA0", "\xFF", "",  "00", "may", "\t"};
@@ -163,14 +163,16 @@ TEST(FixedLayout, NearlyFixedTextsAreReadAsPartByPart) {
       }
       return parts;
     }();
-    const int clockFormat = below(2) ? kTime : kDTime;
-    const std::string days = clockFormat == kDTime ? "5 " : "";
+    const int clockFormat = below(2) ? kFormatTime : kFormatDTime;
+    const std::string days = clockFormat == kFormatDTime ? "5 " : "";
     ASSERT_EQ(Read(days + clock, clockFormat), Read(days + clock + ".0", clockFormat)) << clock;
     const std::string dated =
         (below(2) ? "2020-01-31" : "2020/1/31") + std::string(1, " Tt-"[below(4)]) + clock;
-    ASSERT_EQ(Read(dated, kYmdhms), Read(dated + ".0", kYmdhms)) << dated;
+    ASSERT_EQ(Read(dated, kFormatYmdhms), Read(dated + ".0", kFormatYmdhms)) << dated;
     const std::string named = text + " " + clock;
-    ASSERT_EQ(Read(named, kDateTime), Read(spaced(text) + " " + clock + ".0", kDateTime)) << named;
+    ASSERT_EQ(Read(named, kFormatDateTime),
+              Read(spaced(text) + " " + clock + ".0", kFormatDateTime))
+        << named;
   }
   EXPECT_GT(values, 50'000);
 }

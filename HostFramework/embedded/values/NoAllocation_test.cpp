@@ -42,21 +42,21 @@ struct Example {
 };
 
 constexpr Example kExamples[] = {
-    {kF, "1234.5"},
-    {kF, "-1,234,567.25"},
-    {kF, "0.12345678901234567890123456789e-5"},
-    {kF, "1e400"},
-    {kDollar, "$1,234.50"},
-    {kPct, "12 %"},
-    {kDate, "31-JAN-2020"},
-    {kDate, "1 AOÛT 2020"},
-    {kDate, "31-JAN-\u0662\u0660\u0662\u0660"},
-    {kADate, "01/31/2020"},
-    {kMonth, "février"},
-    {kWkday, "dimanche"},
-    {kTime, "10:30:15.1234567890123456789"},
-    {kYmdhms, "2020-01-31T10:30:15.25"},
-    {kDateTime, "nonsense"},
+    {kFormatF, "1234.5"},
+    {kFormatF, "-1,234,567.25"},
+    {kFormatF, "0.12345678901234567890123456789e-5"},
+    {kFormatF, "1e400"},
+    {kFormatDollar, "$1,234.50"},
+    {kFormatPct, "12 %"},
+    {kFormatDate, "31-JAN-2020"},
+    {kFormatDate, "1 AOÛT 2020"},
+    {kFormatDate, "31-JAN-\u0662\u0660\u0662\u0660"},
+    {kFormatADate, "01/31/2020"},
+    {kFormatMonth, "février"},
+    {kFormatWkday, "dimanche"},
+    {kFormatTime, "10:30:15.1234567890123456789"},
+    {kFormatYmdhms, "2020-01-31T10:30:15.25"},
+    {kFormatDateTime, "nonsense"},
 };
 
 int AllocationsOfAll() {

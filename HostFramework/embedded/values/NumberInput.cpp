@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <system_error>
 
+#include "HostFramework/Formats.h"
 #include "HostFramework/embedded/text/Utf8.h"
 #include "HostFramework/embedded/values/Decimal.h"
-#include "HostFramework/embedded/values/FormatCodes.h"
 #include "HostFramework/embedded/values/PlainNumber.h"
 #include "HostFramework/embedded/values/TextCursor.h"
 
@@ -178,12 +178,12 @@ bool ReadMagnitude(std::string_view text, const NumberRules& rules, bool mayBePl
 
 NumberRules RulesOf(int code, char decimal) {
   switch (code) {
-    case kComma:
-    case kDollar:
+    case kFormatComma:
+    case kFormatDollar:
       return {'.', ',', true, true, false};
-    case kDot:
+    case kFormatDot:
       return {',', '.', true, true, false};
-    case kN:
+    case kFormatN:
       return {kNoSeparator, kNoSeparator, false, false, false};
     default:
       return {decimal, decimal == '.' ? ',' : '.', true, false, decimal == '.'};
@@ -200,8 +200,8 @@ std::string_view WithoutPercent(std::string_view text) {
 }  // namespace
 
 bool ReadNumber(std::string_view text, int code, char decimal, double* value) {
-  bool mayBePlain = code == kN;
-  if (code == kPct && text.back() == '%') {
+  bool mayBePlain = code == kFormatN;
+  if (code == kFormatPct && text.back() == '%') {
     text = WithoutPercent(text);
     mayBePlain = true;
   }
@@ -211,12 +211,12 @@ bool ReadNumber(std::string_view text, int code, char decimal, double* value) {
     mayBePlain = true;
     return true;
   };
-  const bool dollar = code == kDollar && takeDollar();
+  const bool dollar = code == kFormatDollar && takeDollar();
   // Signs come as they please in a column, so that skipping one is no branch.
-  const char sign = text.empty() || code == kN ? '0' : text.front();
+  const char sign = text.empty() || code == kFormatN ? '0' : text.front();
   const bool negative = sign == '-';
   text.remove_prefix(negative | (sign == '+'));
-  if (code == kDollar && !dollar) takeDollar();
+  if (code == kFormatDollar && !dollar) takeDollar();
 
   double magnitude;
   if (!ReadMagnitude(text, RulesOf(code, decimal), mayBePlain, &magnitude)) return false;

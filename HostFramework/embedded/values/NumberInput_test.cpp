@@ -10,22 +10,22 @@ namespace embedded {
 namespace {
 
 TEST(NumberInput, PlainDecimalsUnderF) {
-  EXPECT_EQ(Read("0", kF), 0.0);
-  EXPECT_EQ(Read("5", kF), 5.0);
-  EXPECT_EQ(Read("+5", kF), 5.0);
-  EXPECT_EQ(Read("-5", kF), -5.0);
-  EXPECT_EQ(Read("5.", kF), 5.0);
-  EXPECT_EQ(Read("-5.", kF), -5.0);
-  EXPECT_EQ(Read(".5", kF), 0.5);
-  EXPECT_EQ(Read("-.5", kF), -0.5);
-  EXPECT_EQ(Read("+.5", kF), 0.5);
-  EXPECT_EQ(Read("0.1", kF), 0.1);
-  EXPECT_EQ(Read("3.14159", kF), 3.14159);
-  EXPECT_EQ(Read("007", kF), 7.0);
-  EXPECT_EQ(Read("1234567", kF), 1234567.0);
-  EXPECT_EQ(Read("12345678", kF), 12345678.0);
-  EXPECT_EQ(Read("123456789", kF), 123456789.0);
-  EXPECT_EQ(Read("1234567.12345678", kF), 1234567.12345678);
+  EXPECT_EQ(Read("0", kFormatF), 0.0);
+  EXPECT_EQ(Read("5", kFormatF), 5.0);
+  EXPECT_EQ(Read("+5", kFormatF), 5.0);
+  EXPECT_EQ(Read("-5", kFormatF), -5.0);
+  EXPECT_EQ(Read("5.", kFormatF), 5.0);
+  EXPECT_EQ(Read("-5.", kFormatF), -5.0);
+  EXPECT_EQ(Read(".5", kFormatF), 0.5);
+  EXPECT_EQ(Read("-.5", kFormatF), -0.5);
+  EXPECT_EQ(Read("+.5", kFormatF), 0.5);
+  EXPECT_EQ(Read("0.1", kFormatF), 0.1);
+  EXPECT_EQ(Read("3.14159", kFormatF), 3.14159);
+  EXPECT_EQ(Read("007", kFormatF), 7.0);
+  EXPECT_EQ(Read("1234567", kFormatF), 1234567.0);
+  EXPECT_EQ(Read("12345678", kFormatF), 12345678.0);
+  EXPECT_EQ(Read("123456789", kFormatF), 123456789.0);
+  EXPECT_EQ(Read("1234567.12345678", kFormatF), 1234567.12345678);
 }
 
 TEST(NumberInput, TextsThatAreNotNumbers) {
@@ -68,60 +68,60 @@ TEST(NumberInput, TextsThatAreNotNumbers) {
                            "\xC2\xA0"
                            "5",
                            "\xEF\xBC\x95"}) {
-    EXPECT_EQ(Read(text, kF), kNoValue) << text;
-    EXPECT_EQ(Read(text, kE), kNoValue) << text;
-    EXPECT_EQ(Read(text, kN), kNoValue) << text;
-    EXPECT_EQ(Read(text, kPct), kNoValue) << text;
-    EXPECT_EQ(Read(text, kComma), kNoValue) << text;
-    EXPECT_EQ(Read(text, kDollar), kNoValue) << text;
-    EXPECT_EQ(Read(text, kDot), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatF), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatE), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatN), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatPct), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatComma), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatDollar), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatDot), kNoValue) << text;
   }
 }
 
 TEST(NumberInput, SignsOfMoneyAndPercentBelongToTheirFormats) {
-  for (const int format : {kF, kE, kN, kPct, kComma, kDot}) {
+  for (const int format : {kFormatF, kFormatE, kFormatN, kFormatPct, kFormatComma, kFormatDot}) {
     EXPECT_EQ(Read("$5", format), kNoValue);
   }
-  for (const int format : {kF, kE, kN, kComma, kDollar, kDot}) {
+  for (const int format : {kFormatF, kFormatE, kFormatN, kFormatComma, kFormatDollar, kFormatDot}) {
     EXPECT_EQ(Read("5%", format), kNoValue);
   }
 }
 
 TEST(NumberInput, BytesThatAreNoText) {
-  EXPECT_EQ(Read(std::string_view("1\0", 2), kF), kNoValue);
-  EXPECT_EQ(Read(std::string_view("\0", 1), kF), kNoValue);
+  EXPECT_EQ(Read(std::string_view("1\0", 2), kFormatF), kNoValue);
+  EXPECT_EQ(Read(std::string_view("\0", 1), kFormatF), kNoValue);
   EXPECT_EQ(Read(std::string_view("1\0"
                                   "5",
                                   3),
-                 kN),
+                 kFormatN),
             kNoValue);
-  EXPECT_EQ(Read("1\xFF", kF), kNoValue);
+  EXPECT_EQ(Read("1\xFF", kFormatF), kNoValue);
 }
 
 TEST(NumberInput, GroupsUnderFAreTheOtherSeparator) {
-  EXPECT_EQ(Read("1,234", kF), 1234.0);
-  EXPECT_EQ(Read("12,345,678", kF), 12345678.0);
-  EXPECT_EQ(Read("-123,456.75", kF), -123456.75);
-  EXPECT_EQ(Read("1,234.", kF), 1234.0);
-  EXPECT_EQ(Read("0,000", kF), 0.0);
-  EXPECT_EQ(Read("1,234E2", kF), 123400.0);
-  EXPECT_EQ(Read("1,234", kE), 1234.0);
-  EXPECT_EQ(Read("1,234", kPct), 1234.0);
+  EXPECT_EQ(Read("1,234", kFormatF), 1234.0);
+  EXPECT_EQ(Read("12,345,678", kFormatF), 12345678.0);
+  EXPECT_EQ(Read("-123,456.75", kFormatF), -123456.75);
+  EXPECT_EQ(Read("1,234.", kFormatF), 1234.0);
+  EXPECT_EQ(Read("0,000", kFormatF), 0.0);
+  EXPECT_EQ(Read("1,234E2", kFormatF), 123400.0);
+  EXPECT_EQ(Read("1,234", kFormatE), 1234.0);
+  EXPECT_EQ(Read("1,234", kFormatPct), 1234.0);
 }
 
 TEST(NumberInput, GroupsHaveExactlyThreeDigits) {
   for (const char* text :
        {"1,5", "1,23", "1,2345", "1234,567", "1,234,5", "1,234,56", "1,234,", ",234", "1,,234",
         "1,234.567,890", "1.5,000", "1,", "12,34,567", "1,23a", "1,234,567,8", "0.1,234"}) {
-    EXPECT_EQ(Read(text, kF), kNoValue) << text;
-    EXPECT_EQ(Read(text, kComma), kNoValue) << text;
-    EXPECT_EQ(Read(text, kDollar), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatF), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatComma), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatDollar), kNoValue) << text;
   }
 }
 
 TEST(NumberInput, DecimalCommaExchangesTheSeparators) {
   const DecimalComma comma;
-  for (const int format : {kF, kE, kPct}) {
+  for (const int format : {kFormatF, kFormatE, kFormatPct}) {
     EXPECT_EQ(Read("1,5", format), 1.5);
     EXPECT_EQ(Read("5,", format), 5.0);
     EXPECT_EQ(Read(",5", format), 0.5);
@@ -132,65 +132,65 @@ TEST(NumberInput, DecimalCommaExchangesTheSeparators) {
     EXPECT_EQ(Read(",", format), kNoValue);
   }
   // These formats name their own characters.
-  EXPECT_EQ(Read("1,234.5", kComma), 1234.5);
-  EXPECT_EQ(Read("$1,234.5", kDollar), 1234.5);
-  EXPECT_EQ(Read("1.234,5", kDot), 1234.5);
-  EXPECT_EQ(Read("1,5", kComma), kNoValue);
+  EXPECT_EQ(Read("1,234.5", kFormatComma), 1234.5);
+  EXPECT_EQ(Read("$1,234.5", kFormatDollar), 1234.5);
+  EXPECT_EQ(Read("1.234,5", kFormatDot), 1234.5);
+  EXPECT_EQ(Read("1,5", kFormatComma), kNoValue);
 }
 
 TEST(NumberInput, CommaAndDot) {
-  EXPECT_EQ(Read("1,234,567.25", kComma), 1234567.25);
-  EXPECT_EQ(Read("-1,234.5", kComma), -1234.5);
-  EXPECT_EQ(Read("1234.5", kComma), 1234.5);
-  EXPECT_EQ(Read("1.234,5", kComma), kNoValue);
-  EXPECT_EQ(Read("1.234.567,25", kDot), 1234567.25);
-  EXPECT_EQ(Read("-1.234,5", kDot), -1234.5);
-  EXPECT_EQ(Read("1234,5", kDot), 1234.5);
-  EXPECT_EQ(Read(",5", kDot), 0.5);
-  EXPECT_EQ(Read("1.5", kDot), kNoValue);
-  EXPECT_EQ(Read("1,234.5", kDot), kNoValue);
+  EXPECT_EQ(Read("1,234,567.25", kFormatComma), 1234567.25);
+  EXPECT_EQ(Read("-1,234.5", kFormatComma), -1234.5);
+  EXPECT_EQ(Read("1234.5", kFormatComma), 1234.5);
+  EXPECT_EQ(Read("1.234,5", kFormatComma), kNoValue);
+  EXPECT_EQ(Read("1.234.567,25", kFormatDot), 1234567.25);
+  EXPECT_EQ(Read("-1.234,5", kFormatDot), -1234.5);
+  EXPECT_EQ(Read("1234,5", kFormatDot), 1234.5);
+  EXPECT_EQ(Read(",5", kFormatDot), 0.5);
+  EXPECT_EQ(Read("1.5", kFormatDot), kNoValue);
+  EXPECT_EQ(Read("1,234.5", kFormatDot), kNoValue);
 }
 
 TEST(NumberInput, DollarSignBeforeTheDigits) {
-  EXPECT_EQ(Read("$5", kDollar), 5.0);
-  EXPECT_EQ(Read("$1,234.50", kDollar), 1234.5);
-  EXPECT_EQ(Read("-$5", kDollar), -5.0);
-  EXPECT_EQ(Read("$-5", kDollar), -5.0);
-  EXPECT_EQ(Read("+$5", kDollar), 5.0);
-  EXPECT_EQ(Read("$+5", kDollar), 5.0);
-  EXPECT_EQ(Read("5", kDollar), 5.0);
-  EXPECT_EQ(Read("-5", kDollar), -5.0);
-  EXPECT_EQ(Read("$.5", kDollar), 0.5);
-  EXPECT_EQ(Read("$5E2", kDollar), 500.0);
+  EXPECT_EQ(Read("$5", kFormatDollar), 5.0);
+  EXPECT_EQ(Read("$1,234.50", kFormatDollar), 1234.5);
+  EXPECT_EQ(Read("-$5", kFormatDollar), -5.0);
+  EXPECT_EQ(Read("$-5", kFormatDollar), -5.0);
+  EXPECT_EQ(Read("+$5", kFormatDollar), 5.0);
+  EXPECT_EQ(Read("$+5", kFormatDollar), 5.0);
+  EXPECT_EQ(Read("5", kFormatDollar), 5.0);
+  EXPECT_EQ(Read("-5", kFormatDollar), -5.0);
+  EXPECT_EQ(Read("$.5", kFormatDollar), 0.5);
+  EXPECT_EQ(Read("$5E2", kFormatDollar), 500.0);
   for (const char* text : {"$", "-$", "$-", "$$5", "$-$5", "-$-5", "5$", "$ 5", "- $5", "$."}) {
-    EXPECT_EQ(Read(text, kDollar), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatDollar), kNoValue) << text;
   }
 }
 
 TEST(NumberInput, PercentSignAfterTheDigits) {
-  EXPECT_EQ(Read("5", kPct), 5.0);
-  EXPECT_EQ(Read("5%", kPct), 5.0);
-  EXPECT_EQ(Read("-12.5 %", kPct), -12.5);
-  EXPECT_EQ(Read("5    %", kPct), 5.0);
-  EXPECT_EQ(Read(" 5 % ", kPct), 5.0);
-  EXPECT_EQ(Read("1,234%", kPct), 1234.0);
-  EXPECT_EQ(Read("1e2%", kPct), 100.0);
+  EXPECT_EQ(Read("5", kFormatPct), 5.0);
+  EXPECT_EQ(Read("5%", kFormatPct), 5.0);
+  EXPECT_EQ(Read("-12.5 %", kFormatPct), -12.5);
+  EXPECT_EQ(Read("5    %", kFormatPct), 5.0);
+  EXPECT_EQ(Read(" 5 % ", kFormatPct), 5.0);
+  EXPECT_EQ(Read("1,234%", kFormatPct), 1234.0);
+  EXPECT_EQ(Read("1e2%", kFormatPct), 100.0);
   for (const char* text : {"%", " %", "-%", "5%%", "%5", "5 % %", "5\t%", ".%"}) {
-    EXPECT_EQ(Read(text, kPct), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatPct), kNoValue) << text;
   }
 }
 
 TEST(NumberInput, NHasDigitsOnly) {
-  EXPECT_EQ(Read("0", kN), 0.0);
-  EXPECT_EQ(Read("00042", kN), 42.0);
-  EXPECT_EQ(Read("12345678901234567890", kN), 12345678901234567890.0);
+  EXPECT_EQ(Read("0", kFormatN), 0.0);
+  EXPECT_EQ(Read("00042", kFormatN), 42.0);
+  EXPECT_EQ(Read("12345678901234567890", kFormatN), 12345678901234567890.0);
   for (const char* text : {"-1", "+1", "1.", "1.5", ".5", "1,234", "1.234", "1E2", "1e2", "1d2"}) {
-    EXPECT_EQ(Read(text, kN), kNoValue) << text;
+    EXPECT_EQ(Read(text, kFormatN), kNoValue) << text;
   }
 }
 
 TEST(NumberInput, ExponentsInEveryFormatButN) {
-  for (const int format : {kF, kE, kPct, kComma, kDollar}) {
+  for (const int format : {kFormatF, kFormatE, kFormatPct, kFormatComma, kFormatDollar}) {
     EXPECT_EQ(Read("1E3", format), 1000.0);
     EXPECT_EQ(Read("1e3", format), 1000.0);
     EXPECT_EQ(Read("1D3", format), 1000.0);
@@ -205,20 +205,20 @@ TEST(NumberInput, ExponentsInEveryFormatButN) {
       EXPECT_EQ(Read(text, format), kNoValue) << text;
     }
   }
-  EXPECT_EQ(Read("1,5E3", kDot), 1500.0);
+  EXPECT_EQ(Read("1,5E3", kFormatDot), 1500.0);
 }
 
 TEST(NumberInput, BlanksAndTabsAroundAreDropped) {
-  EXPECT_EQ(Read("  42", kF), 42.0);
-  EXPECT_EQ(Read("42 \t ", kF), 42.0);
-  EXPECT_EQ(Read("\t42\t", kF), 42.0);
-  EXPECT_EQ(Read("42\n", kF), kNoValue);
-  EXPECT_EQ(Read("\r42", kF), kNoValue);
+  EXPECT_EQ(Read("  42", kFormatF), 42.0);
+  EXPECT_EQ(Read("42 \t ", kFormatF), 42.0);
+  EXPECT_EQ(Read("\t42\t", kFormatF), 42.0);
+  EXPECT_EQ(Read("42\n", kFormatF), kNoValue);
+  EXPECT_EQ(Read("\r42", kFormatF), kNoValue);
 }
 
 TEST(NumberInput, DigitsOfAnyScript) {
   const HostEncoding utf8("UTF-8");
-  for (const int format : {kF, kE, kPct, kComma, kDollar, kN}) {
+  for (const int format : {kFormatF, kFormatE, kFormatPct, kFormatComma, kFormatDollar, kFormatN}) {
     EXPECT_EQ(Read("\uFF15", format), 5.0);
     EXPECT_EQ(Read("\u0661\u0662\u0663", format), 123.0);
     EXPECT_EQ(Read("1\u0968"
@@ -234,7 +234,7 @@ TEST(NumberInput, DigitsOfAnyScript) {
       EXPECT_EQ(Read(text, format), kNoValue) << text;
     }
   }
-  for (const int format : {kF, kE, kPct, kComma, kDollar}) {
+  for (const int format : {kFormatF, kFormatE, kFormatPct, kFormatComma, kFormatDollar}) {
     EXPECT_EQ(Read("1,\uFF12"
                    "34",
                    format),
@@ -246,75 +246,77 @@ TEST(NumberInput, DigitsOfAnyScript) {
                    format),
               kNoValue);
   }
-  EXPECT_EQ(Read("$\u0665", kDollar), 5.0);
-  EXPECT_EQ(Read("\uFF15%", kPct), 5.0);
-  EXPECT_EQ(Read("\u0661.\u0662\u0663\u0664,\u0665", kDot), 1234.5);
+  EXPECT_EQ(Read("$\u0665", kFormatDollar), 5.0);
+  EXPECT_EQ(Read("\uFF15%", kFormatPct), 5.0);
+  EXPECT_EQ(Read("\u0661.\u0662\u0663\u0664,\u0665", kFormatDot), 1234.5);
   // Digits beyond any double decide the rounding, whatever their script.
-  EXPECT_EQ(Read("9007199254740993." + std::string(3000, '0') + "\u0661", kF), 9007199254740994.0);
-  EXPECT_EQ(Read("900719925474099\u0663", kF), 9007199254740992.0);
+  EXPECT_EQ(Read("9007199254740993." + std::string(3000, '0') + "\u0661", kFormatF),
+            9007199254740994.0);
+  EXPECT_EQ(Read("900719925474099\u0663", kFormatF), 9007199254740992.0);
 }
 
 TEST(NumberInput, WhiteSpaceBehindAnAmount) {
   const HostEncoding utf8("UTF-8");
   for (const char* blanks :
        {"\u00A0", "\n", "\r\n", "\v", "\f", "\u2009\u3000", " \u00A0 \t", "\u2028"}) {
-    EXPECT_EQ(Read(std::string("1234.5") + blanks, kComma), 1234.5);
-    EXPECT_EQ(Read(std::string("$5") + blanks, kDollar), 5.0);
-    EXPECT_EQ(Read(std::string("5") + blanks, kDollar), 5.0);
-    EXPECT_EQ(Read(std::string("1.234,5") + blanks, kDot), 1234.5);
-    EXPECT_EQ(Read(std::string("12345678901234567890") + blanks, kComma), 12345678901234567890.0);
-    for (const int format : {kComma, kDollar, kDot}) {
+    EXPECT_EQ(Read(std::string("1234.5") + blanks, kFormatComma), 1234.5);
+    EXPECT_EQ(Read(std::string("$5") + blanks, kFormatDollar), 5.0);
+    EXPECT_EQ(Read(std::string("5") + blanks, kFormatDollar), 5.0);
+    EXPECT_EQ(Read(std::string("1.234,5") + blanks, kFormatDot), 1234.5);
+    EXPECT_EQ(Read(std::string("12345678901234567890") + blanks, kFormatComma),
+              12345678901234567890.0);
+    for (const int format : {kFormatComma, kFormatDollar, kFormatDot}) {
       EXPECT_EQ(Read(blanks + std::string("5"), format), kNoValue);
       EXPECT_EQ(Read(std::string("5") + blanks + "5", format), kNoValue);
     }
   }
   const HostEncoding latin("windows-1252");
-  EXPECT_EQ(Read("$5\xA0", kDollar), 5.0);
+  EXPECT_EQ(Read("$5\xA0", kFormatDollar), 5.0);
 }
 
 TEST(NumberInput, TheLargestAndTheSmallest) {
-  EXPECT_EQ(Read("1.7976931348623157e308", kF), DBL_MAX);
-  EXPECT_EQ(Read("-1.7976931348623157e308", kF), -DBL_MAX);
+  EXPECT_EQ(Read("1.7976931348623157e308", kFormatF), DBL_MAX);
+  EXPECT_EQ(Read("-1.7976931348623157e308", kFormatF), -DBL_MAX);
   // The midpoint between the largest double and the next power of two rounds away.
-  EXPECT_EQ(Read("1.7976931348623158e308", kF), DBL_MAX);
-  EXPECT_EQ(Read("1.7976931348623159e308", kF), kNoValue);
-  EXPECT_EQ(Read("1e309", kF), kNoValue);
-  EXPECT_EQ(Read("-1e309", kF), kNoValue);
-  EXPECT_EQ(Read("1e99999999999999999999999", kF), kNoValue);
-  EXPECT_EQ(Read("0e99999999999999999999999", kF), 0.0);
-  EXPECT_EQ(Read(std::string(400, '9'), kF), kNoValue);
-  EXPECT_EQ(Read("2.2250738585072014e-308", kF), DBL_MIN);
-  EXPECT_EQ(Read("4.9406564584124654e-324", kF), std::numeric_limits<double>::denorm_min());
-  EXPECT_EQ(Read("2.5e-324", kF), std::numeric_limits<double>::denorm_min());
-  EXPECT_EQ(Read("2.4e-324", kF), 0.0);
-  EXPECT_EQ(Read("1e-400", kF), 0.0);
-  EXPECT_EQ(Read("1e-99999999999999999999999", kF), 0.0);
-  EXPECT_EQ(Read("0." + std::string(400, '0') + "1", kF), 0.0);
+  EXPECT_EQ(Read("1.7976931348623158e308", kFormatF), DBL_MAX);
+  EXPECT_EQ(Read("1.7976931348623159e308", kFormatF), kNoValue);
+  EXPECT_EQ(Read("1e309", kFormatF), kNoValue);
+  EXPECT_EQ(Read("-1e309", kFormatF), kNoValue);
+  EXPECT_EQ(Read("1e99999999999999999999999", kFormatF), kNoValue);
+  EXPECT_EQ(Read("0e99999999999999999999999", kFormatF), 0.0);
+  EXPECT_EQ(Read(std::string(400, '9'), kFormatF), kNoValue);
+  EXPECT_EQ(Read("2.2250738585072014e-308", kFormatF), DBL_MIN);
+  EXPECT_EQ(Read("4.9406564584124654e-324", kFormatF), std::numeric_limits<double>::denorm_min());
+  EXPECT_EQ(Read("2.5e-324", kFormatF), std::numeric_limits<double>::denorm_min());
+  EXPECT_EQ(Read("2.4e-324", kFormatF), 0.0);
+  EXPECT_EQ(Read("1e-400", kFormatF), 0.0);
+  EXPECT_EQ(Read("1e-99999999999999999999999", kFormatF), 0.0);
+  EXPECT_EQ(Read("0." + std::string(400, '0') + "1", kFormatF), 0.0);
 }
 
 TEST(NumberInput, ZeroKeepsItsSign) {
-  EXPECT_TRUE(std::signbit(Read("-0", kF).value()));
-  EXPECT_TRUE(std::signbit(Read("-0.00", kF).value()));
-  EXPECT_TRUE(std::signbit(Read("-1e-400", kF).value()));
-  EXPECT_FALSE(std::signbit(Read("0", kF).value()));
+  EXPECT_TRUE(std::signbit(Read("-0", kFormatF).value()));
+  EXPECT_TRUE(std::signbit(Read("-0.00", kFormatF).value()));
+  EXPECT_TRUE(std::signbit(Read("-1e-400", kFormatF).value()));
+  EXPECT_FALSE(std::signbit(Read("0", kFormatF).value()));
 }
 
 TEST(NumberInput, ZerosAndExponentsThatCancel) {
-  EXPECT_EQ(Read("1" + std::string(5000, '0') + "e-5000", kF), 1.0);
-  EXPECT_EQ(Read("0." + std::string(5000, '0') + "1e5001", kF), 1.0);
-  EXPECT_EQ(Read(std::string(5000, '0') + "1", kF), 1.0);
-  EXPECT_EQ(Read("1." + std::string(5000, '0'), kF), 1.0);
+  EXPECT_EQ(Read("1" + std::string(5000, '0') + "e-5000", kFormatF), 1.0);
+  EXPECT_EQ(Read("0." + std::string(5000, '0') + "1e5001", kFormatF), 1.0);
+  EXPECT_EQ(Read(std::string(5000, '0') + "1", kFormatF), 1.0);
+  EXPECT_EQ(Read("1." + std::string(5000, '0'), kFormatF), 1.0);
 }
 
 TEST(NumberInput, DigitsBeyondAnyDoubleStillDecideTheRounding) {
   // 2^53 + 1 lies in the middle between two doubles: exactly there the even one is taken, and one
   // digit far behind the point moves it up.
-  EXPECT_EQ(Read("9007199254740993", kF), 9007199254740992.0);
-  EXPECT_EQ(Read("9007199254740993." + std::string(3000, '0'), kF), 9007199254740992.0);
-  EXPECT_EQ(Read("9007199254740993." + std::string(3000, '0') + "1", kF), 9007199254740994.0);
-  EXPECT_EQ(Read("9007199254740992." + std::string(3000, '9'), kF), 9007199254740992.0);
-  EXPECT_EQ(Read("9,007,199,254,740,993", kF), 9007199254740992.0);
-  EXPECT_EQ(Read("9,007,199,254,740,993." + std::string(900, '0') + "1", kComma),
+  EXPECT_EQ(Read("9007199254740993", kFormatF), 9007199254740992.0);
+  EXPECT_EQ(Read("9007199254740993." + std::string(3000, '0'), kFormatF), 9007199254740992.0);
+  EXPECT_EQ(Read("9007199254740993." + std::string(3000, '0') + "1", kFormatF), 9007199254740994.0);
+  EXPECT_EQ(Read("9007199254740992." + std::string(3000, '9'), kFormatF), 9007199254740992.0);
+  EXPECT_EQ(Read("9,007,199,254,740,993", kFormatF), 9007199254740992.0);
+  EXPECT_EQ(Read("9,007,199,254,740,993." + std::string(900, '0') + "1", kFormatComma),
             9007199254740994.0);
 }
 

@@ -29,11 +29,11 @@ class NumberRounding : public testing::Test {
   // different ways. Returns false after a failure, so that a loop can end.
   bool Check(const std::string& text) {
     const std::optional<double> expected = Standard(text);
-    CheckUnder(text, kF, expected);
-    CheckUnder(text, kComma, expected);
+    CheckUnder(text, kFormatF, expected);
+    CheckUnder(text, kFormatComma, expected);
     std::string withComma = text;
     std::replace(withComma.begin(), withComma.end(), '.', ',');
-    CheckUnder(withComma, kDot, expected);
+    CheckUnder(withComma, kFormatDot, expected);
     return !HasFailure();
   }
 
@@ -148,7 +148,8 @@ TEST_F(NumberRounding, SeparatorsDoNotChangeTheNumber) {
     for (std::size_t at = whole.size(); at > 3;) grouped.insert(at -= 3, 1, '.');
     const std::string written = grouped + "," + fraction + "D" + exponent;
     double value = 0;
-    ASSERT_EQ(IocvConvertInput(written.data(), written.size(), kDot, 0, &value), 0) << written;
+    ASSERT_EQ(IocvConvertInput(written.data(), written.size(), kFormatDot, 0, &value), 0)
+        << written;
     const auto expected = Standard(whole + "." + fraction + "e" + exponent);
     ASSERT_TRUE(expected);
     ASSERT_EQ(Bits(value), Bits(*expected)) << written;

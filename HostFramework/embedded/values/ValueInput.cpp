@@ -4,9 +4,9 @@
 #include <atomic>
 #include <string_view>
 
+#include "HostFramework/Formats.h"
 #include "HostFramework/embedded/values/DateInput.h"
 #include "HostFramework/embedded/values/DateTimeInput.h"
-#include "HostFramework/embedded/values/FormatCodes.h"
 #include "HostFramework/embedded/values/NumberInput.h"
 #include "HostFramework/embedded/values/PlainNumber.h"
 #include "HostFramework/embedded/values/TimeInput.h"
@@ -35,9 +35,9 @@ std::string_view Trimmed(const char* text, std::size_t length) {
 constexpr char kHostsDecimal = 'h';
 constexpr auto kDecimals = [] {
   std::array<char, 40> decimals{};
-  decimals[kF] = decimals[kE] = decimals[kPct] = kHostsDecimal;
-  decimals[kComma] = decimals[kDollar] = '.';
-  decimals[kDot] = ',';
+  decimals[kFormatF] = decimals[kFormatE] = decimals[kFormatPct] = kHostsDecimal;
+  decimals[kFormatComma] = decimals[kFormatDollar] = '.';
+  decimals[kFormatDot] = ',';
   return decimals;
 }();
 
@@ -61,43 +61,43 @@ inline bool ReadCommonNumber(const char* text, std::size_t length, int format, d
 int Convert(std::string_view text, int format, double* value) {
   const auto result = [](bool converted) { return converted ? kConverted : kNotAValue; };
   switch (format) {
-    case kF:
-    case kE:
-    case kPct:
-    case kComma:
-    case kDollar:
-    case kDot:
-    case kN:
+    case kFormatF:
+    case kFormatE:
+    case kFormatPct:
+    case kFormatComma:
+    case kFormatDollar:
+    case kFormatDot:
+    case kFormatN:
       return result(
           ReadNumber(text, format, decimalCharacter.load(std::memory_order_relaxed), value));
-    case kDate:
-    case kEDate:
+    case kFormatDate:
+    case kFormatEDate:
       return result(ReadDate(text, value));
-    case kADate:
+    case kFormatADate:
       return result(ReadADate(text, value));
-    case kSDate:
+    case kFormatSDate:
       return result(ReadSDate(text, value));
-    case kJDate:
+    case kFormatJDate:
       return result(ReadJDate(text, value));
-    case kQyr:
+    case kFormatQyr:
       return result(ReadQuarter(text, value));
-    case kMoyr:
+    case kFormatMoyr:
       return result(ReadMonthOfYear(text, value));
-    case kWkyr:
+    case kFormatWkyr:
       return result(ReadWeek(text, value));
-    case kDateTime:
+    case kFormatDateTime:
       return result(ReadDateTime(text, value));
-    case kYmdhms:
+    case kFormatYmdhms:
       return result(ReadYmdhms(text, value));
-    case kTime:
+    case kFormatTime:
       return result(ReadTime(text, value));
-    case kDTime:
+    case kFormatDTime:
       return result(ReadDTime(text, value));
-    case kMTime:
+    case kFormatMTime:
       return result(ReadMTime(text, value));
-    case kWkday:
+    case kFormatWkday:
       return result(ReadWeekday(text, value));
-    case kMonth:
+    case kFormatMonth:
       return result(ReadMonthNumber(text, value));
     default:
       return kNoValueFormat;

@@ -12,11 +12,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include "HostFramework/embedded/values/FormatCodes.h"
+#include "HostFramework/Formats.h"
 
 namespace {
-
-using embedded::FormatCode;
 
 constexpr std::size_t kTexts = 4096;
 
@@ -112,11 +110,10 @@ std::string Identifier(std::mt19937_64& random) {
 }
 
 constexpr FormatCode kFormats[] = {
-    embedded::kF,     embedded::kComma, embedded::kDot,  embedded::kDollar,   embedded::kPct,
-    embedded::kE,     embedded::kN,     embedded::kDate, embedded::kADate,    embedded::kEDate,
-    embedded::kSDate, embedded::kJDate, embedded::kQyr,  embedded::kMoyr,     embedded::kWkyr,
-    embedded::kWkday, embedded::kMonth, embedded::kTime, embedded::kDateTime, embedded::kDTime,
-    embedded::kMTime, embedded::kYmdhms};
+    kFormatF,        kFormatComma, kFormatDot,   kFormatDollar, kFormatPct,   kFormatE,
+    kFormatN,        kFormatDate,  kFormatADate, kFormatEDate,  kFormatSDate, kFormatJDate,
+    kFormatQyr,      kFormatMoyr,  kFormatWkyr,  kFormatWkday,  kFormatMonth, kFormatTime,
+    kFormatDateTime, kFormatDTime, kFormatMTime, kFormatYmdhms};
 
 void Convert(benchmark::State& state, FormatCode format, const Texts::Make& make) {
   const Texts texts(make);
@@ -189,26 +186,26 @@ void Standard(benchmark::State& state, const Texts::Make& make) {
   state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kTexts));
 }
 
-BENCHMARK_CAPTURE(Convert, F_small_integers, embedded::kF, SmallInteger);
+BENCHMARK_CAPTURE(Convert, F_small_integers, kFormatF, SmallInteger);
 BENCHMARK_CAPTURE(Standard, small_integers, SmallInteger);
-BENCHMARK_CAPTURE(Convert, F_short, embedded::kF, ShortNumber);
+BENCHMARK_CAPTURE(Convert, F_short, kFormatF, ShortNumber);
 BENCHMARK_CAPTURE(Standard, short, ShortNumber);
-BENCHMARK_CAPTURE(Convert, F_long, embedded::kF, LongNumber);
+BENCHMARK_CAPTURE(Convert, F_long, kFormatF, LongNumber);
 BENCHMARK_CAPTURE(Standard, long, LongNumber);
-BENCHMARK_CAPTURE(Convert, F_full_doubles, embedded::kF, FullDouble);
+BENCHMARK_CAPTURE(Convert, F_full_doubles, kFormatF, FullDouble);
 BENCHMARK_CAPTURE(Standard, full_doubles, FullDouble);
-BENCHMARK_CAPTURE(Convert, E, embedded::kE, Exponent);
+BENCHMARK_CAPTURE(Convert, E, kFormatE, Exponent);
 BENCHMARK_CAPTURE(Standard, exponents, Exponent);
-BENCHMARK_CAPTURE(Convert, COMMA, embedded::kComma, GroupedNumber);
-BENCHMARK_CAPTURE(Convert, DOLLAR, embedded::kDollar, DollarAmount);
-BENCHMARK_CAPTURE(Convert, DATE_names, embedded::kDate, NamedDate);
-BENCHMARK_CAPTURE(ConvertInLocale, DATE_names_de, "de_DE.UTF-8", embedded::kDate, NamedDate);
-BENCHMARK_CAPTURE(Convert, ADATE, embedded::kADate, NumericDate);
-BENCHMARK_CAPTURE(Convert, SDATE, embedded::kSDate, IsoDate);
-BENCHMARK_CAPTURE(Convert, TIME, embedded::kTime, Clock);
-BENCHMARK_CAPTURE(Convert, DATETIME, embedded::kDateTime, DateTime);
-BENCHMARK_CAPTURE(Convert, DATETIME_fraction, embedded::kDateTime, DateTimeFraction);
-BENCHMARK_CAPTURE(Convert, YMDHMS, embedded::kYmdhms, IsoDateTime);
+BENCHMARK_CAPTURE(Convert, COMMA, kFormatComma, GroupedNumber);
+BENCHMARK_CAPTURE(Convert, DOLLAR, kFormatDollar, DollarAmount);
+BENCHMARK_CAPTURE(Convert, DATE_names, kFormatDate, NamedDate);
+BENCHMARK_CAPTURE(ConvertInLocale, DATE_names_de, "de_DE.UTF-8", kFormatDate, NamedDate);
+BENCHMARK_CAPTURE(Convert, ADATE, kFormatADate, NumericDate);
+BENCHMARK_CAPTURE(Convert, SDATE, kFormatSDate, IsoDate);
+BENCHMARK_CAPTURE(Convert, TIME, kFormatTime, Clock);
+BENCHMARK_CAPTURE(Convert, DATETIME, kFormatDateTime, DateTime);
+BENCHMARK_CAPTURE(Convert, DATETIME_fraction, kFormatDateTime, DateTimeFraction);
+BENCHMARK_CAPTURE(Convert, YMDHMS, kFormatYmdhms, IsoDateTime);
 BENCHMARK_CAPTURE(Refuse, words, Word);
 BENCHMARK_CAPTURE(Refuse, identifiers, Identifier);
 BENCHMARK_CAPTURE(Refuse, small_integers, SmallInteger);

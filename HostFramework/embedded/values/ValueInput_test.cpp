@@ -11,9 +11,11 @@
 namespace embedded {
 namespace {
 
-constexpr int kFormats[] = {kComma, kDollar, kF,     kN,     kE,     kDate,  kTime, kDateTime,
-                            kADate, kJDate,  kDTime, kWkday, kMonth, kMoyr,  kQyr,  kWkyr,
-                            kPct,   kDot,    kEDate, kSDate, kMTime, kYmdhms};
+constexpr int kFormats[] = {
+    kFormatComma, kFormatDollar,   kFormatF,     kFormatN,     kFormatE,     kFormatDate,
+    kFormatTime,  kFormatDateTime, kFormatADate, kFormatJDate, kFormatDTime, kFormatWkday,
+    kFormatMonth, kFormatMoyr,     kFormatQyr,   kFormatWkyr,  kFormatPct,   kFormatDot,
+    kFormatEDate, kFormatSDate,    kFormatMTime, kFormatYmdhms};
 
 int Result(std::string_view text, int format) {
   double value = 7;
@@ -52,26 +54,26 @@ TEST(ValueInput, FormatsThatNoValueIsReadWithAreThree) {
 }
 
 TEST(ValueInput, BlanksAndTabsOnBothSidesAreDroppedForEveryFormat) {
-  EXPECT_EQ(Read(" \t31-JAN-2020\t ", kDate), Day1970(18292));
-  EXPECT_EQ(Read("\t10:30 ", kTime), 37800.0);
-  EXPECT_EQ(Read(" Monday ", kWkday), 2.0);
-  EXPECT_EQ(Read("\t\t2020-01-31 10:30  ", kYmdhms), Day1970(18292) + 37800);
+  EXPECT_EQ(Read(" \t31-JAN-2020\t ", kFormatDate), Day1970(18292));
+  EXPECT_EQ(Read("\t10:30 ", kFormatTime), 37800.0);
+  EXPECT_EQ(Read(" Monday ", kFormatWkday), 2.0);
+  EXPECT_EQ(Read("\t\t2020-01-31 10:30  ", kFormatYmdhms), Day1970(18292) + 37800);
 }
 
 TEST(ValueInput, OnlyTheGivenLengthIsRead) {
-  EXPECT_EQ(Read(std::string_view("12345", 3), kF), 123.0);
-  EXPECT_EQ(Read(std::string_view("1e5", 1), kF), 1.0);
-  EXPECT_EQ(Read(std::string_view("31-JAN-2020", 9), kDate), Day1970(18292));
+  EXPECT_EQ(Read(std::string_view("12345", 3), kFormatF), 123.0);
+  EXPECT_EQ(Read(std::string_view("1e5", 1), kFormatF), 1.0);
+  EXPECT_EQ(Read(std::string_view("31-JAN-2020", 9), kFormatDate), Day1970(18292));
 }
 
 TEST(ValueInput, DecimalCharacterOfTheProcess) {
   EXPECT_EQ(iocvgetdecchar_(), '.');
   iocvsetdeccharcomma_();
   EXPECT_EQ(iocvgetdecchar_(), ',');
-  EXPECT_EQ(Read("1,5", kF), 1.5);
+  EXPECT_EQ(Read("1,5", kFormatF), 1.5);
   iocvsetdecchardot_();
   EXPECT_EQ(iocvgetdecchar_(), '.');
-  EXPECT_EQ(Read("1,5", kF), kNoValue);
+  EXPECT_EQ(Read("1,5", kFormatF), kNoValue);
 }
 
 // Hostile bytes: a text is copied to memory of exactly its size, so that a sanitizer sees any read

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "HostFramework/embedded/values/FormatCodes.h"
+#include "HostFramework/Formats.h"
 
 namespace embedded {
 
@@ -74,28 +74,29 @@ class ValueShape {
   }();
 
   static constexpr auto kShapes = [] {
-    std::array<Shape, kYmdhms + 1> shapes{};
+    std::array<Shape, kFormatYmdhms + 1> shapes{};
     shapes.fill({kAny, kAny, kAny, 1});
     constexpr Kinds kNumeral = kDigit | kWide;
     constexpr Kinds kBegin = kNumeral | kSign | kPoint;
     constexpr Kinds kEnd = kNumeral | kPoint;
-    shapes[kF] = shapes[kE] = {kBegin, kEnd, kAny, 1};
-    shapes[kPct] = {kBegin, kEnd | kPercentSign, kAny, 1};
-    shapes[kComma] = shapes[kDot] = {kBegin, kEnd | kBlank, kAny, 1};
-    shapes[kDollar] = {kBegin | kDollarSign, kEnd | kBlank, kAny, 1};
-    shapes[kN] = {kNumeral, kNumeral, kAny, 1};
+    shapes[kFormatF] = shapes[kFormatE] = {kBegin, kEnd, kAny, 1};
+    shapes[kFormatPct] = {kBegin, kEnd | kPercentSign, kAny, 1};
+    shapes[kFormatComma] = shapes[kFormatDot] = {kBegin, kEnd | kBlank, kAny, 1};
+    shapes[kFormatDollar] = {kBegin | kDollarSign, kEnd | kBlank, kAny, 1};
+    shapes[kFormatN] = {kNumeral, kNumeral, kAny, 1};
     // The shortest have a month of one letter, 1I20 or 20I1. Where a name stands first, it can
     // begin with anything.
-    shapes[kDate] = shapes[kEDate] = shapes[kSDate] = {kNumeral, kNumeral, kAny, 4};
-    shapes[kADate] = {kAny, kNumeral, kAny, 4};
-    shapes[kMoyr] = {kAny, kNumeral, kAny, 3};
-    shapes[kJDate] = shapes[kWkyr] = {kNumeral, kNumeral, kAny, 5};
-    shapes[kQyr] = {kNumeral, kNumeral, kAny, 4};
-    shapes[kDateTime] = {kNumeral, kNumeral, kColon, 8};
-    shapes[kYmdhms] = {kNumeral, kNumeral, kColon | kPoint | kBlank | kWide, 8};
-    shapes[kTime] = {kNumeral | kSign, kNumeral, kColon, 3};
-    shapes[kMTime] = {kNumeral | kSign, kNumeral, kAny, 3};
-    shapes[kDTime] = {kNumeral | kSign, kNumeral, kColon, 5};
+    shapes[kFormatDate] = shapes[kFormatEDate] =
+        shapes[kFormatSDate] = {kNumeral, kNumeral, kAny, 4};
+    shapes[kFormatADate] = {kAny, kNumeral, kAny, 4};
+    shapes[kFormatMoyr] = {kAny, kNumeral, kAny, 3};
+    shapes[kFormatJDate] = shapes[kFormatWkyr] = {kNumeral, kNumeral, kAny, 5};
+    shapes[kFormatQyr] = {kNumeral, kNumeral, kAny, 4};
+    shapes[kFormatDateTime] = {kNumeral, kNumeral, kColon, 8};
+    shapes[kFormatYmdhms] = {kNumeral, kNumeral, kColon | kPoint | kBlank | kWide, 8};
+    shapes[kFormatTime] = {kNumeral | kSign, kNumeral, kColon, 3};
+    shapes[kFormatMTime] = {kNumeral | kSign, kNumeral, kAny, 3};
+    shapes[kFormatDTime] = {kNumeral | kSign, kNumeral, kColon, 5};
     return shapes;
   }();
 };

@@ -25,46 +25,57 @@ bool ReadNumberOf(std::string_view text, double* value) {
   return ReadNumber(text, kFormat, '.', value);
 }
 
-constexpr Reader kReaders[] = {{kF, ReadNumberOf<kF>},     {kE, ReadNumberOf<kE>},
-                               {kPct, ReadNumberOf<kPct>}, {kComma, ReadNumberOf<kComma>},
-                               {kDot, ReadNumberOf<kDot>}, {kDollar, ReadNumberOf<kDollar>},
-                               {kN, ReadNumberOf<kN>},     {kDate, ReadDate},
-                               {kEDate, ReadDate},         {kADate, ReadADate},
-                               {kSDate, ReadSDate},        {kJDate, ReadJDate},
-                               {kQyr, ReadQuarter},        {kMoyr, ReadMonthOfYear},
-                               {kWkyr, ReadWeek},          {kWkday, ReadWeekday},
-                               {kMonth, ReadMonthNumber},  {kDateTime, ReadDateTime},
-                               {kYmdhms, ReadYmdhms},      {kTime, ReadTime},
-                               {kDTime, ReadDTime},        {kMTime, ReadMTime}};
+constexpr Reader kReaders[] = {{kFormatF, ReadNumberOf<kFormatF>},
+                               {kFormatE, ReadNumberOf<kFormatE>},
+                               {kFormatPct, ReadNumberOf<kFormatPct>},
+                               {kFormatComma, ReadNumberOf<kFormatComma>},
+                               {kFormatDot, ReadNumberOf<kFormatDot>},
+                               {kFormatDollar, ReadNumberOf<kFormatDollar>},
+                               {kFormatN, ReadNumberOf<kFormatN>},
+                               {kFormatDate, ReadDate},
+                               {kFormatEDate, ReadDate},
+                               {kFormatADate, ReadADate},
+                               {kFormatSDate, ReadSDate},
+                               {kFormatJDate, ReadJDate},
+                               {kFormatQyr, ReadQuarter},
+                               {kFormatMoyr, ReadMonthOfYear},
+                               {kFormatWkyr, ReadWeek},
+                               {kFormatWkday, ReadWeekday},
+                               {kFormatMonth, ReadMonthNumber},
+                               {kFormatDateTime, ReadDateTime},
+                               {kFormatYmdhms, ReadYmdhms},
+                               {kFormatTime, ReadTime},
+                               {kFormatDTime, ReadDTime},
+                               {kFormatMTime, ReadMTime}};
 
 TEST(ValueShape, TheShortestTextsAreRead) {
   struct Case {
     int format;
     const char* text;
   };
-  for (const Case& shortest : {Case{kF, "5"},
-                               Case{kF, "5."},
-                               Case{kPct, "5%"},
-                               Case{kComma, "5"},
-                               Case{kDollar, "$5"},
-                               Case{kN, "5"},
-                               Case{kDate, "1I20"},
-                               Case{kEDate, "1I20"},
-                               Case{kADate, "I1 20"},
-                               Case{kSDate, "20I1"},
-                               Case{kJDate, "20001"},
-                               Case{kQyr, "1Q20"},
-                               Case{kMoyr, "I20"},
-                               Case{kWkyr, "1WK20"},
-                               Case{kWkday, "1"},
-                               Case{kMonth, "I"},
-                               Case{kTime, "0:0"},
-                               Case{kDTime, "0 0:0"},
-                               Case{kMTime, "0:0"},
-                               Case{kDateTime, "1I20T0:0"},
-                               Case{kYmdhms, "20I1T0:0"},
-                               Case{kYmdhms, "20I1 0 0"},
-                               Case{kYmdhms, "20I1T0.0"}}) {
+  for (const Case& shortest : {Case{kFormatF, "5"},
+                               Case{kFormatF, "5."},
+                               Case{kFormatPct, "5%"},
+                               Case{kFormatComma, "5"},
+                               Case{kFormatDollar, "$5"},
+                               Case{kFormatN, "5"},
+                               Case{kFormatDate, "1I20"},
+                               Case{kFormatEDate, "1I20"},
+                               Case{kFormatADate, "I1 20"},
+                               Case{kFormatSDate, "20I1"},
+                               Case{kFormatJDate, "20001"},
+                               Case{kFormatQyr, "1Q20"},
+                               Case{kFormatMoyr, "I20"},
+                               Case{kFormatWkyr, "1WK20"},
+                               Case{kFormatWkday, "1"},
+                               Case{kFormatMonth, "I"},
+                               Case{kFormatTime, "0:0"},
+                               Case{kFormatDTime, "0 0:0"},
+                               Case{kFormatMTime, "0:0"},
+                               Case{kFormatDateTime, "1I20T0:0"},
+                               Case{kFormatYmdhms, "20I1T0:0"},
+                               Case{kFormatYmdhms, "20I1 0 0"},
+                               Case{kFormatYmdhms, "20I1T0.0"}}) {
     EXPECT_TRUE(Read(shortest.text, shortest.format)) << shortest.text;
   }
 }
@@ -72,11 +83,11 @@ TEST(ValueShape, TheShortestTextsAreRead) {
 // The second byte of a digit of double width is a letter in this code page.
 TEST(ValueShape, SecondBytesOfLongerCodesAreNoLetters) {
   const HostEncoding encoding("Shift_JIS");
-  EXPECT_EQ(Read("4\x82\x51", kF), 42.0);
-  EXPECT_EQ(Read("\x82\x53\x82\x51", kN), 42.0);
-  EXPECT_EQ(Read("31.01.202\x82\x4F", kEDate), Day1970(18292));
-  EXPECT_EQ(Read("10:3\x82\x4F", kTime), 37800.0);
-  EXPECT_EQ(Read("4Q", kF), kNoValue);
+  EXPECT_EQ(Read("4\x82\x51", kFormatF), 42.0);
+  EXPECT_EQ(Read("\x82\x53\x82\x51", kFormatN), 42.0);
+  EXPECT_EQ(Read("31.01.202\x82\x4F", kFormatEDate), Day1970(18292));
+  EXPECT_EQ(Read("10:3\x82\x4F", kFormatTime), 37800.0);
+  EXPECT_EQ(Read("4Q", kFormatF), kNoValue);
 }
 
 TEST(ValueShape, RefusesOnlyWhatIsNoValue) {

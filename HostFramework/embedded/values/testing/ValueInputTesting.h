@@ -9,9 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include "HostFramework/Formats.h"
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "HostFramework/embedded/values/FormatCodes.h"
 
 namespace embedded {
 
