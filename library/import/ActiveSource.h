@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "HostFramework/DACAdapter.h"
-#include "HostFramework/DataSource.h"
+#include "reading/ImportSource.h"
 
 namespace library {
 
@@ -21,13 +21,13 @@ class ActiveSource {
   ActiveSource& operator=(const ActiveSource&) = delete;
 
   // The source; null when the command failed, and then an error was posted.
-  const QANT_DataSource* get() const { return source_; }
+  const textwizard::ImportSource* get() const { return source_; }
   // The share of the cases (0 to 1) that the command keeps by IMPORTCASE PERCENT, which iterators
   // leave to whoever reads them; nothing when it keeps them all.
   std::optional<double> sampleFraction() const { return sampleFraction_; }
 
  private:
-  const QANT_DataSource* source_ = nullptr;
+  const textwizard::ImportSource* source_ = nullptr;
   std::optional<double> sampleFraction_;
 };
 

@@ -103,12 +103,13 @@ bool CommandImport::StartReading(CaseReceiver& receiver) {
 
 bool CommandImport::ReadOn(CaseReceiver& receiver) {
   long long& taken = stats_.cases;
-  for (long long read = 1; iterator_->Next(); ++read) {
+  while (iterator_->Next()) {
+    ++casesRead_;
     if (sampler_->Keep()) {
       ++taken;
       receiver.Take(iterator_->GetObsPointer());
     }
-    if ((read & kQuestionMask) == 0 &&
+    if ((casesRead_ & kQuestionMask) == 0 &&
         (embedded::AttentionRequested() || !receiver.GoesOn(taken))) {
       return false;
     }

@@ -48,11 +48,16 @@ class CommandImport : private ImportMessages {
   // made. Once. Done, failed or interrupted.
   ImportEnd Open(std::vector<embedded::CommandToken> tokens);
   // The data source; after Open has done.
-  const QANT_DataSource& source() const { return *source_->get(); }
+  const textwizard::ImportSource& source() const { return *source_->get(); }
 
   // Reads the cases that are left, up to the end of the data or to where the receiver stops; from
   // there the next call reads on. The first call begins.
   ImportEnd Read(CaseReceiver& receiver);
+
+  // Nothing is left to be read: the data ended, or the import failed or was interrupted.
+  bool finished() const { return finished_; }
+  // Cases that were read so far, those that a sample leaves out included.
+  long long casesRead() const { return casesRead_; }
 
   // So far. Reading counts as a whole: who measures writing takes it off.
   const ImportStats& stats() const { return stats_; }
@@ -79,7 +84,8 @@ class CommandImport : private ImportMessages {
   std::unique_ptr<embedded::CaseBuffer> buffer_;
   std::unique_ptr<QANT_InputCaseIterator> iterator_;
   int threadsBefore_ = 0;
-  bool finished_ = false;  // nothing is left to be read
+  long long casesRead_ = 0;
+  bool finished_ = false;
 };
 
 }  // namespace library
