@@ -31,7 +31,7 @@ class CommandFileRunner {
   int Run();
 
  private:
-  CommandEnd RunOne(embedded::ParsedCommand command, int number);
+  CommandEnd RunOne(const embedded::ParsedCommand& command, int number);
   bool OpenMessages(int number);
   bool CloseMessages();
   void Finish();
@@ -73,12 +73,11 @@ int CommandFileRunner::Run() {
       interrupted = !outputFailed_;
       break;
     }
-    const CommandEnd end = RunOne(std::move(command), number);
+    const CommandEnd end = RunOne(command, number);
     failed_ = failed_ || end == CommandEnd::kFailed;
     outputFailed_ = end == CommandEnd::kOutputFailed;
     interrupted = end == CommandEnd::kInterrupted;
     if (perCommand && !CloseMessages()) outputFailed_ = true;
-    command = {};
   }
   if (number == 0 && !interrupted) {
     console_.Warning(CommandFileName(options_.commandFile) + " holds no command");
@@ -95,7 +94,7 @@ int CommandFileRunner::Run() {
   return failed_ ? kExitCommandFailed : kExitSuccess;
 }
 
-CommandEnd CommandFileRunner::RunOne(embedded::ParsedCommand command, int number) {
+CommandEnd CommandFileRunner::RunOne(const embedded::ParsedCommand& command, int number) {
   if (!command.ok) {
     std::string error = CommandFileName(options_.commandFile) + ", ";
     error += library::Utf8Converter().ToUtf8(command.error);
@@ -108,7 +107,7 @@ CommandEnd CommandFileRunner::RunOne(embedded::ParsedCommand command, int number
   }
   library::ImportStats stats;
   const RunContext context{options_, text_, console_, messages_};
-  const CommandEnd end = RunSingleCommand(context, number, std::move(command.tokens), &stats);
+  const CommandEnd end = RunSingleCommand(context, number, command, &stats);
   // What a failed command delivered before it failed counts for nothing.
   if (end == CommandEnd::kFailed || end == CommandEnd::kOutputFailed) stats.cases = 0;
   stats_.Add(stats);

@@ -1,16 +1,20 @@
 #include "cli/run/SingleCommand.h"
 
 #include <string>
-#include <utility>
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include "HostFramework/embedded/messages/Attention.h"
+#include "cli/run/CommandFile.h"
 #include "cli/run/CommandOutputs.h"
 #include "cli/terminal/ImportTables.h"
 #include "cli/terminal/Progress.h"
+#include "library/import/Advice.h"
+#include "library/import/CommandFault.h"
 #include "library/import/CommandImport.h"
 #include "library/import/CommandOutline.h"
+#include "library/import/FileKind.h"
 
 namespace cli {
 namespace {
@@ -48,11 +52,15 @@ class SingleCommand {
         outputs_(options_, number),
         import_({options_.workers, options_.seed, nullptr}, context.messages) {}
 
-  CommandEnd Run(std::vector<embedded::CommandToken> tokens);
+  CommandEnd Run(const embedded::ParsedCommand& command);
   library::ImportStats Stats() const;
 
  private:
   CommandEnd OpenOutputs();
+  library::CommandFault FaultOf(const embedded::ParsedCommand& command) const;
+  // Warns of what stands in that subcommand.
+  void Advise(const std::string& advice, const library::OutlinedSubcommand* subcommand);
+  void AdviseOnCases();
   CommandEnd ReadSource();
   CommandEnd ReadCases(FirstCases& firstCases);
   CommandEnd OutputFailure(const library::OutputFile& file);
@@ -60,20 +68,46 @@ class SingleCommand {
 
   const RunContext& context_;
   const RunOptions& options_;
-  std::string dataFile_;  // as the command names it
+  library::CommandOutline outline_;
   CommandOutputs outputs_;
   CommandImport import_;
 };
 
-CommandEnd SingleCommand::Run(std::vector<embedded::CommandToken> tokens) {
+CommandEnd SingleCommand::Run(const embedded::ParsedCommand& command) {
   if (const CommandEnd end = OpenOutputs(); end != CommandEnd::kDone) return end;
-  dataFile_ = library::OutlineOf(tokens, context_.text).DataFile();
-  const ImportEnd opened = import_.Open(std::move(tokens));
+  outline_ = library::OutlineOf(command.tokens, context_.text);
+  // What is wrong with a command is told with its place.
+  context_.messages.HoldErrors();
+  const ImportEnd opened = import_.Open(command.tokens);
   context_.console.ClearProgress();
+  if (opened == ImportEnd::kFailed) {
+    const library::CommandFault fault = FaultOf(command);
+    context_.messages.ReleaseErrors(&fault, CommandFileName(options_.commandFile));
+    return CommandEnd::kFailed;
+  }
+  context_.messages.ReleaseErrors(nullptr, {});
   if (opened == ImportEnd::kInterrupted) return CommandEnd::kInterrupted;
-  if (opened == ImportEnd::kFailed) return CommandEnd::kFailed;
+  Advise(library::DelimiterAdvice(outline_), outline_.Find("DELIMITERS"));
+  Advise(import_.fileAdvice(), outline_.Find("FILE"));
   context_.messages.BeginNextPass();
   return ReadSource();
+}
+
+library::CommandFault SingleCommand::FaultOf(const embedded::ParsedCommand& command) const {
+  std::string fileWayOut = import_.fileWayOut();
+  if (fileWayOut.empty()) fileWayOut = library::WhyNotOpened(outline_.DataFile());
+  return library::FindFault(command.tokens, context_.text,
+                            {command.line, command.column, "GET DATA"}, fileWayOut);
+}
+
+void SingleCommand::Advise(const std::string& advice,
+                           const library::OutlinedSubcommand* subcommand) {
+  if (advice.empty()) return;
+  const library::CommandPlace place = subcommand ? subcommand->place : library::CommandPlace();
+  context_.messages.Post(
+      fmt::format("{}, line {}, column {}: {}", CommandFileName(options_.commandFile), place.line,
+                  place.column, advice),
+      kMessageWarning);
 }
 
 library::ImportStats SingleCommand::Stats() const {
@@ -116,13 +150,25 @@ CommandEnd SingleCommand::ReadCases(FirstCases& firstCases) {
     read = import_.Read(reader);
   }
   context_.messages.EndCommand();
+  if (read == ImportEnd::kDone) AdviseOnCases();
   outputs_.Flush();
   if (const library::OutputFile* failed = outputs_.failed()) return OutputFailure(*failed);
   if (read == ImportEnd::kInterrupted) return CommandEnd::kInterrupted;
   if (read == ImportEnd::kFailed) return CommandEnd::kFailed;
   const library::OutputFile* failed =
-      outputs_.Publish(import_.source(), dataFile_, import_.stats().cases);
+      outputs_.Publish(import_.source(), outline_.DataFile(), import_.stats().cases);
   return failed != nullptr ? OutputFailure(*failed) : CommandEnd::kDone;
+}
+
+void SingleCommand::AdviseOnCases() {
+  const textwizard::ImportSource& source = import_.source();
+  if (import_.casesRead() > 0) {
+    Advise(library::ColumnEdgeAdvice(source, import_.casesRead()), outline_.Find("FILE"));
+    return;
+  }
+  const library::OutlinedSubcommand* firstCase = outline_.Find("FIRSTCASE");
+  Advise(library::NoCaseAdvice(source, outline_.DataFile()),
+         firstCase != nullptr ? firstCase : outline_.Find("FILE"));
 }
 
 CommandEnd SingleCommand::OutputFailure(const library::OutputFile& file) {
@@ -134,13 +180,12 @@ CommandEnd SingleCommand::OutputFailure(const library::OutputFile& file) {
 }  // namespace
 
 CommandEnd RunSingleCommand(const RunContext& context, int number,
-                            std::vector<embedded::CommandToken> tokens,
-                            library::ImportStats* stats) {
+                            const embedded::ParsedCommand& command, library::ImportStats* stats) {
   context.messages.BeginCommand();
-  SingleCommand command(context, number);
-  const CommandEnd end = command.Run(std::move(tokens));
+  SingleCommand single(context, number);
+  const CommandEnd end = single.Run(command);
   context.messages.EndCommand();
-  stats->Add(command.Stats());
+  stats->Add(single.Stats());
   return end;
 }
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string_view>
-#include <vector>
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "cli/run/MessageSink.h"
@@ -27,10 +26,9 @@ struct RunContext {
   MessageSink& messages;
 };
 
-// Runs command `number` (from 1) of these tokens: the messages, the dictionary, all cases. Adds its
-// figures to *stats. Host's thread.
+// Runs `command`, number `number` (from 1) of its file: the messages, the dictionary, all cases.
+// Adds its figures to *stats. Host's thread.
 CommandEnd RunSingleCommand(const RunContext& context, int number,
-                            std::vector<embedded::CommandToken> tokens,
-                            library::ImportStats* stats);
+                            const embedded::ParsedCommand& command, library::ImportStats* stats);
 
 }  // namespace cli

@@ -41,12 +41,13 @@ class FaultFinder {
         command_(std::move(command)),
         walk_(words_) {}
 
-  CommandFault Find() {
+  CommandFault Find(const std::string& fileWayOut) {
     textwizard::TxtWzParser parser(words_.text().c_str(), nullptr);
     const bool accepted = parser.ParseToExecutor() != nullptr;
     fault_.message = accepted ? textwizard::kReadFailed : parser.GetErrorMesID();
     if (accepted) {
       AtSubcommand("FILE");
+      fault_.wayOut = fileWayOut;
     } else if (!FindRefusedSubcommand()) {
       if (!walk_.parser().VerifySyntax()) {
         FindMisfit();
@@ -134,8 +135,8 @@ class FaultFinder {
 }  // namespace
 
 CommandFault FindFault(const std::vector<embedded::CommandToken>& tokens, std::string_view source,
-                       const CommandPlace& command) {
-  return FaultFinder(tokens, source, command).Find();
+                       const CommandPlace& command, const std::string& fileWayOut) {
+  return FaultFinder(tokens, source, command).Find(fileWayOut);
 }
 
 }  // namespace library

@@ -26,9 +26,9 @@ struct CommandFault {
 
 // What is wrong with a command that the component refused. `tokens` are those behind GET DATA
 // /TYPE=TXT /, read from `source`; `command` is where the command begins. A command without a fault
-// of its own has failed for its data file: the fault is 2269 then. Takes the time of some parsings,
-// and no file in hand. Host's thread.
+// of its own has failed for its data file: the message is 2269 then, and `fileWayOut` the way out.
+// Takes the time of some parsings, and no file in hand. Host's thread.
 CommandFault FindFault(const std::vector<embedded::CommandToken>& tokens, std::string_view source,
-                       const CommandPlace& command);
+                       const CommandPlace& command, const std::string& fileWayOut);
 
 }  // namespace library

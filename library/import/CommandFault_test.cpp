@@ -15,7 +15,7 @@ CommandFault FaultOf(const std::string& rest) {
   embedded::CommandReader reader(text);
   embedded::ParsedCommand command;
   EXPECT_TRUE(reader.Next(command) && command.ok) << command.error;
-  return FindFault(command.tokens, text, {command.line, command.column, "GET DATA"});
+  return FindFault(command.tokens, text, {command.line, command.column, "GET DATA"}, "look");
 }
 
 struct Expected {
@@ -120,7 +120,7 @@ TEST(CommandFault, AnEmptyNumberIsSpokenOf) {
 }
 
 TEST(CommandFault, ACommandWithoutOneHasFailedForItsFile) {
-  ExpectFault({"/DELIMITERS=',' /VARIABLES=x F8", 2269, 1, 21, "FILE='a.csv'", "", ""});
+  ExpectFault({"/DELIMITERS=',' /VARIABLES=x F8", 2269, 1, 21, "FILE='a.csv'", "", "look"});
 }
 
 }  // namespace

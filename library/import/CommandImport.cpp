@@ -50,8 +50,8 @@ void CommandImport::Post(std::string_view hostText, int kind) {
 
 ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
   try {
-    adapter_ = std::make_unique<ObservedAdapter>(std::move(tokens), MessageRoute::Callback(),
-                                                 options_.workers, options_.observer);
+    adapter_ = std::make_unique<ImportAdapter>(std::move(tokens), MessageRoute::Callback(),
+                                               options_.workers, options_.observer);
     const Clock::time_point start = Clock::now();
     source_.emplace(*adapter_);
     stats_.dictionarySeconds = SecondsSince(start);

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -13,9 +14,9 @@
 #include "library/import/ActiveSource.h"
 #include "library/import/CaseReceiver.h"
 #include "library/import/CaseSampler.h"
+#include "library/import/ImportAdapter.h"
 #include "library/import/ImportMessages.h"
 #include "library/import/ImportStats.h"
-#include "library/report/ObservedAdapter.h"
 
 namespace library {
 
@@ -50,6 +51,11 @@ class CommandImport : private ImportMessages {
   // The data source; after Open has done.
   const textwizard::ImportSource& source() const { return *source_->get(); }
 
+  // After Open, of the data file that the command names: what would help with one that is no text,
+  // and what should be known of one that hardly is (ImportAdapter). Mostly empty.
+  std::string fileWayOut() const { return adapter_ ? adapter_->fileWayOut() : std::string(); }
+  std::string fileAdvice() const { return adapter_ ? adapter_->fileAdvice() : std::string(); }
+
   // Reads the cases that are left, up to the end of the data or to where the receiver stops; from
   // there the next call reads on. The first call begins.
   ImportEnd Read(CaseReceiver& receiver);
@@ -78,7 +84,7 @@ class CommandImport : private ImportMessages {
   QantErrorMonitor monitor_;
   ImportStats stats_;
   // Each uses those before it.
-  std::unique_ptr<ObservedAdapter> adapter_;
+  std::unique_ptr<ImportAdapter> adapter_;
   std::optional<ActiveSource> source_;
   std::optional<CaseSampler> sampler_;
   std::unique_ptr<embedded::CaseBuffer> buffer_;

@@ -48,7 +48,7 @@ std::optional<std::string> Meant(const std::string& word, const std::vector<std:
 
 std::string DidYouMean(const std::string& word, const std::vector<std::string>& names) {
   const std::optional<std::string> meant = Meant(word, names);
-  return meant ? fmt::format("; did you mean {}?", *meant) : std::string();
+  return meant && *meant != UpperCase(word) ? fmt::format("; did you mean {}?", *meant) : std::string();
 }
 
 bool IsOneOf(const std::string& word, const std::vector<std::string>& names) {
