@@ -5,12 +5,15 @@
 
 #include <CLI/App.hpp>
 
+#include "cli/run/HostOptions.h"
+
 namespace cli {
 
 struct PreviewOptions {
   std::string dataFile;
   std::string encoding = "UTF-8";
   long long records = 20;
+  HostOptions host;
 };
 
 // Registers the subcommand with the program. When it was called, *status becomes the exit status.

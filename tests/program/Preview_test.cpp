@@ -1,8 +1,13 @@
 // `textwizard preview`: the first records of a file as the import wizard sees them.
 
 #include <algorithm>
+#include <csignal>
+#include <fstream>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/program/Program.h"
 
@@ -87,17 +92,74 @@ TEST_F(Preview, TheEncodingIsTheWizards) {
   }
 }
 
-TEST_F(Preview, AFileThatCannotBeOpenedIsTheErrorAnswer) {
+TEST_F(Preview, AFileThatCannotBeOpenedIsTheErrorAnswerAndASentence) {
   const Ended missing = Run({"preview", "none.txt"});
   EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.err, "error: 2004 none.txt\n");
+  EXPECT_THAT(missing.err, testing::MatchesRegex(
+                               "error: 2004 none.txt\nThe file cannot be opened: No such file or "
+                               "directory; it was looked for in /.*\\.\n"));
   EXPECT_THAT(missing.out, IsEmpty());
+  const Ended folder = Run({"preview", "."});
+  EXPECT_EQ(folder.status, 1);
+  EXPECT_EQ(folder.err, "error: 2004 .\nThe file cannot be opened: it is a folder.\n");
   const Ended utf32 = Shown(std::string("\xFF\xFE\0\0a\0\0\0", 8));
   EXPECT_EQ(utf32.status, 1);
-  EXPECT_EQ(utf32.err, "error: 2004 data.txt\n");
+  EXPECT_EQ(utf32.err,
+            "error: 2004 data.txt\nThe file begins with a byte-order mark of UTF-32, which is not "
+            "read: convert it to UTF-8.\n");
   const Ended unknown = Shown("a\n", {"--encoding", "EBCDIC"});
   EXPECT_EQ(unknown.status, 1);
-  EXPECT_EQ(unknown.err, "error: 2008 data.txt\n");
+  EXPECT_EQ(unknown.err,
+            "error: 2008 data.txt\nEBCDIC is no encoding that the wizard knows: it knows UTF-8, "
+            "UTF-16, UTF-16LE, UTF-16BE and Locale.\n");
+}
+
+TEST_F(Preview, AFileThatIsNoTextIsNamed) {
+  const Ended ended = Shown(std::string("\x1F\x8B\x08\0\n", 5));
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_THAT(ended.err,
+              testing::StartsWith("warning: data.txt is compressed with gzip, and no text; "));
+}
+
+TEST_F(Preview, StandardInputIsShown) {
+  const Ended ended = Run({"preview", "-"}, "id\n1\n");
+  EXPECT_EQ(ended.status, 0) << ended.err;
+  EXPECT_EQ(ended.out, " 1  id\n 2  1\n");
+  const Ended utf32 = Run({"preview", "-"}, std::string("\xFF\xFE\0\0", 4));
+  EXPECT_EQ(utf32.status, 1);
+  EXPECT_THAT(utf32.err, testing::StartsWith("error: 2004 -\n"));
+}
+
+TEST_F(Preview, APipeIsShown) {
+  ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+  const pid_t child = Start({"preview", "pipe"});
+  std::ofstream(folder_ / "pipe") << "id\n1\n";
+  const Ended ended = Wait(child);
+  EXPECT_EQ(ended.status, 0) << ended.err;
+  EXPECT_EQ(ended.out, " 1  id\n 2  1\n");
+}
+
+TEST_F(Preview, ACodePageIsWorkedIn) {
+  const Ended locale =
+      Shown("Z\xFCrich \x80\n", {"--encoding", "Locale", "--code-page", "windows-1252"});
+  EXPECT_EQ(locale.status, 0) << locale.err;
+  EXPECT_EQ(locale.out, " 1  Z\u00FCrich \u20AC\n");
+  const Ended utf8 = Shown("Z\u00FCrich\n", {"--code-page", "windows-1252"});
+  EXPECT_EQ(utf8.out, " 1  Z\u00FCrich\n");
+  const Ended unknown = Shown("a\n", {"--code-page", "no-such-page"});
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_THAT(unknown.err, HasSubstr("--code-page: unknown code page no-such-page"));
+}
+
+TEST_F(Preview, AWaitForAPipeIsInterrupted) {
+  ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+  const pid_t child = Start({"preview", "pipe"});
+  // Open for writing: the program reads and waits for more.
+  const int pipe = open((folder_ / "pipe").c_str(), O_WRONLY);
+  ASSERT_GE(pipe, 0);
+  ASSERT_EQ(kill(child, SIGINT), 0);
+  EXPECT_EQ(Wait(child).status, 130);
+  close(pipe);
 }
 
 TEST_F(Preview, WrongUsageIsStatusTwo) {
