@@ -24,49 +24,19 @@ FieldSplitter::FieldSplitter(const FieldRules& rules, SplitUse use, UndecodableL
       use_(use),
       listener_(listener),
       converter_(QANTMBConverterNew_A(nullptr)),
-      utf8_(qUTF8mode()) {
+      kinds_(rules) {
   UseRules();
 }
 
 FieldSplitter::~FieldSplitter() { QANTMBConverterDelete_A(converter_); }
-
-FieldSplitter::Kind FieldSplitter::KindOfCharacter(std::uint32_t ch) const {
-  if (rules_.IsDelimiter(ch)) return ch == ' ' ? kBlankDelimiter : kDelimiter;
-  return rules_.IsQualifier(ch) ? kQualifier : kData;
-}
 
 void FieldSplitter::UseRules() {
   spaceOptions_ = rules_.leadingSpaces() || rules_.multipleSpaces();
   blankDelimits_ = rules_.IsDelimiter(' ');
   holdsBlanks_ = blankDelimits_ && (rules_.multipleSpaces() ||
                                     (use_ == SplitUse::kReading && rules_.leadingSpaces()));
-  rulesAreAscii_ = rules_.qualifier() < 0x80 &&
-                   std::all_of(rules_.delimiters().begin(), rules_.delimiters().end(),
-                               [](std::uint32_t ch) { return ch < 0x80; });
-
-  // Asks of every byte whether it is a character by itself. In a multibyte code page a byte that
-  // starts a longer character is none.
-  kinds_.fill(kData);
-  cutting_ = {};
-  asciiIsPlain_ = bytesArePlain_ = true;
-  for (unsigned byte = 1; byte < 256; ++byte) {
-    dropsBlank_[byte] = byte != ' ' && rules_.IsDelimiter(byte);
-    const char text[2] = {static_cast<char>(byte), '\0'};
-    std::uint32_t ch = 0;
-    if (QANTMBU32GetC_A(converter_, &ch, text, 0, 1) != 1) {
-      bytesArePlain_ = false;
-      if (byte < 0x80) asciiIsPlain_ = false;
-      continue;
-    }
-    kinds_[byte] = KindOfCharacter(ch);
-    if (kinds_[byte] == kData) continue;
-    if (cutting_.count == ByteSet::kMax) {
-      asciiIsPlain_ = bytesArePlain_ = false;
-      continue;
-    }
-    cutting_.bytes[cutting_.count++] = static_cast<std::uint8_t>(byte);
-  }
-  markCount_ = 0;
+  kinds_.UseRules(converter_);
+  text_.SetBytes(kinds_.cutting());
   mode_ = Mode::kUnknown;
 }
 
@@ -80,10 +50,7 @@ void FieldSplitter::SetByteRecord(std::string_view record) {
   SetRecordOfText(record);
 }
 
-void FieldSplitter::SetByteText(std::string_view text) {
-  text_ = text;
-  markCount_ = 0;
-}
+void FieldSplitter::SetByteText(std::string_view text) { text_.SetText(text); }
 
 void FieldSplitter::SetRecordOfText(std::string_view record) {
   begin_ = cursor_ = told_ = record.data();
@@ -91,16 +58,9 @@ void FieldSplitter::SetRecordOfText(std::string_view record) {
   mode_ = Mode::kBytes;
 }
 
-bool FieldSplitter::CutsByBytes(std::string_view text) const {
-  if (!asciiIsPlain_) return false;
-  if (bytesArePlain_) return text.find('\0') == std::string_view::npos;
-  return IsAscii(text) || (utf8_ && rulesAreAscii_ && IsUtf8(text));
-}
-
 FieldSplitter::Mode FieldSplitter::ModeOf(std::string_view record) const {
   if (CutsByBytes(record)) return Mode::kBytes;
-  const bool byBytes = utf8_ && asciiIsPlain_ && rulesAreAscii_;
-  return byBytes && record.find('\0') == std::string_view::npos ? Mode::kBroken : Mode::kCharacters;
+  return kinds_.CutsBrokenTextByBytes(record) ? Mode::kBroken : Mode::kCharacters;
 }
 
 bool FieldSplitter::Next(std::string_view& field) {
@@ -110,7 +70,7 @@ bool FieldSplitter::Next(std::string_view& field) {
   }
   if (mode_ == Mode::kUnknown) mode_ = ModeOf(Text(begin_, end_));
   if (mode_ == Mode::kCharacters) {
-    WalkCharacters(field);
+    Walk<DecodedCharacters>(field);
   } else if (spaceOptions_ || CutViews(&field, 1) == 0) {
     NextOfBytes(field);
   }
@@ -146,17 +106,17 @@ std::size_t FieldSplitter::CutViews(std::string_view* fields, std::size_t count)
   std::string_view* const last = fields + count;
   while (start != end && field != last) {
     // The word of marks in hand, whose first byte is at `base`; marks that were passed are cleared.
-    const std::size_t offset = static_cast<std::size_t>(start - text_.data());
+    const std::size_t offset = static_cast<std::size_t>(start - text_.begin());
     const char* base = start - offset % 64;
-    std::uint64_t marks = MarksAt(offset / 64) & ~std::uint64_t{0} << offset % 64;
+    std::uint64_t marks = text_.MarksAt(offset / 64) & ~std::uint64_t{0} << offset % 64;
     const char* mark = end;
     for (; field != last; ++field) {
       while (marks == 0 && (base += 64) < end) {
-        marks = MarksAt(static_cast<std::size_t>(base - text_.data()) / 64);
+        marks = text_.MarksAt(static_cast<std::size_t>(base - text_.begin()) / 64);
       }
       // Without a mark the place is beyond the end.
       mark = base + static_cast<std::size_t>(std::countr_zero(marks));
-      if (mark >= end || KindOf(*mark) == kQualifier) break;
+      if (mark >= end || kinds_.OfByte(*mark) == Kind::kQualifier) break;
       *field = Text(start, mark);
       start = mark + 1;
       marks &= marks - 1;
@@ -172,7 +132,8 @@ std::size_t FieldSplitter::CutViews(std::string_view* fields, std::size_t count)
       marks &= marks - 1;
       const char* close = marks != 0 ? base + std::countr_zero(marks) : NextMark(start + 1);
       close = std::min(close, end);
-      if (close != end && KindOf(*close) != kQualifier) close = NextQualifier(close + 1);
+      if (close != end && kinds_.OfByte(*close) != Kind::kQualifier)
+        close = NextQualifier(close + 1);
       if (!ClosesField(close)) break;
       start = TakeEnclosed(start, close, *field++);
     }
@@ -188,41 +149,9 @@ inline const char* FieldSplitter::TakeEnclosed(const char* open, const char* clo
   return end_ - close <= 2 ? end_ : close + 2;
 }
 
-void FieldSplitter::MarkFrom(std::size_t word) {
-  const std::string_view text = text_.substr(64 * word, 64 * kMarkWords);
-  MarkBytes(text, cutting_, marks_.data());
-  firstMark_ = word;
-  markCount_ = (text.size() + 63) / 64;
-}
-
-inline std::uint64_t FieldSplitter::MarksAt(std::size_t word) {
-  if (word - firstMark_ >= markCount_) MarkFrom(word);
-  return marks_[word - firstMark_];
-}
-
-// The first byte at `from` or behind it that can cut; the record's end when there is none.
-inline const char* FieldSplitter::NextMark(const char* from) {
-  if (from == end_) return end_;
-  const auto at = static_cast<std::size_t>(from - text_.data());
-  std::size_t word = at / 64;
-  const std::uint64_t marks = MarksAt(word) >> (at % 64);
-  if (marks != 0) {
-    const char* const found = from + std::countr_zero(marks);
-    return found < end_ ? found : end_;
-  }
-  const auto size = static_cast<std::size_t>(end_ - text_.data());
-  while (64 * ++word < size) {
-    if (const std::uint64_t more = MarksAt(word); more != 0) {
-      const char* const found = text_.data() + 64 * word + std::countr_zero(more);
-      return found < end_ ? found : end_;
-    }
-  }
-  return end_;
-}
-
 const char* FieldSplitter::NextQualifier(const char* from) {
   const char* at = NextMark(from);
-  while (at != end_ && KindOf(*at) != kQualifier) at = NextMark(at + 1);
+  while (at != end_ && kinds_.OfByte(*at) != Kind::kQualifier) at = NextMark(at + 1);
   return at;
 }
 
@@ -239,22 +168,22 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
     cursor_ = end_;
     return Finish(field, true);
   }
-  switch (KindOf(*mark)) {
-    case kData:
+  switch (kinds_.OfByte(*mark)) {
+    case Kind::kData:
       break;
-    case kDelimiter:
+    case Kind::kDelimiter:
       field = Text(start, mark);
       cursor_ = mark + 1;
       return Finish(field, true);
-    case kBlankDelimiter: {
+    case Kind::kBlankDelimiter: {
       const bool drops = mark != start && DropsBlankBefore(mark + 1);
       // A byte may have a delimiter's number and be another character, which the field takes in.
-      if (drops && KindOf(mark[1]) != kDelimiter) break;
+      if (drops && kinds_.OfByte(mark[1]) != Kind::kDelimiter) break;
       field = Text(start, mark);
       cursor_ = mark + (drops ? 2 : 1);
       return Finish(field, true);
     }
-    case kQualifier: {
+    case Kind::kQualifier: {
       if (mark != text || (text != start && !rules_.leadingSpaces())) break;
       const char* const close = NextQualifier(mark + 1);
       if (!ClosesField(close)) break;
@@ -263,105 +192,8 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
     }
   }
   // Where qualifiers join pieces, bytes that are no character could look like one.
-  if (mode_ == Mode::kBroken) return WalkCharacters(field);
-  WalkBytes(field);
-}
-
-std::size_t FieldSplitter::ByteCharacterLength(char lead) const {
-  const auto byte = static_cast<unsigned char>(lead);
-  if (!utf8_ || byte < 0xC0) return 1;
-  return byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
-}
-
-void FieldSplitter::RemoveLastByteCharacter() {
-  while (utf8_ && buffer_.size() > 1 && IsContinuation(buffer_.back())) buffer_.pop_back();
-  buffer_.pop_back();
-}
-
-void FieldSplitter::WalkBytes(std::string_view& field) {
-  buffer_.clear();
-  State state = State::kStart;
-  const char* at = cursor_;
-  bool ended = false;
-  while (at != end_ && !ended) {
-    switch (state) {
-      case State::kStart: {
-        const char* const first = at;
-        if (holdsBlanks_) {
-          while (at != end_ && *at == ' ') ++at;
-        }
-        buffer_.append(first, at);
-        if (at == end_) break;
-        const Kind kind = KindOf(*at);
-        ended = kind >= kDelimiter;
-        state = kind == kQualifier ? State::kQualified : State::kPlain;
-        if (kind != kData) ++at;
-        break;
-      }
-      case State::kPlain: {
-        const char* const mark = NextMark(at);
-        buffer_.append(at, mark);
-        if (mark == end_) {
-          at = end_;
-          break;
-        }
-        at = mark + 1;
-        if (KindOf(*mark) == kQualifier) {
-          if (!buffer_.empty() && buffer_.front() == ' ') RemoveLastByteCharacter();
-          state = State::kQualified;
-        } else {
-          ended = KindOf(*mark) == kDelimiter || !DropsBlankBefore(at);
-        }
-        break;
-      }
-      case State::kQualified: {
-        const char* const close = NextQualifier(at);
-        buffer_.append(at, close);
-        at = close == end_ ? end_ : close + 1;
-        state = State::kAfterQualifier;
-        break;
-      }
-      case State::kAfterQualifier:
-        switch (KindOf(*at)) {
-          case kQualifier:
-            buffer_.push_back(*at++);
-            state = State::kQualified;
-            break;
-          case kDelimiter:
-          case kBlankDelimiter:
-            ++at;
-            ended = true;
-            break;
-          case kData:
-            at += ByteCharacterLength(*at);
-            state = State::kPlain;
-            break;
-        }
-        break;
-    }
-  }
-  cursor_ = at;
-  field = buffer_;
-  Finish(field, false);
-}
-
-// Decodes the character at `at` and returns its length. A byte that is no character is taken as one
-// and joins `run`; when it does not follow it, the run is told first.
-int FieldSplitter::Decode(const char* at, std::uint32_t* ch, UndecodableRun* run) {
-  const auto limit = static_cast<int>(std::min(end_ - at, kLongestCharacter));
-  const int length = QANTMBU32GetC_A(converter_, ch, at, 0, limit);
-  if (length > 0) return length;
-  *ch = static_cast<unsigned char>(*at);
-  const auto position = static_cast<std::size_t>(at - begin_);
-  if (position != run->position + run->count) Tell(run);
-  if (run->count == 0) run->position = position;
-  ++run->count;
-  return 1;
-}
-
-void FieldSplitter::Tell(UndecodableRun* run) {
-  if (listener_ && run->count != 0) listener_->OnUndecodable(*run);
-  run->count = 0;
+  if (mode_ == Mode::kBroken) return Walk<DecodedCharacters>(field);
+  Walk<ByteCharacters>(field);
 }
 
 void FieldSplitter::TellBroken() {
@@ -378,73 +210,200 @@ void FieldSplitter::TellBroken() {
   }
 }
 
-void FieldSplitter::WalkCharacters(std::string_view& field) {
+// Characters for Walk. Both kinds have a current one until AtEnd(), and kind() tells what it does.
+// The rest passes characters, into the field or not: Mark one that is not kData, Data one
+// that is; End is called behind the field's last one.
+
+// Bytes that are characters by themselves where they can cut: runs are passed from mark to mark.
+class FieldSplitter::ByteCharacters {
+ public:
+  explicit ByteCharacters(FieldSplitter& splitter)
+      : splitter_(splitter), at_(splitter.cursor_), end_(splitter.end_) {}
+
+  const char* at() const { return at_; }
+  bool AtEnd() const { return at_ == end_; }
+  void End() {}
+  Kind kind() const { return splitter_.kinds_.OfByte(*at_); }
+  bool IsBlank() const { return *at_ == ' '; }
+  void SkipMark() { ++at_; }
+  void SkipData() {
+    const auto byte = static_cast<unsigned char>(*at_);
+    at_ += !splitter_.kinds_.utf8() || byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+  }
+  void AppendBlank() { splitter_.buffer_.push_back(*at_++); }
+  void AppendMark() { splitter_.buffer_.push_back(*at_++); }
+  // All up to the next mark.
+  void AppendData() { AppendTo(splitter_.NextMark(at_)); }
+  void AppendToQualifier() { AppendTo(splitter_.NextQualifier(at_)); }
+  // Takes the field's last one out again, which begins with a blank.
+  void RemoveLast() {
+    std::string& field = splitter_.buffer_;
+    while (splitter_.kinds_.utf8() && field.size() > 1 && IsContinuation(field.back()))
+      field.pop_back();
+    field.pop_back();
+  }
+
+ private:
+  void AppendTo(const char* end) {
+    splitter_.buffer_.append(at_, end);
+    at_ = end;
+  }
+
+  FieldSplitter& splitter_;
+  const char* at_;
+  const char* const end_;
+};
+
+// Characters that the host decodes, each when it is first asked about. A byte that is no character
+// is taken as one; the listener is told of runs of them, at the end of the last.
+class FieldSplitter::DecodedCharacters {
+ public:
+  explicit DecodedCharacters(FieldSplitter& splitter) : splitter_(splitter), at_(splitter.cursor_) {
+    splitter.lengths_.clear();
+  }
+
+  const char* at() const { return at_; }
+  bool AtEnd() const { return at_ == splitter_.end_; }
+  void End() {
+    Tell();
+    splitter_.told_ = at_;
+  }
+  Kind kind() { return splitter_.kinds_.Of(Character()); }
+  bool IsBlank() { return Character() == ' '; }
+  void SkipMark() { Skip(); }
+  void SkipData() { Skip(); }
+  void AppendBlank() { Append(); }
+  void AppendMark() { Append(); }
+  void AppendData() {
+    while (!AtEnd() && kind() == Kind::kData) Append();
+  }
+  void AppendToQualifier() {
+    while (!AtEnd() && kind() != Kind::kQualifier) Append();
+  }
+  void RemoveLast() {
+    std::string& field = splitter_.buffer_;
+    field.resize(field.size() - static_cast<std::size_t>(splitter_.lengths_.back()));
+    splitter_.lengths_.pop_back();
+  }
+
+ private:
+  std::uint32_t Character() {
+    if (length_ == 0) Decode();
+    return ch_;
+  }
+  void Decode() {
+    const auto limit = static_cast<int>(std::min(splitter_.end_ - at_, kLongestCharacter));
+    length_ = QANTMBU32GetC_A(splitter_.converter_, &ch_, at_, 0, limit);
+    if (length_ > 0) return;
+    ch_ = static_cast<unsigned char>(*at_);
+    length_ = 1;
+    const auto position = static_cast<std::size_t>(at_ - splitter_.begin_);
+    if (position != run_.position + run_.count) Tell();
+    if (run_.count == 0) run_.position = position;
+    ++run_.count;
+  }
+  void Tell() {
+    if (splitter_.listener_ && run_.count != 0) splitter_.listener_->OnUndecodable(run_);
+    run_.count = 0;
+  }
+  void Skip() {
+    Character();
+    at_ += length_;
+    length_ = 0;
+  }
+  void Append() {
+    Character();
+    splitter_.buffer_.append(at_, static_cast<std::size_t>(length_));
+    // Needed only by RemoveLast.
+    if (splitter_.buffer_.front() == ' ') splitter_.lengths_.push_back(static_cast<char>(length_));
+    Skip();
+  }
+
+  FieldSplitter& splitter_;
+  const char* at_;
+  std::uint32_t ch_ = 0;
+  // Of the current character; 0 until it is decoded.
+  int length_ = 0;
+  // Of bytes that are no character, up to the current one; not told of yet.
+  UndecodableRun run_;
+};
+
+template <class Characters>
+void FieldSplitter::Walk(std::string_view& field) {
   buffer_.clear();
-  lengths_.clear();
-  UndecodableRun run;
+  Characters text(*this);
   State state = State::kStart;
-  const char* at = cursor_;
   bool ended = false;
-  while (at != end_ && !ended) {
-    std::uint32_t ch = 0;
-    const int length = Decode(at, &ch, &run);
-    const Kind kind = KindOfCharacter(ch);
-    const char* const next = at + length;
-    bool append = false;
+  while (!ended && !text.AtEnd()) {
     switch (state) {
       case State::kStart:
-        if (ch == ' ' && holdsBlanks_) {
-          append = true;
-        } else if (kind >= kDelimiter) {
-          ended = true;
-        } else if (kind == kQualifier) {
-          state = State::kQualified;
-        } else {
-          append = true;
-          state = State::kPlain;
+        if (holdsBlanks_ && text.IsBlank()) {
+          text.AppendBlank();
+          break;
+        }
+        state = State::kPlain;
+        switch (text.kind()) {
+          case Kind::kData:
+            break;
+          case Kind::kQualifier:
+            text.SkipMark();
+            state = State::kQualified;
+            break;
+          case Kind::kDelimiter:
+          case Kind::kBlankDelimiter:
+            text.SkipMark();
+            ended = true;
+            break;
         }
         break;
       case State::kPlain:
-        if (kind == kBlankDelimiter) {
-          ended = !DropsBlankBefore(next);
-        } else if (kind == kDelimiter) {
-          ended = true;
-        } else if (kind == kQualifier) {
-          if (!buffer_.empty() && buffer_.front() == ' ') {
-            buffer_.resize(buffer_.size() - static_cast<std::size_t>(lengths_.back()));
-            lengths_.pop_back();
-          }
-          state = State::kQualified;
-        } else {
-          append = true;
+        text.AppendData();
+        if (text.AtEnd()) break;
+        switch (text.kind()) {
+          case Kind::kData:
+            break;
+          case Kind::kQualifier:
+            if (!buffer_.empty() && buffer_.front() == ' ') text.RemoveLast();
+            text.SkipMark();
+            state = State::kQualified;
+            break;
+          case Kind::kDelimiter:
+            text.SkipMark();
+            ended = true;
+            break;
+          case Kind::kBlankDelimiter:
+            text.SkipMark();
+            ended = !DropsBlankBefore(text.at());
+            break;
         }
         break;
       case State::kQualified:
-        if (kind == kQualifier) {
-          state = State::kAfterQualifier;
-        } else {
-          append = true;
-        }
+        text.AppendToQualifier();
+        if (text.AtEnd()) break;
+        text.SkipMark();
+        state = State::kAfterQualifier;
         break;
       case State::kAfterQualifier:
-        if (kind == kQualifier) {
-          append = true;
-          state = State::kQualified;
-        } else if (kind >= kDelimiter) {
-          ended = true;
-        } else {
-          state = State::kPlain;
+        switch (text.kind()) {
+          case Kind::kData:
+            text.SkipData();
+            state = State::kPlain;
+            break;
+          case Kind::kQualifier:
+            text.AppendMark();
+            state = State::kQualified;
+            break;
+          case Kind::kDelimiter:
+          case Kind::kBlankDelimiter:
+            text.SkipMark();
+            ended = true;
+            break;
         }
         break;
     }
-    if (append) {
-      buffer_.append(at, next);
-      if (buffer_.front() == ' ') lengths_.push_back(static_cast<char>(length));
-    }
-    at = next;
   }
-  Tell(&run);
-  cursor_ = told_ = at;
+  text.End();
+  cursor_ = text.at();
   field = buffer_;
   Finish(field, false);
 }

@@ -1,15 +1,15 @@
 // Records into fields: delimiters, qualifier, doubled qualifiers and the space options.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "HostFramework/Text.h"
-#include "reading/ByteScan.h"
+#include "reading/CharacterKinds.h"
 #include "reading/FieldRules.h"
+#include "reading/MarkedText.h"
 #include "reading/UndecodableScan.h"
 
 namespace textwizard {
@@ -37,8 +37,9 @@ enum class SplitUse {
 //
 // Text whose characters need no decoding is cut by bytes: the bytes that can cut are marked in
 // blocks, and fields are what lies between marks. So is UTF-8 with bytes that are no character,
-// which are looked for behind the cut. Other text is walked character by character. All ways give
-// the same fields.
+// which are looked for behind the cut. Other text is decoded character by character. The rules of
+// qualifiers and blanks are those of Walk, over characters of either kind; what stands in front of
+// it gives the same fields of what most records hold.
 class FieldSplitter {
  public:
   FieldSplitter(const FieldRules& rules, SplitUse use, UndecodableListener* listener);
@@ -58,10 +59,8 @@ class FieldSplitter {
   void SetByteText(std::string_view text);
   // Starts a record that lies within that text.
   void SetRecordOfText(std::string_view record);
-  // True when no character of `text` needs decoding to be cut: ASCII, or any text of a code page
-  // whose every byte is a character, or valid UTF-8 in UTF-8 mode with every delimiter and the
-  // qualifier in ASCII. Never true of text with a NUL.
-  bool CutsByBytes(std::string_view text) const;
+  // Whether `text` can be cut byte by byte; see CharacterKinds.
+  bool CutsByBytes(std::string_view text) const { return kinds_.CutsByBytes(text); }
 
   // Cuts the next field: a view into the record, or into a buffer of the splitter's when the field
   // differs from the record's bytes; valid until the next call. False, with an empty field, when
@@ -78,8 +77,7 @@ class FieldSplitter {
   void SetOffset(std::size_t offset) { cursor_ = told_ = begin_ + offset; }
 
  private:
-  // What a byte that is a character by itself does.
-  enum Kind : std::uint8_t { kData, kQualifier, kDelimiter, kBlankDelimiter };
+  using Kind = CharacterKind;
   // What the next character of a field means.
   enum class State { kStart, kPlain, kQualified, kAfterQualifier };
 
@@ -87,58 +85,47 @@ class FieldSplitter {
   // though some are no character.
   enum class Mode { kUnknown, kBytes, kBroken, kCharacters };
 
-  static constexpr std::size_t kMarkWords = 64;
+  // The rest of the record as Walk takes it.
+  class ByteCharacters;
+  class DecodedCharacters;
 
   Mode ModeOf(std::string_view record) const;
-  Kind KindOf(char byte) const { return kinds_[static_cast<unsigned char>(byte)]; }
-  Kind KindOfCharacter(std::uint32_t ch) const;
   // After an unqualified blank that is a delimiter: is it dropped, since another delimiter follows?
   // The next byte is compared as it stands, whatever character it is or begins.
   bool DropsBlankBefore(const char* next) const {
-    return rules_.multipleSpaces() && next != end_ &&
-           dropsBlank_[static_cast<unsigned char>(*next)];
+    return rules_.multipleSpaces() && next != end_ && kinds_.HasDelimitersNumber(*next);
   }
   // After a field's first qualifier: does the next one, at `close` (the record's end: there is
   // none), end the field?
   bool ClosesField(const char* close) const {
-    return close == end_ || close + 1 == end_ || KindOf(close[1]) >= kDelimiter;
+    return close == end_ || close + 1 == end_ || kinds_.OfByte(close[1]) >= Kind::kDelimiter;
   }
-  const char* NextMark(const char* from);
+  // The first byte at `from` or behind it that can cut, or that is the qualifier; the record's end
+  // when there is none.
+  const char* NextMark(const char* from) { return text_.Next(from, end_); }
   [[gnu::noinline]] const char* NextQualifier(const char* from);
-  std::uint64_t MarksAt(std::size_t word);
-  [[gnu::noinline]] void MarkFrom(std::size_t word);
-  std::size_t ByteCharacterLength(char lead) const;
-  void RemoveLastByteCharacter();
 
   std::size_t CutViews(std::string_view* fields, std::size_t count);
   const char* TakeEnclosed(const char* open, const char* close, std::string_view& field) const;
   void NextOfBytes(std::string_view& field);
-  void WalkBytes(std::string_view& field);
-  void WalkCharacters(std::string_view& field);
-  int Decode(const char* at, std::uint32_t* ch, UndecodableRun* run);
-  // Tells the listener of a run and empties it.
-  void Tell(UndecodableRun* run);
+  // Cuts the next field into buffer_, one character after another.
+  template <class Characters>
+  void Walk(std::string_view& field);
   // Tells of what the fields cut since then had of bytes that are no character.
   void TellBroken();
   // The space options, once the field has ended. `unqualified`: no two blanks after its first
   // character that is none.
   void Finish(std::string_view& field, bool unqualified);
 
+  // The record, or the text that it lies in, with marks at the bytes that are not data.
+  MarkedText text_;
+
   // Constant between calls of UseRules.
   const FieldRules& rules_;
   const SplitUse use_;
   UndecodableListener* const listener_;
   QANTMBConverter* const converter_;
-  const bool utf8_;
-  std::array<Kind, 256> kinds_{};
-  // The byte's number is that of a delimiter, and not the blank's.
-  std::array<bool, 256> dropsBlank_{};
-  ByteSet cutting_;
-  // Every byte 1 to 127 is a character; every byte 1 to 255 is.
-  bool asciiIsPlain_ = false;
-  bool bytesArePlain_ = false;
-  // Every delimiter and the qualifier are ASCII.
-  bool rulesAreAscii_ = false;
+  CharacterKinds kinds_;
   bool spaceOptions_ = false;
   bool blankDelimits_ = false;
   // Blanks at the start of a field belong to it.
@@ -151,12 +138,6 @@ class FieldSplitter {
   // In broken text, the bytes before are told of.
   const char* told_ = nullptr;
   Mode mode_ = Mode::kBytes;
-
-  // Marks of the bytes of text_ in cutting_: markCount_ words of 64 bytes from firstMark_ on.
-  std::string_view text_;
-  std::size_t firstMark_ = 0;
-  std::size_t markCount_ = 0;
-  std::array<std::uint64_t, kMarkWords> marks_;
 
   std::string buffer_;
   // Byte lengths of the characters in buffer_ when it begins with a blank: a qualifier may take the
