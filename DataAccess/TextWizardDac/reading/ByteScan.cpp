@@ -1,15 +1,41 @@
 #include "reading/ByteScan.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstring>
+#include <iterator>
 
 static_assert(std::endian::native == std::endian::little, "a word's bits are stored by bytes");
 
+// Of the library's headers alone: its shared library measures the processor's clock when it is
+// loaded, which would take longer than a small import. Vectors are 32 bytes at most, so nothing is
+// gained from the sets beyond.
+#define HWY_DISABLED_TARGETS (HWY_AVX3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "reading/ByteScan.cpp"
 #include "hwy/foreach_target.h"
 #include "hwy/highway.h"
+
+// What follows is compiled once for every instruction set, but for this.
+#ifndef TEXTWIZARD_BYTE_SCANS
+#define TEXTWIZARD_BYTE_SCANS
+namespace textwizard {
+namespace {
+
+// The scans of one instruction set.
+struct Scans {
+  std::size_t (*findLineEnd8)(const char* text, std::size_t size);
+  std::size_t (*findLineEnd16)(const char* text, std::size_t size);
+  LineRun (*findLineRun)(const char* text, std::size_t size, std::uint32_t most);
+  void (*markBytes)(const char* text, std::size_t size, const ByteSet& set, std::uint64_t* words);
+  bool (*isAscii)(const char* text, std::size_t size);
+  bool (*isUtf8)(const char* text, std::size_t size);
+};
+
+}  // namespace
+}  // namespace textwizard
+#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace textwizard::HWY_NAMESPACE {
@@ -374,29 +400,103 @@ bool IsUtf8(const char* text, std::size_t size) {
   return IsUtf8Vector(edge + 3) && std::memchr(text, 0, size) == nullptr;
 }
 
+const Scans* TheScans() {
+  static constexpr Scans kScans = {&FindLineEnd8, &FindLineEnd16, &FindLineRun,
+                                   &MarkBytes,    &IsAscii,       &IsUtf8};
+  return &kScans;
+}
+
 }  // namespace textwizard::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace textwizard {
 
-HWY_EXPORT(FindLineEnd8);
-HWY_EXPORT(FindLineEnd16);
-HWY_EXPORT(FindLineRun);
-HWY_EXPORT(MarkBytes);
-HWY_EXPORT(IsAscii);
-HWY_EXPORT(IsUtf8);
+namespace {
+
+// Whether this processor has the instructions of a set that is compiled beside the baseline.
+bool HasInstructions([[maybe_unused]] std::int64_t target) {
+#if HWY_ARCH_X86
+  __builtin_cpu_init();
+  const bool ssse3 = __builtin_cpu_supports("ssse3");
+  if (target == HWY_SSSE3) return ssse3;
+  const bool sse4 = ssse3 && __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("popcnt") &&
+                    __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("aes");
+  if (target == HWY_SSE4) return sse4;
+  // Whatever has these has the conversions of half-precision numbers, which are not asked for here.
+  return target == HWY_AVX2 && sse4 && __builtin_cpu_supports("avx2") &&
+         __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
+         __builtin_cpu_supports("fma");
+#else
+  return false;
+#endif
+}
+
+struct Target {
+  std::int64_t target;
+  const Scans* (*scans)();
+};
+
+// Best first. Every other architecture has its baseline alone.
+constexpr Target kTargets[] = {
+#if HWY_ARCH_X86
+    {HWY_AVX2, HWY_CHOOSE_AVX2(TheScans)},
+    {HWY_SSE4, HWY_CHOOSE_SSE4(TheScans)},
+    {HWY_SSSE3, HWY_CHOOSE_SSSE3(TheScans)},
+#endif
+    {HWY_STATIC_TARGET, &HWY_STATIC_DISPATCH(TheScans)},
+};
+
+bool CanUse(const Target& target) {
+  // One that is not compiled, or is the baseline itself and stands at the end.
+  if (target.scans == nullptr) return false;
+  return target.target == HWY_STATIC_TARGET || HasInstructions(target.target);
+}
+
+// Null until the first scan, or the first after UseScanTarget(0).
+std::atomic<const Scans*> chosen{nullptr};
+
+[[gnu::noinline]] const Scans& Choose() {
+  const auto* const best = std::find_if(std::begin(kTargets), std::end(kTargets), CanUse);
+  const Scans* const scans = best->scans();
+  chosen.store(scans, std::memory_order_relaxed);
+  return *scans;
+}
+
+// The tables are constant, so nothing is to be ordered.
+const Scans& Chosen() {
+  const Scans* const scans = chosen.load(std::memory_order_relaxed);
+  return scans != nullptr ? *scans : Choose();
+}
+
+}  // namespace
+
+std::vector<std::int64_t> ScanTargets() {
+  std::vector<std::int64_t> targets;
+  for (const Target& target : kTargets) {
+    if (CanUse(target)) targets.push_back(target.target);
+    if (target.target == HWY_STATIC_TARGET) break;
+  }
+  return targets;
+}
+
+void UseScanTarget(std::int64_t wanted) {
+  chosen.store(nullptr, std::memory_order_relaxed);
+  for (const Target& target : kTargets) {
+    if (target.target == wanted && CanUse(target)) chosen.store(target.scans());
+  }
+}
 
 std::size_t FindLineEnd8(std::string_view text) {
-  return HWY_DYNAMIC_DISPATCH(FindLineEnd8)(text.data(), text.size());
+  return Chosen().findLineEnd8(text.data(), text.size());
 }
 
 std::size_t FindLineEnd16(std::string_view text) {
-  return HWY_DYNAMIC_DISPATCH(FindLineEnd16)(text.data(), text.size());
+  return Chosen().findLineEnd16(text.data(), text.size());
 }
 
 LineRun FindLineRun(std::string_view text, std::uint32_t most) {
-  return HWY_DYNAMIC_DISPATCH(FindLineRun)(text.data(), text.size(), most);
+  return Chosen().findLineRun(text.data(), text.size(), most);
 }
 
 void MarkBytes(std::string_view text, const ByteSet& set, std::uint64_t* words) {
@@ -404,16 +504,13 @@ void MarkBytes(std::string_view text, const ByteSet& set, std::uint64_t* words) 
     std::fill_n(words, (text.size() + 63) / 64, 0);
     return;
   }
-  HWY_DYNAMIC_DISPATCH(MarkBytes)(text.data(), text.size(), set, words);
+  Chosen().markBytes(text.data(), text.size(), set, words);
 }
 
-bool IsAscii(std::string_view text) {
-  return HWY_DYNAMIC_DISPATCH(IsAscii)(text.data(), text.size());
-}
+bool IsAscii(std::string_view text) { return Chosen().isAscii(text.data(), text.size()); }
 
 bool IsUtf8(std::string_view text) {
-  if (text.empty()) return true;
-  return HWY_DYNAMIC_DISPATCH(IsUtf8)(text.data(), text.size());
+  return text.empty() || Chosen().isUtf8(text.data(), text.size());
 }
 
 }  // namespace textwizard

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 namespace textwizard {
 
@@ -46,5 +47,11 @@ bool IsAscii(std::string_view text);
 
 // Valid UTF-8 (no overlong form, no surrogate, nothing above U+10FFFF) without NUL.
 bool IsUtf8(std::string_view text);
+
+// For tests: the sets of instructions that the scans can use on this machine, best first, as
+// Highway numbers them, and one of them for the scans that follow (0: the best). No scan runs at
+// the same time.
+std::vector<std::int64_t> ScanTargets();
+void UseScanTarget(std::int64_t target);
 
 }  // namespace textwizard

@@ -121,8 +121,8 @@ class Placed {
 // Runs each test on one instruction set.
 class ByteScan : public testing::TestWithParam<std::int64_t> {
  protected:
-  void SetUp() override { hwy::SetSupportedTargetsForTest(GetParam()); }
-  void TearDown() override { hwy::SetSupportedTargetsForTest(0); }
+  void SetUp() override { UseScanTarget(GetParam()); }
+  void TearDown() override { UseScanTarget(0); }
 
   std::mt19937 random_{20};
   std::size_t Random(std::size_t below) {
@@ -135,7 +135,7 @@ class ByteScan : public testing::TestWithParam<std::int64_t> {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Targets, ByteScan, testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
+INSTANTIATE_TEST_SUITE_P(Targets, ByteScan, testing::ValuesIn(ScanTargets()),
                          [](const auto& target) { return hwy::TargetName(target.param); });
 
 void ExpectLineRun(std::string_view text, std::uint32_t most) {
