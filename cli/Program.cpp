@@ -85,10 +85,11 @@ int ParseAndRun(int argc, char** argv) {
 int RunProgram(int argc, char** argv) {
   FillStandardStreams();
   try {
-    // The user's month names and codeset; but how numbers are read, and so what types are found,
-    // must not depend on where a command is run: --decimal says it.
-    std::setlocale(LC_ALL, "");
-    std::setlocale(LC_NUMERIC, "C");
+    // The user's month names and codeset, and no more: how numbers are read, and so what types are
+    // found, must not depend on where a command is run (--decimal says it), and every category
+    // takes time to load.
+    std::setlocale(LC_CTYPE, "");
+    std::setlocale(LC_TIME, "");
     return ParseAndRun(argc, argv);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "error: %s\n", error.what());

@@ -1,11 +1,13 @@
 // The component's shared library shows the host its entries and nothing else, and it cannot print,
-// abort or exit, because it imports no function that does.
+// abort or exit, because it imports no function that does. And what the build's files load.
 
 #include <array>
+#include <cctype>
 #include <cstdio>
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -13,10 +15,8 @@
 
 namespace {
 
-// The dynamic symbols that `nm` lists with `option`; empty when the library cannot be read.
-std::set<std::string> DynamicSymbols(const std::string& option) {
-  const std::string command = "nm -D --format=posix " + option +
-                              " '" TEXTWIZARD_BINARY_DIR "/lib/libTextWizardDac.so' 2>&1";
+// What a command writes; empty when it fails.
+std::string OutputOf(const std::string& command) {
   FILE* pipe = popen(command.c_str(), "r");
   if (!pipe) return {};
   std::string output;
@@ -24,9 +24,14 @@ std::set<std::string> DynamicSymbols(const std::string& option) {
   while (const std::size_t n = fread(block.data(), 1, block.size(), pipe)) {
     output.append(block.data(), n);
   }
-  if (pclose(pipe) != 0) return {};
+  return pclose(pipe) == 0 ? output : std::string();
+}
+
+// The dynamic symbols that `nm` lists with `option`; empty when the library cannot be read.
+std::set<std::string> DynamicSymbols(const std::string& option) {
+  std::istringstream lines(OutputOf("nm -D --format=posix " + option +
+                                    " '" TEXTWIZARD_BINARY_DIR "/lib/libTextWizardDac.so' 2>&1"));
   std::set<std::string> names;
-  std::istringstream lines(output);
   for (std::string line; std::getline(lines, line);) {
     const std::string name = line.substr(0, line.find(' '));
     names.insert(name.substr(0, name.find('@')));
@@ -56,6 +61,49 @@ TEST(LibrarySymbols, NothingThatPrintsAbortsOrExitsIsImported) {
         "vdprintf",       "syslog",     "system",       "_ZSt4cout",     "_ZSt4cerr",
         "_ZSt4clog",      "_ZSt5wcout", "_ZSt5wcerr",   "stdout",        "stderr"}) {
     EXPECT_FALSE(imported.contains(name)) << name << " is imported";
+  }
+}
+
+// The lines that `readelf -d` lists for one of the build's files.
+std::vector<std::string> DynamicEntries(const std::string& file) {
+  const std::string command = "readelf -dW '" TEXTWIZARD_BINARY_DIR "/" + file + "' 2>&1";
+  std::istringstream lines(OutputOf(command));
+  std::vector<std::string> entries;
+  for (std::string line; std::getline(lines, line);) entries.push_back(line);
+  return entries;
+}
+
+class LoadedLibraries : public testing::TestWithParam<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(, LoadedLibraries,
+                         testing::Values("lib/libTextWizardDac.so", "lib/libHostFramework.so",
+                                         "bin/textwizard"),
+                         [](const auto& file) {
+                           std::string name = file.param;
+                           for (char& c : name) c = std::isalnum(c) != 0 ? c : '_';
+                           return name;
+                         });
+
+// Highway's shared library measures the processor's clock when it is loaded, which takes longer
+// than a small import.
+TEST_P(LoadedLibraries, HighwayIsNone) {
+  bool listed = false;
+  for (const std::string& entry : DynamicEntries(GetParam())) {
+    listed = listed || entry.find("libstdc++") != std::string::npos;
+    EXPECT_EQ(entry.find("libhwy"), std::string::npos) << entry;
+  }
+  EXPECT_TRUE(listed);
+}
+
+// An empty entry of the search path is the folder in which a program is run.
+TEST_P(LoadedLibraries, AreNotLookedForInTheCurrentFolder) {
+  for (const std::string& entry : DynamicEntries(GetParam())) {
+    if (entry.find("(RUNPATH)") == std::string::npos && entry.find("(RPATH)") == std::string::npos)
+      continue;
+    const std::string path = entry.substr(entry.find('['));
+    EXPECT_EQ(path.find("::"), std::string::npos) << entry;
+    EXPECT_EQ(path.find("[:"), std::string::npos) << entry;
+    EXPECT_EQ(path.find(":]"), std::string::npos) << entry;
   }
 }
 

@@ -2,14 +2,11 @@
 
 #include <array>
 #include <cstddef>
-#include <mutex>
-#include <new>
 #include <utility>
 
 #include <langinfo.h>
 
 #include "HostFramework/Text.h"
-#include "detection/UnicodeText.h"
 #include "model/FormatCode.h"
 
 namespace textwizard {
@@ -155,43 +152,6 @@ std::string WithNames(const RowText& row) {
   return regex.replace(regex.find("%s"), 2, names);
 }
 
-// More than the compilation of any pattern of the table takes.
-constexpr std::size_t kCompilerRoom = std::size_t{1} << 20;
-
-// Compiled patterns are constant and shared by all tables of the process: every worker has a table.
-std::shared_ptr<const icu::RegexPattern> SharedPattern(const std::string& regex) {
-  static std::mutex mutex;
-  static std::map<std::string, std::shared_ptr<const icu::RegexPattern>> known;
-  std::string utf8;
-  const std::string key(ToUtf8(regex, utf8));
-  const std::lock_guard<std::mutex> guard(mutex);
-  const auto place = known.find(key);
-  if (place != known.end()) return place->second;
-  UErrorCode status = U_ZERO_ERROR;
-  UParseError where;
-  const icu::UnicodeString text = icu::UnicodeString::fromUTF8(key);
-  if (text.isBogus()) CheckMemory(U_MEMORY_ALLOCATION_ERROR);
-  // ICU's compiler does not survive it when memory runs out halfway.
-  ::operator delete(::operator new(kCompilerRoom));
-  std::shared_ptr<const icu::RegexPattern> pattern(
-      icu::RegexPattern::compile(text, 0, where, status));
-  CheckMemory(status);
-  if (U_FAILURE(status)) pattern.reset();
-  known.emplace(key, pattern);
-  return pattern;
-}
-
-std::shared_ptr<icu::RegexMatcher> NewMatcher(const std::string& regex) {
-  const std::shared_ptr<const icu::RegexPattern> pattern = SharedPattern(regex);
-  if (!pattern) return nullptr;
-  UErrorCode status = U_ZERO_ERROR;
-  std::unique_ptr<icu::RegexMatcher> matcher(pattern->matcher(status));
-  CheckMemory(status);
-  if (U_FAILURE(status)) return nullptr;
-  // The matcher uses the pattern as long as it lives.
-  return {matcher.release(), [pattern](icu::RegexMatcher* finished) { delete finished; }};
-}
-
 }  // namespace
 
 RegExMappings::RegExMappings()
@@ -205,10 +165,10 @@ RegExMappings::RegExMappings()
 RegExMappings::~RegExMappings() = default;
 
 void RegExMappings::InitRegExMappings() {
-  percentMatcher = NewMatcher(percentRegex);
-  dollarMatcher = NewMatcher(dollarRegex);
-  commaMatcher = NewMatcher(commaRegex);
-  dotMatcher = NewMatcher(dotRegex);
+  percentMatcher = PatternMatcher(percentRegex);
+  dollarMatcher = PatternMatcher(dollarRegex);
+  commaMatcher = PatternMatcher(commaRegex);
+  dotMatcher = PatternMatcher(dotRegex);
   for (const RowText& text : kRows) {
     RegExToFormatMapping row;
     row.key = text.key;
@@ -218,7 +178,7 @@ void RegExMappings::InitRegExMappings() {
     row.formatName = text.formatName;
     row.icuPattern = text.icuPattern;
     row.regex = WithNames(text);
-    row.matcher = NewMatcher(row.regex);
+    row.matcher = PatternMatcher(row.regex);
     rows_.emplace(row.key, std::move(row));
   }
 }

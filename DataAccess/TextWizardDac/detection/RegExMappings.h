@@ -7,11 +7,9 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <string>
-#include <string_view>
 
-#include <unicode/regex.h>
+#include "detection/PatternMatcher.h"
 
 namespace textwizard {
 
@@ -26,8 +24,8 @@ struct RegExToFormatMapping {
   std::string icuPattern;
   // What recognises the layout in lower-cased text.
   std::string regex;
-  // Compiled from `regex`; shared by copies of the row. Null when the pattern does not compile.
-  std::shared_ptr<icu::RegexMatcher> matcher;
+  // Of `regex`; shared by copies of the row.
+  PatternMatcher matcher;
 };
 
 class RegExMappings {
@@ -41,7 +39,7 @@ class RegExMappings {
   const std::map<std::int32_t, RegExToFormatMapping>& regExMappings() const { return rows_; }
 
   std::string percentRegex, dollarRegex, commaRegex, dotRegex;
-  std::shared_ptr<icu::RegexMatcher> percentMatcher, dollarMatcher, commaMatcher, dotMatcher;
+  PatternMatcher percentMatcher, dollarMatcher, commaMatcher, dotMatcher;
 
  private:
   void InitRegExMappings();

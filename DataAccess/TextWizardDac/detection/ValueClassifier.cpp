@@ -20,18 +20,14 @@ std::string PatternText(const std::string& regex) {
 
 ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrangement)
     : trimDates_(arrangement != kDelimitedLines),
-      formMatchers_{table.percentMatcher.get(), table.dollarMatcher.get(), table.commaMatcher.get(),
-                    table.dotMatcher.get()} {
+      formMatchers_{table.percentMatcher, table.dollarMatcher, table.commaMatcher,
+                    table.dotMatcher} {
   std::vector<std::string> patterns;
   for (const auto& [key, row] : table.regExMappings()) {
-    if (row.matcher) usableRows_ |= std::uint64_t{1} << rows_.size();
     rows_.push_back(&row);
     patterns.push_back(PatternText(row.regex));
   }
   rowAutomaton_ = PatternAutomaton::Shared(patterns);
-  for (std::size_t i = 0; i < formMatchers_.size(); ++i) {
-    if (formMatchers_[i]) usableForms_ |= std::uint64_t{1} << i;
-  }
   formAutomaton_ =
       PatternAutomaton::Shared({PatternText(table.percentRegex), PatternText(table.dollarRegex),
                                 PatternText(table.commaRegex), PatternText(table.dotRegex)});
@@ -66,12 +62,15 @@ bool ValueClassifier::IsNumericSwapped(std::string_view value, char swapped) {
 
 NumberForms ValueClassifier::FormsOf(std::string_view value) {
   const PatternAutomaton::Verdict verdict = formAutomaton_->Match(value, formClasses_);
-  NumberForms forms(verdict.matched & usableForms_);
-  const NumberForms undecided(verdict.undecided & usableForms_);
-  if (undecided.none()) return forms;
-  const icu::UnicodeString& text = unicode_.Assign(value);
-  for (std::size_t i = 0; i < kNumberForms; ++i) {
-    if (undecided.test(i)) forms.set(i, Decide(formMatchers_[i], text));
+  NumberForms forms;
+  std::uint64_t candidates = verdict.matched | verdict.undecided;
+  const icu::UnicodeString* text = nullptr;
+  for (; candidates; candidates &= candidates - 1) {
+    const auto index = static_cast<std::size_t>(std::countr_zero(candidates));
+    if (!usableForms_.Has(index, formMatchers_[index])) continue;
+    const bool matched = (verdict.matched >> index & 1) != 0;
+    if (!matched && !text) text = &unicode_.Assign(value);
+    forms.set(index, matched || Decide(formMatchers_[index], *text));
   }
   return forms;
 }
@@ -79,13 +78,14 @@ NumberForms ValueClassifier::FormsOf(std::string_view value) {
 int ValueClassifier::IsDateTime(std::string_view value) {
   if (trimDates_) value = TrimLeft(TrimRight(value));
   const PatternAutomaton::Verdict verdict = rowAutomaton_->Match(value, rowClasses_);
-  std::uint64_t candidates = (verdict.matched | verdict.undecided) & usableRows_;
+  std::uint64_t candidates = verdict.matched | verdict.undecided;
   const icu::UnicodeString* text = nullptr;
   for (; candidates; candidates &= candidates - 1) {
     const auto index = static_cast<std::size_t>(std::countr_zero(candidates));
+    if (!usableRows_.Has(index, rows_[index]->matcher)) continue;
     if (verdict.matched >> index & 1) return rows_[index]->key;
     if (!text) text = &LowerCased(value);
-    if (Decide(rows_[index]->matcher.get(), *text)) return rows_[index]->key;
+    if (Decide(rows_[index]->matcher, *text)) return rows_[index]->key;
   }
   return 0;
 }
@@ -95,14 +95,15 @@ bool ValueClassifier::MatchesRow(std::string_view value, int key) {
       std::lower_bound(rows_.begin(), rows_.end(), key,
                        [](const RegExToFormatMapping* left, int k) { return left->key < k; });
   if (row == rows_.end() || (*row)->key != key) return false;
-  const std::uint64_t bit = (std::uint64_t{1} << (row - rows_.begin())) & usableRows_;
+  const auto index = static_cast<std::size_t>(row - rows_.begin());
+  const std::uint64_t bit = std::uint64_t{1} << index;
   const PatternAutomaton::Verdict verdict = rowAutomaton_->Match(value, rowClasses_);
-  if (verdict.matched & bit) return true;
-  if (!(verdict.undecided & bit)) return false;
-  return Decide((*row)->matcher.get(), LowerCased(value));
+  if (((verdict.matched | verdict.undecided) & bit) == 0) return false;
+  if (!usableRows_.Has(index, (*row)->matcher)) return false;
+  return (verdict.matched & bit) != 0 || Decide((*row)->matcher, LowerCased(value));
 }
 
-bool ValueClassifier::Decide(icu::RegexMatcher* matcher, const icu::UnicodeString& text) const {
+bool ValueClassifier::Decide(const PatternMatcher& matcher, const icu::UnicodeString& text) const {
   matcher->reset(text);
   UErrorCode status = U_ZERO_ERROR;
   const bool matches = matcher->matches(status);

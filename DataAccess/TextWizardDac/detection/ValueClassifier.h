@@ -62,17 +62,30 @@ class ValueClassifier {
   bool MatchesRow(std::string_view value, int key);
 
  private:
-  bool Decide(icu::RegexMatcher* matcher, const icu::UnicodeString& text) const;
+  // A pattern that the library cannot compile matches nothing. Found out where one is needed.
+  struct UsablePatterns {
+    std::uint64_t known = 0;
+    std::uint64_t usable = 0;
+    bool Has(std::size_t index, const PatternMatcher& matcher) {
+      const std::uint64_t bit = std::uint64_t{1} << index;
+      if ((known & bit) == 0) {
+        usable |= matcher ? bit : 0;
+        known |= bit;
+      }
+      return (usable & bit) != 0;
+    }
+  };
+
+  bool Decide(const PatternMatcher& matcher, const icu::UnicodeString& text) const;
   const icu::UnicodeString& LowerCased(std::string_view value);
 
   const bool trimDates_;
   NumericRule numeric_;
   // In key order: bit i of a date verdict is row i.
   std::vector<const RegExToFormatMapping*> rows_;
-  std::array<icu::RegexMatcher*, kNumberForms> formMatchers_;
-  // Patterns that the library could not compile match nothing: their bits are clear.
-  std::uint64_t usableRows_ = 0;
-  std::uint64_t usableForms_ = 0;
+  std::array<PatternMatcher, kNumberForms> formMatchers_;
+  UsablePatterns usableRows_;
+  UsablePatterns usableForms_;
   std::shared_ptr<const PatternAutomaton> rowAutomaton_;
   std::shared_ptr<const PatternAutomaton> formAutomaton_;
   std::array<unsigned char, 256> lower_;

@@ -228,5 +228,29 @@ TEST(ValueClassifier, ASwappedDecimalCharacterIsReadAsTheOtherOne) {
   EXPECT_FALSE(german.IsNumeric("1.5"));
 }
 
+// Patterns take long to compile, and most values show by other means what they are.
+TEST(ValueClassifier, CompilesThePatternsThatAreNeededAndNoOthers) {
+  const RegExMappings table;
+  ValueClassifier classifier(table, kDelimitedLines);
+  const auto compiled = [&table] {
+    int count = table.percentMatcher.compiled() + table.dollarMatcher.compiled() +
+                table.commaMatcher.compiled() + table.dotMatcher.compiled();
+    for (const auto& [key, row] : table.regExMappings()) count += row.matcher.compiled();
+    return count;
+  };
+  for (const char* const value : {"some text", "-x", "caf\xC3\xA9"}) {
+    EXPECT_EQ(classifier.IsDateTime(value), 0) << value;
+    EXPECT_TRUE(classifier.FormsOf(value).none()) << value;
+  }
+  EXPECT_EQ(compiled(), 0);
+  EXPECT_EQ(classifier.IsDateTime("31.12.1999"), 1004);
+  EXPECT_EQ(compiled(), 1);
+  EXPECT_TRUE(classifier.Is(NumberForm::kDollar, "$5"));
+  EXPECT_EQ(compiled(), 2);
+  // A digit of another script is left to the expressions.
+  EXPECT_TRUE(classifier.Is(NumberForm::kComma, "1,\xEF\xBC\x92\x33\x34"));
+  EXPECT_GT(compiled(), 2);
+}
+
 }  // namespace
 }  // namespace textwizard
