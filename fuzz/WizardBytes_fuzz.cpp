@@ -122,9 +122,7 @@ class PlainFile {
     } else if (encoding == "UTF-8") {
       mode_ = Mode::kUtf8;
     } else if (encoding == "UTF-16LE" || encoding == "UTF-16BE") {
-      // Such a file is taken to have its mark.
       mode_ = encoding == "UTF-16LE" ? Mode::kLittleEndian : Mode::kBigEndian;
-      at_ = 2;
     }
   }
 

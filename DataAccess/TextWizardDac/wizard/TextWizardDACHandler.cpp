@@ -96,8 +96,10 @@ void TextWizardDACHandler::ChooseMode(const std::string& encoding) {
     noMark_ = true;
   } else if (encoding == "UTF-16LE") {
     mode_ = kWizardUtf16LittleEndian;
+    noMark_ = true;
   } else if (encoding == "UTF-16BE") {
     mode_ = kWizardUtf16BigEndian;
+    noMark_ = true;
   } else if (encoding != "UTF-16" || !noMark_) {
     mode_ = kWizardBytes;
   }

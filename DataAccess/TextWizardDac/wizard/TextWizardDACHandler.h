@@ -30,8 +30,7 @@ class TextWizardDACHandler : public PackageProxy, public TwExecInput {
   // A line of more than 256 MiB comes as several records.
   bool GetRecord(char** record) override;
   bool CloseFile() override;
-  // Moves to the first record: behind the byte-order mark, which every UTF-16 file is taken to
-  // have. False without a file.
+  // Moves to the first record, behind the byte-order mark if there is one. False without a file.
   bool SeekBegin();
 
   // The numbered calls: 1002 open, 1003 rewind, 1004 record, 1005 close. A failure is answered in
@@ -66,8 +65,8 @@ class TextWizardDACHandler : public PackageProxy, public TwExecInput {
   // The first line is longer than what is read of one.
   bool truncated_ = false;
   int mode_ = kWizardBytes;
-  // A file was opened as UTF-8 and had no byte-order mark. Stays set until one is met: with it the
-  // name "UTF-16" keeps the mode of the file before.
+  // A file was opened by the name of a Unicode encoding and had no byte-order mark. Stays set until
+  // one is met: with it the name "UTF-16" keeps the mode of the file before.
   bool noMark_ = false;
   std::string encoding_;
 };

@@ -140,10 +140,24 @@ TEST_F(WizardTest, Utf16KeepsTheModeOnlyOnceAFileHadNoMark) {
   EXPECT_EQ(first("Locale"), "\u00c3\u00a9");
 }
 
-TEST_F(WizardTest, AUtf16FileIsTakenToHaveAMark) {
+TEST_F(WizardTest, AUtf16FileWithoutAMarkBeginsWithItsFirstCharacter) {
   for (const bool bigEndian : {false, true}) {
     const char* const name = bigEndian ? "UTF-16BE" : "UTF-16LE";
-    EXPECT_EQ(RecordsOf(Utf16(u"abc\nd", bigEndian), name), (std::vector<std::string>{"bc", "d"}));
+    const std::string text = Utf16(u"abc\nd", bigEndian);
+    EXPECT_EQ(RecordsOf(text, name), (std::vector<std::string>{"abc", "d"}));
+    // Also after it was rewound, and by the name that keeps the mode of a file without a mark.
+    const std::string path = File(text);
+    for (const char* const encoding : {name, "UTF-16"}) {
+      ASSERT_TRUE(handler_.OpenFile(path, encoding));
+      EXPECT_EQ(Records(handler_), (std::vector<std::string>{"abc", "d"})) << encoding;
+      EXPECT_TRUE(handler_.SeekBegin());
+      EXPECT_EQ(Records(handler_), (std::vector<std::string>{"abc", "d"})) << encoding;
+      EXPECT_TRUE(handler_.CloseFile());
+    }
+    // A mark that is met clears it.
+    ASSERT_TRUE(handler_.OpenFile(File(Utf16(u"\uFEFFabc", bigEndian)), name));
+    EXPECT_EQ(Records(handler_), std::vector<std::string>{"abc"});
+    EXPECT_TRUE(handler_.CloseFile());
   }
 }
 
