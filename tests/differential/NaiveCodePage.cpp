@@ -75,8 +75,14 @@ std::string Encoded(UConverter* converter, std::u16string units) {
   return text;
 }
 
-// The text with a question mark for what is no character in it.
-std::string Repaired(UConverter* converter, const std::string& text) {
+struct Character {
+  // One unit or two.
+  std::u16string units;
+  std::string bytes;
+};
+
+// The text character by character; what is no character comes in runs as the page's rules cut it.
+std::vector<Character> Characters(UConverter* converter, const std::string& text) {
   std::vector<UChar> units(text.size() * 2 + 8);
   std::vector<int32_t> offsets(units.size());
   UChar* out = units.data();
@@ -87,17 +93,20 @@ std::string Repaired(UConverter* converter, const std::string& text) {
                  &error);
   RequireSuccess(error);
   const auto count = static_cast<std::size_t>(out - units.data());
-  std::string repaired;
+  std::vector<Character> characters;
   for (std::size_t i = 0; i < count;) {
+    const std::size_t first = i;
     const auto from = static_cast<std::size_t>(offsets[i]);
-    const bool isCharacter = units[i] != kNoCharacter;
     // A character may be two units.
     for (++i; i < count && offsets[i] == offsets[i - 1];) ++i;
     const auto end = i < count ? static_cast<std::size_t>(offsets[i]) : text.size();
-    repaired += isCharacter ? text.substr(from, end - from) : "?";
+    characters.push_back(
+        {std::u16string(units.data() + first, i - first), text.substr(from, end - from)});
   }
-  return repaired;
+  return characters;
 }
+
+bool IsNoCharacter(const std::u16string& units) { return units.front() == kNoCharacter; }
 
 }  // namespace
 
@@ -167,20 +176,36 @@ std::string CodePageText::ToHost(UConverter* from, const std::string& text) cons
   return Encoded(host_.get(), Decoded(from, text));
 }
 
-std::string CodePageText::FromRecord(const std::string& raw) const {
-  if (records_ == Records::kLocale) {
+std::vector<Piece> CodePageText::Pieces(const std::string& raw) const {
+  const bool fromUtf8 = records_ == Records::kUtf8 && !utf8Host_;
+  if (records_ != Records::kLocale && !fromUtf8) return HostText::Pieces(raw);
+  UConverter* const from = fromUtf8 ? utf8_.get() : source_.get();
+  const std::u16string controls = DecodedByIcu(from, "\x1A\x1C\x7F");
+  std::vector<Piece> pieces;
+  for (auto& [units, bytes] : Characters(from, raw)) {
+    const bool none = IsNoCharacter(units);
+    Reorder(units, controls, kControls);
     // Some pages have two codes for a character: text that stays in its page keeps its own.
-    return utf8Host_ ? ToHost(source_.get(), raw) : Repaired(source_.get(), raw);
+    const bool stays = records_ == Records::kLocale && !utf8Host_;
+    const std::string text = stays ? (none ? "?" : bytes) : Encoded(host_.get(), units);
+    // Only a question mark itself is one in a page that has the character.
+    const bool lacks = !utf8Host_ && text == "?" && units != u"?";
+    pieces.push_back({text, bytes.size(), none || lacks});
   }
-  if (records_ == Records::kUtf8 && !utf8Host_) return ToHost(utf8_.get(), raw);
-  return raw;
+  return pieces;
+}
+
+std::string CodePageText::FromRecord(const std::string& raw) const {
+  std::string text;
+  for (const Piece& piece : Pieces(raw)) text += piece.text;
+  return text;
 }
 
 std::string CodePageText::FromUtf8(const std::string& text) const {
   return ToHost(utf8_.get(), text);
 }
 
-void CodePageText::Append(std::string& text, char32_t ch) const {
+bool CodePageText::Append(std::string& text, char32_t ch) const {
   std::u16string units;
   if (ch == kInvalid) {
     units += kNoCharacter;
@@ -190,7 +215,9 @@ void CodePageText::Append(std::string& text, char32_t ch) const {
     units += U16_LEAD(ch);
     units += U16_TRAIL(ch);
   }
-  text += Encoded(host_.get(), units);
+  const std::string encoded = Encoded(host_.get(), units);
+  text += encoded;
+  return !IsNoCharacter(units) && (utf8Host_ || encoded != "?" || ch == U'?');
 }
 
 }  // namespace naive

@@ -4,10 +4,11 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <unicode/ucnv.h>
 
-#include "tests/differential/NaiveImport.h"
+#include "tests/differential/NaiveText.h"
 
 namespace naive {
 
@@ -23,8 +24,11 @@ class CodePageText : public HostText {
 
   std::size_t Decode(const std::string& text, std::size_t at, char32_t* ch) const override;
   std::size_t UnfinishedTail(const std::string& text) const override;
-  std::string FromRecord(const std::string& raw) const override;
-  void Append(std::string& text, char32_t ch) const override;
+  std::vector<Piece> Pieces(const std::string& raw) const override;
+  bool Append(std::string& text, char32_t ch) const override;
+
+  // An 8-bit record that is not empty.
+  std::string FromRecord(const std::string& raw) const;
 
   // A UTF-8 text as host text.
   std::string FromUtf8(const std::string& text) const;

@@ -1,286 +1,151 @@
 #include "tests/differential/NaiveImport.h"
 
+#include <algorithm>
+#include <tuple>
+
 #include "HostFramework/ValueInput.h"
+#include "tests/differential/NaiveFields.h"
+#include "tests/differential/NaiveRecords.h"
 
 namespace naive {
-
-std::size_t HostText::Decode(const std::string& text, std::size_t at, char32_t* ch) const {
-  const auto byte = [&](std::size_t i) -> unsigned {
-    return at + i < text.size() ? static_cast<unsigned char>(text[at + i]) : 0U;
-  };
-  const auto tail = [&](std::size_t i) { return (byte(i) & 0xC0U) == 0x80U; };
-  const unsigned first = byte(0);
-  if (first < 0x80) {
-    *ch = first;
-    return first == 0 ? 0 : 1;
-  }
-  if (first >= 0xC2 && first <= 0xDF && tail(1)) {
-    *ch = (first & 0x1FU) << 6 | (byte(1) & 0x3FU);
-    return 2;
-  }
-  if ((first & 0xF0U) == 0xE0U && tail(1) && tail(2)) {
-    const char32_t c = (first & 0x0FU) << 12 | (byte(1) & 0x3FU) << 6 | (byte(2) & 0x3FU);
-    if (c < 0x800 || (c >= 0xD800 && c <= 0xDFFF)) return 0;
-    *ch = c;
-    return 3;
-  }
-  if (first >= 0xF0 && first <= 0xF4 && tail(1) && tail(2) && tail(3)) {
-    const char32_t c = (first & 0x07U) << 18 | (byte(1) & 0x3FU) << 12 | (byte(2) & 0x3FU) << 6 |
-                       (byte(3) & 0x3FU);
-    if (c < 0x10000 || c > 0x10FFFF) return 0;
-    *ch = c;
-    return 4;
-  }
-  return 0;
-}
-
-void HostText::Append(std::string& out, char32_t c) const {
-  if (c == kInvalid) c = 0xFFFD;
-  const auto put = [&](char32_t value) { out += static_cast<char>(value); };
-  if (c < 0x80) {
-    put(c);
-  } else if (c < 0x800) {
-    put(0xC0 | c >> 6);
-    put(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    put(0xE0 | c >> 12);
-    put(0x80 | (c >> 6 & 0x3F));
-    put(0x80 | (c & 0x3F));
-  } else {
-    put(0xF0 | c >> 18);
-    put(0x80 | (c >> 12 & 0x3F));
-    put(0x80 | (c >> 6 & 0x3F));
-    put(0x80 | (c & 0x3F));
-  }
-}
-
-std::size_t HostText::UnfinishedTail(const std::string& text) const {
-  for (std::size_t length = 3; length > 0; --length) {
-    if (length > text.size()) continue;
-    const std::string tail = text.substr(text.size() - length);
-    char32_t ch = 0;
-    if (static_cast<unsigned char>(tail[0]) < 0xC2 || Decode(tail, 0, &ch) != 0) continue;
-    for (const char* rest : {"\x80", "\xBF", "\x80\x80", "\xBF\x80", "\x80\x80\x80"}) {
-      const std::string whole = tail + rest;
-      if (Decode(whole, 0, &ch) == whole.size()) return length;
-    }
-    // A second byte that the first allows decides what may follow.
-    if (length == 1) {
-      for (const char* rest : {"\xA0\x80", "\x90\x80\x80"}) {
-        const std::string whole = tail + rest;
-        if (Decode(whole, 0, &ch) == whole.size()) return length;
-      }
-    }
-  }
-  return 0;
-}
-
 namespace {
 
-std::string LeadingBlanksRemoved(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  return first == std::string::npos ? std::string() : text.substr(first);
+using Kind = ImportProblemKind;
+
+constexpr int kString = 1;
+
+bool IsNumberFormat(int format) {
+  constexpr int kNumbers[] = {3, 4, 5, 16, 17, 31, 32};
+  return std::find(std::begin(kNumbers), std::end(kNumbers), format) != std::end(kNumbers);
+}
+
+std::string Trimmed(const std::string& text, const char* blanks) {
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
 }
 
 class Reader {
  public:
   Reader(const std::string& bytes, const Settings& settings, const std::vector<Variable>& variables,
          const HostText& host)
-      : bytes_(bytes), settings_(settings), variables_(variables), host_(host) {}
+      : bytes_(bytes),
+        settings_(settings),
+        variables_(variables),
+        host_(host),
+        cutter_(settings, host),
+        records_(bytes, host) {
+    std::int32_t column = 0;
+    for (const Variable& variable : variables) {
+      columns_.push_back(variable.format == 0 ? -1 : column++);
+    }
+    if (settings.lines == Lines::kFixed) {
+      watched().textsBeyondColumn.resize(static_cast<std::size_t>(column));
+    }
+  }
 
   Import Run() {
-    StepOverMark();
-    std::int64_t count = settings_.lines == Lines::kCounted ? 0 : 1;
-    for (; count != settings_.firstCase; ++count) {
-      if (!NextRecord(true)) break;
-    }
-    Case values;
+    AddSpan(ImportSpan::kMark, records_.markBytes());
+    SkipPreamble();
+    bool dataEnded = false;
     while (import_.cases.size() != settings_.caseLimit.value_or(SIZE_MAX)) {
-      values.clear();
-      const bool read = settings_.lines == Lines::kOneCase   ? ReadLineCase(values)
-                        : settings_.lines == Lines::kCounted ? ReadCountedCase(values)
-                                                             : ReadFixedCase(values);
-      if (!read) break;
-      import_.cases.push_back(values);
+      values_.clear();
+      cells_ = Cells();
+      span_ = CaseSpan();
+      problems_.clear();
+      const bool read = settings_.lines == Lines::kOneCase   ? ReadLineCase()
+                        : settings_.lines == Lines::kCounted ? ReadCountedCase()
+                                                             : ReadFixedCase();
+      if (!read) {
+        dataEnded = true;
+        break;
+      }
+      EndCase();
     }
+    if (dataEnded) AddSpan(ImportSpan::kSkipped, records_.position());
+    AddSpan(ImportSpan::kUnread, static_cast<std::int64_t>(bytes_.size()));
     return std::move(import_);
   }
 
  private:
-  void StepOverMark() {
-    if (bytes_.starts_with("\xEF\xBB\xBF")) {
-      at_ = 3;
-    } else if (bytes_.starts_with("\xFE\xFF")) {
-      at_ = 2;
-      bigEndian_ = true;
-    } else if (bytes_.starts_with("\xFF\xFE")) {
-      at_ = 2;
-      littleEndian_ = true;
-    }
+  Watched& watched() { return import_.watched; }
+  std::int64_t caseNumber() const { return static_cast<std::int64_t>(import_.cases.size()) + 1; }
+
+  void SkipPreamble() {
+    std::int64_t count = settings_.lines == Lines::kCounted ? 0 : 1;
+    bool found = true;
+    for (; found && count != settings_.firstCase; ++count) found = records_.Next(true, record_);
+    const bool inRecord = settings_.lines == Lines::kCounted && found && settings_.firstCase > 0;
+    AddSpan(ImportSpan::kPreamble, inRecord ? record_.begin : records_.position());
+    // An empty line is no record.
+    recordIsNew_ = inRecord && !record_.text.empty();
+  }
+
+  // The stretch up to `end`.
+  void AddSpan(ImportSpan::Kind kind, std::int64_t end) {
+    AppendSpan(watched().spans, {kind, spansEnd_, end - spansEnd_, 0, 0, 0});
+    spansEnd_ = end;
+  }
+
+  // The record has given a case something.
+  void UseRecord() {
+    if (!recordIsNew_) return;
+    recordIsNew_ = false;
+    AddSpan(ImportSpan::kSkipped, record_.begin);
+    AppendSpan(watched().spans, {ImportSpan::kRecords, record_.begin, record_.end - record_.begin,
+                                 1, record_.lineEndBytes, record_.droppedBytes});
+    spansEnd_ = record_.end;
+    ++watched().recordsInCases;
+    if (record_.droppedBytes > 0) AddRecordProblem(Kind::kNul, record_.droppedBytes, record_.text);
   }
 
   bool NextRecord(bool keepEmpty) {
-    while (true) {
-      bool atEnd = false;
-      const bool wide = bigEndian_ || littleEndian_;
-      const std::string read = wide ? Units(&atEnd) : Bytes(&atEnd);
-      if (!read.empty() || (keepEmpty && !atEnd)) {
-        record_ = wide || read.empty() ? read : host_.FromRecord(read);
-        return true;
-      }
-      if (atEnd) {
-        record_.clear();
-        return false;
-      }
-    }
+    recordIsNew_ = records_.Next(keepEmpty, record_);
+    cursor_ = 0;
+    return recordIsNew_;
   }
 
-  std::string Bytes(bool* atEnd) {
-    std::string record;
-    while (true) {
-      if (at_ == bytes_.size()) {
-        *atEnd = true;
-        return record;
-      }
-      const char c = bytes_[at_++];
-      if (c == '\n') return record;
-      if (c == '\r') {
-        if (at_ < bytes_.size() && bytes_[at_] == '\n') ++at_;
-        return record;
-      }
-      if (c != '\0') record += c;
-    }
+  bool NextField(Field& field) {
+    std::vector<std::size_t> undecodable;
+    const bool found = cutter_.Next(record_, cursor_, field, &undecodable);
+    for (const std::size_t at : undecodable) import_.undecodable.emplace_back(caseNumber(), at);
+    if (found) UseRecord();
+    return found;
   }
 
-  // The next two bytes as first + 256 * second, each 255 where the file has ended.
-  unsigned Unit(std::size_t* read) {
-    *read = 0;
-    const auto next = [&]() -> unsigned {
-      if (at_ == bytes_.size()) return 0xFF;
-      ++*read;
-      return static_cast<unsigned char>(bytes_[at_++]);
-    };
-    const unsigned first = next();
-    return first + 256 * next();
+  void BeginSpan(std::int64_t begin) {
+    if (span_.line != 0) return;
+    span_.line = record_.line;
+    span_.begin = begin;
+    firstRecord_ = record_;
   }
 
-  std::string Units(bool* atEnd) {
-    std::vector<unsigned> units;
-    std::size_t read = 0;
-    while (true) {
-      const unsigned unit = Unit(&read);
-      if (unit == 0xFFFF) {
-        *atEnd = true;
-        break;
-      }
-      if (unit == 0x000D || unit == 0x0D00) {
-        const unsigned follower = Unit(&read);
-        if (follower != (littleEndian_ ? 0x000AU : 0x0A00U)) at_ -= read;
-        break;
-      }
-      if (unit == 0x000A || unit == 0x0A00) break;
-      units.push_back(unit);
-    }
-    std::string text;
-    for (std::size_t i = 0; i < units.size(); ++i) {
-      const auto value = [&](std::size_t k) -> char32_t {
-        const unsigned u = units[k];
-        return littleEndian_ ? u : (u & 0xFFU) << 8 | u >> 8;
-      };
-      char32_t c = value(i);
-      if (c == 0) break;
-      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < units.size() && value(i + 1) >= 0xDC00 &&
-          value(i + 1) <= 0xDFFF) {
-        c = 0x10000 + ((c - 0xD800) << 10) + (value(++i) - 0xDC00);
-      } else if (c >= 0xD800 && c <= 0xDFFF) {
-        c = HostText::kInvalid;
-      }
-      host_.Append(text, c);
-    }
-    return text;
+  void AddRecordProblem(Kind kind, std::int64_t amount, const std::string& text,
+                        std::int32_t variable = -1) {
+    problems_.push_back({kind, variable, caseNumber(), record_.line, record_.begin, amount, text});
   }
 
-  bool IsDelimiter(char32_t c) const {
-    return settings_.delimiters.find(c) != std::u32string::npos;
+  void AddFieldProblem(Kind kind, std::int32_t variable, const Field& field,
+                       std::int64_t amount = 0) {
+    problems_.push_back({kind, variable, caseNumber(), record_.line, record_.PlaceOf(field.begin),
+                         amount, field.text});
   }
-  bool IsQualifier(char32_t c) const { return c != 0 && c == settings_.qualifier; }
 
-  // The next field of the record at `cursor`; false when the record was used up before.
-  bool NextField(std::string& field, std::size_t& cursor) {
-    field.clear();
-    if (cursor >= record_.size()) return false;
-    const bool blankCuts = IsDelimiter(U' ');
-    int state = 0;
-    bool ended = false;
-    // Bytes of each character of the field.
-    std::vector<std::size_t> lengths;
-    while (!ended && cursor < record_.size()) {
-      char32_t c = 0;
-      std::size_t length = host_.Decode(record_, cursor, &c);
-      if (length == 0) {
-        import_.undecodable.emplace_back(static_cast<std::int64_t>(import_.cases.size()) + 1,
-                                         cursor);
-        length = 1;
-        c = static_cast<unsigned char>(record_[cursor]);
-      }
-      const std::string bytes = record_.substr(cursor, length);
-      cursor += length;
-      const std::size_t before = field.size();
-      switch (state) {
-        case 0:
-          if (c == U' ' && blankCuts && (settings_.multipleSpaces || settings_.leadingSpaces)) {
-            field += ' ';
-          } else if (IsDelimiter(c)) {
-            ended = true;
-          } else if (IsQualifier(c)) {
-            state = 2;
-          } else {
-            field += bytes;
-            state = 1;
-          }
-          break;
-        case 1:
-          if (c == U' ' && blankCuts) {
-            const char next = cursor < record_.size() ? record_[cursor] : '\0';
-            const bool otherDelimiter =
-                next != ' ' && next != '\0' && IsDelimiter(static_cast<unsigned char>(next));
-            ended = !(otherDelimiter && settings_.multipleSpaces);
-          } else if (IsDelimiter(c)) {
-            ended = true;
-          } else if (IsQualifier(c)) {
-            if (!field.empty() && field.front() == ' ') {
-              field.resize(field.size() - lengths.back());
-              lengths.pop_back();
-            }
-            state = 2;
-          } else {
-            field += bytes;
-          }
-          break;
-        case 2:
-          if (IsQualifier(c)) {
-            state = 3;
-          } else {
-            field += bytes;
-          }
-          break;
-        default:
-          if (IsQualifier(c)) {
-            field += bytes;
-            state = 2;
-          } else if (IsDelimiter(c)) {
-            ended = true;
-          } else {
-            state = 1;
-          }
-      }
-      if (field.size() > before) lengths.push_back(field.size() - before);
-    }
-    if (settings_.leadingSpaces) field = LeadingBlanksRemoved(field);
-    if (settings_.multipleSpaces && blankCuts) {
-      for (std::size_t at; (at = field.find("  ")) != std::string::npos;) field.erase(at, 1);
-    }
-    return true;
+  void AddQuotes(std::int32_t variable, const Field& field) {
+    if (field.openQuote) AddFieldProblem(Kind::kOpenQuote, variable, field);
+    if (field.strayQuote) AddFieldProblem(Kind::kStrayQuote, variable, field);
+  }
+
+  void EndCase() {
+    span_.caseNumber = caseNumber();
+    // Stable: kinds of one field stay in the order of their declaration.
+    std::stable_sort(problems_.begin(), problems_.end(), [](const Problem& a, const Problem& b) {
+      return std::tie(a.byte, a.variable, a.kind) < std::tie(b.byte, b.variable, b.kind);
+    });
+    watched().problems.insert(watched().problems.end(), problems_.begin(), problems_.end());
+    if (!problems_.empty()) watched().cases.push_back(span_);
+    watched().cells.push_back(cells_);
+    import_.cases.push_back(values_);
   }
 
   static std::string Dated(const Variable& variable, const std::string& f) {
@@ -309,113 +174,240 @@ class Reader {
     return variable.fieldWidth != 0 ? variable.fieldWidth : variable.width;
   }
 
-  Cell Converted(const Variable& variable, std::string field) const {
+  Cell StringCell(const Variable& variable, std::string field) const {
     Cell cell;
-    if (variable.format == 1) {
-      cell.isString = true;
-      if (field.size() > FieldWidth(variable) && settings_.leadingSpaces) {
-        field = LeadingBlanksRemoved(field);
-      }
-      // What fits, in whole characters; an unfinished one at the end is none.
-      if (field.size() > variable.width) field.resize(field.size() - host_.UnfinishedTail(field));
-      std::size_t kept = 0;
-      while (kept < field.size()) {
-        char32_t c = 0;
-        std::size_t length = host_.Decode(field, kept, &c);
-        if (length == 0) length = 1;
-        if (kept + length > variable.width) break;
-        kept += length;
-      }
-      cell.text = field.substr(0, kept);
-      while (!cell.text.empty() && cell.text.back() == ' ') cell.text.pop_back();
-      return cell;
+    cell.isString = true;
+    if (field.size() > FieldWidth(variable) && settings_.leadingSpaces) {
+      field = LeadingBlanksRemoved(field);
     }
-    const std::string text = Dated(variable, field);
-    double value = 0.0;
-    if (IocvConvertInput(text.data(), text.size(), variable.format, 0, &value) == 0) {
-      cell.number = value;
+    // What fits, in whole characters; an unfinished one at the end is none.
+    if (field.size() > variable.width) field.resize(field.size() - host_.UnfinishedTail(field));
+    std::size_t kept = 0;
+    while (kept < field.size()) {
+      char32_t c = 0;
+      std::size_t length = host_.Decode(field, kept, &c);
+      if (length == 0) length = 1;
+      if (kept + length > variable.width) break;
+      kept += length;
     }
+    cell.text = field.substr(0, kept);
+    while (!cell.text.empty() && cell.text.back() == ' ') cell.text.pop_back();
     return cell;
   }
 
-  void Missing(const Variable& variable, Case& values) const {
+  // `taken`: the text that the value is made of; of a string in fixed columns more than its field.
+  void TakeField(std::size_t index, const Field& field, const std::string& taken) {
+    const Variable& variable = variables_[index];
+    const std::int32_t column = columns_[index];
+    if (field.undecodable > 0) {
+      AddFieldProblem(Kind::kUndecodable, column, field, field.undecodable);
+    }
+    AddQuotes(column, field);
     if (variable.format == 0) return;
-    if (variable.format == 1) {
-      values.push_back(Converted(variable, ""));
-    } else {
-      values.emplace_back();
+    if (variable.format == kString) {
+      const std::string text = Trimmed(field.text, " ");
+      ++(text.empty() ? cells_.empty : cells_.read);
+      const std::string kept = field.text.substr(0, field.text.find_last_not_of(' ') + 1);
+      if (kept.size() > variable.width) AddFieldProblem(Kind::kCut, column, field);
+      values_.push_back(StringCell(variable, taken));
+      return;
+    }
+    values_.emplace_back();
+    const std::string text = Trimmed(field.text, " \t");
+    const auto& nulls = settings_.nullTexts;
+    if (text.empty()) {
+      ++cells_.empty;
+      return;
+    }
+    if (std::find(nulls.begin(), nulls.end(), text) != nulls.end()) {
+      ++cells_.null;
+      return;
+    }
+    const std::string dated = Dated(variable, field.text);
+    double value = 0.0;
+    if (IocvConvertInput(dated.data(), dated.size(), variable.format, 0, &value) != 0) {
+      ++cells_.unreadable;
+      AddFieldProblem(Kind::kUnreadable, column, field);
+      return;
+    }
+    ++cells_.read;
+    values_.back().number = value;
+    if (IsNumberFormat(variable.format) && IsRounded(field.text, value)) {
+      AddFieldProblem(Kind::kRounded, column, field);
     }
   }
 
-  bool ReadLineCase(Case& values) {
+  void TakeNothing(std::size_t index) {
+    const Variable& variable = variables_[index];
+    if (variable.format == 0) return;
+    values_.emplace_back();
+    values_.back().isString = variable.format == kString;
+  }
+
+  bool ReadLineCase() {
     if (!NextRecord(false)) return false;
-    std::size_t cursor = 0;
-    std::string field;
-    for (const Variable& variable : variables_) {
-      NextField(field, cursor);
-      if (variable.format != 0) values.push_back(Converted(variable, field));
+    BeginSpan(record_.begin);
+    span_.end = record_.end;
+    std::int64_t absent = 0;
+    // Behind a delimiter at the record's end is one more field, an empty one.
+    bool emptyFollows = false;
+    Field field;
+    for (std::size_t i = 0; i < variables_.size(); ++i) {
+      if (NextField(field)) {
+        TakeField(i, field, field.text);
+        emptyFollows = field.delimited;
+        continue;
+      }
+      TakeNothing(i);
+      if (variables_[i].format != 0) {
+        ++(emptyFollows ? cells_.empty : cells_.absent);
+        if (!emptyFollows) ++absent;
+      }
+      emptyFollows = false;
+    }
+    UseRecord();
+    if (absent > 0) AddRecordProblem(Kind::kFewFields, absent, record_.text);
+    if (!cutter_.IsEmptyRest(record_, cursor_)) {
+      AddRecordProblem(Kind::kSurplus, 0, record_.text.substr(cursor_));
+      while (cutter_.Next(record_, cursor_, field, nullptr)) AddQuotes(-1, field);
     }
     return true;
   }
 
-  bool ReadCountedCase(Case& values) {
-    std::string field;
+  bool ReadCountedCase() {
     bool linesLeft = true;
     for (std::size_t i = 0; i < variables_.size(); ++i) {
-      const Variable& variable = variables_[i];
-      bool found = NextField(field, countedCursor_);
+      Field field;
+      bool found = NextField(field);
       while (!found && linesLeft) {
         linesLeft = NextRecord(false);
-        countedCursor_ = 0;
-        if (linesLeft) found = NextField(field, countedCursor_);
+        if (linesLeft) found = NextField(field);
       }
       if (!found && i == 0) return false;
-      if (!found) {
-        Missing(variable, values);
-      } else if (variable.format != 0) {
-        values.push_back(Converted(variable, field));
+      if (found) {
+        BeginSpan(record_.PlaceOf(field.begin));
+        span_.end = cursor_ < record_.text.size() ? record_.PlaceOf(cursor_) : record_.end;
+        TakeField(i, field, field.text);
+      } else {
+        TakeNothing(i);
+        if (variables_[i].format != 0) ++cells_.absent;
       }
+      if (!found && i + 1 == variables_.size()) AddIncomplete();
     }
     return true;
   }
 
-  bool ReadFixedCase(Case& values) {
+  void AddIncomplete() {
+    const Record last = record_;
+    record_ = firstRecord_;
+    AddRecordProblem(Kind::kIncompleteCase, cells_.absent, record_.text);
+    record_ = last;
+  }
+
+  bool ReadFixedCase() {
     std::vector<Case> byVariable(variables_.size());
     // Of this case; the next one tries again, as a unit FFFF only looks like the end.
     bool atEnd = false;
+    // Cells of lines that the case should have had.
+    std::int64_t lost = 0;
     for (std::size_t line = 1; line <= settings_.recordsPerCase; ++line) {
       const bool read = atEnd ? false : NextRecord(true);
       if (!read && line == 1) return false;
       if (!read) atEnd = true;
+      if (read) {
+        UseRecord();
+        BeginSpan(record_.begin);
+        span_.end = record_.end;
+      }
       for (std::size_t i = 0; i < variables_.size(); ++i) {
         const Variable& variable = variables_[i];
         if (variable.record != line || variable.format == 0) continue;
-        if (read && variable.start <= record_.size()) {
-          byVariable[i].push_back(
-              Converted(variable, record_.substr(variable.start, FieldWidth(variable))));
+        values_.clear();
+        if (read && variable.start <= record_.text.size()) {
+          TakeColumn(i);
         } else {
-          Missing(variable, byVariable[i]);
+          TakeNothing(i);
+          ++cells_.absent;
+          if (read) AddRecordProblem(Kind::kShortRecord, 0, record_.text, columns_[i]);
+          if (!read) ++lost;
         }
+        byVariable[i] = values_;
       }
     }
+    if (atEnd) {
+      const std::int64_t absent = cells_.absent;
+      cells_.absent = lost;
+      AddIncomplete();
+      cells_.absent = absent;
+    }
+    Case values;
     for (std::size_t i = 0; i < variables_.size(); ++i) {
       if (variables_[i].format == 0) continue;
-      if (byVariable[i].empty()) Missing(variables_[i], byVariable[i]);
+      if (byVariable[i].empty()) {
+        // On a line that no case has.
+        values_.clear();
+        TakeNothing(i);
+        ++cells_.absent;
+        byVariable[i] = values_;
+      }
       values.push_back(byVariable[i].front());
     }
+    values_ = values;
     return true;
+  }
+
+  void TakeColumn(std::size_t index) {
+    const Variable& variable = variables_[index];
+    Field field;
+    field.begin = variable.start;
+    field.text = record_.text.substr(variable.start, variable.width);
+    for (std::size_t at = 0; at < record_.text.size();) {
+      char32_t c = 0;
+      const std::size_t length = host_.Decode(record_.text, at, &c);
+      const bool inField = at >= variable.start && at - variable.start < variable.width;
+      if (inField && (length == 0 || record_.substitutes[at])) ++field.undecodable;
+      at += std::max<std::size_t>(length, 1);
+    }
+    TakeField(index, field, record_.text.substr(variable.start, FieldWidth(variable)));
+    CountBeyond(index);
+  }
+
+  void CountBeyond(std::size_t index) {
+    const Variable& variable = variables_[index];
+    const std::size_t behind = variable.start + variable.width;
+    if (record_.text.size() <= behind) return;
+    if (record_.text[behind - 1] == ' ' || record_.text[behind] == ' ') return;
+    for (const Variable& other : variables_) {
+      if (other.record == variable.record && other.start <= behind &&
+          behind < other.start + other.width) {
+        return;
+      }
+    }
+    ++watched().textsBeyondColumn[static_cast<std::size_t>(columns_[index])];
   }
 
   const std::string& bytes_;
   const Settings& settings_;
   const std::vector<Variable>& variables_;
   const HostText& host_;
-  std::size_t at_ = 0;
-  bool bigEndian_ = false;
-  bool littleEndian_ = false;
-  std::string record_;
-  std::size_t countedCursor_ = 0;
+  const FieldCutter cutter_;
+  RecordCutter records_;
+  // Among the imported variables; -1 for a skipped one.
+  std::vector<std::int32_t> columns_;
+  std::int64_t spansEnd_ = 0;
   Import import_;
+
+  Record record_;
+  std::size_t cursor_ = 0;
+  // The record has not given any case anything yet.
+  bool recordIsNew_ = false;
+
+  // The case in hand.
+  Case values_;
+  Cells cells_;
+  CaseSpan span_;
+  Record firstRecord_;
+  std::vector<Problem> problems_;
 };
 
 }  // namespace

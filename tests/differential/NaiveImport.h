@@ -10,6 +10,9 @@
 #include <utility>
 #include <vector>
 
+#include "tests/differential/NaiveText.h"
+#include "tests/differential/NaiveWatch.h"
+
 namespace naive {
 
 enum class Lines { kOneCase, kCounted, kFixed };
@@ -32,6 +35,9 @@ struct Settings {
   bool multipleSpaces = false;
   std::size_t recordsPerCase = 1;
   std::optional<std::size_t> caseLimit;
+  // What an observer may ask for.
+  std::vector<std::string> nullTexts;
+  bool keepsStrayQualifiers = false;
 };
 
 // One cell: a string variable's text without the blanks that pad it, or a number (none: missing).
@@ -48,27 +54,7 @@ struct Import {
   std::vector<Case> cases;
   // Case number (from 1) and byte position of every byte that is no character.
   std::vector<std::pair<std::int64_t, std::size_t>> undecodable;
-};
-
-// What host text is, and what makes host text of a file. This one is UTF-8 and takes 8-bit records
-// as they are.
-class HostText {
- public:
-  // A character of UTF-16 that is none.
-  static constexpr char32_t kInvalid = 0xFFFFFFFF;
-
-  HostText() = default;
-  HostText(const HostText&) = delete;
-  HostText& operator=(const HostText&) = delete;
-  virtual ~HostText() = default;
-
-  // Length of the character at `at`, 0 when the bytes there are none.
-  virtual std::size_t Decode(const std::string& text, std::size_t at, char32_t* ch) const;
-  // Bytes at the end of the text that begin a character without ending it.
-  virtual std::size_t UnfinishedTail(const std::string& text) const;
-  // An 8-bit record that is not empty.
-  virtual std::string FromRecord(const std::string& raw) const { return raw; }
-  virtual void Append(std::string& text, char32_t ch) const;
+  Watched watched;
 };
 
 Import Read(const std::string& bytes, const Settings& settings,
