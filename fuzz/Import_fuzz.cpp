@@ -1,7 +1,8 @@
 // Records, fields and values: a command chosen by the first two bytes, under a host code page and
 // an encoding chosen by the third, reads the others as its file. Both engines, whatever the block
-// size, must deliver what the naive reader does. Under few of the commands the file goes on with
-// the same lines until they fill some of the workers' batches.
+// size, must deliver what the naive reader does, and tell a host that watches what it tells. Under
+// few of the commands the file goes on with the same lines until they fill some of the workers'
+// batches.
 
 #include <algorithm>
 #include <iterator>
@@ -16,6 +17,7 @@
 #include "tests/differential/NaiveImport.h"
 #include "tests/differential/PassDifference.h"
 #include "tests/differential/RandomImport.h"
+#include "tests/differential/WatchedDifference.h"
 #include "tests/support/ImportRun.h"
 
 namespace {
@@ -129,5 +131,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         naive::PassDifference(command.Read(reading), command.source(), expected);
     fuzz::Require(difference.empty(), difference + "\n" + import.command);
   }
+  import.bytes = bytes;
+  naive::Import watched;
+  const std::string difference = naive::WatchedDifference(import, seed, 2, text, watched);
+  fuzz::Require(difference.empty(), difference + "\n" + import.command);
   return 0;
 }

@@ -25,6 +25,13 @@ std::string Trimmed(const std::string& text, const char* blanks) {
   return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
 }
 
+struct Found {
+  // Where the record begins.
+  std::int64_t record = 0;
+  bool ofField = false;
+  Problem problem;
+};
+
 class Reader {
  public:
   Reader(const std::string& bytes, const Settings& settings, const std::vector<Variable>& variables,
@@ -48,7 +55,9 @@ class Reader {
     AddSpan(ImportSpan::kMark, records_.markBytes());
     SkipPreamble();
     bool dataEnded = false;
-    while (import_.cases.size() != settings_.caseLimit.value_or(SIZE_MAX)) {
+    const std::size_t most =
+        std::min(settings_.caseLimit.value_or(SIZE_MAX), settings_.interrupt.value_or(SIZE_MAX));
+    while (import_.cases.size() != most) {
       values_.clear();
       cells_ = Cells();
       span_ = CaseSpan();
@@ -122,13 +131,15 @@ class Reader {
 
   void AddRecordProblem(Kind kind, std::int64_t amount, const std::string& text,
                         std::int32_t variable = -1) {
-    problems_.push_back({kind, variable, caseNumber(), record_.line, record_.begin, amount, text});
+    Problem problem{kind, variable, caseNumber(), record_.line, record_.begin, amount, text};
+    problems_.push_back({record_.begin, false, problem});
   }
 
   void AddFieldProblem(Kind kind, std::int32_t variable, const Field& field,
                        std::int64_t amount = 0) {
-    problems_.push_back({kind, variable, caseNumber(), record_.line, record_.PlaceOf(field.begin),
-                         amount, field.text});
+    const std::int64_t byte = record_.PlaceOf(field.begin);
+    Problem problem{kind, variable, caseNumber(), record_.line, byte, amount, field.text};
+    problems_.push_back({record_.begin, true, problem});
   }
 
   void AddQuotes(std::int32_t variable, const Field& field) {
@@ -138,11 +149,12 @@ class Reader {
 
   void EndCase() {
     span_.caseNumber = caseNumber();
-    // Stable: kinds of one field stay in the order of their declaration.
-    std::stable_sort(problems_.begin(), problems_.end(), [](const Problem& a, const Problem& b) {
-      return std::tie(a.byte, a.variable, a.kind) < std::tie(b.byte, b.variable, b.kind);
+    // By record, its own problems before those of its fields.
+    std::stable_sort(problems_.begin(), problems_.end(), [](const Found& a, const Found& b) {
+      return std::tie(a.record, a.ofField, a.problem.byte, a.problem.variable, a.problem.kind) <
+             std::tie(b.record, b.ofField, b.problem.byte, b.problem.variable, b.problem.kind);
     });
-    watched().problems.insert(watched().problems.end(), problems_.begin(), problems_.end());
+    for (const Found& found : problems_) watched().problems.push_back(found.problem);
     if (!problems_.empty()) watched().cases.push_back(span_);
     watched().cells.push_back(cells_);
     import_.cases.push_back(values_);
@@ -208,7 +220,8 @@ class Reader {
       const std::string text = Trimmed(field.text, " ");
       ++(text.empty() ? cells_.empty : cells_.read);
       const std::string kept = field.text.substr(0, field.text.find_last_not_of(' ') + 1);
-      if (kept.size() > variable.width) AddFieldProblem(Kind::kCut, column, field);
+      const bool isCut = settings_.lines != Lines::kFixed && kept.size() > variable.width;
+      if (isCut) AddFieldProblem(Kind::kCut, column, field, static_cast<std::int64_t>(kept.size()));
       values_.push_back(StringCell(variable, taken));
       return;
     }
@@ -407,7 +420,7 @@ class Reader {
   Cells cells_;
   CaseSpan span_;
   Record firstRecord_;
-  std::vector<Problem> problems_;
+  std::vector<Found> problems_;
 };
 
 }  // namespace

@@ -35,6 +35,8 @@ struct Settings {
   bool multipleSpaces = false;
   std::size_t recordsPerCase = 1;
   std::optional<std::size_t> caseLimit;
+  // Cases after which the host stops.
+  std::optional<std::size_t> interrupt;
   // What an observer may ask for.
   std::vector<std::string> nullTexts;
   bool keepsStrayQualifiers = false;

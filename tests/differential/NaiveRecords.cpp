@@ -2,7 +2,8 @@
 
 namespace naive {
 
-RecordCutter::RecordCutter(const std::string& bytes, const HostText& host) : bytes_(bytes), host_(host) {
+RecordCutter::RecordCutter(const std::string& bytes, const HostText& host)
+    : bytes_(bytes), host_(host) {
   if (bytes_.starts_with("\xEF\xBB\xBF")) {
     at_ = 3;
   } else if (bytes_.starts_with("\xFE\xFF")) {
@@ -29,7 +30,7 @@ bool RecordCutter::Next(bool keepEmpty, Record& record) {
 }
 
 void RecordCutter::AppendPiece(const Piece& piece, std::int64_t end, Record& record) const {
-  const std::int64_t begin = end - static_cast<std::int64_t>(piece.bytes);
+  const std::int64_t begin = record.ends.empty() ? record.begin : record.ends.back();
   for (std::size_t i = 0; i < piece.text.size(); ++i) {
     record.text += piece.text[i];
     record.ends.push_back(i + 1 == piece.text.size() ? end : begin);

@@ -13,7 +13,7 @@ namespace naive {
 struct Record {
   std::string text;
   // For each byte of the text: the offset in the file behind what it stands for; of a byte that is
-  // not the last of its character, the offset before that.
+  // not the last of its character, the offset behind what precedes that.
   std::vector<std::int64_t> ends;
   // For each byte of the text: it is the first of a text that only stands in for something.
   std::vector<bool> substitutes;

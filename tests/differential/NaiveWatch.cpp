@@ -40,12 +40,21 @@ std::ostream& operator<<(std::ostream& out, const Cells& c) {
              << c.unreadable << " absent " << c.absent;
 }
 
-std::string Shown(const Watched& watched) {
+std::string Shown(const Watched& watched, bool cellsPerCase) {
   std::ostringstream out;
   for (const Problem& problem : watched.problems) out << problem << '\n';
   for (const CaseSpan& span : watched.cases) out << span << '\n';
   for (const Span& span : watched.spans) out << span << '\n';
-  for (const Cells& cells : watched.cells) out << cells << '\n';
+  Cells sum;
+  for (const Cells& cells : watched.cells) {
+    if (cellsPerCase) out << cells << '\n';
+    sum.read += cells.read;
+    sum.empty += cells.empty;
+    sum.null += cells.null;
+    sum.unreadable += cells.unreadable;
+    sum.absent += cells.absent;
+  }
+  out << sum << '\n';
   out << "records in cases " << watched.recordsInCases << "\nbeyond their columns";
   for (const std::int64_t count : watched.textsBeyondColumn) out << ' ' << count;
   out << '\n';

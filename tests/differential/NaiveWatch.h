@@ -64,8 +64,8 @@ std::ostream& operator<<(std::ostream& out, const Problem& problem);
 std::ostream& operator<<(std::ostream& out, const CaseSpan& span);
 std::ostream& operator<<(std::ostream& out, const Span& span);
 std::ostream& operator<<(std::ostream& out, const Cells& cells);
-// All of it, a line for each.
-std::string Shown(const Watched& watched);
+// All of it, a line for each; cells of each case only when `cellsPerCase`.
+std::string Shown(const Watched& watched, bool cellsPerCase);
 
 // Joins `next` to the spans: empty ones are left out, neighbours of a kind become one.
 void AppendSpan(std::vector<Span>& spans, const Span& next);

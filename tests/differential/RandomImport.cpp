@@ -161,7 +161,10 @@ class Maker {
         "'",      " ",         "  ",       "\u00e9\u4e2d", "\U0001F600",
         "\n",     "\r\n",      "\r",       "\n",           "\n\n",
         "7"};
+    static const std::vector<std::string> kLongOrEnclosed = {
+        "9007199254740993", "0.30000000000000003", "\"\"", "\"a\"\"b\""};
     pieces_.insert(pieces_.end(), kValues.begin(), kValues.end());
+    pieces_.insert(pieces_.end(), kLongOrEnclosed.begin(), kLongOrEnclosed.end());
     std::string text;
     for (std::size_t pieces = Below(40); pieces > 0; --pieces) text += Any(pieces_);
     const std::size_t form = Below(8);

@@ -65,6 +65,7 @@ const fs::path kComponent = fs::path(TEXTWIZARD_SOURCE_DIR) / "DataAccess/TextWi
 
 // The component's folders, the lowest level first.
 const std::vector<std::vector<std::string>> kLevels = {{"model"},
+                                                       {"watch"},
                                                        {"reading", "wizard"},
                                                        {"detection", "map"},
                                                        {"TxtWzMultiThreadMgr"},

@@ -23,6 +23,18 @@ std::string FormatText(const QANT_Format& format) {
          std::to_string(format.decimals);
 }
 
+// An adapter of a host that watches.
+class ObservingAdapter : public embedded::Adapter, public ImportObserving {
+ public:
+  ObservingAdapter(std::vector<embedded::CommandToken> tokens, int workers,
+                   ImportObserver& observer)
+      : Adapter(std::move(tokens), Collect, nullptr, workers, 0), observer_(observer) {}
+  ImportObserver* GetImportObserver() override { return &observer_; }
+
+ private:
+  ImportObserver& observer_;
+};
+
 }  // namespace
 
 std::ostream& operator<<(std::ostream& out, const Message& message) {
@@ -37,7 +49,7 @@ std::vector<std::string> Texts(const Messages& messages, int kind) {
   return texts;
 }
 
-Import::Import(std::string_view command, int workers) {
+Import::Import(std::string_view command, int workers, ImportObserver* observer) {
   static int number = 0;
   embedded::CommandReader reader(command);
   embedded::ParsedCommand parsed;
@@ -45,8 +57,12 @@ Import::Import(std::string_view command, int workers) {
     messages_.push_back({kMessageError, parsed.error});
     return;
   }
-  adapter_ =
-      std::make_unique<embedded::Adapter>(std::move(parsed.tokens), Collect, nullptr, workers, 0);
+  if (observer) {
+    adapter_ = std::make_unique<ObservingAdapter>(std::move(parsed.tokens), workers, *observer);
+  } else {
+    adapter_ =
+        std::make_unique<embedded::Adapter>(std::move(parsed.tokens), Collect, nullptr, workers, 0);
+  }
   commandMessages = &messages_;
   const bool made = ProcessDACSyntax(adapter_.get());
   commandMessages = nullptr;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
+#include "HostFramework/ImportObserver.h"
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/command/Adapter.h"
 #include "source/QANT_TextWizardSrc.h"
@@ -66,7 +67,8 @@ class MessageKeeper : public ErrorMonitor {
 class Import {
  public:
   // `command`: one whole GET DATA command, in the host's language.
-  explicit Import(std::string_view command, int workers = 2);
+  // `observer` watches the import and its passes; it outlives this.
+  explicit Import(std::string_view command, int workers = 2, ImportObserver* observer = nullptr);
   ~Import();
   Import(const Import&) = delete;
   Import& operator=(const Import&) = delete;

@@ -8,8 +8,10 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
+#include "HostFramework/ImportObserver.h"
 #include "TxtWzMultiThreadMgr/UndecodableNotes.h"
 #include "model/TxtWzVar.h"
+#include "watch/WatchedBatch.h"
 
 namespace textwizard {
 
@@ -38,6 +40,7 @@ class CaseBatch {
     fNotes.clear();
     fUndecodable.Clear();
     fFailed = false;
+    product.reset();
   }
   // Room for `count` cases of `cells` cells each. Throws when there is no memory for it.
   void MakeRoom(std::size_t count, std::size_t cells) {
@@ -80,11 +83,20 @@ class CaseBatch {
   const UndecodableNotes::Note* NextUndecodable() { return fUndecodable.Next(fConsumeIndex); }
   // Number of the case, from 1, that came of a record of the batch.
   std::int64_t CaseNumber(std::uint32_t record) const { return fFirstCase + record + 1; }
+  std::int64_t firstCase() const { return fFirstCase; }
+  // Cases taken so far, one after another.
+  std::uint32_t taken() const { return fConsumeIndex; }
+  const OBS* cases() const { return fCases.get(); }
+  const OBS* lastCase() const { return fCases.get() + fCaseCells * (fRecordCount - 1); }
 
   // --- Both
   const std::vector<BatchNote>& notes() const { return fNotes; }
   // Detection: the counters of each AUTO variable.
   std::vector<TxtWzVar> counters;
+  // For a host that watches, else null: what is to be told of the cases, and what it has made of
+  // them.
+  std::unique_ptr<WatchedBatch> watched;
+  std::unique_ptr<ImportBatchProduct> product;
 
  private:
   std::unique_ptr<OBS[]> fCases;

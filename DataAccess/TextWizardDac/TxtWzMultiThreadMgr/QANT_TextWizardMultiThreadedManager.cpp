@@ -46,10 +46,28 @@ QANT_TextWizardMultiThreadedManager::QANT_TextWizardMultiThreadedManager(
     rules.decimalCharacter = static_cast<char>(decimalCharacter);
   } else {
     fPlan.Convert();
+    Watch();
+  }
+}
+
+void QANT_TextWizardMultiThreadedManager::Watch() {
+  ImportObserver* const observer = fSource.observer();
+  if (!observer) return;
+  if (observer->WantsProblems()) {
+    fTeller = std::make_unique<PassTeller>(*observer, fSource.GetNVariables(), false);
+    fPlan.teller = fTeller.get();
+    fPlan.keepsPlaces = true;
+    fReader.KeepNuls(&fNuls);
+  }
+  if (observer->WantsBatches()) {
+    fPlan.batchObserver = observer;
+    const ImportSettings& settings = fSource.settings();
+    if (settings.importMode == kImportFirst) fPlan.caseLimit = settings.caseLimit;
   }
 }
 
 QANT_TextWizardMultiThreadedManager::~QANT_TextWizardMultiThreadedManager() {
+  EndTelling(false, false);
   RaiseReaderState(kStopping);
   for (const auto& slot : fThreads) {
     if (TextDataIteratorThread* worker = slot.load()) worker->Stop();
@@ -83,6 +101,7 @@ bool QANT_TextWizardMultiThreadedManager::Next() {
     fTargetCase = fCaseNumber;
     return true;
   }
+  if (fTargetCase != fCaseNumber) EndTelling(false, false);
   // Nothing is thrown to the host, even when there is no memory for a message.
   try {
     return ReadOn();
@@ -90,6 +109,7 @@ bool QANT_TextWizardMultiThreadedManager::Next() {
     fFailed.store(true);
   }
   fTargetCase = fCaseNumber;
+  EndTelling(false, false);
   try {
     EndPass();
   } catch (...) {
@@ -99,6 +119,19 @@ bool QANT_TextWizardMultiThreadedManager::Next() {
 }
 
 bool QANT_TextWizardMultiThreadedManager::ReadOn() {
+  if (fPlan.batchObserver ? ReadBatch() : ReadCase()) {
+    fTargetCase = fCaseNumber;
+    return true;
+  }
+  fTargetCase = fCaseNumber;
+  // A pass that met a failure is not a complete one.
+  const bool complete = !fEndOfData || !fFailed.load();
+  EndTelling(complete, fEndOfData && complete);
+  if (complete) fSource.NotePassEnd(fCaseNumber, Monitor());
+  return false;
+}
+
+bool QANT_TextWizardMultiThreadedManager::ReadCase() {
   while (!fEndOfData && MoreCases()) {
     const OBS* const nextCase = GetNextObsArray();
     if (!nextCase) {
@@ -106,14 +139,29 @@ bool QANT_TextWizardMultiThreadedManager::ReadOn() {
       break;
     }
     std::memcpy(fIterator.GetObsPointer(), nextCase, fPlan.caseBytes);
-    if (fTargetCase < ++fCaseNumber) {
-      fTargetCase = fCaseNumber;
-      return true;
-    }
+    if (fTargetCase < ++fCaseNumber) return true;
   }
-  fTargetCase = fCaseNumber;
-  // A pass that met a failure is not a complete one.
-  if (!fEndOfData || !fFailed.load()) fSource.NotePassEnd(fCaseNumber, Monitor());
+  return false;
+}
+
+bool QANT_TextWizardMultiThreadedManager::ReadBatch() {
+  while (!fEndOfData && MoreCases()) {
+    if (fTaken.failed()) fFailed.store(true);
+    if (fTaken.failed() || !TakeBatch()) {
+      EndPass();
+      break;
+    }
+    const std::uint32_t count = fTaken.recordCount();
+    if (count == 0) continue;
+    fTaken.TakeAll();
+    TakeNotes();
+    fPlan.batchObserver->OnProduct(std::move(fTaken.product), fTaken.cases(), count,
+                                   fTaken.firstCase());
+    if (fTeller) fTeller->TellCases(count);
+    std::memcpy(fIterator.GetObsPointer(), fTaken.lastCase(), fPlan.caseBytes);
+    fCaseNumber += count;
+    return true;
+  }
   return false;
 }
 
@@ -127,6 +175,7 @@ const OBS* QANT_TextWizardMultiThreadedManager::GetNextObsArray() {
   do {
     if (const OBS* const nextCase = fTaken.GetNextOBSPointer()) {
       TakeNotes();
+      if (fTeller) fTeller->TellCases(fTaken.taken());
       return nextCase;
     }
     if (fTaken.failed()) {
@@ -139,11 +188,27 @@ const OBS* QANT_TextWizardMultiThreadedManager::GetNextObsArray() {
 
 bool QANT_TextWizardMultiThreadedManager::TakeBatch() {
   TextDataIteratorThread* const worker = WaitForBatch();
+  if (fTeller) {
+    fTeller->EndBatch();
+    BeginTelling();
+  }
   if (!worker) return false;
   worker->TakeBatch(fTaken);
   // Nothing behind a failure is wanted.
   if (!fTaken.failed()) ReleaseSlot(*worker);
+  if (fTeller) fTeller->StartBatch(*fTaken.watched, fTaken.firstCase());
   return true;
+}
+
+void QANT_TextWizardMultiThreadedManager::BeginTelling() {
+  fTeller->Begin(fMarkBytes, fPreambleEnd);
+}
+
+void QANT_TextWizardMultiThreadedManager::EndTelling(bool complete, bool dataEnded) {
+  if (!fTeller) return;
+  // Where no case is allowed, nobody has waited for the reader so far.
+  if (complete && fCaseNumber == 0 && !fEndOfData) TakeBatch();
+  fTeller->End(complete, dataEnded ? fDataEnd : -1, fSource.stream().Size());
 }
 
 TextDataIteratorThread* QANT_TextWizardMultiThreadedManager::WaitForBatch() {

@@ -23,6 +23,7 @@
 #include "model/UndecodableWarnings.h"
 #include "reading/RecordDecoder.h"
 #include "reading/RecordReader.h"
+#include "watch/PassTeller.h"
 
 namespace textwizard {
 
@@ -41,7 +42,8 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   // Starts the reader. Conversion mode, once; detection starts it itself.
   void Start();
 
-  bool IsSeekOK() const { return true; }
+  // False when the host takes cases by the batch.
+  bool IsSeekOK() const { return !fPlan.batchObserver; }
   // Cases before n are read and dropped by the following Next; a position already passed makes it
   // answer true without moving.
   bool Seek(long long n);
@@ -69,9 +71,13 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   };
 
   // --- Host's thread
+  // Sets up what the host's observer wants. Before threads run.
+  void Watch();
   bool MoreCases() const;
   // What Next does behind its guards. Throws when memory runs out.
   bool ReadOn();
+  bool ReadCase();
+  bool ReadBatch();
   // No further case comes; posts the error when the pass was given up.
   void EndPass();
   // The next converted case, or null when there is none; reports what arose from its record.
@@ -86,6 +92,9 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   // Gives the current slot back to the reader and goes to the next one.
   void ReleaseSlot(TextDataIteratorThread& worker);
   void TakeNotes();
+  // Tells who watches that the pass begins; the reader has come to the first record.
+  void BeginTelling();
+  void EndTelling(bool complete, bool dataEnded);
   void ReportCaseCount(std::int32_t count);
   ErrorMonitor* Monitor() const;
 
@@ -99,6 +108,7 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   // Puts as many records as fit into fBatch, whose text is for `worker`; false when there is no
   // memory for it.
   bool FillBatch(const TextDataIteratorThread& worker);
+  bool AppendPending();
   // Hands fBatch to the worker; false when that has been stopped.
   bool SendBatch(TextDataIteratorThread& worker);
   // The pass cannot go on: what has been read is delivered, then the host's thread reports it.
@@ -110,6 +120,8 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   // Constant after construction.
   const ImportSource& fSource;
   QANT_InputCaseIterator& fIterator;
+  // Null when nobody watches; the workers look whether more problems are to be told.
+  std::unique_ptr<PassTeller> fTeller;
   // Constant while threads run.
   WorkerPlan fPlan;
 
@@ -134,6 +146,13 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   RecordBatch fBatch;
   std::int64_t fCasesSent = 0;
   std::size_t fInFlight = 0;
+  NulRuns fNuls;
+
+  // Written by the reader thread before the first batch is sent, and before its pass ends; read by
+  // the host's thread after that.
+  std::int64_t fMarkBytes = 0;
+  std::int64_t fPreambleEnd = 0;
+  std::int64_t fDataEnd = -1;
 
   // Host's thread only.
   std::size_t fCurrentThread = 0;

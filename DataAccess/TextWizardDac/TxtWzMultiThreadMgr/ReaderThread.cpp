@@ -44,8 +44,10 @@ void QANT_TextWizardMultiThreadedManager::ReadFirstRecord() {
   try {
     if (!fReader.SeekBegin()) return GiveUp();
     fReader.HandleByteOrderMark();
+    fMarkBytes = fReader.position();
     const ImportSettings& settings = fSource.settings();
     fReader.SkipLines(settings.arrangement == kDelimitedCount ? 0 : 1, settings.firstCase);
+    fPreambleEnd = fReader.position();
   } catch (...) {
     return GiveUp();
   }
@@ -56,7 +58,11 @@ void QANT_TextWizardMultiThreadedManager::ReadRecord() {
   try {
     fPending = fReader.Read(false);
     if (!fPending) {
-      if (fReader.failed()) GiveUp();
+      if (fReader.failed()) {
+        GiveUp();
+      } else {
+        fDataEnd = fReader.position();
+      }
       return;
     }
     fRecord = fReader.record();
@@ -96,13 +102,33 @@ bool QANT_TextWizardMultiThreadedManager::FillBatch(const TextDataIteratorThread
     GiveUp();
     return false;
   }
-  const auto full = [this] { return fBatch.recordCount() >= fPlan.maxRecords; };
-  while (fPending && !full() && fBatch.Append(fRecord)) {
-    fBatch.AppendRun(fReader, fPlan.maxRecords - fBatch.recordCount());
-    ReadRecord();
+  try {
+    if (fPlan.keepsPlaces) fBatch.KeepPlaces();
+    const auto full = [this] { return fBatch.recordCount() >= fPlan.maxRecords; };
+    while (fPending && !full() && AppendPending()) {
+      fBatch.AppendRun(fReader, fPlan.maxRecords - fBatch.recordCount());
+      ReadRecord();
+    }
+  } catch (...) {
+    // No memory for the places.
+    GiveUp();
+    return false;
   }
   fOversize = fBatch.recordCount() == 0;
-  fBatch.End(fCasesSent, fReader.isUtf16());
+  fBatch.End(fCasesSent, fReader.isUtf16(), fReader.mark());
+  return true;
+}
+
+bool QANT_TextWizardMultiThreadedManager::AppendPending() {
+  const std::size_t at = fBatch.text().size();
+  if (!fBatch.Append(fRecord)) return false;
+  if (!fPlan.keepsPlaces) return true;
+  std::string_view raw;
+  // Where every unit has become one byte of UTF-8, it was ASCII.
+  if (fReader.isUtf16() && !(qUTF8mode() && 2 * fRecord.size() == fReader.record().size())) {
+    raw = fReader.record();
+  }
+  fBatch.AddPlace(at, fReader.place(), fNuls, raw);
   return true;
 }
 

@@ -13,6 +13,7 @@
 #include "TxtWzMultiThreadMgr/StoreText.h"
 #include "reading/ByteScan.h"
 #include "reading/RecordReader.h"
+#include "watch/RecordPlaces.h"
 
 namespace textwizard {
 
@@ -23,6 +24,12 @@ class RecordBatch {
   // Starts a batch with room for `bytes` of text; false, and the batch is empty, when there is no
   // memory for it.
   bool Begin(std::size_t bytes);
+  // Keeps where the records lie in the file from now on, beginning with this batch. Before the
+  // first record; throws when there is no memory for it.
+  void KeepPlaces() {
+    if (!fPlaces) fPlaces = std::make_unique<RecordPlaces>();
+    fPlaces->Clear();
+  }
   // Adds a record and a LF; false when it does not fit. Only one that is host text already may be
   // empty.
   bool Append(std::string_view record) {
@@ -36,21 +43,35 @@ class RecordBatch {
   // Adds the records that `reader` can copy at once, at most `most`, as they stand in the file.
   void AppendRun(RecordReader& reader, std::uint32_t most) {
     std::uint32_t count = 0;
+    const std::size_t begin = fUsed;
     fUsed += reader.ReadRun(fText.get() + fUsed, fRoom - fUsed, most, &count);
     fRecordCount += count;
+    if (fPlaces && count > 0) {
+      fPlaces->AddRun(begin, reader.recordPosition(), reader.nextLine());
+    }
+  }
+  // The place of the record that was appended at byte `text`; see RecordPlaces.
+  void AddPlace(std::size_t text, const RecordPlace& place, const NulRuns& nuls,
+                std::string_view raw) {
+    fPlaces->AddRecord(text, place, nuls, raw);
   }
   // Ends the text. `firstCase`: cases before the batch. `decoded`: the records are host text
   // already.
-  void End(std::int64_t firstCase, bool decoded) {
+  void End(std::int64_t firstCase, bool decoded, ByteOrderMark mark = ByteOrderMark::kNone) {
     fText[fUsed] = '\0';
     fFirstCase = firstCase;
     fDecoded = decoded;
+    fMark = mark;
   }
 
   std::string_view text() const { return {fText.get(), fUsed}; }
   std::uint32_t recordCount() const { return fRecordCount; }
   std::int64_t firstCase() const { return fFirstCase; }
   bool decoded() const { return fDecoded; }
+  // Of the file that decoded records come from.
+  ByteOrderMark mark() const { return fMark; }
+  // Only once they are kept.
+  const RecordPlaces& places() const { return *fPlaces; }
   // `text` is a part of the batch text, behind which kReadableCells more bytes can be read.
   bool Contains(std::string_view text) const {
     const auto address = [](const char* at) { return reinterpret_cast<std::uintptr_t>(at); };
@@ -66,6 +87,8 @@ class RecordBatch {
   std::uint32_t fRecordCount = 0;
   std::int64_t fFirstCase = 0;
   bool fDecoded = false;
+  ByteOrderMark fMark = ByteOrderMark::kNone;
+  std::unique_ptr<RecordPlaces> fPlaces;
 };
 
 // Walks the records of a batch text. One thread.

@@ -1,12 +1,13 @@
 #include "TxtWzMultiThreadMgr/TextDataIteratorThread.h"
 
 #include <algorithm>
-#include <new>
+#include <utility>
 
 #include "HostFramework/Text.h"
 #include "TxtWzMultiThreadMgr/PatientWait.h"
 #include "TxtWzMultiThreadMgr/StoreText.h"
 #include "reading/ImportSource.h"
+#include "watch/PassTeller.h"
 
 namespace textwizard {
 namespace {
@@ -35,7 +36,11 @@ TextDataIteratorThread::TextDataIteratorThread(const WorkerPlan& plan, std::size
       fTextLimit(TextLimit(firstRecord)),
       fSplitter(plan.fieldRules, SplitUse::kReading, this),
       fDecoder(plan.source.settings().encoding),
-      fFlagNoted(plan.variableCount * 2) {}
+      fFlagNoted(plan.variableCount * 2) {
+  if (plan.teller) {
+    fWatch = std::make_unique<CaseWatch>(*plan.source.observer(), plan.source, fSplitter);
+  }
+}
 
 TextDataIteratorThread::~TextDataIteratorThread() { join(); }
 
@@ -108,6 +113,7 @@ void TextDataIteratorThread::ConvertBatch() {
   try {
     PrepareBatch();
     ConvertRecords();
+    if (fPlan.batchObserver) MakeProduct();
   } catch (...) {
     // Lack of memory, in whatever form a library reports it.
     failed = true;
@@ -122,6 +128,7 @@ void TextDataIteratorThread::PrepareBatch() {
   fTextMarked = false;
   if (!fPlan.detection) {
     fCases.MakeRoom(fRecords.recordCount(), fPlan.caseBytes / sizeof(OBS));
+    if (fWatch) PrepareWatch();
     return;
   }
   if (!fRegEx) {
@@ -132,32 +139,70 @@ void TextDataIteratorThread::PrepareBatch() {
   for (TxtWzVar& variable : fCases.counters) variable.ClearAllValues();
 }
 
+void TextDataIteratorThread::PrepareWatch() {
+  if (!fCases.watched) {
+    fCases.watched = std::make_unique<WatchedBatch>(fPlan.source.GetNVariables());
+  }
+  fCases.watched->Clear(!fPlan.teller->limitReached());
+  fWatch->StartBatch(*fCases.watched, true);
+  fPlaces.Start(fRecords.places(), fRecords.text());
+}
+
 void TextDataIteratorThread::ConvertRecords() {
   const bool byteText = fSplitter.CutsByBytes(fRecords.text());
   fBatchRecords.Start(fRecords);
-  for (; fConvertIndex < fRecords.recordCount(); ++fConvertIndex) {
-    StartRecord(byteText);
+  const std::int64_t allowed = std::max<std::int64_t>(fPlan.caseLimit - fRecords.firstCase(), 0);
+  const auto count =
+      static_cast<std::uint32_t>(std::min<std::int64_t>(fRecords.recordCount(), allowed));
+  for (; fConvertIndex < count; ++fConvertIndex) {
+    const std::string_view raw = StartRecord(byteText);
     if (fPlan.detection) {
       DetectRecord();
+    } else if (!fWatch) {
+      ConvertRecord<false>();
     } else {
-      ConvertRecord();
+      fWatched.place = fPlaces.Next(raw);
+      ConvertRecord<true>();
+      EndWatched(raw);
     }
   }
+  if (fWatch) fCases.watched->runLines = fPlaces.runLines();
 }
 
-void TextDataIteratorThread::StartRecord(bool byteText) {
+void TextDataIteratorThread::EndWatched(std::string_view raw) {
+  const bool decoded = fRecords.decoded();
+  fWatched.text = fRecord;
+  fWatched.raw = decoded ? fPlaces.raw() : raw;
+  fWatched.mark = decoded ? fRecords.mark() : ByteOrderMark::kNone;
+  fWatched.nulsBegin = fPlaces.nulsBegin();
+  fWatched.nulsEnd = fPlaces.nulsEnd();
+  fWatch->EndLine(fWatched);
+}
+
+void TextDataIteratorThread::MakeProduct() {
+  // Without its product no case can be delivered.
+  const std::uint32_t count = std::exchange(fConvertIndex, 0);
+  if (count > 0) {
+    fCases.product = fPlan.batchObserver->MakeProduct(fCases.cases(), count, fRecords.firstCase());
+  }
+  fConvertIndex = count;
+}
+
+std::string_view TextDataIteratorThread::StartRecord(bool byteText) {
   const std::string_view raw = fBatchRecords.Next();
-  const std::string_view record = fRecords.decoded() ? raw : fDecoder.Decode8(raw);
-  if (byteText && record.data() == raw.data()) {
+  fRecord = fRecords.decoded() ? raw : fDecoder.Decode8(raw);
+  if (byteText && fRecord.data() == raw.data()) {
     if (!fTextMarked) fSplitter.SetByteText(fRecords.text());
     fTextMarked = true;
-    fSplitter.SetRecordOfText(record);
+    fSplitter.SetRecordOfText(fRecord);
   } else {
     fTextMarked = false;
-    fSplitter.SetRecord(record);
+    fSplitter.SetRecord(fRecord);
   }
+  return raw;
 }
 
+template <bool kWatched>
 void TextDataIteratorThread::ConvertRecord() {
   OBS* const nextCase = fCases.Case(fConvertIndex);
   fCurrentCase = reinterpret_cast<unsigned char*>(nextCase);
@@ -166,22 +211,31 @@ void TextDataIteratorThread::ConvertRecord() {
        task != end;) {
     const std::size_t cut = GetNextVars(static_cast<std::size_t>(end - task));
     for (std::size_t i = 0; i < cut; ++i, ++task) {
-      if (task->use != FieldUse::kDiscard) ConvertVar(fFields[i], *task);
+      if (task->use != FieldUse::kDiscard) ConvertVar<kWatched>(fFields[i], *task);
     }
   }
 }
 
+template <bool kWatched>
 inline void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask& task) {
   if (task.use == FieldUse::kString) {
     const StringValue value = ConvertString(field, task.cellWidth, fPlan.stringRules);
     if (value.truncated) NoteFlag(BatchNote::kStringTruncated, task.variable);
     SetColumnValue(value.text, task);
+    if constexpr (kWatched) fWatch->TakeString(task.variable, field, task.cellWidth);
     return;
   }
-  double value;
-  if (!ConvertNumber(field, task.formatType, &value)) {
-    value = kSystemMissing;
-    NoteFlag(BatchNote::kMissingStored, task.variable);
+  double value = kSystemMissing;
+  const bool isNull = kWatched && fWatch->TakesNull(field);
+  if (!isNull) {
+    const bool read = ConvertNumber(field, task.formatType, &value);
+    if (!read) {
+      value = kSystemMissing;
+      NoteFlag(BatchNote::kMissingStored, task.variable);
+    }
+    if constexpr (kWatched) {
+      fWatch->TakeNumber(task.variable, field, task.formatType, read ? &value : nullptr);
+    }
   }
   std::memcpy(fCurrentCase + task.offset, &value, sizeof value);
 }
@@ -224,6 +278,10 @@ void TextDataIteratorThread::NoteFlag(BatchNote::Kind kind, std::uint32_t variab
 }
 
 void TextDataIteratorThread::OnUndecodable(const UndecodableRun& run) {
+  if (fWatch) {
+    if (fWatch->examining()) return;
+    fWatch->NoteUndecodable();
+  }
   fCases.AddUndecodable(fConvertIndex, run);
 }
 

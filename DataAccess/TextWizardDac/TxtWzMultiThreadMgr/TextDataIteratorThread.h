@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -22,6 +23,7 @@
 #include "TxtWzMultiThreadMgr/WorkerPlan.h"
 #include "detection/DetectionCounters.h"
 #include "detection/RegExMappings.h"
+#include "reading/CaseWatch.h"
 #include "reading/FieldSplitter.h"
 #include "reading/RecordDecoder.h"
 
@@ -85,14 +87,21 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   void ConvertBatch();
   void PrepareBatch();
   void ConvertRecords();
-  // Makes fSplitter ready for the next record of the text.
-  void StartRecord(bool byteText);
+  void PrepareWatch();
+  // The record has been converted.
+  void EndWatched(std::string_view raw);
+  void MakeProduct();
+  // Makes fSplitter ready for the next record of the text, which becomes fRecord; returns it as it
+  // stands in the batch.
+  std::string_view StartRecord(bool byteText);
+  template <bool kWatched>
   void ConvertRecord();
   void DetectRecord();
   // Cuts the record's next fields, at most `wanted`, into fFields; returns how many.
   std::size_t GetNextVars(std::size_t wanted) {
     return fSplitter.Cut(fFields.data(), std::min(wanted, fFields.size()));
   }
+  template <bool kWatched>
   void ConvertVar(std::string_view field, const FieldTask& task);
   void SetColumnValue(std::string_view text, const FieldTask& task);
   void AutoDetectVar(std::string_view field);
@@ -127,6 +136,11 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   FieldSplitter fSplitter;
   std::array<std::string_view, 64> fFields;
   RecordDecoder fDecoder;
+  // For a host that watches.
+  std::unique_ptr<CaseWatch> fWatch;
+  PlaceWalk fPlaces;
+  WatchedRecord fWatched;
+  std::string_view fRecord;
   std::optional<RegExMappings> fRegEx;
   std::optional<DetectionCounters> fCounters;
   // fSplitter knows the batch text as one of bytes; a record that was decoded makes it forget.

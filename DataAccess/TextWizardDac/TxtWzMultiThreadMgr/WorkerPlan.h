@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "HostFramework/ImportObserver.h"
 #include "detection/DetectionCounters.h"
 #include "model/ImportSettings.h"
 #include "model/TxtWzVar.h"
@@ -14,6 +15,7 @@
 namespace textwizard {
 
 class ImportSource;
+class PassTeller;
 
 enum class FieldUse : std::uint8_t {
   kDiscard,  // cut, but neither stored nor counted
@@ -61,6 +63,13 @@ struct WorkerPlan {
   bool clearCases = false;
   // Most records of one batch.
   std::uint32_t maxRecords = 0xFFFFFFFF;
+  // Batches of records keep where these lie in the file.
+  bool keepsPlaces = false;
+  // For a host that watches the cases: who is told of them, else null; and who wants whole batches,
+  // of which no case is behind the first `caseLimit`.
+  const PassTeller* teller = nullptr;
+  ImportObserver* batchObserver = nullptr;
+  std::int64_t caseLimit = INT64_MAX;
 };
 
 }  // namespace textwizard

@@ -47,6 +47,8 @@ struct ImportSettings {
   std::string qualifier;
   bool leadingSpaces = false;   // LEADINGSPACES IGNORE=YES
   bool multipleSpaces = false;  // MULTIPLESPACES IGNORE=YES
+  // The host's wish: a qualifier inside a field that does not begin with one is a character of it.
+  bool keepsStrayQualifiers = false;
   FileEncoding encoding = kEncodingNone;
   // Share of values in percent that decides a detected type.
   double dataTypeMinPercentage = 95.0;

@@ -13,7 +13,9 @@ constexpr int kLongestCharacter = 8;
 }  // namespace
 
 FieldRules::FieldRules(const ImportSettings& settings)
-    : leadingSpaces_(settings.leadingSpaces), multipleSpaces_(settings.multipleSpaces) {
+    : leadingSpaces_(settings.leadingSpaces),
+      multipleSpaces_(settings.multipleSpaces),
+      keepsStrayQualifiers_(settings.keepsStrayQualifiers) {
   if (settings.qualifierSet) {
     std::uint32_t ch = 0;
     if (QANTMBU32Get_A(&ch, settings.qualifier.c_str(), 0, kLongestCharacter) > 0) qualifier_ = ch;

@@ -30,12 +30,14 @@ class FieldRules {
   std::uint32_t qualifier() const { return qualifier_; }
   bool leadingSpaces() const { return leadingSpaces_; }
   bool multipleSpaces() const { return multipleSpaces_; }
+  bool keepsStrayQualifiers() const { return keepsStrayQualifiers_; }
 
  private:
   std::uint32_t qualifier_ = 0;
   std::array<std::uint32_t, kMaxDelimiters + 1> delimiters_{};
   bool leadingSpaces_ = false;
   bool multipleSpaces_ = false;
+  bool keepsStrayQualifiers_ = false;
 };
 
 // Whether the one character that `character` is (host text) is among those of `set`. False for

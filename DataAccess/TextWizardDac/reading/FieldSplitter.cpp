@@ -17,6 +17,10 @@ std::string_view Text(const char* begin, const char* end) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
+bool IsBlankText(std::string_view text) {
+  return text.find_first_not_of(' ') == std::string_view::npos;
+}
+
 }  // namespace
 
 FieldSplitter::FieldSplitter(const FieldRules& rules, SplitUse use, UndecodableListener* listener)
@@ -144,9 +148,11 @@ std::size_t FieldSplitter::CutViews(std::string_view* fields, std::size_t count)
 
 // The field between two qualifiers of which `close` ends it; returns where the next one begins.
 inline const char* FieldSplitter::TakeEnclosed(const char* open, const char* close,
-                                               std::string_view& field) const {
+                                               std::string_view& field) {
   field = Text(open + 1, close);
-  return end_ - close <= 2 ? end_ : close + 2;
+  if (end_ - close > 2) return close + 2;
+  if (close == end_) quotes_ |= kOpenQuote | kInsideQuote;
+  return end_;
 }
 
 const char* FieldSplitter::NextQualifier(const char* from) {
@@ -163,6 +169,7 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
     while (text != end_ && *text == ' ') ++text;
   }
   const char* const mark = NextMark(text);
+  delimited_ = mark != end_;
   if (mark == end_) {
     field = Text(start, end_);
     cursor_ = end_;
@@ -188,6 +195,7 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
       const char* const close = NextQualifier(mark + 1);
       if (!ClosesField(close)) break;
       cursor_ = TakeEnclosed(mark, close, field);
+      delimited_ = end_ - close > 1;
       return Finish(field, false);
     }
   }
@@ -334,6 +342,8 @@ void FieldSplitter::Walk(std::string_view& field) {
   Characters text(*this);
   State state = State::kStart;
   bool ended = false;
+  // The field begins with a qualifier, blanks before it aside.
+  bool qualified = false;
   while (!ended && !text.AtEnd()) {
     switch (state) {
       case State::kStart:
@@ -347,6 +357,7 @@ void FieldSplitter::Walk(std::string_view& field) {
             break;
           case Kind::kQualifier:
             text.SkipMark();
+            qualified = true;
             state = State::kQualified;
             break;
           case Kind::kDelimiter:
@@ -356,13 +367,22 @@ void FieldSplitter::Walk(std::string_view& field) {
             break;
         }
         break;
-      case State::kPlain:
+      case State::kPlain: {
+        const std::size_t behind = buffer_.size();
         text.AppendData();
+        // Behind a closing qualifier.
+        if (qualified && !IsBlankText(std::string_view(buffer_).substr(behind))) {
+          quotes_ |= kStrayQuote;
+        }
         if (text.AtEnd()) break;
         switch (text.kind()) {
           case Kind::kData:
             break;
           case Kind::kQualifier:
+            if (KeepsQualifier(qualified)) {
+              text.AppendMark();
+              break;
+            }
             if (!buffer_.empty() && buffer_.front() == ' ') text.RemoveLast();
             text.SkipMark();
             state = State::kQualified;
@@ -377,6 +397,7 @@ void FieldSplitter::Walk(std::string_view& field) {
             break;
         }
         break;
+      }
       case State::kQualified:
         text.AppendToQualifier();
         if (text.AtEnd()) break;
@@ -386,6 +407,7 @@ void FieldSplitter::Walk(std::string_view& field) {
       case State::kAfterQualifier:
         switch (text.kind()) {
           case Kind::kData:
+            if (qualified && !text.IsBlank()) quotes_ |= kStrayQuote;
             text.SkipData();
             state = State::kPlain;
             break;
@@ -404,8 +426,32 @@ void FieldSplitter::Walk(std::string_view& field) {
   }
   text.End();
   cursor_ = text.at();
+  delimited_ = ended;
+  if (!ended && state == State::kQualified) {
+    quotes_ |= kInsideQuote | (qualified ? unsigned{kOpenQuote} : 0U);
+  }
   field = buffer_;
   Finish(field, false);
+}
+
+bool FieldSplitter::KeepsQualifier(bool& qualified) {
+  const bool opens = !qualified && IsBlankText(buffer_);
+  if (!opens && !qualified && rules_.keepsStrayQualifiers()) return true;
+  if (!opens) quotes_ |= kStrayQuote;
+  qualified = qualified || opens;
+  return false;
+}
+
+bool FieldSplitter::RestIsEmpty() const {
+  for (const char* at = cursor_; at != end_;) {
+    std::uint32_t ch = 0;
+    const auto limit = static_cast<int>(std::min(end_ - at, kLongestCharacter));
+    const int length = QANTMBU32GetC_A(converter_, &ch, at, 0, limit);
+    if (length <= 0) ch = static_cast<unsigned char>(*at);
+    if (ch != ' ' && !rules_.IsDelimiter(ch)) return false;
+    at += std::max(length, 1);
+  }
+  return true;
 }
 
 void FieldSplitter::Finish(std::string_view& field, bool unqualified) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "HostFramework/Text.h"
 #include "reading/CharacterKinds.h"
@@ -71,6 +72,28 @@ class FieldSplitter {
   // not a view into the record.
   std::size_t Cut(std::string_view* fields, std::size_t count);
 
+  // --- What was found on the way, for whoever watches the fields
+  enum Quotes : unsigned {
+    // A qualifier in a field that does not begin with one (blanks before it aside), or other text
+    // than blanks behind the closing one.
+    kStrayQuote = 1,
+    // The record ended inside a field that begins with a qualifier.
+    kOpenQuote = 2,
+    // It ended inside a qualified stretch of any field.
+    kInsideQuote = 4,
+  };
+  bool MetQuotes() const { return quotes_ != 0; }
+  // What was found since the latest call.
+  unsigned TakeQuotes() { return std::exchange(quotes_, 0U); }
+  // Of a record that is used up: a delimiter ended its last field. Before TakeQuotes.
+  bool EndsInDelimiter() const {
+    if (mode_ == Mode::kCharacters || spaceOptions_) return delimited_;
+    return (quotes_ & kInsideQuote) == 0 && begin_ != end_ &&
+           kinds_.OfByte(end_[-1]) >= Kind::kDelimiter;
+  }
+  // Nothing but delimiters and blanks is left of the record.
+  bool RestIsEmpty() const;
+
   // Byte offset in the record where the next field begins.
   std::size_t offset() const { return static_cast<std::size_t>(cursor_ - begin_); }
   // At most the record's size.
@@ -106,11 +129,14 @@ class FieldSplitter {
   [[gnu::noinline]] const char* NextQualifier(const char* from);
 
   std::size_t CutViews(std::string_view* fields, std::size_t count);
-  const char* TakeEnclosed(const char* open, const char* close, std::string_view& field) const;
+  const char* TakeEnclosed(const char* open, const char* close, std::string_view& field);
   void NextOfBytes(std::string_view& field);
   // Cuts the next field into buffer_, one character after another.
   template <class Characters>
   void Walk(std::string_view& field);
+  // A qualifier was met in a plain stretch of the field that is walked. `qualified`: the field
+  // begins with one; so it does when it was blank so far. Whether it is only a character of it.
+  bool KeepsQualifier(bool& qualified);
   // Tells of what the fields cut since then had of bytes that are no character.
   void TellBroken();
   // The space options, once the field has ended. `unqualified`: no two blanks after its first
@@ -138,6 +164,10 @@ class FieldSplitter {
   // In broken text, the bytes before are told of.
   const char* told_ = nullptr;
   Mode mode_ = Mode::kBytes;
+
+  unsigned quotes_ = 0;
+  // Kept where fields are walked and with the space options: a delimiter ended the field.
+  bool delimited_ = false;
 
   std::string buffer_;
   // Byte lengths of the characters in buffer_ when it begins with a blank: a qualifier may take the

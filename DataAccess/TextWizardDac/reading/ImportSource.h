@@ -9,6 +9,7 @@
 #include "HostFramework/DACAdapter.h"
 #include "HostFramework/DataSource.h"
 #include "HostFramework/FileStream.h"
+#include "HostFramework/ImportObserver.h"
 #include "model/ImportSettings.h"
 #include "model/TxtWzVar.h"
 
@@ -31,6 +32,8 @@ class ImportSource : public QANT_DataSource {
   virtual char decimalCharacter() const = 0;
   // The open file. Readers take copies, which read on their own.
   virtual const QANT_FileStream& stream() const = 0;
+  // Who watches imports; not owned, null for nobody.
+  virtual ImportObserver* observer() const { return nullptr; }
   // Positions of cases. Synchronises itself.
   virtual QANT_SparseFileIndex& index() const = 0;
 

@@ -1,6 +1,7 @@
 #include "reading/QANT_TextWizardIterator.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "HostFramework/Sampling.h"
 #include "model/FormatCode.h"
@@ -10,6 +11,12 @@
 #include "reading/ValueConverter.h"
 
 namespace textwizard {
+namespace {
+
+// Of a case that the file did not end in.
+constexpr std::int64_t kComplete = CaseWatch::kComplete;
+
+}  // namespace
 
 QANT_TextWizardIterator::QANT_TextWizardIterator(const ImportSource& source, OBS* obs)
     : QANT_InputCaseIterator(source, obs),
@@ -24,15 +31,25 @@ QANT_TextWizardIterator::QANT_TextWizardIterator(const ImportSource& source, OBS
       suppliedFields_(rules_, SplitUse::kSuppliedRecord, this) {
   unsigned column = 0;
   for (const auto& variable : source.variables()) {
-    columns_.push_back({variable.get(), column});
+    columns_.push_back({variable.get(), column, static_cast<std::uint32_t>(columns_.size()), 0});
     if (variable->formatType == kFormatSkip) continue;
+    const QANT_Variable* const target = source.GetVariable(column);
+    if (target) columns_.back().width = static_cast<std::size_t>(target->GetType());
     lineColumns_.push_back(columns_.back());
     stringRooms_.push_back(StringRoom(*variable, column));
+    if (variable->recordNumber > settings_.recordsPerCase) ++unreachable_;
     ++column;
   }
   std::stable_sort(lineColumns_.begin(), lineColumns_.end(), [](const Column& a, const Column& b) {
     return a.variable->recordNumber < b.variable->recordNumber;
   });
+  ImportObserver* const observer = obs ? source.observer() : nullptr;
+  if (observer && observer->WantsProblems()) {
+    watch_ = std::make_unique<PassWatch>(*observer, source, fields_, reader_);
+  }
+  if (observer && observer->WantsBatches()) {
+    gatherer_ = std::make_unique<CaseGatherer>(*observer, source.GetObsAreaSize());
+  }
 }
 
 QANT_TextWizardIterator::~QANT_TextWizardIterator() = default;
@@ -50,8 +67,13 @@ void QANT_TextWizardIterator::SkipStartingLines() {
   // Where values run across lines, a case goes on in the record read last: the line where the data
   // begins is read here, too, and is then the current record.
   const bool readsOn = settings_.arrangement == kDelimitedCount;
-  reader_.SkipLines(readsOn ? 0 : 1, settings_.firstCase);
+  const std::int64_t markBytes = reader_.position();
+  const bool found = reader_.SkipLines(readsOn ? 0 : 1, settings_.firstCase);
   if (readsOn) TakeRecord(decoder_.Decode(reader_.record(), reader_.mark()));
+  if (!watch_) return;
+  const bool inRecord = readsOn && found && settings_.firstCase > 0;
+  watch_->Begin(markBytes, inRecord ? reader_.recordPosition() : reader_.position());
+  if (inRecord && !record_.empty()) watch_->cases().TakeRecord(watch_->Record(record_));
 }
 
 bool QANT_TextWizardIterator::MoreCases() const { return settings_.AllowsCaseAfter(currentCase_); }
@@ -88,11 +110,12 @@ void QANT_TextWizardIterator::Position() {
 
 bool QANT_TextWizardIterator::Next() {
   if (ended_ && requestedCase_ == currentCase_) return false;
+  if (watch_ && requestedCase_ != currentCase_) watch_->Leave();
   ended_ = false;
   outOfMemory_ = false;
   // Nothing is thrown to the host.
   try {
-    return ReadOn();
+    return gatherer_ ? ReadBatch() : ReadOn();
   } catch (...) {
     outOfMemory_ = true;
   }
@@ -107,11 +130,39 @@ bool QANT_TextWizardIterator::Next() {
 bool QANT_TextWizardIterator::ReadOn() {
   Position();
   while (currentCase_ <= requestedCase_) {
+    if (watch_) watch_->StartBatch();
     if (!MoreCases() || !ReadCase()) return EndOfData();
+    if (watch_) watch_->Deliver(1, currentCase_);
     index_.Add(currentCase_, reader_.recordPosition());
     ++currentCase_;
   }
   requestedCase_ = currentCase_;
+  return true;
+}
+
+bool QANT_TextWizardIterator::ReadBatch() {
+  if (!batchesEnded_) Position();
+  const std::int64_t first = currentCase_;
+  gatherer_->Clear();
+  if (watch_) watch_->StartBatch();
+  while (!batchesEnded_ && !gatherer_->IsFull()) {
+    try {
+      batchesEnded_ = !MoreCases() || !ReadCase();
+    } catch (...) {
+      batchesEnded_ = batchesFailed_ = true;
+    }
+    if (batchesEnded_) break;
+    gatherer_->Add(GetObsPointer());
+    ++currentCase_;
+  }
+  if (gatherer_->count() == 0) {
+    outOfMemory_ = batchesFailed_;
+    return EndOfData();
+  }
+  const std::int64_t behind = std::exchange(currentCase_, first);
+  gatherer_->Deliver(first);
+  if (watch_) watch_->Deliver(gatherer_->count(), first);
+  requestedCase_ = currentCase_ = behind;
   return true;
 }
 
@@ -126,6 +177,7 @@ bool QANT_TextWizardIterator::NextBuffer() {
 bool QANT_TextWizardIterator::EndOfData() {
   requestedCase_ = currentCase_;
   ended_ = true;
+  if (watch_) watch_->End(!readFailed(), !readFailed() && MoreCases());
   if (!readFailed()) {
     source_.NotePassEnd(currentCase_, GetErrorMonitor());
   } else if (ErrorMonitor* const monitor = GetErrorMonitor()) {
@@ -150,6 +202,10 @@ bool QANT_TextWizardIterator::ReadCase() {
 // Messages.
 
 void QANT_TextWizardIterator::OnUndecodable(const UndecodableRun& run) {
+  if (watch_) {
+    if (watch_->cases().examining()) return;
+    watch_->cases().NoteUndecodable();
+  }
   if (ErrorMonitor* const monitor = GetErrorMonitor()) {
     undecodableWarnings_.Report(*monitor, currentCase_ + 1, run.position, run.count);
   }
@@ -233,18 +289,51 @@ std::size_t QANT_TextWizardIterator::StringRoom(const TxtWzVar& variable, unsign
 bool QANT_TextWizardIterator::ConvertVar(std::string_view field, TxtWzVar* variable,
                                          unsigned column) {
   if (!GetObsPointer()) return true;
-  const int target = static_cast<int>(column);
   if (variable->formatType == kFormatA) {
     const StringRules rules{.leadingSpaces = rules_.leadingSpaces()};
     const StringValue value = ConvertString(field, stringRooms_[column], rules);
     if (value.truncated) variable->stringTruncated = true;
-    SetColumnValue(target, value.text);
+    SetColumnValue(static_cast<int>(column), value.text);
     return true;
   }
   double value = kSystemMissing;
   if (!ConvertNumber(field, variable->formatType, &value)) variable->missingStored = true;
-  SetColumnValue(target, value);
+  SetColumnValue(static_cast<int>(column), value);
   return true;
+}
+
+void QANT_TextWizardIterator::ConvertField(std::string_view field, const Column& column) {
+  if (!watch_ || column.variable->formatType == kFormatA) {
+    ConvertVar(field, column.variable, column.number);
+    if (watch_) watch_->cases().TakeString(column.position, field, column.width);
+    return;
+  }
+  double value = kSystemMissing;
+  if (!watch_->cases().TakesNull(field)) {
+    const bool read = ConvertNumber(field, column.variable->formatType, &value);
+    if (!read) column.variable->missingStored = true;
+    watch_->cases().TakeNumber(column.position, field, column.variable->formatType,
+                               read ? &value : nullptr);
+  }
+  SetColumnValue(static_cast<int>(column.number), value);
+}
+
+void QANT_TextWizardIterator::ConvertColumn(std::string_view field, const Column& column) {
+  if (!watch_) {
+    ConvertVar(field, column.variable, column.number);
+    return;
+  }
+  // A field without a place in memory would pass for none.
+  if (field.empty()) field = {"", 0};
+  if (column.variable->formatType == kFormatA) {
+    ConvertVar(field, column.variable, column.number);
+    // What the format shows behind the column belongs to other columns.
+    field = field.substr(0, column.width);
+    watch_->cases().TakeString(column.position, field, column.width);
+  } else {
+    ConvertField(field, column);
+  }
+  watch_->cases().EndColumn(column.position, field, column.variable->startColumn);
 }
 
 // `flagged` (may be null) learns of a number that is missing.
@@ -265,43 +354,52 @@ bool QANT_TextWizardIterator::ProcessDlmLines() {
   for (const Column& column : columns_) {
     std::string_view field;
     fields_.Next(field);
-    if (column.variable->formatType != kFormatSkip) {
-      ConvertVar(field, column.variable, column.number);
-    }
+    if (column.variable->formatType != kFormatSkip) ConvertField(field, column);
   }
+  if (watch_) watch_->cases().EndLine(watch_->Record(record_));
   return true;
 }
 
 bool QANT_TextWizardIterator::ProcessDlmCount() {
   if (columns_.empty() || !moreData_) return true;
   bool linesLeft = true;
+  std::int64_t absent = 0;
   for (const Column& column : columns_) {
     std::string_view field;
+    std::size_t begin = fields_.offset();
     bool found = fields_.Next(field);
     while (!found && linesLeft) {
       linesLeft = ReadRecord(false);
+      begin = 0;
       found = linesLeft && fields_.Next(field);
     }
     if (!found && &column == columns_.data()) {
       moreData_ = false;
       return false;
     }
-    if (column.variable->formatType == kFormatSkip) continue;
-    if (found) {
-      ConvertVar(field, column.variable, column.number);
-    } else {
+    const bool imported = column.variable->formatType != kFormatSkip;
+    if (imported && found) {
+      ConvertField(field, column);
+    } else if (imported) {
       StoreMissing(column, column.variable);
+      ++absent;
+    }
+    if (watch_ && found) {
+      watch_->cases().EndField(column.position, field, begin, fields_.offset());
     }
   }
+  if (watch_) watch_->cases().EndCase(absent, linesLeft ? kComplete : absent);
   return true;
 }
 
 bool QANT_TextWizardIterator::ProcessFixedLines() {
   bool ended = false;
+  std::int64_t absent = 0;
   auto column = lineColumns_.cbegin();
   for (std::uint32_t line = 1; line <= settings_.recordsPerCase; ++line) {
     if (!ended) ended = !ReadRecord(true);
     if (ended && line == 1) return false;
+    if (watch_ && !ended) watch_->cases().UseRecord();
     while (column != lineColumns_.cend() && column->variable->recordNumber < line) ++column;
     if (ended && column == lineColumns_.cend()) break;
     // The flag of a missing number lands by the line's place, not on the number's variable: the
@@ -310,13 +408,16 @@ bool QANT_TextWizardIterator::ProcessFixedLines() {
     for (; column != lineColumns_.cend() && column->variable->recordNumber == line; ++column) {
       std::string_view field;
       if (!ended && CutFixedField(record_, *column->variable, field)) {
-        ConvertVar(field, column->variable, column->number);
-      } else {
-        StoreMissing(*column, flagged);
+        ConvertColumn(field, *column);
+        continue;
       }
+      StoreMissing(*column, flagged);
+      if (ended) ++absent;
+      if (watch_ && !ended) watch_->cases().TakeShortRecord(column->position);
     }
     if (line == UINT32_MAX) break;
   }
+  if (watch_) watch_->cases().EndCase(absent + unreachable_, ended ? absent : kComplete);
   return true;
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "model/UndecodableWarnings.h"
 #include "reading/DecimalCharacterPin.h"
 #include "reading/FieldSplitter.h"
+#include "reading/PassWatch.h"
 #include "reading/RecordDecoder.h"
 #include "reading/RecordReader.h"
 
@@ -33,7 +35,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   QANT_TextWizardIterator(const ImportSource& source, OBS* obs);
   ~QANT_TextWizardIterator() override;
 
-  bool IsSeekOK() override { return true; }
+  // False when the host takes cases by the batch.
+  bool IsSeekOK() override { return !gatherer_; }
   // No file access happens before Next.
   bool Seek(long long n) override;
   long long Tell() const override { return currentCase_; }
@@ -103,13 +106,21 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   struct Column {
     TxtWzVar* variable;
     unsigned number;
+    // In the source's list of variables.
+    std::uint32_t position;
+    // Bytes of a string's cells.
+    std::size_t width;
   };
   // Bytes of text that a string may have and lose none.
   std::size_t StringRoom(const TxtWzVar& variable, unsigned column) const;
 
   void OnUndecodable(const UndecodableRun& run) override;
   bool ReadRecord(bool keepEmpty) {
-    return reader_.isUtf16() ? GetRecord16(keepEmpty) : GetRecord(keepEmpty);
+    const bool found = reader_.isUtf16() ? GetRecord16(keepEmpty) : GetRecord(keepEmpty);
+    if (watch_ && found && settings_.arrangement != kDelimitedLines) {
+      watch_->cases().TakeRecord(watch_->Record(record_));
+    }
+    return found;
   }
   void TakeRecord(std::string_view record);
   // Forgets the record and how far its fields were cut.
@@ -119,8 +130,13 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   void Position();
   // Delivers the case that is wanted, or ends the data. Throws when memory runs out.
   bool ReadOn();
+  // Delivers the batch that follows, or ends the data. Throws when memory runs out.
+  bool ReadBatch();
   bool EndOfData();
   bool ReadCase();
+  // Reads and stores a field, and tells who watches.
+  void ConvertField(std::string_view field, const Column& column);
+  void ConvertColumn(std::string_view field, const Column& column);
   void StoreMissing(const Column& column, TxtWzVar* flagged);
 
   const ImportSource& source_;
@@ -141,6 +157,12 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   std::vector<std::size_t> stringRooms_;
   UndecodableWarnings undecodableWarnings_;
 
+  // Null when nobody watches.
+  std::unique_ptr<PassWatch> watch_;
+  std::unique_ptr<CaseGatherer> gatherer_;
+  // Fixed columns: imported variables on lines that no case has.
+  std::int64_t unreachable_ = 0;
+
   std::string_view record_;
   std::string_view suppliedRecord_;
   std::int64_t currentCase_ = 0;
@@ -150,6 +172,9 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   // Next has returned false since the latest repositioning.
   bool ended_ = false;
   bool outOfMemory_ = false;
+  // Behind the batch delivered last are no more cases; or there was no memory for them.
+  bool batchesEnded_ = false;
+  bool batchesFailed_ = false;
   bool randomSeeded_ = false;
 };
 

@@ -27,6 +27,7 @@ bool RecordReader::SeekBegin() { return SeekTo(0); }
 bool RecordReader::SeekTo(std::int64_t position) {
   record_ = {};
   ended_ = false;
+  linesEnded_ = 0;
   return stream_.Seek(position, QANT_FileStream::kFromStart) == 0;
 }
 
@@ -59,8 +60,11 @@ bool RecordReader::ReadRecord(bool keepEmpty) {
     record_ = {};
     if (ended_ || stopped()) return false;
     recordPosition_ = stream_.Position();
+    recordLine_ = nextLine();
     buffer_.clear();
+    if (nuls_) nuls_->clear();
     const LineEnd end = (this->*ReadLine)();
+    if (end == LineEnd::kMark) ++linesEnded_;
     if (!record_.empty()) return true;
     if (end == LineEnd::kEndOfData) return false;
     if (keepEmpty) return true;
@@ -81,11 +85,17 @@ bool RecordReader::Read8(bool keepEmpty) {
 
 // The line ends that nothing stands before.
 void RecordReader::SkipEmptyLines8() {
+  char before = '\0';
   while (!stopped()) {
     const std::string_view block = stream_.Buffered();
     const auto text =
         std::find_if(block.begin(), block.end(), [](char ch) { return ch != '\n' && ch != '\r'; });
-    stream_.Consume(static_cast<std::size_t>(text - block.begin()));
+    const auto length = static_cast<std::size_t>(text - block.begin());
+    for (const char ch : block.substr(0, length)) {
+      if (ch == '\r' || before != '\r') ++linesEnded_;
+      before = ch;
+    }
+    stream_.Consume(length);
     if (text != block.end() || block.empty()) return;
   }
 }
@@ -110,14 +120,31 @@ std::size_t RecordReader::ReadRun(char* out, std::size_t room, std::uint32_t mos
   return run.length;
 }
 
-void RecordReader::SkipLines(std::int64_t count, std::int64_t firstCase) {
+bool RecordReader::SkipLines(std::int64_t count, std::int64_t firstCase) {
   while (count != firstCase && Read(true)) ++count;
+  return count == firstCase;
+}
+
+RecordPlace RecordReader::place() const {
+  RecordPlace place;
+  place.line = recordLine_;
+  place.begin = recordPosition_;
+  place.end = stream_.Position();
+  place.lineEndBytes = lineEndBytes_;
+  // What is neither text nor line end was dropped; one byte too few is one that the text has made
+  // up for the missing half of a unit.
+  place.droppedBytes = place.end - place.begin - static_cast<std::int64_t>(record_.size()) -
+                       static_cast<std::int64_t>(lineEndBytes_);
+  place.halfUnit = place.droppedBytes < 0;
+  if (place.halfUnit) place.droppedBytes = 0;
+  return place;
 }
 
 // The data ends here. What was read of the last line is a record, unless reading was stopped: then
 // nobody wants it.
 RecordReader::LineEnd RecordReader::EndData() {
   ended_ = true;
+  lineEndBytes_ = 0;
   record_ = stopped() ? std::string_view() : std::string_view(buffer_);
   return LineEnd::kEndOfData;
 }
@@ -137,6 +164,7 @@ RecordReader::LineEnd RecordReader::ReadLine8() {
     if (end == '\0') {
       buffer_.append(block.substr(0, length));
       stream_.Consume(next);
+      if (nuls_) NoteNul();
       continue;
     }
     if (end == '\r' && next == block.size()) {
@@ -144,9 +172,9 @@ RecordReader::LineEnd RecordReader::ReadLine8() {
       buffer_.append(block.substr(0, length));
       stream_.Consume(next);
       const std::string_view following = stream_.Buffered();
-      if (!following.empty() && following.front() == '\n') stream_.Consume(1);
-      record_ = buffer_;
-      return LineEnd::kMark;
+      const bool two = !following.empty() && following.front() == '\n';
+      stream_.Consume(two ? 1 : 0);
+      return EndLine(two ? 2 : 1);
     }
     if (buffer_.empty()) {
       record_ = block.substr(0, length);
@@ -154,9 +182,25 @@ RecordReader::LineEnd RecordReader::ReadLine8() {
       buffer_.append(block.substr(0, length));
       record_ = buffer_;
     }
-    stream_.Consume(end == '\r' && block[next] == '\n' ? next + 1 : next);
+    const bool two = end == '\r' && block[next] == '\n';
+    stream_.Consume(two ? next + 1 : next);
+    lineEndBytes_ = two ? 2 : 1;
     return LineEnd::kMark;
   }
+}
+
+// The record is what stands in buffer_.
+RecordReader::LineEnd RecordReader::EndLine(std::uint32_t lineEndBytes) {
+  record_ = buffer_;
+  lineEndBytes_ = lineEndBytes;
+  return LineEnd::kMark;
+}
+
+void RecordReader::NoteNul() {
+  const std::size_t at = buffer_.size();
+  const std::int64_t before = nuls_->empty() ? 0 : nuls_->back().dropped;
+  if (nuls_->empty() || nuls_->back().at != at) nuls_->push_back({at, before});
+  ++nuls_->back().dropped;
 }
 
 RecordReader::Unit RecordReader::ReadUnit() {
@@ -185,6 +229,7 @@ RecordReader::LineEnd RecordReader::ReadLine16() {
         record_ = block.substr(0, length);
         const bool two = IsCarriageReturn(end) && EndsCarriageReturn(UnitAt(block, length + 2));
         stream_.Consume(length + (two ? 4 : 2));
+        lineEndBytes_ = two ? 4 : 2;
         return LineEnd::kMark;
       }
     }
@@ -196,18 +241,17 @@ RecordReader::LineEnd RecordReader::ReadLine16() {
     const Unit unit = ReadUnit();
     const unsigned value = unit.value();
     if (value == kEndUnit) {
-      record_ = buffer_;
+      EndLine(static_cast<std::uint32_t>(unit.read));
       return LineEnd::kEndOfData;
     }
     if (IsLineFeed(value) || IsCarriageReturn(value)) {
+      bool two = false;
       if (IsCarriageReturn(value)) {
         const Unit next = ReadUnit();
-        if (!EndsCarriageReturn(next.value()) && next.read > 0) {
-          stream_.Seek(-next.read, QANT_FileStream::kFromCurrent);
-        }
+        two = EndsCarriageReturn(next.value());
+        if (!two && next.read > 0) stream_.Seek(-next.read, QANT_FileStream::kFromCurrent);
       }
-      record_ = buffer_;
-      return LineEnd::kMark;
+      return EndLine(two ? 4 : 2);
     }
     if (value == 0) textEnded = true;
     if (!textEnded) buffer_.append(reinterpret_cast<const char*>(unit.bytes), 2);

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "HostFramework/FileStream.h"
+#include "watch/RecordPlace.h"
 
 namespace textwizard {
 
@@ -21,6 +22,10 @@ class RecordReader {
   // When set, reading stops as if the data ended once *stop is not 0; looked at for every record,
   // run and block. Outlives the reader or is reset to null.
   void SetStop(const std::atomic<std::int32_t>* stop) { stop_ = stop; }
+
+  // Keeps where NUL bytes were dropped of the record read last, in memory of the caller's that
+  // outlives the reader; null for nobody.
+  void KeepNuls(NulRuns* nuls) { nuls_ = nuls; }
 
   // Moves to offset 0; false when that fails.
   bool SeekBegin();
@@ -53,10 +58,16 @@ class RecordReader {
   std::string_view record() const { return record_; }
   // File position in bytes where that record, or the latest run, began.
   std::int64_t recordPosition() const { return recordPosition_; }
+  // The place of the record read last, right after it was read. Lines are counted from the latest
+  // seek on, and without those of runs.
+  RecordPlace place() const;
+  std::int64_t nextLine() const { return linesEnded_ + 1; }
   // File position in bytes of what is read next.
   std::int64_t position() const { return stream_.Position(); }
-  // Reads lines, empty ones too, while the count that starts at `count` differs from `firstCase`.
-  void SkipLines(std::int64_t count, std::int64_t firstCase);
+  std::int64_t fileBytes() const { return stream_.Size(); }
+  // Reads lines, empty ones too, while the count that starts at `count` differs from `firstCase`;
+  // false when the data ended before.
+  bool SkipLines(std::int64_t count, std::int64_t firstCase);
   // The stream could not be opened again for this reader, or failed (it did not just end).
   bool failed() const { return !stream_.IsOpen() || stream_.ReadFailed(); }
 
@@ -77,6 +88,8 @@ class RecordReader {
   LineEnd ReadLine8();
   LineEnd ReadLine16();
   LineEnd EndData();
+  LineEnd EndLine(std::uint32_t lineEndBytes);
+  void NoteNul();
   Unit ReadUnit();
   bool EndsCarriageReturn(unsigned unit) const;
   bool stopped() const { return stop_ != nullptr && stop_->load() != 0; }
@@ -90,6 +103,10 @@ class RecordReader {
   std::string_view record_;
   std::string buffer_;
   std::int64_t recordPosition_ = 0;
+  NulRuns* nuls_ = nullptr;
+  std::int64_t linesEnded_ = 0;
+  std::int64_t recordLine_ = 1;
+  std::uint32_t lineEndBytes_ = 0;
 };
 
 }  // namespace textwizard

@@ -20,12 +20,19 @@ constexpr std::string_view kSingleThreadValue = "YES";
 // Every case is noted; the index thins itself out.
 constexpr std::int64_t kIndexSpacing = 1;
 
+// What the host asks for by an adapter that is more than one.
+ImportObserver* ObserverOf(DACAdapterBase* adapter) {
+  auto* const observing = dynamic_cast<ImportObserving*>(adapter);
+  return observing ? observing->GetImportObserver() : nullptr;
+}
+
 }  // namespace
 
 QANT_TextWizardSrc::QANT_TextWizardSrc(const char* path, int workerCount, int hostParameter,
                                        DACAdapterBase* adapter)
     : ImportSource(nullptr),
       adapter_(adapter),
+      observer_(ObserverOf(adapter)),
       workerCount_(workerCount),
       hostParameter_(hostParameter),
       decimalCharacter_(static_cast<char>(iocvgetdecchar_())),
@@ -43,7 +50,8 @@ bool QANT_TextWizardSrc::OpenFile(const char* path) {
 
 QANT_InputCaseIterator* QANT_TextWizardSrc::MakeIterator(OBS* obs) const {
   try {
-    if (settings_.arrangement == kDelimitedLines) {
+    const bool oneThread = observer_ && observer_->ReadsOnOneThread();
+    if (settings_.arrangement == kDelimitedLines && !oneThread) {
       return new QANT_TextWizardMultiThreadedIterator(*this, obs, false);
     }
     return new QANT_TextWizardIterator(*this, obs);
@@ -61,6 +69,11 @@ QANT_InputCaseIterator* QANT_TextWizardSrc::MakeAutoDetectIterator(OBS* obs) con
   auto iterator = std::make_unique<QANT_TextWizardMultiThreadedIterator>(*this, obs, true);
   iterator->SetDacAdapter(adapter_);
   return iterator.release();
+}
+
+void QANT_TextWizardSrc::SetSettings(const ImportSettings& settings) {
+  settings_ = settings;
+  settings_.keepsStrayQualifiers = observer_ && observer_->KeepsStrayQualifiers();
 }
 
 long long QANT_TextWizardSrc::RowCount() const { return highestCaseCount_; }

@@ -28,7 +28,7 @@ class QANT_TextWizardSrc : public ImportSource {
   QANT_InputCaseIterator* MakeAutoDetectIterator(OBS* obs) const override;
 
   // What the plan hands over while it executes; before any iterator but the detection's.
-  void SetSettings(const ImportSettings& settings) { settings_ = settings; }
+  void SetSettings(const ImportSettings& settings);
   void SetVariables(std::vector<std::unique_ptr<TxtWzVar>> variables) {
     variables_ = std::move(variables);
   }
@@ -40,12 +40,14 @@ class QANT_TextWizardSrc : public ImportSource {
   int hostParameter() const { return hostParameter_; }
   char decimalCharacter() const override { return decimalCharacter_; }
   const QANT_FileStream& stream() const override { return stream_; }
+  ImportObserver* observer() const override { return observer_; }
   QANT_SparseFileIndex& index() const override { return *index_; }
   void NotePassEnd(std::int64_t cases, ErrorMonitor* monitor) const override;
 
  private:
   // Constant after construction and the plan's execution.
   DACAdapterBase* adapter_;
+  ImportObserver* observer_;
   ImportSettings settings_;
   std::vector<std::unique_ptr<TxtWzVar>> variables_;
   int workerCount_;

@@ -19,7 +19,7 @@ TEST(NullTexts, HoldsItsTextsWithAnyBlanksAroundThem) {
 TEST(NullTexts, BlanksAreNoneOfThem) {
   EXPECT_FALSE(NullTexts({"", " ", "\t"}).Holds(" "));
   EXPECT_FALSE(NullTexts().Holds(" "));
-  EXPECT_FALSE(NullTexts({}).Holds("NA"));
+  EXPECT_FALSE(NullTexts(std::vector<std::string>()).Holds("NA"));
 }
 
 }  // namespace

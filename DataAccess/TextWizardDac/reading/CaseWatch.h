@@ -1,0 +1,204 @@
+// What is noted of the cases that an engine converts, for a host that watches the import: what
+// became of every cell, the problems with their places, the bytes of the records.
+//
+// An engine tells of each field what its conversion came to, which costs next to nothing for a
+// field without a problem. A delimited record with one case to a line is looked at again, field by
+// field, only when something was wrong with it.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "HostFramework/ImportObserver.h"
+#include "model/FormatCode.h"
+#include "reading/FieldSplitter.h"
+#include "reading/ImportSource.h"
+#include "reading/TextOrigin.h"
+#include "watch/NullTexts.h"
+#include "watch/Rounding.h"
+#include "watch/WatchedBatch.h"
+
+namespace textwizard {
+
+// A record that cases are made of. What the views show outlives the record's case.
+struct WatchedRecord {
+  // As the reader gave it and as host text; see TextOrigin.
+  std::string_view raw;
+  std::string_view text;
+  ByteOrderMark mark = ByteOrderMark::kNone;
+  RecordPlace place;
+  const NulRun* nulsBegin = nullptr;
+  const NulRun* nulsEnd = nullptr;
+};
+
+// One thread. Variables are named by their position in the source's list, skipped ones included.
+class CaseWatch {
+ public:
+  // `fields` cuts the records that are watched; its listener tells NoteUndecodable, unless
+  // examining. All outlive this.
+  CaseWatch(const ImportObserver& observer, const ImportSource& source, FieldSplitter& fields);
+
+  // Notes go there from now on, for cases from number 0 of the batch on. `notesEnds`: the batch may
+  // be delivered in part; each of its cases then has one record.
+  void StartBatch(WatchedBatch& batch, bool notesEnds);
+  WatchedBatch& batch() { return *batch_; }
+
+  // --- Fields of the case in hand, once each and in the order of the records
+  // The text means a missing number.
+  bool TakesNull(std::string_view field) {
+    if (!nulls_.Holds(field)) return false;
+    ++cells_.null;
+    return true;
+  }
+  // A number that was not null; a field without any text that even has no place in memory is one
+  // that the record does not have. `value`: when it could be read.
+  void TakeNumber(std::uint32_t variable, std::string_view field, std::uint32_t format,
+                  const double* value) {
+    if (!value) {
+      TakeUnread(variable, field);
+    } else if (field.size() >= kRoundedDigits) {
+      TakeLong(variable, field, format, *value);
+    }
+  }
+  // A string; `width`: bytes of the variable's cells.
+  void TakeString(std::uint32_t variable, std::string_view field, std::size_t width) {
+    if (field.empty() || field.front() == ' ') {
+      TakeBlank(variable, field, width);
+    } else if (field.size() > width) {
+      TakeLong(variable, field, width);
+    }
+  }
+  // The splitter met bytes that are no character, in a field of the case.
+  void NoteUndecodable() { undecodable_ = true; }
+  // A field is cut again: what the splitter meets in it was met before.
+  bool examining() const { return examining_; }
+
+  // --- Records, one case in a line: after its fields
+  void EndLine(const WatchedRecord& record) {
+    batch_->AddRecord(case_, record.place);
+    if (notesEnds_) batch_->ends.push_back(record.place.end);
+    if (IsPlain(record)) {
+      EndCells();
+    } else {
+      EndUnusual(record);
+    }
+    ++case_;
+  }
+
+  // --- Records, other arrangements
+  // A record was read. It belongs to the case that has something of it first.
+  void TakeRecord(const WatchedRecord& record);
+  // The field of `variable` has been cut, and converted unless it is skipped: the record's text
+  // from `begin` to `end`.
+  void EndField(std::uint32_t variable, std::string_view field, std::size_t begin, std::size_t end);
+  // The record in hand belongs to the case as a whole.
+  void UseRecord();
+  // The column of `variable` has been converted: the record's text from `begin` on.
+  void EndColumn(std::uint32_t variable, std::string_view field, std::size_t begin);
+  // The record in hand ends before the variable's column.
+  void TakeShortRecord(std::uint32_t variable);
+  // The case has been read. `absent`: cells for which there is no field, those of short records
+  // left out. `lost`: those among them that the file ended before, kComplete when it did not end
+  // inside the case.
+  static constexpr std::int64_t kComplete = -1;
+  void EndCase(std::int64_t absent, std::int64_t lost);
+
+ private:
+  struct Finding {
+    std::uint32_t variable;
+    ImportProblemKind kind;
+  };
+  // A problem of the case in hand, by whose members the problems of a case are ordered.
+  struct Noted {
+    std::uint32_t record;
+    bool ofField;
+    std::int64_t byte;
+    std::uint32_t code;
+    bool detailed;
+    NotedProblems::Detail detail;
+  };
+
+  bool IsPlain(const WatchedRecord& record) const {
+    return findings_.empty() && cells_.absent == 0 && !undecodable_ && !fields_.MetQuotes() &&
+           fields_.offset() == record.text.size() && record.place.droppedBytes == 0 &&
+           (record.raw.data() == record.text.data() || !HasSubstitutes(record));
+  }
+  void TakeUnread(std::uint32_t variable, std::string_view field);
+  void TakeLong(std::uint32_t variable, std::string_view field, std::uint32_t format, double value);
+  void TakeLong(std::uint32_t variable, std::string_view field, std::size_t width);
+  void TakeBlank(std::uint32_t variable, std::string_view field, std::size_t width);
+  bool HasSubstitutes(const WatchedRecord& record) const;
+  void EndUnusual(const WatchedRecord& record);
+  void SettleEmptyField();
+  void ExamineFields();
+  void ExamineRest(std::size_t offset);
+  bool AnyWantsDetail() const;
+  void AddFieldProblems(const Finding* finding, std::int32_t column, std::string_view field,
+                        std::size_t begin, std::size_t end);
+  void AddQuotes(unsigned quotes, std::int32_t column, std::string_view field, std::int64_t byte);
+  TextOrigin& Origin();
+  // Offset in the file of the record's text from `at` on: right behind what precedes it.
+  std::int64_t OffsetOf(std::size_t at);
+  void Add(ImportProblemKind kind, std::int32_t column, bool ofField, std::int64_t byte,
+           std::int64_t amount, std::string_view text);
+  void AddOfRecord(ImportProblemKind kind, std::int64_t amount, std::string_view text,
+                   std::int32_t column = -1);
+  void TakeFieldOfRecord(std::size_t begin);
+  void AddIncomplete(std::int64_t lost);
+  void AddRecord();
+  void CountBeyond(std::uint32_t variable);
+  void Flush();
+  void EndCells() {
+    if ((cells_.empty | cells_.null | cells_.unreadable | cells_.absent) == 0) return;
+    cells_.record = case_;
+    batch_->cells.push_back(cells_);
+    cells_ = {};
+  }
+
+  FieldSplitter& fields_;
+  const NullTexts nulls_;
+  const bool leadingSpaces_;
+  const bool countsValues_;
+  // By position in the source's list: index among its variables, -1 for a skipped one.
+  std::vector<std::int32_t> columns_;
+  bool anySkipped_ = false;
+  // Fixed columns, by position in the list: the first byte behind the column, and whether no other
+  // column has it.
+  struct Edge {
+    std::size_t behind;
+    bool free;
+  };
+  std::vector<Edge> edges_;
+  TextOrigin origin_;
+
+  WatchedBatch* batch_ = nullptr;
+  bool notesEnds_ = false;
+  // Number of the case in hand.
+  std::uint32_t case_ = 0;
+  WatchedBatch::CellsNotRead cells_{};
+  std::vector<Finding> findings_;
+  bool undecodable_ = false;
+  bool examining_ = false;
+  std::vector<Noted> noted_;
+
+  // The record in hand, where problems stand.
+  WatchedRecord record_;
+  bool originStarted_ = false;
+  bool substitutes_ = false;
+  // It is no case's yet.
+  bool recordIsNew_ = false;
+  std::uint32_t recordNumber_ = 0;
+  std::size_t fieldsEnd_ = 0;
+  // The bytes of the case in hand, and the record that it begins in; its text is kept while the
+  // file may end in the case.
+  bool begun_ = false;
+  WatchedBatch::ProblemCase bytes_{};
+  bool keepsFirst_ = false;
+  RecordPlace firstPlace_;
+  std::string firstText_;
+};
+
+}  // namespace textwizard

@@ -1,0 +1,88 @@
+// The problems of some cases on their way from where they are found to the host's thread. Every one
+// is counted; what more is known of it is kept as far as somebody may be told.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "HostFramework/ImportObserver.h"
+
+namespace textwizard {
+
+// A kind of problem of a variable (-1: of none) as one number, rising by variable and kind.
+constexpr std::uint32_t ProblemCode(ImportProblemKind kind, std::int32_t variable) {
+  return static_cast<std::uint32_t>(variable + 1) * std::uint32_t{kImportProblemKinds} +
+         static_cast<std::uint32_t>(kind);
+}
+constexpr ImportProblemKind KindOf(std::uint32_t code) {
+  return static_cast<ImportProblemKind>(code % kImportProblemKinds);
+}
+constexpr std::int32_t VariableOf(std::uint32_t code) {
+  return static_cast<std::int32_t>(code / kImportProblemKinds) - 1;
+}
+
+// Belongs to one thread at a time. Its memory is kept from batch to batch.
+class NotedProblems {
+ public:
+  // A text that was kept.
+  struct Text {
+    std::size_t at = 0;
+    std::size_t bytes = 0;
+  };
+  // Place and more of a problem.
+  struct Detail {
+    std::int64_t line;
+    std::int64_t byte;
+    std::int64_t amount;
+    Text text;
+  };
+  struct Problem {
+    // Number of the case in the batch, from 0.
+    std::uint32_t record;
+    std::uint32_t code;
+  };
+
+  // `variables`: those of the source.
+  explicit NotedProblems(std::size_t variables) : seen_((variables + 1) * kImportProblemKinds) {}
+
+  // Forgets all. `all`: keep the details of every problem; else of the first of each code only.
+  void Clear(bool all);
+  // Whether the next problem of the code needs details.
+  bool WantsDetail(std::uint32_t code) const { return all_ || !seen_[code]; }
+  // Adds a problem of a case, none of a later one having been added.
+  void Add(std::uint32_t record, std::uint32_t code) {
+    problems_.push_back({record, code});
+    seen_[code] = 1;
+  }
+  void Add(std::uint32_t record, std::uint32_t code, const Detail& detail) {
+    detailed_.push_back(problems_.size());
+    details_.push_back(detail);
+    Add(record, code);
+  }
+  // Keeps a text for details, as much of it as is told: at most kImportTextBytes bytes, in whole
+  // characters (host text).
+  Text Keep(std::string_view text);
+
+  const std::vector<Problem>& problems() const { return problems_; }
+  const std::vector<Detail>& details() const { return details_; }
+  // By rising number, of each detail: the problem's number.
+  const std::vector<std::size_t>& detailed() const { return detailed_; }
+  std::string_view TextOf(const Detail& detail) const {
+    return std::string_view(texts_).substr(detail.text.at, detail.text.bytes);
+  }
+
+ private:
+  bool all_ = true;
+  std::vector<Problem> problems_;
+  std::vector<Detail> details_;
+  std::vector<std::size_t> detailed_;
+  std::string texts_;
+  Text latest_;
+  // By code: one was added.
+  std::vector<std::uint8_t> seen_;
+};
+
+}  // namespace textwizard

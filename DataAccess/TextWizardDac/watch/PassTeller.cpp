@@ -1,0 +1,172 @@
+#include "watch/PassTeller.h"
+
+#include <utility>
+
+namespace textwizard {
+
+PassTeller::PassTeller(ImportObserver& observer, std::size_t variables, bool fixedColumns)
+    : observer_(observer),
+      variables_(variables),
+      problemLimit_(observer.ProblemLimit()),
+      tellsProblemCases_(observer.WantsProblemCases()),
+      tellsCellsPerCase_(observer.WantsCellsPerCase()),
+      limitReached_(problemLimit_ <= 0),
+      fixedColumns_(fixedColumns),
+      textsBeyondColumn_(fixedColumns ? variables : 0) {
+  const auto codes = static_cast<std::uint32_t>((variables + 1) * kImportProblemKinds);
+  counts_.reserve(codes);
+  for (std::uint32_t code = 0; code < codes; ++code) {
+    counts_.push_back({KindOf(code), VariableOf(code), 0});
+  }
+}
+
+void PassTeller::Begin(std::int64_t markBytes, std::int64_t preambleEnd) {
+  if (state_ != State::kBefore) return;
+  state_ = State::kTelling;
+  observer_.OnPassBegin();
+  AddSpan(ImportSpan::kMark, markBytes);
+  AddSpan(ImportSpan::kPreamble, preambleEnd);
+  TellSpan();
+}
+
+void PassTeller::StartBatch(const WatchedBatch& batch, std::int64_t firstCase) {
+  batch_ = &batch;
+  firstCase_ = firstCase;
+  delivered_ = 0;
+  nextProblem_ = nextDetail_ = nextProblemCase_ = nextCells_ = 0;
+  nextNoted_ = 0;
+  FindNoted();
+}
+
+void PassTeller::FindNoted() {
+  // Else every case has cells to tell of.
+  if (tellsCellsPerCase_) return;
+  const auto& problems = batch_->problems.problems();
+  nextNoted_ = nextProblem_ < problems.size() ? problems[nextProblem_].record : UINT32_MAX;
+}
+
+void PassTeller::TellNoted() {
+  while (nextNoted_ < delivered_) {
+    TellCase(nextNoted_);
+    if (tellsCellsPerCase_) ++nextNoted_;
+    FindNoted();
+  }
+}
+
+void PassTeller::TellCase(std::uint32_t record) {
+  const auto& problems = batch_->problems.problems();
+  for (; nextProblem_ < problems.size() && problems[nextProblem_].record == record;
+       ++nextProblem_) {
+    TellProblem(nextProblem_);
+  }
+  const auto& cases = batch_->cases;
+  if (nextProblemCase_ < cases.size() && cases[nextProblemCase_].record == record) {
+    const WatchedBatch::ProblemCase& noted = cases[nextProblemCase_++];
+    if (tellsProblemCases_) {
+      observer_.OnProblemCase(
+          {firstCase_ + record + 1, noted.line + runLines_, noted.begin, noted.end});
+    }
+  }
+  if (!tellsCellsPerCase_) return;
+  ImportCellCounts counts;
+  if (nextCells_ < batch_->cells.size() && batch_->cells[nextCells_].record == record) {
+    const WatchedBatch::CellsNotRead& cells = batch_->cells[nextCells_++];
+    counts = {0, cells.empty, cells.null, cells.unreadable, cells.absent};
+  }
+  counts.read = static_cast<std::int64_t>(variables_) - counts.empty - counts.null -
+                counts.unreadable - counts.absent;
+  observer_.OnCells(counts);
+}
+
+void PassTeller::TellProblem(std::size_t index) {
+  const NotedProblems& noted = batch_->problems;
+  const NotedProblems::Problem& problem = noted.problems()[index];
+  const NotedProblems::Detail* detail = nullptr;
+  if (nextDetail_ < noted.details().size() && noted.detailed()[nextDetail_] == index) {
+    detail = &noted.details()[nextDetail_++];
+  }
+  const bool isFirst = ++counts_[problem.code].count == 1;
+  // Details are missing only of problems that nobody is told of.
+  if (!detail || (!isFirst && toldProblems_ >= problemLimit_)) return;
+  ++toldProblems_;
+  if (toldProblems_ >= problemLimit_) limitReached_.store(true, std::memory_order_relaxed);
+  observer_.OnProblem({KindOf(problem.code), VariableOf(problem.code),
+                       firstCase_ + problem.record + 1, detail->line + runLines_, detail->byte,
+                       detail->amount, noted.TextOf(*detail)});
+}
+
+void PassTeller::EndBatch() {
+  if (!batch_) return;
+  for (const WatchedBatch::Stretch& stretch : batch_->stretches) {
+    if (stretch.record >= delivered_) break;
+    std::int64_t end = stretch.end;
+    std::int64_t records = stretch.records;
+    // Cut where delivery stopped: each case has one record then.
+    if (!batch_->ends.empty() && stretch.record + stretch.records > delivered_) {
+      records = delivered_ - stretch.record;
+      end = batch_->ends[delivered_ - 1];
+    }
+    AddSpan(ImportSpan::kSkipped, stretch.begin);
+    AddSpan(ImportSpan::kRecords, end, records, records * std::int64_t{stretch.lineEndBytes},
+            stretch.droppedBytes);
+    records_ += records;
+  }
+  for (const WatchedBatch::CellsNotRead& cells : batch_->cells) {
+    if (cells.record >= delivered_) break;
+    cells_.empty += cells.empty;
+    cells_.null += cells.null;
+    cells_.unreadable += cells.unreadable;
+    cells_.absent += cells.absent;
+  }
+  for (const std::uint32_t variable : batch_->beyondColumn) ++textsBeyondColumn_[variable];
+  cases_ += delivered_;
+  runLines_ += batch_->runLines;
+  batch_ = nullptr;
+  delivered_ = 0;
+  nextNoted_ = UINT32_MAX;
+}
+
+void PassTeller::AddSpan(ImportSpan::Kind kind, std::int64_t end, std::int64_t records,
+                         std::int64_t lineEndBytes, std::int64_t droppedBytes) {
+  const std::int64_t begin = span_.offset + span_.bytes;
+  // An empty stretch would part what belongs together; a record takes a byte at least, but for one
+  // of a case that the file ended in.
+  if (end <= begin && records == 0) return;
+  if (span_.kind != kind || span_.bytes == 0) {
+    TellSpan();
+    span_ = {kind, begin, 0, 0, 0, 0};
+  }
+  span_.bytes += end - begin;
+  span_.records += records;
+  span_.lineEndBytes += lineEndBytes;
+  span_.droppedBytes += droppedBytes;
+}
+
+void PassTeller::TellSpan() {
+  if (span_.bytes == 0) return;
+  observer_.OnSpan(span_);
+  span_ = {span_.kind, span_.offset + span_.bytes, 0, 0, 0, 0};
+}
+
+void PassTeller::End(bool complete, std::int64_t dataEnd, std::int64_t fileBytes) {
+  if (std::exchange(state_, State::kOver) != State::kTelling) return;
+  EndBatch();
+  AddSpan(ImportSpan::kSkipped, dataEnd);
+  AddSpan(ImportSpan::kUnread, fileBytes);
+  TellSpan();
+  cells_.read = cases_ * static_cast<std::int64_t>(variables_) - cells_.empty - cells_.null -
+                cells_.unreadable - cells_.absent;
+  if (!tellsCellsPerCase_) observer_.OnCells(cells_);
+  // In place: there need not be memory when an iterator is destroyed.
+  std::erase_if(counts_, [](const ImportProblemCount& count) { return count.count == 0; });
+  observer_.OnProblemCounts(counts_.data(), counts_.size());
+  ImportPassEnd end;
+  end.cases = cases_;
+  end.recordsInCases = records_;
+  end.bytes = fileBytes;
+  end.complete = complete;
+  if (fixedColumns_) end.textsBeyondColumn = &textsBeyondColumn_;
+  observer_.OnPassEnd(end);
+}
+
+}  // namespace textwizard
