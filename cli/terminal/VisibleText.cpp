@@ -46,7 +46,9 @@ bool IsWide(UChar32 character) {
   return width == U_EA_WIDE || width == U_EA_FULLWIDTH;
 }
 
-// Adds up the columns of visible characters, of which some change what stands before them.
+// Adds up the columns of visible characters, of which some change what stands before them. Where
+// terminals differ, as they do with emoji of several characters, the larger number counts: a line
+// must not be wider than its terminal.
 class ColumnCount {
  public:
   // True when the character stands for itself and not with the one before it.
@@ -71,10 +73,7 @@ class ColumnCount {
     if (type == U_NON_SPACING_MARK || type == U_ENCLOSING_MARK || JoinsSyllable(character)) {
       return false;
     }
-    const bool joins = u_hasBinaryProperty(character, UCHAR_EMOJI_MODIFIER) != 0 &&
-                       u_hasBinaryProperty(last_, UCHAR_EMOJI_MODIFIER_BASE) != 0;
     last_ = character;
-    if (joins) return false;
     lastIsWide_ = IsWide(character);
     columns_ += lastIsWide_ ? 2 : 1;
     return true;
