@@ -1,5 +1,6 @@
 #include "cli/run/SingleCommand.h"
 
+#include <exception>
 #include <string>
 
 #include <fmt/format.h>
@@ -11,6 +12,7 @@
 #include "cli/terminal/ImportTables.h"
 #include "cli/terminal/Progress.h"
 #include "library/import/Advice.h"
+#include "library/import/ColumnEdgeCheck.h"
 #include "library/import/CommandFault.h"
 #include "library/import/CommandImport.h"
 #include "library/import/CommandOutline.h"
@@ -60,7 +62,7 @@ class SingleCommand {
   library::CommandFault FaultOf(const embedded::ParsedCommand& command) const;
   // Warns of what stands in that subcommand.
   void Advise(const std::string& advice, const library::OutlinedSubcommand* subcommand);
-  void AdviseOnCases();
+  void AdviseOnCases(library::ColumnEdgeCheck& edges);
   CommandEnd ReadSource();
   CommandEnd ReadCases(FirstCases& firstCases);
   CommandEnd OutputFailure(const library::OutputFile& file);
@@ -144,13 +146,14 @@ CommandEnd SingleCommand::ReadSource() {
 
 CommandEnd SingleCommand::ReadCases(FirstCases& firstCases) {
   ImportEnd read;
+  library::ColumnEdgeCheck edges(import_.source());
   {
     Progress progress(context_.console, import_.stats().bytes);
     Reader reader(firstCases, outputs_, progress);
     read = import_.Read(reader);
   }
   context_.messages.EndCommand();
-  if (read == ImportEnd::kDone) AdviseOnCases();
+  if (read == ImportEnd::kDone) AdviseOnCases(edges);
   outputs_.Flush();
   if (const library::OutputFile* failed = outputs_.failed()) return OutputFailure(*failed);
   if (read == ImportEnd::kInterrupted) return CommandEnd::kInterrupted;
@@ -160,14 +163,13 @@ CommandEnd SingleCommand::ReadCases(FirstCases& firstCases) {
   return failed != nullptr ? OutputFailure(*failed) : CommandEnd::kDone;
 }
 
-void SingleCommand::AdviseOnCases() {
-  const textwizard::ImportSource& source = import_.source();
+void SingleCommand::AdviseOnCases(library::ColumnEdgeCheck& edges) {
   if (import_.casesRead() > 0) {
-    Advise(library::ColumnEdgeAdvice(source, import_.casesRead()), outline_.Find("FILE"));
+    Advise(edges.Advice(import_.casesRead()), outline_.Find("FILE"));
     return;
   }
   const library::OutlinedSubcommand* firstCase = outline_.Find("FIRSTCASE");
-  Advise(library::NoCaseAdvice(source, outline_.DataFile()),
+  Advise(library::NoCaseAdvice(import_.source(), outline_.DataFile()),
          firstCase != nullptr ? firstCase : outline_.Find("FILE"));
 }
 
@@ -181,11 +183,18 @@ CommandEnd SingleCommand::OutputFailure(const library::OutputFile& file) {
 
 CommandEnd RunSingleCommand(const RunContext& context, int number,
                             const embedded::ParsedCommand& command, library::ImportStats* stats) {
+  CommandEnd end = CommandEnd::kFailed;
   context.messages.BeginCommand();
-  SingleCommand single(context, number);
-  const CommandEnd end = single.Run(command);
+  try {
+    SingleCommand single(context, number);
+    end = single.Run(command);
+    stats->Add(single.Stats());
+  } catch (const std::exception& failure) {
+    // No memory for the tables, for one.
+    context.messages.ReleaseErrors(nullptr, {});
+    context.messages.PostError(std::string("the command cannot be run: ") + failure.what());
+  }
   context.messages.EndCommand();
-  stats->Add(single.Stats());
   return end;
 }
 

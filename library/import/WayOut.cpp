@@ -48,7 +48,8 @@ std::optional<std::string> Meant(const std::string& word, const std::vector<std:
 
 std::string DidYouMean(const std::string& word, const std::vector<std::string>& names) {
   const std::optional<std::string> meant = Meant(word, names);
-  return meant && *meant != UpperCase(word) ? fmt::format("; did you mean {}?", *meant) : std::string();
+  return meant && *meant != UpperCase(word) ? fmt::format("; did you mean {}?", *meant)
+                                            : std::string();
 }
 
 bool IsOneOf(const std::string& word, const std::vector<std::string>& names) {
@@ -108,7 +109,8 @@ std::string FormatWayOut(const std::string& written) {
                        fmt::join(names, ", "), DidYouMean(name, names));
   }
   if (width == 0 && decimals == 0) {
-    return fmt::format("{} needs a width, such as {}{}", row->name, row->name, row->MinWidth(0) + 4);
+    return fmt::format("{} needs a width, such as {}{}", row->name, row->name,
+                       row->MinWidth(0) + 4);
   }
   if (decimals > textwizard::kMaxDecimals) {
     return fmt::format("a format has at most {} decimals", textwizard::kMaxDecimals);
