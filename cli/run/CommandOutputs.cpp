@@ -28,20 +28,7 @@ void CommandOutputs::Begin(const QANT_DataSource& source) {
   options.values = options_.values;
   options.arrowBody = options_.arrowBody;
   options.threads = options_.workers;
-  for (const auto& file : cases_) {
-    sinks_.push_back(&file->Begin(source, options));
-    batches_.emplace_back(source.GetObsAreaSize(), *sinks_.back());
-  }
-}
-
-void CommandOutputs::Flush() {
-  for (library::CaseBatch& batch : batches_) batch.Flush();
-}
-
-double CommandOutputs::seconds() const {
-  double seconds = 0;
-  for (const library::CaseBatch& batch : batches_) seconds += batch.seconds();
-  return seconds;
+  for (const auto& file : cases_) sinks_.push_back(&file->Begin(source, options));
 }
 
 const OutputFile* CommandOutputs::failed() const {
@@ -52,15 +39,25 @@ const OutputFile* CommandOutputs::failed() const {
 }
 
 const OutputFile* CommandOutputs::Publish(const QANT_DataSource& source,
-                                          const std::string& dataFile, long long cases) {
-  if (dictionary_ != nullptr) library::WriteDictionary(source, dataFile, cases, *dictionary_);
+                                          const std::string& dataFile, long long cases,
+                                          const CommandReport& report) {
+  if (dictionary_ != nullptr) {
+    const library::DictionaryReport found = report.ForDictionary();
+    library::WriteDictionary(source, dataFile, cases, *dictionary_, &found);
+  }
   for (library::CaseSink* sink : sinks_) sink->Finish();
   for (const auto& file : cases_) file->Finish({});
+  std::vector<OutputFile*> files = report.Files();
+  for (const auto& file : cases_) files.push_back(&file->file());
+  if (dictionary_ != nullptr) files.push_back(dictionary_.get());
+  return Publish(files);
+}
+
+const OutputFile* CommandOutputs::Publish(const std::vector<OutputFile*>& files) {
   for (const auto& step : {&OutputFile::Finish, &OutputFile::Publish}) {
-    for (const auto& file : cases_) {
-      if (!(file->file().*step)()) return &file->file();
+    for (OutputFile* file : files) {
+      if (!(file->*step)()) return file;
     }
-    if (dictionary_ != nullptr && !(dictionary_.get()->*step)()) return dictionary_.get();
   }
   return nullptr;
 }

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
+#include "cli/run/CommandReport.h"
 #include "cli/run/RunOptions.h"
-#include "library/outputs/CaseBatch.h"
 #include "library/outputs/CasesFile.h"
 #include "library/outputs/OutputFile.h"
 
@@ -25,19 +25,16 @@ class CommandOutputs {
   // Begins the files of cases; after Open. Throws std::runtime_error with a sentence for what one
   // of them cannot hold.
   void Begin(const QANT_DataSource& source);
-  void Write(const OBS* obs) {
-    for (library::CaseBatch& batch : batches_) batch.Add(obs);
-  }
-  // Hands over what is still kept of the cases.
-  void Flush();
-  // Time that was spent in the writers of the cases.
-  double seconds() const;
+  // Who takes the cases; after Begin.
+  const std::vector<library::CaseSink*>& sinks() const { return sinks_; }
   // A file of cases that can no longer be written; null while all is well.
   const library::OutputFile* failed() const;
-  // Writes the dictionary and gives all files their names, once all are complete. The file that
-  // failed; null when none did.
+  // Writes the dictionary and gives all files their names, those of the report too, once all are
+  // complete. The file that failed; null when none did.
   const library::OutputFile* Publish(const QANT_DataSource& source, const std::string& dataFile,
-                                     long long cases);
+                                     long long cases, const CommandReport& report);
+  // The same of these files.
+  static const library::OutputFile* Publish(const std::vector<library::OutputFile*>& files);
 
  private:
   bool Open(const std::string& name, std::unique_ptr<library::OutputFile>* file,
@@ -49,7 +46,6 @@ class CommandOutputs {
   std::vector<std::unique_ptr<library::CasesFile>> cases_;
   std::unique_ptr<library::OutputFile> dictionary_;
   std::vector<library::CaseSink*> sinks_;
-  std::vector<library::CaseBatch> batches_;
 };
 
 }  // namespace cli

@@ -147,7 +147,8 @@ std::string NameForCommand(const std::string& name, int number) {
 bool WritesStandardOutput(const RunOptions& options) {
   const auto isStandard = [](const std::string& name) { return name == kStandardOutput; };
   return isStandard(options.cases) || isStandard(options.dictionary) ||
-         isStandard(options.messages) ||
+         isStandard(options.messages) || isStandard(options.report.problems) ||
+         isStandard(options.report.rejects) ||
          std::any_of(options.outputs.begin(), options.outputs.end(), isStandard);
 }
 
@@ -172,8 +173,11 @@ std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedComma
            "data files is -";
   }
 
+  if (std::string what = WhatIsWrong(options.report); !what.empty()) return what;
   outputs.push_back({"--dictionary", options.dictionary});
   outputs.push_back({"--messages", options.messages, false});
+  outputs.push_back({"--problems", options.report.problems});
+  outputs.push_back({"--rejects", options.report.rejects});
   return Overwritten(outputs, options, commands);
 }
 

@@ -7,6 +7,7 @@
 
 #include "cli/run/CommandFile.h"
 #include "cli/run/HostOptions.h"
+#include "cli/run/ReportOptions.h"
 #include "library/outputs/CaseWriter.h"
 #include "library/outputs/CasesFile.h"
 
@@ -24,6 +25,8 @@ struct RunOptions {
   std::vector<std::string> outputs;           // of cases, too; the format by each ending
   library::ArrowBody arrowBody = library::ArrowBody::kPlain;
   library::ValueStyle values = library::ValueStyle::kDisplay;
+
+  ReportOptions report;
 
   HostOptions host;
   int workers = 0;  // 0: one per processor

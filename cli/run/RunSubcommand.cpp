@@ -123,6 +123,8 @@ void AddRun(CLI::App& program, int* status) {
       ->group("Display");
   run->add_flag("--no-progress", options->noProgress, "No progress line")->group("Display");
 
+  AddReportOptions(*run, options->report);
+
   run->footer(kExamples);
   run->callback([options, status] { *status = RunCommandFile(*options); });
 }

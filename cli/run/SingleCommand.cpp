@@ -1,5 +1,6 @@
 #include "cli/run/SingleCommand.h"
 
+#include <cstddef>
 #include <exception>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include "HostFramework/embedded/messages/Attention.h"
 #include "cli/run/CommandFile.h"
 #include "cli/run/CommandOutputs.h"
+#include "cli/run/CommandReport.h"
 #include "cli/terminal/ImportTables.h"
 #include "cli/terminal/Progress.h"
 #include "library/import/Advice.h"
@@ -24,18 +26,19 @@ namespace {
 using library::CommandImport;
 using library::ImportEnd;
 
-// Takes the cases: the first ones to be shown, all to be written.
+// Sees to a reading: the cases go to the watch's sinks.
 class Reader : public library::CaseReceiver {
  public:
-  Reader(FirstCases& firstCases, CommandOutputs& outputs, Progress& progress)
-      : firstCases_(firstCases), outputs_(outputs), progress_(progress) {}
-  void Begin(const QANT_DataSource& source) override { outputs_.Begin(source); }
-  void Take(const OBS* obs) override {
-    firstCases_.Take(obs);
-    outputs_.Write(obs);
+  Reader(FirstCases& firstCases, CommandOutputs& outputs, CommandReport& report, Progress& progress)
+      : firstCases_(firstCases), outputs_(outputs), report_(report), progress_(progress) {}
+  void Begin(const QANT_DataSource& source) override {
+    outputs_.Begin(source);
+    for (library::CaseSink* sink : outputs_.sinks()) report_.watch().Use(*sink);
+    if (firstCases_.wanted()) report_.watch().Use(firstCases_);
   }
+  void Take(const OBS* /*obs*/) override {}
   bool GoesOn(long long taken) override {
-    if (outputs_.failed() != nullptr) return false;
+    if (outputs_.failed() != nullptr || report_.failed() != nullptr) return false;
     progress_.Tick(taken);
     return true;
   }
@@ -43,8 +46,13 @@ class Reader : public library::CaseReceiver {
  private:
   FirstCases& firstCases_;
   CommandOutputs& outputs_;
+  CommandReport& report_;
   Progress& progress_;
 };
+
+// Bytes of a block in a second reading, where there is one way to read: a number that no block size
+// of the first one divides.
+constexpr std::size_t kOtherBlockBytes = 65521;
 
 class SingleCommand {
  public:
@@ -52,7 +60,8 @@ class SingleCommand {
       : context_(context),
         options_(context.options),
         outputs_(options_, number),
-        import_({options_.workers, options_.seed, nullptr}, context.messages) {}
+        report_(options_.report, number, shows() || !options_.dictionary.empty()),
+        import_({options_.workers, options_.seed, &report_.watch()}, context.messages) {}
 
   CommandEnd Run(const embedded::ParsedCommand& command);
   library::ImportStats Stats() const;
@@ -65,14 +74,24 @@ class SingleCommand {
   void AdviseOnCases(library::ColumnEdgeCheck& edges);
   CommandEnd ReadSource();
   CommandEnd ReadCases(FirstCases& firstCases);
+  CommandEnd Check();
+  CommandEnd Verify();
+  CommandEnd Fail(const std::string& error);
+  CommandEnd Publish();
   CommandEnd OutputFailure(const library::OutputFile& file);
+  std::string Verified() const;
+  // The first reading was not on this thread alone.
+  bool readOnThreads() const { return import_.stats().threads > 1; }
   bool shows() const { return !options_.quiet && !WritesStandardOutput(options_); }
 
   const RunContext& context_;
   const RunOptions& options_;
   library::CommandOutline outline_;
   CommandOutputs outputs_;
+  CommandReport report_;
   CommandImport import_;
+  bool allRead_ = false;  // every case was read
+  double writeSeconds_ = 0;
 };
 
 CommandEnd SingleCommand::Run(const embedded::ParsedCommand& command) {
@@ -114,14 +133,14 @@ void SingleCommand::Advise(const std::string& advice,
 
 library::ImportStats SingleCommand::Stats() const {
   library::ImportStats stats = import_.stats();
-  stats.writeSeconds = outputs_.seconds();
+  stats.writeSeconds = writeSeconds_;
   stats.readSeconds -= stats.writeSeconds;
   return stats;
 }
 
 CommandEnd SingleCommand::OpenOutputs() {
   std::string error;
-  if (outputs_.Open(&error)) return CommandEnd::kDone;
+  if (outputs_.Open(&error) && report_.Open(&error)) return CommandEnd::kDone;
   // Opening a pipe waits for its reader.
   if (embedded::AttentionRequested()) return CommandEnd::kInterrupted;
   context_.console.Error(error);
@@ -132,14 +151,24 @@ CommandEnd SingleCommand::ReadSource() {
   const QANT_DataSource& source = import_.source();
   const std::size_t width = TerminalWidth(STDOUT_FILENO);
   if (shows()) context_.console.Print(VariableTable(source, width) + "\n");
+  std::string error;
+  if (!report_.Begin(source, import_.isSampled(), &error)) return Fail("--rejects: " + error);
+  if (const std::string text = report_.Explained(); !text.empty()) {
+    context_.console.Print(shows() ? text + "\n" : text);
+  }
 
   FirstCases firstCases(source, options_.values, shows() ? options_.show : 0, width);
   const CommandEnd end = ReadCases(firstCases);
-  if (shows() && end != CommandEnd::kFailed) {
+  if (shows() && (end != CommandEnd::kFailed || allRead_)) {
     if (const std::string table = firstCases.Text(); !table.empty()) {
       context_.console.Print(table + "\n");
     }
     context_.console.Print(Counts(import_.stats().cases, source.GetNVariables()));
+    context_.console.Print(report_.Text(TerminalWidth(STDOUT_FILENO)));
+  }
+  if (end == CommandEnd::kDone) {
+    if (const std::string line = report_.DigestLine(); !line.empty()) context_.console.Print(line);
+    if (shows() && options_.report.verify) context_.console.Print(Verified());
   }
   return end;
 }
@@ -149,17 +178,61 @@ CommandEnd SingleCommand::ReadCases(FirstCases& firstCases) {
   library::ColumnEdgeCheck edges(import_.source());
   {
     Progress progress(context_.console, import_.stats().bytes);
-    Reader reader(firstCases, outputs_, progress);
+    Reader reader(firstCases, outputs_, report_, progress);
     read = import_.Read(reader);
   }
   context_.messages.EndCommand();
   if (read == ImportEnd::kDone) AdviseOnCases(edges);
-  outputs_.Flush();
-  if (const library::OutputFile* failed = outputs_.failed()) return OutputFailure(*failed);
+  writeSeconds_ = report_.watch().sinkSeconds();
+  report_.End();
+  for (const library::OutputFile* failed : {outputs_.failed(), report_.failed()}) {
+    if (failed != nullptr) return OutputFailure(*failed);
+  }
   if (read == ImportEnd::kInterrupted) return CommandEnd::kInterrupted;
   if (read == ImportEnd::kFailed) return CommandEnd::kFailed;
+  allRead_ = true;
+  const CommandEnd checked = Check();
+  return checked == CommandEnd::kDone ? Publish() : checked;
+}
+
+// What was read must add up, and may have to be read again.
+CommandEnd SingleCommand::Check() {
+  for (const std::string& error : {report_.Imbalance(), report_.RejectsProblem()}) {
+    if (!error.empty()) return Fail(error);
+  }
+  if (options_.report.verify) {
+    if (const CommandEnd end = Verify(); end != CommandEnd::kDone) return end;
+  }
+  if (const std::string error = report_.Forbidden(); !error.empty()) {
+    // Cases and dictionary do not exist, what is wrong with them does.
+    const library::OutputFile* failed = CommandOutputs::Publish(report_.Files());
+    return failed != nullptr ? OutputFailure(*failed) : Fail(error);
+  }
+  return CommandEnd::kDone;
+}
+
+CommandEnd SingleCommand::Verify() {
+  report_.BeginSecond(import_.isSampled(), readOnThreads());
+  const ImportEnd read = import_.ReadAgain(readOnThreads() ? 0 : kOtherBlockBytes);
+  if (read == ImportEnd::kInterrupted) return CommandEnd::kInterrupted;
+  if (read == ImportEnd::kFailed) return CommandEnd::kFailed;
+  const std::string differences = report_.EndSecond();
+  return differences.empty() ? CommandEnd::kDone : Fail(differences);
+}
+
+std::string SingleCommand::Verified() const {
+  return fmt::format("verified: a second reading {} gave the same cases, problems and ledger",
+                     readOnThreads() ? "on one thread" : "in blocks of another size");
+}
+
+CommandEnd SingleCommand::Fail(const std::string& error) {
+  context_.messages.PostError(error);
+  return CommandEnd::kFailed;
+}
+
+CommandEnd SingleCommand::Publish() {
   const library::OutputFile* failed =
-      outputs_.Publish(import_.source(), outline_.DataFile(), import_.stats().cases);
+      outputs_.Publish(import_.source(), outline_.DataFile(), import_.stats().cases, report_);
   return failed != nullptr ? OutputFailure(*failed) : CommandEnd::kDone;
 }
 

@@ -77,6 +77,7 @@ std::string VariableTable(const QANT_DataSource& source, std::size_t terminalWid
 FirstCases::FirstCases(const QANT_DataSource& source, library::ValueStyle style, long long limit,
                        std::size_t terminalWidth)
     : limit_(limit),
+      cells_(source.GetObsAreaSize() / sizeof(OBS)),
       terminalWidth_(terminalWidth),
       variables_(source.GetNVariables()),
       columns_(library::ColumnsOf(source, style)) {
@@ -86,6 +87,29 @@ FirstCases::FirstCases(const QANT_DataSource& source, library::ValueStyle style,
     table_.AddColumn(column.name, column.kind == library::ValueKind::kString
                                       ? TerminalTable::Align::kLeft
                                       : TerminalTable::Align::kRight);
+  }
+}
+
+// Cases that are to be shown.
+struct FirstCases::Part : library::CasePart {
+  std::vector<OBS> cells;
+  std::size_t count = 0;
+};
+
+std::unique_ptr<library::CasePart> FirstCases::Make(const OBS* cases, std::size_t count,
+                                                    std::int64_t firstCase) const {
+  auto part = std::make_unique<Part>();
+  if (firstCase >= limit_) return part;
+  const auto left = static_cast<unsigned long long>(limit_ - firstCase);
+  part->count = static_cast<std::size_t>(std::min<unsigned long long>(count, left));
+  part->cells.assign(cases, cases + part->count * cells_);
+  return part;
+}
+
+void FirstCases::Take(std::unique_ptr<library::CasePart> part) {
+  const Part& made = static_cast<const Part&>(*part);
+  for (std::size_t index = 0; index < made.count; ++index) {
+    Keep(made.cells.data() + index * cells_);
   }
 }
 

@@ -2,12 +2,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "HostFramework/DataSource.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/TerminalTable.h"
+#include "library/outputs/CaseSink.h"
 #include "library/outputs/CaseWriter.h"
 
 namespace cli {
@@ -20,21 +23,26 @@ std::string VariableTable(const QANT_DataSource& source, std::size_t terminalWid
 std::string Counts(long long cases, std::size_t variables);
 
 // Keeps the text of the first cases, no more columns of them than a terminal can show.
-class FirstCases {
+class FirstCases : public library::CaseSink {
  public:
   FirstCases(const QANT_DataSource& source, library::ValueStyle style, long long limit,
              std::size_t terminalWidth);
-  // Takes a case while fewer than the limit were taken.
-  void Take(const OBS* obs) {
-    if (taken_ < limit_) Keep(obs);
-  }
+
+  // False where no case is to be shown.
+  bool wanted() const { return limit_ > 0; }
+  std::unique_ptr<library::CasePart> Make(const OBS* cases, std::size_t count,
+                                          std::int64_t firstCase) const override;
+  void Take(std::unique_ptr<library::CasePart> part) override;
+  void Finish() override {}
   // The table, or an empty text when no case was taken.
   std::string Text() const;
 
  private:
+  struct Part;
   void Keep(const OBS* obs);
 
-  long long limit_;
+  const long long limit_;
+  const std::size_t cells_;  // of a case
   long long taken_ = 0;
   std::size_t terminalWidth_;
   std::size_t variables_;

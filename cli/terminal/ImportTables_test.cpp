@@ -33,13 +33,18 @@ TEST(ImportTables, CutsALongDictionary) {
   EXPECT_THAT(text, HasSubstr("and 50 more variables"));
 }
 
+// Gives `first` a case that follows `before` cases.
+void Give(FirstCases& first, const library::TestCase& one, std::int64_t before = 0) {
+  first.Take(first.Make(one.obs(), 1, before));
+}
+
 TEST(ImportTables, ShowsTheFirstCases) {
   library::TestSource source;
   source.Number("id").String("town", 12).Number("day", 20, 11, 0);
   FirstCases first(source, library::ValueStyle::kDisplay, 2, 80);
-  first.Take(library::TestCase(source).Set(0, 10).Set(1, "Bern").Set(2, 86400).obs());
-  first.Take(library::TestCase(source).Set(1, "a\tb").obs());
-  first.Take(library::TestCase(source).Set(0, 3).obs());
+  Give(first, library::TestCase(source).Set(0, 10).Set(1, "Bern").Set(2, 86400));
+  Give(first, library::TestCase(source).Set(1, "a\tb"), 1);
+  Give(first, library::TestCase(source).Set(0, 3), 2);
   EXPECT_EQ(first.Text(), "id  town         day\n10  Bern  1582-10-15\n .  a\\tb           .\n");
 }
 
@@ -47,7 +52,7 @@ TEST(ImportTables, SaysWhichVariablesAreNotShown) {
   library::TestSource source;
   for (int number = 0; number < 500; ++number) source.Number("variable");
   FirstCases first(source, library::ValueStyle::kDisplay, 1, 40);
-  first.Take(library::TestCase(source).obs());
+  Give(first, library::TestCase(source));
   EXPECT_EQ(first.Text(),
             "variable  variable  variable  variable\n       .         .         .         .\n"
             "and 496 more variables\n(--cases writes them all)\n");
@@ -59,7 +64,7 @@ TEST(ImportTables, NoLineIsWiderThanTheTerminal) {
   for (int number = 0; number < 250; ++number) source.Number("v");
   for (const std::size_t width : {31U, 40U, 80U}) {
     FirstCases first(source, library::ValueStyle::kDisplay, 2, width);
-    first.Take(library::TestCase(source).Set(0, 86400).Set(1, std::string(200, 'x')).obs());
+    Give(first, library::TestCase(source).Set(0, 86400).Set(1, std::string(200, 'x')));
     std::istringstream lines(VariableTable(source, width) + first.Text());
     for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), width + 2) << line;
   }
@@ -71,7 +76,8 @@ TEST(ImportTables, ShowsNothingWhereNothingWasTaken) {
   library::TestSource source;
   source.Number("id");
   FirstCases none(source, library::ValueStyle::kDisplay, 0, 80);
-  none.Take(library::TestCase(source).obs());
+  EXPECT_FALSE(none.wanted());
+  Give(none, library::TestCase(source));
   EXPECT_EQ(none.Text(), "");
 }
 

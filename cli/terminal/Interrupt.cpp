@@ -60,6 +60,9 @@ void HandleInterrupts() {
     sigaction(signal, nullptr, &before);
     if (before.sa_handler != SIG_IGN) Handle(signal, EndAtOnce);
   }
+  // A write beyond the limit on a file's size fails as on a full disk: it is said, and the file
+  // goes.
+  Handle(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace cli

@@ -11,9 +11,11 @@ class CaseReceiver {
   virtual ~CaseReceiver() = default;
   // Reading begins; there is memory for a case.
   virtual void Begin(const QANT_DataSource& /*source*/) {}
-  // Takes a case that the command keeps; `obs` is good during the call.
+  // Takes a case that the command keeps; `obs` is good during the call. Not called where the import
+  // has a watch whose sinks get cases by the batch.
   virtual void Take(const OBS* obs) = 0;
-  // Asked every few hundred cases, after `taken` ones; false stops the reading there.
+  // Asked every few hundred cases, or after every batch, after `taken` ones; false stops the
+  // reading there.
   virtual bool GoesOn(long long /*taken*/) { return true; }
 };
 

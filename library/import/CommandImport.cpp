@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <exception>
+#include <functional>
 #include <string>
 #include <utility>
 
 #include <fmt/format.h>
 #include <sys/stat.h>
 
+#include "HostFramework/embedded/data/StreamDevice.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "HostFramework/embedded/threads/ThreadStarts.h"
 
@@ -36,6 +39,25 @@ std::string CannotRun(const std::exception& failure) {
   return std::string("the command cannot be run: ") + failure.what();
 }
 
+// What an iterator threw: the number of a message on the file.
+std::string FileError(int message, const QANT_DataSource& source) {
+  return std::string(QantServerErrorText(kCatalogue, message).GetText()) + " " +
+         source.GetFileSpec();
+}
+
+// Passes on nothing but errors.
+class ErrorsOnly : public ErrorMonitor {
+ public:
+  explicit ErrorsOnly(std::function<void(const std::string&)> post) : post_(std::move(post)) {}
+  void Report(const ErrorText& message) override {
+    if (message.kind == kMessageError) post_(message.text);
+  }
+  void AttentionCheck(bool* attention) override { *attention = embedded::AttentionRequested(); }
+
+ private:
+  const std::function<void(const std::string&)> post_;
+};
+
 }  // namespace
 
 CommandImport::CommandImport(const ImportOptions& options, ImportMessages& messages)
@@ -51,7 +73,7 @@ void CommandImport::Post(std::string_view hostText, int kind) {
 ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
   try {
     adapter_ = std::make_unique<ImportAdapter>(std::move(tokens), MessageRoute::Callback(),
-                                               options_.workers, options_.observer);
+                                               options_.workers, options_.watch);
     const Clock::time_point start = Clock::now();
     source_.emplace(*adapter_);
     stats_.dictionarySeconds = SecondsSince(start);
@@ -75,8 +97,7 @@ ImportEnd CommandImport::Read(CaseReceiver& receiver) {
     if (iterator_ != nullptr || StartReading(receiver)) ended = ReadOn(receiver);
   } catch (const int message) {
     // The one exception that the component's iterators throw: the number of a message on the file.
-    PostError(std::string(QantServerErrorText(kCatalogue, message).GetText()) + " " +
-              source().GetFileSpec());
+    PostError(FileError(message, source()));
   } catch (const std::exception& failure) {
     PostError(CannotRun(failure));
   }
@@ -94,27 +115,85 @@ bool CommandImport::StartReading(CaseReceiver& receiver) {
     return false;
   }
   receiver.Begin(source());
-  sampler_.emplace(source_->sampleFraction(), options_.seed);
+  seed_ = options_.seed.value_or(static_cast<unsigned>(std::time(nullptr)));
+  sampler_.emplace(source_->sampleFraction(), seed_);
   threadsBefore_ = embedded::ThreadsStarted();
   iterator_.reset(source().MakeIterator(buffer_->obs()));
   iterator_->SetErrorMonitor(&monitor_);
   return true;
 }
 
+bool CommandImport::KeepsCase() {
+  const bool keeps = sampler_->Keep();
+  ImportWatch* const watch = options_.watch;
+  if (watch != nullptr && watch->TakesCases()) {
+    if (keeps) {
+      watch->Keep(buffer_->obs());
+    } else {
+      watch->Drop();
+    }
+  }
+  return keeps;
+}
+
+bool CommandImport::ReadBatches(CaseReceiver& receiver) {
+  const ImportWatch& watch = *options_.watch;
+  while (iterator_->Next()) {
+    casesRead_ = stats_.cases = watch.cases();
+    watch.Rethrow();
+    if (embedded::AttentionRequested() || !receiver.GoesOn(stats_.cases)) return false;
+  }
+  casesRead_ = stats_.cases = watch.cases();
+  watch.Rethrow();
+  return true;
+}
+
 bool CommandImport::ReadOn(CaseReceiver& receiver) {
+  if (options_.watch != nullptr && options_.watch->WantsBatches()) return ReadBatches(receiver);
   long long& taken = stats_.cases;
   while (iterator_->Next()) {
     ++casesRead_;
-    if (sampler_->Keep()) {
+    if (KeepsCase()) {
       ++taken;
       receiver.Take(iterator_->GetObsPointer());
     }
-    if ((casesRead_ & kQuestionMask) == 0 &&
-        (embedded::AttentionRequested() || !receiver.GoesOn(taken))) {
-      return false;
-    }
+    if ((casesRead_ & kQuestionMask) != 0) continue;
+    if (embedded::AttentionRequested() || !receiver.GoesOn(taken)) return false;
+    if (options_.watch != nullptr) options_.watch->Rethrow();
   }
+  if (options_.watch != nullptr) options_.watch->Rethrow();
   return true;
+}
+
+ImportEnd CommandImport::ReadAgain(std::size_t blockBytes) {
+  const long long errorsBefore = errors_;
+  embedded::SetStreamBlockSize(blockBytes);
+  try {
+    ReadAllAgain();
+  } catch (const int message) {
+    PostError(FileError(message, source()));
+  } catch (const std::exception& failure) {
+    PostError(CannotRun(failure));
+  }
+  embedded::SetStreamBlockSize(0);
+  if (embedded::AttentionRequested()) return ImportEnd::kInterrupted;
+  return errors_ > errorsBefore ? ImportEnd::kFailed : ImportEnd::kDone;
+}
+
+void CommandImport::ReadAllAgain() {
+  ErrorsOnly monitor([this](const std::string& text) { Post(text, kMessageError); });
+  // The draw starts where it started before.
+  sampler_.emplace(source_->sampleFraction(), seed_);
+  const std::unique_ptr<QANT_InputCaseIterator> iterator(source().MakeIterator(buffer_->obs()));
+  iterator->SetErrorMonitor(&monitor);
+  const bool batches = options_.watch->WantsBatches();
+  for (long long read = 1; iterator->Next(); ++read) {
+    if (!batches) KeepsCase();
+    if (!batches && (read & kQuestionMask) != 0) continue;
+    if (embedded::AttentionRequested()) return;
+    options_.watch->Rethrow();
+  }
+  options_.watch->Rethrow();
 }
 
 void CommandImport::EndReading() {

@@ -1,6 +1,7 @@
 // One command from its tokens to its cases.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -8,7 +9,6 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
-#include "HostFramework/ImportObserver.h"
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "library/import/ActiveSource.h"
@@ -17,14 +17,15 @@
 #include "library/import/ImportAdapter.h"
 #include "library/import/ImportMessages.h"
 #include "library/import/ImportStats.h"
+#include "library/report/ImportWatch.h"
 
 namespace library {
 
 struct ImportOptions {
   int workers = 0;               // conversion threads; below 1 for one per processor
   std::optional<unsigned> seed;  // makes the draw of IMPORTCASE PERCENT repeatable
-  // Watches the import; outlives it. Null for none.
-  ImportObserver* observer = nullptr;
+  // Watches the import; outlives it. Null for none. Its owner prepares it before each reading.
+  ImportWatch* watch = nullptr;
 };
 
 enum class ImportEnd {
@@ -48,6 +49,8 @@ class CommandImport : private ImportMessages {
   // Runs the command of these tokens (those behind GET DATA /TYPE=TXT /) until its dictionary is
   // made. Once. Done, failed or interrupted.
   ImportEnd Open(std::vector<embedded::CommandToken> tokens);
+  // The command keeps a share of its cases (IMPORTCASE PERCENT); after Open has done.
+  bool isSampled() const { return source_->sampleFraction().has_value(); }
   // The data source; after Open has done.
   const textwizard::ImportSource& source() const { return *source_->get(); }
 
@@ -60,12 +63,16 @@ class CommandImport : private ImportMessages {
   // there the next call reads on. The first call begins.
   ImportEnd Read(CaseReceiver& receiver);
 
+  // Reads all cases once more, for the watch alone, which there must be, and drops what is posted
+  // but for errors: in blocks of `blockBytes` bytes unless that is 0. After Read has done.
+  ImportEnd ReadAgain(std::size_t blockBytes);
+
   // Nothing is left to be read: the data ended, or the import failed or was interrupted.
   bool finished() const { return finished_; }
   // Cases that were read so far, those that a sample leaves out included.
   long long casesRead() const { return casesRead_; }
 
-  // So far. Reading counts as a whole: who measures writing takes it off.
+  // So far, without readings again. Reading counts as a whole: who measures writing takes it off.
   const ImportStats& stats() const { return stats_; }
 
  private:
@@ -75,6 +82,10 @@ class CommandImport : private ImportMessages {
   bool StartReading(CaseReceiver& receiver);
   // True at the end of the data, false where the receiver or the user stopped before.
   bool ReadOn(CaseReceiver& receiver);
+  bool ReadBatches(CaseReceiver& receiver);
+  void ReadAllAgain();
+  // Whether the command keeps the case in the buffer; tells the watch.
+  bool KeepsCase();
   void EndReading();
 
   const ImportOptions options_;
@@ -86,6 +97,7 @@ class CommandImport : private ImportMessages {
   // Each uses those before it.
   std::unique_ptr<ImportAdapter> adapter_;
   std::optional<ActiveSource> source_;
+  unsigned seed_ = 0;
   std::optional<CaseSampler> sampler_;
   std::unique_ptr<embedded::CaseBuffer> buffer_;
   std::unique_ptr<QANT_InputCaseIterator> iterator_;

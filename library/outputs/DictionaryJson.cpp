@@ -9,7 +9,7 @@
 namespace library {
 
 void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile, long long cases,
-                     OutputFile& file) {
+                     OutputFile& file, const DictionaryReport* report) {
   Utf8Converter utf8;
   file.Append("{\"file\":");
   AppendJsonString(file, utf8.ToUtf8(dataFile));
@@ -28,9 +28,17 @@ void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile,
         {"bytes", variable.GetType()},
         {"display_width", variable.GetDisplayWidth()}};
     if (index > 0) file.Append(',');
-    file.Append(entry.dump());
+    std::string text = entry.dump();
+    if (const std::string evidence = report == nullptr ? "" : report->evidence(index);
+        !evidence.empty()) {
+      text.pop_back();
+      text += ",\"evidence\":" + evidence + "}";
+    }
+    file.Append(text);
   }
-  file.Append("]}\n");
+  file.Append("]");
+  if (report != nullptr) file.Append(",\"ledger\":" + report->ledger);
+  file.Append("}\n");
 }
 
 }  // namespace library

@@ -1,6 +1,8 @@
 // The dictionary of a data source as JSON.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
 
 #include "HostFramework/DataSource.h"
@@ -8,10 +10,17 @@
 
 namespace library {
 
+// What an import found out besides, as JSON texts.
+struct DictionaryReport {
+  std::string ledger;
+  // Of a variable; an empty text where there is none.
+  std::function<std::string(std::size_t)> evidence;
+};
+
 // Writes one line with its line end. `dataFile` is the file's name in the command (host text),
 // which need not be the path that the source reads: standard input is copied. `cases` is the number
-// of cases read. Holds one variable at a time, however many there are.
+// of cases read. `report` may be null. Holds one variable at a time, however many there are.
 void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile, long long cases,
-                     OutputFile& file);
+                     OutputFile& file, const DictionaryReport* report = nullptr);
 
 }  // namespace library

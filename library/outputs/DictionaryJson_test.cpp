@@ -1,6 +1,7 @@
 #include "library/outputs/DictionaryJson.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "HostFramework/embedded/text/HostText.h"
 #include "library/testing/TestFolder.h"
@@ -30,6 +31,25 @@ TEST(DictionaryJson, HasEveryKeyInItsOrder) {
       "{\"name\":\"t\xC3\xA9\",\"type\":\"string\",\"format\":\"A20\",\"format_code\":1,"
       "\"width\":20,\"decimals\":0,\"write_format\":\"A20\",\"bytes\":20,"
       "\"display_width\":12}]}\n");
+}
+
+TEST(DictionaryJson, HoldsWhatTheImportFoundOut) {
+  TestSource source;
+  source.Number("id", 5, 8, 2).String("t", 20);
+  const TestFolder folder;
+  std::string error;
+  const auto file = OutputFile::Open(folder / "d.json", &error);
+  ASSERT_NE(file, nullptr) << error;
+  const DictionaryReport report{R"({"bytes":3})", [](std::size_t variable) {
+                                  return variable == 0 ? R"({"numbers":1})" : "";
+                                }};
+  WriteDictionary(source, "a.csv", 3, *file, &report);
+  ASSERT_TRUE(file->Finish() && file->Publish());
+  const auto json = nlohmann::json::parse(folder.Text("d.json"));
+  EXPECT_EQ(json["ledger"]["bytes"], 3);
+  EXPECT_EQ(json["variables"][0]["evidence"]["numbers"], 1);
+  EXPECT_EQ(json["variables"][0]["display_width"], 8);
+  EXPECT_FALSE(json["variables"][1].contains("evidence"));
 }
 
 }  // namespace

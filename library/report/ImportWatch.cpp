@@ -1,5 +1,6 @@
 #include "library/report/ImportWatch.h"
 
+#include <chrono>
 #include <limits>
 
 namespace library {
@@ -51,6 +52,7 @@ void ImportWatch::OnPassBegin() {
   gathered_.clear();
   gatheredCases_ = 0;
   failure_ = nullptr;
+  sinkSeconds_ = 0;
   Drop();
 }
 
@@ -143,15 +145,25 @@ void ImportWatch::Gather(const OBS* obs) {
 }
 
 void ImportWatch::HandOnGathered() {
-  if (failed()) return;
-  try {
+  WithSinks([this] {
     const std::int64_t before = cases_ - static_cast<std::int64_t>(gatheredCases_);
     TakeParts(MakeParts(gathered_.data(), gatheredCases_, before));
+  });
+  gathered_.clear();
+  gatheredCases_ = 0;
+}
+
+template <typename Work>
+void ImportWatch::WithSinks(Work work) {
+  if (failed()) return;
+  const auto start = std::chrono::steady_clock::now();
+  // An observer throws nothing.
+  try {
+    work();
   } catch (...) {
     failure_ = std::current_exception();
   }
-  gathered_.clear();
-  gatheredCases_ = 0;
+  sinkSeconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
 ImportWatch::Parts ImportWatch::MakeParts(const OBS* cases, std::size_t count,
@@ -177,14 +189,8 @@ std::unique_ptr<ImportBatchProduct> ImportWatch::MakeProduct(const OBS* cases, s
 
 void ImportWatch::OnProduct(std::unique_ptr<ImportBatchProduct> product, const OBS* /*cases*/,
                             std::size_t count, std::int64_t /*firstCase*/) {
-  if (failed()) return;
-  cases_ += static_cast<std::int64_t>(count);
-  // An observer throws nothing.
-  try {
-    TakeParts(std::move(static_cast<Products&>(*product).parts));
-  } catch (...) {
-    failure_ = std::current_exception();
-  }
+  if (!failed()) cases_ += static_cast<std::int64_t>(count);
+  WithSinks([&] { TakeParts(std::move(static_cast<Products&>(*product).parts)); });
 }
 
 }  // namespace library

@@ -69,9 +69,13 @@ class ImportWatch final : public ImportObserver {
   // cases are gathered, and gone to the sinks once the pass has ended.
   void Keep(const OBS* obs);
   void Drop();
+  // False where neither needs to be called.
+  bool TakesCases() const { return mode_.sampled || !sinks_.empty(); }
 
   // Cases that were handed to sinks, or kept, so far.
   std::int64_t cases() const { return cases_; }
+  // Time that the host's thread spent with the sinks.
+  double sinkSeconds() const { return sinkSeconds_; }
   // A sink could not take its cases: nobody gets more, and the pass should be given up.
   bool failed() const { return failure_ != nullptr; }
   // Throws what the sink threw; nothing where none did.
@@ -131,6 +135,9 @@ class ImportWatch final : public ImportObserver {
   using Parts = std::vector<std::unique_ptr<CasePart>>;
   Parts MakeParts(const OBS* cases, std::size_t count, std::int64_t firstCase) const;
   void TakeParts(Parts parts);
+  // Does it, and keeps what it throws and the time that it takes.
+  template <typename Work>
+  void WithSinks(Work work);
 
   const WatchSettings settings_;
   std::vector<CaseSink*> sinks_;
@@ -145,6 +152,7 @@ class ImportWatch final : public ImportObserver {
   std::vector<OBS> gathered_;
   std::size_t gatheredCases_ = 0;
   std::exception_ptr failure_;
+  double sinkSeconds_ = 0;
   PassAccount account_;
 };
 

@@ -41,6 +41,12 @@ constexpr Candidate kCandidates[] = {{textwizard::kFormatF, "F"},
 // A text in a hint is quoted whole, or not at all.
 constexpr std::size_t kLongestQuoted = 20;
 
+// What can stand in a command line between apostrophes, and in a list between commas.
+bool IsWordCharacter(char character) {
+  return character >= ' ' && character <= '~' && character != '\'' && character != ',' &&
+         character != '"' && character != '\\';
+}
+
 bool HasDigit(std::string_view text) {
   return text.find_first_of("0123456789") != std::string_view::npos;
 }
@@ -139,7 +145,7 @@ void ProblemDetail::Unreadable(const ImportProblem& problem, const ReportVariabl
     fmt::format_to(out, "{}{}{} would read it", formats.front(), formats.size() > 1 ? " or " : "",
                    formats.size() > 1 ? formats.back() : "");
   } else if (problem.text.size() <= kLongestQuoted &&
-             problem.text.find_first_of("\"',\\") == std::string_view::npos) {
+             std::all_of(problem.text.begin(), problem.text.end(), IsWordCharacter)) {
     fmt::format_to(out,
                    "no other format reads it: mend it, give --null '{}' if it means missing, or "
                    "read the variable as a string",

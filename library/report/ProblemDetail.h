@@ -19,7 +19,7 @@ std::vector<std::string_view> FormatsThatRead(std::string_view text, std::size_t
 class ProblemDetail {
  public:
   explicit ProblemDetail(const ReportVariables& variables) : variables_(variables) {}
-  // UTF-8; valid until the next call.
+  // UTF-8 without control characters; valid until the next call.
   std::string_view Of(const ImportProblem& problem);
 
  private:

@@ -1,5 +1,6 @@
 #include "library/report/ProblemWriter.h"
 
+#include <array>
 #include <charconv>
 
 #include "library/report/ProblemKind.h"
@@ -9,6 +10,23 @@ namespace {
 
 constexpr std::size_t kBufferBytes = std::size_t{64} * 1024;
 constexpr std::string_view kHeader = "kind,case,line,byte,variable,format,text,detail\n";
+
+using CharacterSet = std::array<bool, 256>;
+
+constexpr CharacterSet SetOf(std::string_view characters) {
+  CharacterSet set{};
+  for (const char character : characters) set[static_cast<unsigned char>(character)] = true;
+  return set;
+}
+
+constexpr CharacterSet kCsvSpecial = SetOf(",\"\r\n");
+constexpr CharacterSet kJsonSpecial = SetOf("\"\\");
+
+bool Has(std::string_view text, const CharacterSet& set) {
+  bool found = false;
+  for (const char character : text) found |= set[static_cast<unsigned char>(character)];
+  return found;
+}
 
 }  // namespace
 
@@ -52,7 +70,7 @@ void ProblemWriter::AppendCsv(const ImportProblem& problem, const ReportVariable
   rows_ += ',';
   AppendCsvField(text_.Escaped(problem.text));
   rows_ += ',';
-  AppendCsvField(text_.Escaped(detail_.Of(problem), kBufferBytes));
+  AppendCsvField(detail_.Of(problem));
   rows_ += '\n';
 }
 
@@ -79,7 +97,7 @@ void ProblemWriter::AppendJson(const ImportProblem& problem, const ReportVariabl
   rows_ += ",\"text\":";
   AppendJsonText(text_.Escaped(problem.text));
   rows_ += ",\"detail\":";
-  AppendJsonText(text_.Escaped(detail_.Of(problem), kBufferBytes));
+  AppendJsonText(detail_.Of(problem));
   rows_ += "}\n";
 }
 
@@ -90,7 +108,7 @@ void ProblemWriter::AppendNumber(std::int64_t number) {
 }
 
 void ProblemWriter::AppendCsvField(std::string_view text) {
-  if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+  if (!Has(text, kCsvSpecial)) {
     rows_ += text;
     return;
   }
@@ -105,9 +123,13 @@ void ProblemWriter::AppendCsvField(std::string_view text) {
 // The text has no control character: it was escaped.
 void ProblemWriter::AppendJsonText(std::string_view text) {
   rows_ += '"';
-  for (const char character : text) {
-    if (character == '"' || character == '\\') rows_ += '\\';
-    rows_ += character;
+  if (!Has(text, kJsonSpecial)) {
+    rows_ += text;
+  } else {
+    for (const char character : text) {
+      if (character == '"' || character == '\\') rows_ += '\\';
+      rows_ += character;
+    }
   }
   rows_ += '"';
 }

@@ -9,8 +9,6 @@ namespace {
 
 constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
 
-bool IsLineEnd(char character) { return character == '\n' || character == '\r'; }
-
 }  // namespace
 
 RejectsFile::RejectsFile(ByteSource& data, ByteSink& sink) : data_(data), sink_(sink) {
@@ -38,13 +36,7 @@ void RejectsFile::CopyCase(const ImportCaseSpan& span) {
   const bool joins = span.begin == end_ && end_ - begin_ < static_cast<std::int64_t>(kBlockBytes);
   if (!joins) {
     CopyPending();
-    if (!atLineStart_) {
-      using std::string_view_literals::operator""sv;
-      const std::string_view lineEnd = width_ == Width::kEightBit       ? "\n"sv
-                                       : width_ == Width::kLittleEndian ? "\n\0"sv
-                                                                        : "\0\n"sv;
-      sink_.Append(lineEnd);
-    }
+    if (!atLineStart_ || (afterReturn_ && IsLineFeedAt(span.begin))) sink_.Append(LineFeed());
     begin_ = span.begin;
   }
   end_ = span.end;
@@ -73,14 +65,36 @@ void RejectsFile::CopyPending() {
 
 void RejectsFile::NoteEnd(std::string_view written) {
   const std::size_t size = written.size();
-  if (width_ == Width::kEightBit) {
-    atLineStart_ = IsLineEnd(written.back());
-    return;
+  char end = written.back();
+  if (width_ != Width::kEightBit) {
+    // The reader takes a line end in either byte order.
+    const char before = size >= 2 ? written[size - 2] : '\0';
+    const bool low = end == '\0';
+    end = size >= 2 && (low || before == '\0') ? (low ? before : end) : '\0';
   }
-  // The reader takes a line end in either byte order.
-  const auto isEnd = [](char end, char zero) { return IsLineEnd(end) && zero == '\0'; };
-  atLineStart_ = size >= 2 && (isEnd(written[size - 1], written[size - 2]) ||
-                               isEnd(written[size - 2], written[size - 1]));
+  atLineStart_ = end == '\n' || end == '\r';
+  afterReturn_ = end == '\r';
+}
+
+std::string_view RejectsFile::LineFeed() const {
+  using std::string_view_literals::operator""sv;
+  switch (width_) {
+    case Width::kLittleEndian:
+      return "\n\0"sv;
+    case Width::kBigEndian:
+      return "\0\n"sv;
+    case Width::kEightBit:
+      break;
+  }
+  return "\n"sv;
+}
+
+bool RejectsFile::IsLineFeedAt(std::int64_t offset) {
+  char unit[2] = {};
+  const std::string_view wanted = LineFeed();
+  std::size_t read = 0;
+  return data_.ReadAt(static_cast<std::uint64_t>(offset), unit, wanted.size(), &read, &problem_) &&
+         std::string_view(unit, read) == wanted;
 }
 
 }  // namespace library

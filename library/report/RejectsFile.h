@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "HostFramework/ImportObserver.h"
 #include "library/outputs/ByteSink.h"
@@ -20,7 +21,8 @@ class RejectsFile {
   // The head goes on up to `end`. Before any case.
   void CopyHead(std::int64_t end);
   // Cases come in file order and do not overlap. One that ends within a line (values run across
-  // lines) gets a line end.
+  // lines) gets a line end; a CR gets its LF where the LF of an empty record would follow and make
+  // one line end of two.
   void CopyCase(const ImportCaseSpan& span);
   // Writes what is held back.
   void Finish();
@@ -33,7 +35,10 @@ class RejectsFile {
 
   void CopyPending();
   void NoteMark();
+  std::string_view LineFeed() const;
   void NoteEnd(std::string_view written);
+  // The unit of the file that begins at `offset` is a LF; false at the end of the data.
+  bool IsLineFeedAt(std::int64_t offset);
 
   ByteSource& data_;
   ByteSink& sink_;
@@ -45,6 +50,8 @@ class RejectsFile {
   std::int64_t end_ = 0;
   // What was written last ended a line, or nothing was.
   bool atLineStart_ = true;
+  // It was a CR alone.
+  bool afterReturn_ = false;
 };
 
 }  // namespace library

@@ -74,6 +74,17 @@ TEST_F(RejectsFileTest, ALineEndOfA16BitFileIsOne) {
             "3\0\n"sv);
 }
 
+TEST_F(RejectsFileTest, LineEndsOfTwoRecordsStayTwo) {
+  // An empty record that ends with CR, a record in between, an empty one that ends with LF.
+  EXPECT_EQ(Copied("\rx\n\n"sv, 0, {{0, 1}, {3, 4}}), "\r\n\n");
+  EXPECT_EQ(Copied("a\rx\nb\n"sv, 0, {{0, 2}, {4, 6}}), "a\rb\n");
+  EXPECT_EQ(Copied("\xFF\xFE"
+                   "\r\0x\0\n\0\n\0"sv,
+                   2, {{2, 4}, {8, 10}}),
+            "\xFF\xFE"
+            "\r\0\n\0\n\0"sv);
+}
+
 TEST_F(RejectsFileTest, CopiesWhatIsLongerThanItsBuffer) {
   std::string data(std::size_t{3} * 1024 * 1024, 'x');
   data += "\ny\nz\n";

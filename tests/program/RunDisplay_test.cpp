@@ -36,6 +36,14 @@ constexpr char kVariables[] =
     "Variable  Format   Width\nid        F4           4\ntown      A20         20\n"
     "founded   ADATE10     10\nfee       F8.2         8\n\n";
 
+// What became of the towns' data.
+constexpr char kReport[] =
+    "\n1 problem\n"
+    "Variable  Kind        Count  First line  First text\n"
+    "fee       unreadable      1           4  none\n\n"
+    "ledger: 97 bytes = 20 skipped + 74 records + 3 line ends; 3 records; 12 cells = 10 read + 1 "
+    "empty + 1 unreadable\n";
+
 TEST_F(RunDisplay, ShowsVariablesCasesAndCounts) {
   const Ended ended = Shown();
   EXPECT_EQ(ended.status, 0);
@@ -44,15 +52,18 @@ TEST_F(RunDisplay, ShowsVariablesCasesAndCounts) {
                            " 1  Bern               1891-05-15      2.5\n"
                            " 2  Chur, Graubuenden           .  1000000\n"
                            " 3  Olten              2020-01-31        .\n\n"
-                           "3 cases, 4 variables\n");
+                           "3 cases, 4 variables\n" +
+                           kReport);
   EXPECT_THAT(ended.err, IsEmpty());
 }
 
 TEST_F(RunDisplay, ShowsAsManyCasesAsAskedFor) {
   EXPECT_THAT(Shown({"--show", "1"}).out,
               testing::EndsWith("id  town     founded  fee\n 1  Bern  1891-05-15  2.5\n\n"
-                                "3 cases, 4 variables\n"));
-  EXPECT_EQ(Shown({"--show", "0"}).out, std::string(kVariables) + "3 cases, 4 variables\n");
+                                "3 cases, 4 variables\n" +
+                                std::string(kReport)));
+  EXPECT_EQ(Shown({"--show", "0"}).out,
+            std::string(kVariables) + "3 cases, 4 variables\n" + kReport);
 }
 
 TEST_F(RunDisplay, RawValuesAreShownRaw) {
@@ -69,8 +80,11 @@ TEST_F(RunDisplay, SeveralCommandsAreTold) {
   folder_.Write("command.sps", Towns() + Towns("/IMPORTCASE=FIRST 1"));
   const Ended ended = Run({"run", "command.sps", "--show", "0"});
   EXPECT_EQ(ended.out, "Command 1 (line 1)\n\n" + std::string(kVariables) +
-                           "3 cases, 4 variables\n\nCommand 2 (line 3)\n\n" + kVariables +
-                           "1 case, 4 variables\n");
+                           "3 cases, 4 variables\n" + kReport + "\nCommand 2 (line 3)\n\n" +
+                           kVariables +
+                           "1 case, 4 variables\n0 problems\n"
+                           "ledger: 97 bytes = 20 skipped + 21 records + 1 line ends + 55 unread; "
+                           "1 record; 4 cells = 4 read\n");
 }
 
 TEST_F(RunDisplay, ControlCharactersAreVisible) {
@@ -205,7 +219,7 @@ TEST_F(RunOnTerminal, TheProgressLineDisappears) {
   EXPECT_THAT(text, HasSubstr(" of 29.0 MB, "));
   EXPECT_THAT(text, HasSubstr(" MB/s, "));
   EXPECT_THAT(text, HasSubstr(" left\r\x1B[K"));
-  EXPECT_THAT(text, testing::EndsWith("\r\x1B[K1000000 cases, 3 variables\r\n"));
+  EXPECT_THAT(text, HasSubstr("\r\x1B[K1000000 cases, 3 variables\r\n0 problems\r\n"));
 }
 
 TEST_F(RunOnTerminal, NoProgressLineWhereNoneIsWanted) {

@@ -1,0 +1,180 @@
+#include "cli/run/CommandReport.h"
+
+#include <string_view>
+
+#include <fmt/format.h>
+
+#include "HostFramework/Text.h"
+#include "cli/run/RunOptions.h"
+#include "cli/terminal/ProblemTable.h"
+#include "library/report/EvidenceJson.h"
+#include "library/report/Warnings.h"
+
+namespace cli {
+namespace {
+
+using library::OutputFile;
+
+// The null texts in the host's encoding.
+std::vector<std::string> HostTexts(const std::vector<std::string>& utf8) {
+  if (qUTF8mode()) return utf8;
+  std::vector<std::string> texts;
+  for (const std::string& text : utf8) {
+    texts.emplace_back();
+    QANTMBU8ToCodePage(nullptr, texts.back(), text);
+  }
+  return texts;
+}
+
+library::WatchSettings SettingsOf(const ReportOptions& options, bool evidence) {
+  // Without a reader for them, and without a second pass to be compared, the first problem of each
+  // kind is all that is shown.
+  const bool told = !options.problems.empty() || options.verify;
+  return {.problemLimit = told ? options.problemLimit : 0,
+          .rejects = !options.rejects.empty(),
+          .evidence = evidence || options.explain,
+          .trail = options.verify,
+          .keepStrayQualifiers = options.keepStrayQualifiers,
+          .nullTexts = HostTexts(options.nullTexts)};
+}
+
+std::string Joined(const std::vector<std::string>& parts) {
+  std::string text;
+  for (const std::string& part : parts) text += (text.empty() ? "" : "; ") + part;
+  return text;
+}
+
+}  // namespace
+
+CommandReport::CommandReport(const ReportOptions& options, int number, bool evidence)
+    : options_(options), number_(number), watch_(SettingsOf(options, evidence)) {}
+
+bool CommandReport::Open(std::string* error) {
+  return Open(options_.problems, &problemsFile_, error) &&
+         Open(options_.rejects, &rejectsFile_, error);
+}
+
+bool CommandReport::Open(const std::string& name, std::unique_ptr<OutputFile>* file,
+                         std::string* error) const {
+  if (name.empty()) return true;
+  *file = OutputFile::Open(NameForCommand(name, number_), error);
+  return *file != nullptr;
+}
+
+bool CommandReport::Begin(const QANT_DataSource& source, bool sampled, std::string* error) {
+  source_ = &source;
+  variables_ = library::ReportVariablesOf(source);
+  library::ImportWatch::Outputs outputs;
+  if (problemsFile_ != nullptr) {
+    problems_ = std::make_unique<library::ProblemWriter>(*ProblemFormatOf(options_), variables_,
+                                                         options_.problemLimit, *problemsFile_);
+    problems_->WriteHeader();
+    outputs.problems = problems_.get();
+  }
+  if (rejectsFile_ != nullptr) {
+    data_ = library::FileSource::Open(source.GetFileSpec(), error);
+    if (data_ == nullptr) return false;
+    rejects_ = std::make_unique<library::RejectsFile>(*data_, *rejectsFile_);
+    outputs.rejects = rejects_.get();
+  }
+  Prepare(outputs, {.batches = true, .sampled = sampled});
+  return true;
+}
+
+void CommandReport::Prepare(const library::ImportWatch::Outputs& outputs,
+                            const library::ImportWatch::Mode& mode) {
+  watch_.UseNone();
+  if (options_.digest || options_.verify) watch_.Use(digest_.emplace(*source_));
+  watch_.Prepare(*source_, outputs, mode);
+}
+
+void CommandReport::End() {
+  account_ = TakeAccount();
+  if (problems_ != nullptr) problems_->Flush();
+  if (rejects_ != nullptr) rejects_->Finish();
+}
+
+void CommandReport::BeginSecond(bool sampled, bool oneThread) {
+  Prepare({}, {.batches = true, .sampled = sampled, .oneThread = oneThread});
+}
+
+std::string CommandReport::EndSecond() {
+  const library::PassAccount second = TakeAccount();
+  const std::vector<std::string> differences = library::Differences(account_, second, variables_);
+  return differences.empty() ? std::string()
+                             : "--verify: the two readings differ: " + Joined(differences);
+}
+
+library::PassAccount CommandReport::TakeAccount() {
+  library::PassAccount account = watch_.TakeAccount();
+  if (digest_) account.digest = digest_->digest();
+  return account;
+}
+
+std::string CommandReport::Forbidden() const {
+  const std::int64_t total = account_.problems.total();
+  if (!options_.strict || total == 0) return {};
+  std::int64_t line = 0;
+  for (const library::ProblemLog::Entry& entry : account_.problems.Entries()) {
+    if (line == 0 || entry.firstLine < line) line = entry.firstLine;
+  }
+  return fmt::format("--strict: {} problem{}, the first in line {}", total, total == 1 ? "" : "s",
+                     line);
+}
+
+std::string CommandReport::Explained() const {
+  if (!options_.explain) return {};
+  std::string text;
+  for (std::size_t index = 0; index < variables_.size(); ++index) {
+    if (const ImportEvidence* evidence = watch_.EvidenceOf(index)) {
+      text += library::EvidenceText(*evidence, variables_[index]);
+    }
+  }
+  return text.empty() ? "no variable is AUTO: there is nothing to explain\n" : text;
+}
+
+std::string CommandReport::Text(std::size_t terminalWidth) const {
+  const bool clean = account_.problems.total() == 0;
+  std::string text = clean ? "" : "\n";
+  text += ProblemTable(account_.problems, variables_, terminalWidth);
+  if (!clean) text += "\n";
+  const auto evidenceOf = [this](std::size_t index) { return watch_.EvidenceOf(index); };
+  for (const std::string& warning : library::WarningsOf(account_, variables_, evidenceOf)) {
+    text += "warning: " + warning + "\n";
+  }
+  return text + account_.ledger.Line() + "\n";
+}
+
+std::string CommandReport::DigestLine() const {
+  return options_.digest && account_.digest ? "digest: " + account_.digest->Hex() : std::string();
+}
+
+library::DictionaryReport CommandReport::ForDictionary() const {
+  return {account_.ledger.Json().dump(), [this](std::size_t index) {
+            const ImportEvidence* evidence = watch_.EvidenceOf(index);
+            return evidence == nullptr ? std::string()
+                                       : library::EvidenceJson(*evidence, variables_[index]).dump();
+          }};
+}
+
+std::string CommandReport::RejectsProblem() const {
+  return rejects_ == nullptr || rejects_->problem().empty() ? std::string()
+                                                            : "--rejects: " + rejects_->problem();
+}
+
+const OutputFile* CommandReport::failed() const {
+  for (const OutputFile* file : {problemsFile_.get(), rejectsFile_.get()}) {
+    if (file != nullptr && !file->ok()) return file;
+  }
+  return nullptr;
+}
+
+std::vector<OutputFile*> CommandReport::Files() const {
+  std::vector<OutputFile*> files;
+  for (OutputFile* file : {problemsFile_.get(), rejectsFile_.get()}) {
+    if (file != nullptr) files.push_back(file);
+  }
+  return files;
+}
+
+}  // namespace cli

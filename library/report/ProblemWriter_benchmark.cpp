@@ -1,0 +1,53 @@
+// Rows of problems a second, for texts that differ and for one that comes again.
+
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "library/report/ProblemWriter.h"
+#include "library/report/testing/ReportTesting.h"
+
+namespace library {
+namespace {
+
+class Nowhere : public ByteSink {
+ public:
+  void Append(std::string_view bytes) override { benchmark::DoNotOptimize(bytes.data()); }
+};
+
+void Write(benchmark::State& state, ProblemFormat format, const std::vector<std::string>& texts) {
+  const ReportVariables variables = {{"income", "F8.2", 5, 0}};
+  Nowhere nowhere;
+  ProblemWriter writer(format, variables, INT64_MAX, nowhere);
+  std::size_t next = 0;
+  for (auto _ : state) {
+    writer.Write(Problem(ImportProblemKind::kUnreadable, 0, texts[next]));
+    next = next + 1 == texts.size() ? 0 : next + 1;
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+
+std::vector<std::string> Numbered(const std::string& before, const std::string& behind) {
+  std::vector<std::string> texts;
+  for (int number = 1000; number < 2000; ++number) {
+    texts.push_back(before + std::to_string(number) + behind);
+  }
+  return texts;
+}
+
+void BM_Same(benchmark::State& state) { Write(state, ProblemFormat::kCsv, {"none"}); }
+void BM_Words(benchmark::State& state) { Write(state, ProblemFormat::kCsv, Numbered("x", "y")); }
+void BM_Amounts(benchmark::State& state) { Write(state, ProblemFormat::kCsv, Numbered("$", "")); }
+void BM_Dates(benchmark::State& state) { Write(state, ProblemFormat::kCsv, Numbered("1.2.", "")); }
+void BM_JsonWords(benchmark::State& state) {
+  Write(state, ProblemFormat::kJsonLines, Numbered("x", "y"));
+}
+BENCHMARK(BM_Same);
+BENCHMARK(BM_Words);
+BENCHMARK(BM_Amounts);
+BENCHMARK(BM_Dates);
+BENCHMARK(BM_JsonWords);
+
+}  // namespace
+}  // namespace library
