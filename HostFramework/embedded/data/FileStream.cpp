@@ -1,10 +1,10 @@
 #include "HostFramework/FileStream.h"
 
 #include <atomic>
-#include <mutex>
 #include <new>
 #include <utility>
 
+#include "HostFramework/Threads.h"
 #include "HostFramework/embedded/data/StreamDevice.h"
 
 namespace embedded {
@@ -15,8 +15,8 @@ constexpr std::size_t kDefaultBlockSize = std::size_t{1} << 20;
 std::atomic<std::size_t> blockSize{kDefaultBlockSize};
 
 struct Opener {
-  std::mutex mutex;
-  StreamDeviceOpener open;  // guarded by mutex; empty means OpenPosixDevice
+  sfMutex mutex;
+  StreamDeviceOpener open SF_GUARDED_BY(mutex);  // empty means OpenPosixDevice
 };
 
 Opener& TheOpener() {
@@ -25,10 +25,11 @@ Opener& TheOpener() {
 }
 
 std::unique_ptr<StreamDevice> OpenDevice(const char* path) {
+  Opener& opener = TheOpener();
   StreamDeviceOpener open;
   {
-    const std::lock_guard<std::mutex> guard(TheOpener().mutex);
-    open = TheOpener().open;
+    const sfGuard guard(opener.mutex);
+    open = opener.open;
   }
   return open ? open(path) : OpenPosixDevice(path);
 }
@@ -44,8 +45,9 @@ bool IsReadMode(const char* mode) {
 }  // namespace
 
 void SetStreamDeviceOpener(StreamDeviceOpener opener) {
-  const std::lock_guard<std::mutex> guard(TheOpener().mutex);
-  TheOpener().open = std::move(opener);
+  Opener& setting = TheOpener();
+  const sfGuard guard(setting.mutex);
+  setting.open = std::move(opener);
 }
 
 void SetStreamBlockSize(std::size_t bytes) { blockSize = bytes > 0 ? bytes : kDefaultBlockSize; }

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <atomic>
-#include <mutex>
 #include <vector>
 
 #include "HostFramework/FileStream.h"
+#include "HostFramework/Threads.h"
 
 namespace {
 
@@ -28,8 +28,8 @@ bool IsKnown(const std::vector<Entry>& entries, std::int64_t caseNumber) {
 struct QANT_SparseFileIndex::State {
   // Only grows. Read without the mutex to drop most cases early; under it to decide.
   std::atomic<std::int64_t> spacing;
-  mutable std::mutex mutex;
-  std::vector<Entry> entries;  // guarded by mutex; rising case numbers, multiples of spacing
+  mutable sfMutex mutex;
+  std::vector<Entry> entries SF_GUARDED_BY(mutex);  // rising case numbers, multiples of spacing
 };
 
 QANT_SparseFileIndex::QANT_SparseFileIndex(std::int64_t spacing)
@@ -42,7 +42,7 @@ QANT_SparseFileIndex::~QANT_SparseFileIndex() = default;
 void QANT_SparseFileIndex::Add(std::int64_t caseNumber, std::int64_t position) {
   State& state = *state_;
   if (caseNumber < 0 || caseNumber % state.spacing.load(std::memory_order_relaxed) != 0) return;
-  const std::lock_guard<std::mutex> guard(state.mutex);
+  const sfGuard guard(state.mutex);
   std::vector<Entry>& entries = state.entries;
   if (IsKnown(entries, caseNumber)) return;
   while (entries.size() >= kMostEntries) {
@@ -58,7 +58,7 @@ void QANT_SparseFileIndex::Add(std::int64_t caseNumber, std::int64_t position) {
 bool QANT_SparseFileIndex::GetPos(std::int64_t wanted, std::int64_t* caseNumber,
                                   std::int64_t* position) const {
   const State& state = *state_;
-  const std::lock_guard<std::mutex> guard(state.mutex);
+  const sfGuard guard(state.mutex);
   const auto behind = std::upper_bound(
       state.entries.begin(), state.entries.end(), wanted,
       [](std::int64_t number, const Entry& entry) { return number < entry.caseNumber; });

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <utility>
 
 #include <unicode/uniset.h>
 
+#include "HostFramework/Threads.h"
 #include "HostFramework/embedded/text/CodePageNames.h"
 
 namespace embedded {
@@ -40,6 +40,16 @@ bool IsStatelessSupersetOfAscii(IcuConverter& icu) {
   return true;
 }
 
+struct Pages {
+  sfMutex mutex;
+  std::map<std::string, std::unique_ptr<const CodePage>> pages SF_GUARDED_BY(mutex);
+};
+
+Pages& ThePages() {
+  static Pages* const pages = new Pages;
+  return *pages;
+}
+
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
 }  // namespace
@@ -57,18 +67,18 @@ const CodePage* CodePage::Find(const char* name) {
 }
 
 const CodePage* CodePage::Open(const char* name) {
-  static std::mutex mutex;
-  static auto* const pages = new std::map<std::string, std::unique_ptr<const CodePage>>();
-
   IcuConverter icu(name);
   if (!icu.IsOpen()) return nullptr;
   if (icu.Type() == UCNV_UTF8) return &Utf8();
-  const std::lock_guard<std::mutex> lock(mutex);
+  Pages& known = ThePages();
+  const sfGuard guard(known.mutex);
   const std::string key = icu.Name();
-  if (const auto found = pages->find(key); found != pages->end()) return found->second.get();
+  if (const auto found = known.pages.find(key); found != known.pages.end()) {
+    return found->second.get();
+  }
   if (!IsStatelessSupersetOfAscii(icu)) return nullptr;
   std::unique_ptr<const CodePage> page(new CodePage(icu));
-  return pages->emplace(key, std::move(page)).first->second.get();
+  return known.pages.emplace(key, std::move(page)).first->second.get();
 }
 
 char32_t CodePage::Entry(const Character& character) {

@@ -1,6 +1,9 @@
 #include "HostFramework/Threads.h"
 
+#include <atomic>
 #include <csignal>
+#include <memory>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <sched.h>
@@ -23,9 +26,13 @@ class Counter : public sfThread {
     }
     done.post();
   }
+  int Count() {
+    const sfGuard guard(mutex);
+    return count;
+  }
   sfMutex mutex;
   sfSemaphore done{0};
-  int count = 0;
+  int count SF_GUARDED_BY(mutex) = 0;
   bool interruptBlocked = false;
 };
 
@@ -34,7 +41,7 @@ TEST(Threads, BodyRunsOnceAndSignalsItsSemaphore) {
   ASSERT_TRUE(counter.activate());
   counter.done.wait();
   counter.join();
-  EXPECT_EQ(counter.count, 1000);
+  EXPECT_EQ(counter.Count(), 1000);
   EXPECT_EQ(counter.scope(), 1);
 }
 
@@ -57,7 +64,7 @@ TEST(Threads, InterruptIsBlockedInTheThreadAndNotInItsStarter) {
 TEST(Threads, AnObjectThatNeverStartedJoinsAtOnce) {
   Counter counter;
   counter.join();
-  EXPECT_EQ(counter.count, 0);
+  EXPECT_EQ(counter.Count(), 0);
 }
 
 TEST(Threads, StartLimitMakesActivateFail) {
@@ -69,12 +76,86 @@ TEST(Threads, StartLimitMakesActivateFail) {
   EXPECT_TRUE(second.activate());
 }
 
-TEST(Threads, SemaphoreCounts) {
-  sfSemaphore semaphore(2);
-  semaphore.wait();
-  semaphore.wait();
-  semaphore.post();
-  semaphore.wait();
+// Goes through a semaphore again and again and notes how many are behind it at once.
+class Visitor : public sfThread {
+ public:
+  Visitor(sfSemaphore& door, std::atomic<int>& inside, std::atomic<int>& most)
+      : sfThread(1), door_(door), inside_(inside), most_(most) {}
+  ~Visitor() override { join(); }
+  void threadMain() override {
+    for (int i = 0; i < kVisits; ++i) {
+      door_.wait();
+      const int now = ++inside_;
+      int seen = most_;
+      while (now > seen && !most_.compare_exchange_weak(seen, now)) {
+      }
+      QANT_msleep(0);
+      --inside_;
+      ++visits;
+      door_.post();
+    }
+  }
+  static constexpr int kVisits = 2000;
+  int visits = 0;
+
+ private:
+  sfSemaphore& door_;
+  std::atomic<int>& inside_;
+  std::atomic<int>& most_;
+};
+
+TEST(Threads, ASemaphoreLetsAsManyInAsItsCount) {
+  for (const unsigned count : {1U, 2U, 3U}) {
+    sfSemaphore door(count);
+    std::atomic<int> inside{0}, most{0};
+    std::vector<std::unique_ptr<Visitor>> visitors;
+    for (int i = 0; i < 5; ++i) {
+      visitors.push_back(std::make_unique<Visitor>(door, inside, most));
+      ASSERT_TRUE(visitors.back()->activate());
+    }
+    for (const auto& visitor : visitors) {
+      visitor->join();
+      EXPECT_EQ(visitor->visits, Visitor::kVisits);
+    }
+    EXPECT_EQ(inside, 0);
+    EXPECT_GE(most, 1);
+    EXPECT_LE(most, static_cast<int>(count));
+  }
+}
+
+// What was posted before anyone waited lets as many through, one by one.
+TEST(Threads, ASemaphoreKeepsWhatWasPosted) {
+  sfSemaphore door(0), passed(0);
+  std::atomic<int> through{0};
+  class Passer : public sfThread {
+   public:
+    Passer(sfSemaphore& door, sfSemaphore& passed, std::atomic<int>& through)
+        : sfThread(1), door_(door), passed_(passed), through_(through) {}
+    ~Passer() override { join(); }
+    void threadMain() override {
+      for (int i = 0; i < 5; ++i) {
+        door_.wait();
+        ++through_;
+        passed_.post();
+      }
+    }
+
+   private:
+    sfSemaphore& door_;
+    sfSemaphore& passed_;
+    std::atomic<int>& through_;
+  };
+  for (int i = 0; i < 3; ++i) door.post();
+  Passer passer(door, passed, through);
+  ASSERT_TRUE(passer.activate());
+  for (int i = 0; i < 3; ++i) passed.wait();
+  EXPECT_EQ(through, 3);
+  door.post();
+  passed.wait();
+  EXPECT_EQ(through, 4);
+  door.post();
+  passer.join();
+  EXPECT_EQ(through, 5);
 }
 
 TEST(Threads, ProcessorsAreThoseOfTheAffinityMask) {

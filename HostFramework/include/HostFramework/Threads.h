@@ -6,6 +6,8 @@
 #include <mutex>
 #include <thread>
 
+#include "HostFramework/ThreadSafety.h"
+
 // A thread with a virtual body. The object outlives its thread: owners call join() before any
 // member that the body uses dies (the destructor joins too, as a last guard).
 class sfThread {
@@ -31,25 +33,34 @@ class sfThread {
   std::thread thread_;
 };
 
-class sfMutex {
+class SF_CAPABILITY("mutex") sfMutex {
  public:
-  void lock() { mutex_.lock(); }
-  void unlock() { mutex_.unlock(); }
+  void lock() SF_ACQUIRE() { mutex_.lock(); }
+  void unlock() SF_RELEASE() { mutex_.unlock(); }
 
  private:
   std::mutex mutex_;
 };
 
 // Holds a mutex for its own lifetime.
-class sfGuard {
+class SF_SCOPED_CAPABILITY sfGuard {
  public:
-  explicit sfGuard(sfMutex& mutex) : mutex_(mutex) { mutex_.lock(); }
-  ~sfGuard() { mutex_.unlock(); }
+  explicit sfGuard(sfMutex& mutex) SF_ACQUIRE(mutex) : mutex_(mutex) { mutex_.lock(); }
+  ~sfGuard() SF_RELEASE() { mutex_.unlock(); }
   sfGuard(const sfGuard&) = delete;
   sfGuard& operator=(const sfGuard&) = delete;
 
  private:
   sfMutex& mutex_;
+};
+
+// The role of one thread, for what only that thread may touch: a member that is guarded by a role
+// is touched in functions that require it, and the thread's body says that it has it. Holds nothing
+// and costs nothing; clang checks it.
+class SF_CAPABILITY("role") sfThreadRole {
+ public:
+  // Says that the calling thread is the one whose role this is.
+  void Assume() const SF_ASSERT_CAPABILITY(this) {}
 };
 
 // A counting semaphore. Waits survive interrupted system calls.
