@@ -1,7 +1,9 @@
 #include "cli/Version.h"
 
+#include "TextWizardVersion.h"
+
 namespace cli {
 
-const char* Version() { return "1.0.0"; }
+const char* Version() { return TEXTWIZARD_VERSION; }
 
 }  // namespace cli

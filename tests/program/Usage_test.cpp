@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "TextWizardVersion.h"
 #include "tests/program/Program.h"
 
 namespace program {
@@ -54,7 +55,7 @@ TEST_F(Usage, HelpNamesEveryOption) {
 TEST_F(Usage, TheVersionIsTold) {
   const Ended ended = Run({"--version"});
   EXPECT_EQ(ended.status, 0);
-  EXPECT_EQ(ended.out, "textwizard 1.0.0\n");
+  EXPECT_EQ(ended.out, "textwizard " TEXTWIZARD_VERSION "\n");
 }
 
 TEST_F(Usage, TheExampleOfTheHelpWorks) {
