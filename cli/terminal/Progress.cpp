@@ -9,6 +9,8 @@
 
 #include <fmt/format.h>
 
+#include "HostFramework/Names.h"
+
 namespace cli {
 namespace {
 
@@ -18,7 +20,7 @@ constexpr double kMegabyte = 1e6;
 // Bytes that this process has read from files so far, or -1 where the system does not tell. A case
 // iterator does not say where it is; while it reads, it is who reads.
 long long BytesRead() {
-  const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen("/proc/self/io", "re"), &std::fclose);
+  const FileHandle file(std::fopen("/proc/self/io", "re"));
   char line[64];
   constexpr std::string_view kKey = "rchar: ";
   if (!file || std::fgets(line, sizeof line, file.get()) == nullptr) return -1;

@@ -95,10 +95,7 @@ struct Character {
 Character First(std::string_view text) {
   const auto byte = static_cast<unsigned char>(text.front());
   if (byte < kFirstNonAscii) return {byte, text.substr(0, 1), true};
-  struct Release {
-    void operator()(QANTMBConverter* made) const { QANTMBConverterDelete_A(made); }
-  };
-  thread_local const std::unique_ptr<QANTMBConverter, Release> utf8(QANTMBConverterNew_A("UTF-8"));
+  thread_local const ConverterHandle utf8(QANTMBConverterNew_A("UTF-8"));
   std::uint32_t code = 0;
   constexpr std::size_t kLongest = 4;
   const int longest = static_cast<int>(std::min(text.size(), kLongest));

@@ -80,21 +80,16 @@ void BuildNumbers(const Cases& cases, std::size_t columns, std::size_t number,
 // Texts as UTF-8. Made where a text needs it first.
 class TextConverter {
  public:
-  ~TextConverter() { QANTMBConverterDelete_A(converter_); }
-  TextConverter() = default;
-  TextConverter(const TextConverter&) = delete;
-  TextConverter& operator=(const TextConverter&) = delete;
-
   std::string_view ToUtf8(std::string_view text) {
     const bool ascii = std::none_of(text.begin(), text.end(), [](char c) { return c < 0; });
     if (ascii) return text;
-    if (converter_ == nullptr) converter_ = QANTMBConverterNew_A(nullptr);
-    QANTMBCodePageToU8(converter_, converted_, text);
+    if (converter_ == nullptr) converter_.reset(QANTMBConverterNew_A(nullptr));
+    QANTMBCodePageToU8(converter_.get(), converted_, text);
     return converted_;
   }
 
  private:
-  QANTMBConverter* converter_ = nullptr;
+  ConverterHandle converter_;
   std::string converted_;
 };
 

@@ -22,10 +22,7 @@ class Utf8Converter {
   std::string_view ToUtf8(std::string_view text);
 
  private:
-  struct Release {
-    void operator()(QANTMBConverter* converter) const { QANTMBConverterDelete_A(converter); }
-  };
-  std::unique_ptr<QANTMBConverter, Release> converter_;
+  ConverterHandle converter_;
   std::string converted_;
 };
 

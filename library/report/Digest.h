@@ -45,9 +45,6 @@ class CaseDigester {
     std::size_t cell;
     std::size_t bytes;  // of a string; 0 for a number
   };
-  struct Release {
-    void operator()(QANTMBConverter* converter) const { QANTMBConverterDelete_A(converter); }
-  };
 
   void AppendNumber(const unsigned char* cell);
   void AppendText(std::string_view text);
@@ -56,7 +53,7 @@ class CaseDigester {
   std::vector<Column> columns_;
   std::size_t cells_ = 0;
   // Host text that is not UTF-8 is converted; null where it need not be.
-  std::unique_ptr<QANTMBConverter, Release> converter_;
+  ConverterHandle converter_;
   std::string bytes_;
 };
 

@@ -24,10 +24,7 @@ class ReportText {
   std::string_view Escaped(std::string_view hostText, std::size_t characters = kMostTextCharacters);
 
  private:
-  struct Release {
-    void operator()(QANTMBConverter* converter) const { QANTMBConverterDelete_A(converter); }
-  };
-  std::unique_ptr<QANTMBConverter, Release> converter_;
+  ConverterHandle converter_;
   std::string utf8_;
   std::string escaped_;
 };

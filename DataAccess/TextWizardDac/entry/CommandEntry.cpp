@@ -37,16 +37,12 @@ std::string Quoted(const std::string& token) {
   return quote + token + quote;
 }
 
-struct CloseFile {
-  void operator()(FILE* file) const { std::fclose(file); }
-};
-
 // Warns when the file has a byte-order mark that ENCODING=LOCALE contradicts. A file that cannot be
 // opened is reported later, by what reads it.
 void CheckByteOrderMark(TxtWzParser& parser) {
   ExtNameStr name;
   name.SetGeneric(parser.GetFile());
-  const std::unique_ptr<FILE, CloseFile> file(name.fopen("r"));
+  const FileHandle file(name.fopen("r"));
   if (!file || std::fseek(file.get(), 0, SEEK_SET) != 0) return;
   unsigned char mark[3];
   const std::size_t bytes = std::fread(mark, 1, sizeof mark, file.get());

@@ -6,29 +6,28 @@ namespace textwizard {
 
 TxtWzFile::TxtWzFile() : lineBuffer_(std::make_unique<char[]>(kLineBufferSize)) {}
 
-TxtWzFile::~TxtWzFile() { CloseFile(); }
+TxtWzFile::~TxtWzFile() = default;
 
 bool TxtWzFile::OpenFile(const char* name) {
   if (file_) return false;
   fileName_ = name;
-  file_ = std::fopen(name, "r");
+  file_.reset(std::fopen(name, "r"));
   return file_ != nullptr;
 }
 
 bool TxtWzFile::GetLine(char** line) {
-  if (!file_ || ReadLine(lineBuffer_.get(), kLineBufferSize, file_) != lineBuffer_.get()) {
+  if (!file_ || ReadLine(lineBuffer_.get(), kLineBufferSize, file_.get()) != lineBuffer_.get()) {
     return false;
   }
   *line = lineBuffer_.get();
   return true;
 }
 
-bool TxtWzFile::SeekBegin() { return file_ && std::fseek(file_, 0, SEEK_SET) == 0; }
+bool TxtWzFile::SeekBegin() { return file_ && std::fseek(file_.get(), 0, SEEK_SET) == 0; }
 
 int TxtWzFile::CloseFile() {
   if (!file_) return 0;
-  std::fclose(file_);
-  file_ = nullptr;
+  file_.reset();
   return 1;
 }
 

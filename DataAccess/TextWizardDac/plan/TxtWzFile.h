@@ -2,9 +2,10 @@
 // file through the plan. The component reads through the data source.
 #pragma once
 
-#include <cstdio>
 #include <memory>
 #include <string>
+
+#include "HostFramework/Names.h"
 
 namespace textwizard {
 
@@ -28,7 +29,7 @@ class TxtWzFile {
  private:
   static constexpr int kLineBufferSize = 4098;
   std::unique_ptr<char[]> lineBuffer_;
-  FILE* file_ = nullptr;
+  FileHandle file_;
   std::string fileName_;
 };
 

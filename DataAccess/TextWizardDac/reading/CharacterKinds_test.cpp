@@ -16,7 +16,7 @@ class Kinds {
  public:
   Kinds(const char* delimiters, const char* qualifier)
       : rules_(Settings(delimiters, qualifier)),
-        converter_(QANTMBConverterNew_A(nullptr), &QANTMBConverterDelete_A),
+        converter_(QANTMBConverterNew_A(nullptr)),
         kinds_(rules_) {
     kinds_.UseRules(converter_.get());
   }
@@ -32,7 +32,7 @@ class Kinds {
   }
 
   FieldRules rules_;
-  std::unique_ptr<QANTMBConverter, decltype(&QANTMBConverterDelete_A)> converter_;
+  ConverterHandle converter_;
   CharacterKinds kinds_;
 };
 

@@ -32,14 +32,14 @@ FieldSplitter::FieldSplitter(const FieldRules& rules, SplitUse use, UndecodableL
   UseRules();
 }
 
-FieldSplitter::~FieldSplitter() { QANTMBConverterDelete_A(converter_); }
+FieldSplitter::~FieldSplitter() = default;
 
 void FieldSplitter::UseRules() {
   spaceOptions_ = rules_.leadingSpaces() || rules_.multipleSpaces();
   blankDelimits_ = rules_.IsDelimiter(' ');
   holdsBlanks_ = blankDelimits_ && (rules_.multipleSpaces() ||
                                     (use_ == SplitUse::kReading && rules_.leadingSpaces()));
-  kinds_.UseRules(converter_);
+  kinds_.UseRules(converter_.get());
   text_.SetBytes(kinds_.cutting());
   mode_ = Mode::kUnknown;
 }
@@ -301,7 +301,7 @@ class FieldSplitter::DecodedCharacters {
   }
   void Decode() {
     const auto limit = static_cast<int>(std::min(splitter_.end_ - at_, kLongestCharacter));
-    length_ = QANTMBU32GetC_A(splitter_.converter_, &ch_, at_, 0, limit);
+    length_ = QANTMBU32GetC_A(splitter_.converter_.get(), &ch_, at_, 0, limit);
     if (length_ > 0) return;
     ch_ = static_cast<unsigned char>(*at_);
     length_ = 1;
@@ -446,7 +446,7 @@ bool FieldSplitter::RestIsEmpty() const {
   for (const char* at = cursor_; at != end_;) {
     std::uint32_t ch = 0;
     const auto limit = static_cast<int>(std::min(end_ - at, kLongestCharacter));
-    const int length = QANTMBU32GetC_A(converter_, &ch, at, 0, limit);
+    const int length = QANTMBU32GetC_A(converter_.get(), &ch, at, 0, limit);
     if (length <= 0) ch = static_cast<unsigned char>(*at);
     if (ch != ' ' && !rules_.IsDelimiter(ch)) return false;
     at += std::max(length, 1);

@@ -150,7 +150,7 @@ class FieldSplitter {
   const FieldRules& rules_;
   const SplitUse use_;
   UndecodableListener* const listener_;
-  QANTMBConverter* const converter_;
+  const ConverterHandle converter_;
   CharacterKinds kinds_;
   bool spaceOptions_ = false;
   bool blankDelimits_ = false;

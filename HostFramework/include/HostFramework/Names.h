@@ -2,7 +2,14 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string>
+
+// A file that is closed with its owner.
+struct CloseFile {
+  void operator()(FILE* file) const { std::fclose(file); }
+};
+using FileHandle = std::unique_ptr<FILE, CloseFile>;
 
 // A file name in the host's text, opened the way the host opens files.
 class ExtNameStr {

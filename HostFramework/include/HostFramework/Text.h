@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,12 @@ class QANTMBConverter;
 // an unknown name. The caller releases it with QANTMBConverterDelete_A (null is accepted there).
 QANTMBConverter* QANTMBConverterNew_A(const char* codePage);
 void QANTMBConverterDelete_A(QANTMBConverter* converter);
+
+// A converter that is released with its owner.
+struct ReleaseConverter {
+  void operator()(QANTMBConverter* converter) const { QANTMBConverterDelete_A(converter); }
+};
+using ConverterHandle = std::unique_ptr<QANTMBConverter, ReleaseConverter>;
 
 // Decodes the character at `text`, looking at no more than `max` bytes and never past a NUL.
 // Returns its length in bytes, or 0 or less when the bytes there are not a character. `flags` is 0.
