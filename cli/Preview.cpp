@@ -21,18 +21,7 @@
 namespace cli {
 namespace {
 
-constexpr const char* kWizardPackage = "TextWizardDACPkg";
-
-// The wizard's calls.
-constexpr unsigned short kOpen = 1002;
-constexpr unsigned short kRecord = 1004;
-constexpr unsigned short kClose = 1005;
-
-// The answer to kRecord at the end of the file.
-constexpr std::uint32_t kNoRecord = 1006;
-
-// The answer to kOpen for an encoding that the wizard does not know.
-constexpr std::uint32_t kUnknownEncoding = 2008;
+// What the wizard knows by name.
 constexpr char kEncodings[] = "UTF-8, UTF-16, UTF-16LE, UTF-16BE and Locale";
 
 constexpr std::string_view kUtf32Marks[] = {{"\xFF\xFE\0\0", 4}, {"\0\0\xFE\xFF", 4}};
@@ -54,7 +43,7 @@ Exit status: 0 shown, 1 the file cannot be opened, 2 wrong usage.
 // A sentence on an error answer of the wizard's about `path`.
 std::string Explained(const DACErrorResponse& error, const std::string& path,
                       const PreviewOptions& options) {
-  if (error.GetCode() == kUnknownEncoding) {
+  if (error.GetCode() == kWizardUnknownEncoding) {
     return fmt::format("{} is no encoding that the wizard knows: it knows {}.", options.encoding,
                        kEncodings);
   }
@@ -80,7 +69,9 @@ void PrintRecords(embedded::PackageConnection& wizard, const FileOpenRequest& fi
   TextWizardDacStringResponse record;
   for (; shown < options.records; ++shown) {
     if (embedded::AttentionRequested()) return;
-    if (wizard.Call(kRecord, file, record) != 0 || record.GetError().GetCode() == kNoRecord) break;
+    if (wizard.Call(kWizardRecord, file, record) != 0 ||
+        record.GetError().GetCode() == kWizardNoRecord)
+      break;
     const bool cut = record.GetNumber() != 0 && record.GetText().size() >= kCutRecord;
     console.Print(fmt::format("{:>{}}  {}{}\n", shown + 1, numberWidth,
                               VisibleText(hostText.ToUtf8(record.GetText())),
@@ -110,7 +101,7 @@ int Preview(const PreviewOptions& options) {
   if (embedded::AttentionRequested()) return kExitInterrupted;
   const FileOpenRequest file(path, options.encoding, false);
   FileOpenResponse response;
-  if (wizard->Call(kOpen, file, response) != 0) {
+  if (wizard->Call(kWizardOpen, file, response) != 0) {
     console.Error(fmt::format("{}: the wizard did not answer", options.dataFile));
     return kExitCommandFailed;
   }
@@ -127,7 +118,7 @@ int Preview(const PreviewOptions& options) {
         fmt::format("{} is {}, and no text; {}", options.dataFile, kind.what, kind.wayOut));
   }
   PrintRecords(*wizard, file, options, console);
-  wizard->Call(kClose, file, response);
+  wizard->Call(kWizardClose, file, response);
   const bool written = console.Flush();
   if (embedded::AttentionRequested()) return kExitInterrupted;
   return written ? kExitSuccess : kExitUsage;

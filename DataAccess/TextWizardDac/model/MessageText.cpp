@@ -34,31 +34,11 @@ int LimitOf(std::uint32_t id) {
   }
 }
 
-// True when the token stands inside the text of `id`. Four of the numbers are the catalogue's
-// reserve: nothing raises them, but their texts have the placeholder.
-bool TokenFillsText(std::uint32_t id) {
-  switch (id) {
-    case kBadLeadingSpaces:
-    case 2285:
-    case kLeadingSpacesNoEquals:
-    case kBadMultipleSpaces:
-    case 2289:
-    case kMultipleSpacesNoEquals:
-    case 2293:
-    case 2294:
-    case kDataTypeMinNoEquals:
-    case kBadDataTypeMin:
-      return true;
-    default:
-      return false;
-  }
-}
-
 }  // namespace
 
 std::string MessageText(std::uint32_t id, const char* token) {
   const QantServerErrorText entry(kMessageCatalogue, id);
-  if (TokenFillsText(id)) return Filled(entry.GetText(), token ? token : "");
+  if (PlaceholdersOf(id) == "s") return Filled(entry.GetText(), token ? token : "");
   const int limit = LimitOf(id);
   std::string text = limit > 0 ? Filled(entry.GetText(), limit) : entry.GetText();
   if (token) text.append(" ").append(token);

@@ -9,8 +9,6 @@
 
 namespace textwizard {
 
-inline constexpr const char* kMessageCatalogue = "lorvane.err";
-
 // Numbers of the catalogue, by what raises them. E: error that ends the command, W: warning.
 enum MessageId : std::uint32_t {
   kNoArrangement = 2251,            // E neither delimited nor fixed

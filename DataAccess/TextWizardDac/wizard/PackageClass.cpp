@@ -1,6 +1,7 @@
 // The package's class in the host's registry: taken in when the library is loaded, taken out when
 // it is unloaded.
 
+#include "HostFramework/FileMessages.h"
 #include "HostFramework/Packages.h"
 #include "wizard/TextWizardDACHandler.h"
 
@@ -16,8 +17,8 @@ constexpr int kFlags = 3;
 
 bool Register(unsigned reason) {
   return PackageRegistration::ClassObjectRegistration(
-      reason, kClassId, &TextWizardDACHandler::Factory, &PackageInstance::FCreate,
-      "TextWizardDACPkg", "TextWizardDACPkg.1", kThreading, kFlags);
+      reason, kClassId, &TextWizardDACHandler::Factory, &PackageInstance::FCreate, kWizardPackage,
+      kWizardPackageVersion, kThreading, kFlags);
 }
 
 struct LoadedClass {

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <string_view>
 
-#include "HostFramework/Names.h"
 #include "HostFramework/Text.h"
 
 namespace textwizard {
@@ -13,17 +12,6 @@ namespace {
 
 // Calls up to this number are the base proxy's.
 constexpr unsigned short kLastBaseMethod = 999;
-constexpr unsigned short kOpenMethod = 1002;
-constexpr unsigned short kRewindMethod = 1003;
-constexpr unsigned short kRecordMethod = 1004;
-constexpr unsigned short kCloseMethod = 1005;
-
-constexpr std::uint32_t kNoRecord = 1006;
-constexpr std::uint32_t kOpenFailed = 2004;
-constexpr std::uint32_t kRewindFailed = 2005;
-constexpr std::uint32_t kCloseFailed = 2006;
-constexpr std::uint32_t kUnknownEncoding = 2008;
-
 constexpr std::array<std::string_view, 9> kEncodings = {
     "UTF-8", "UTF8", "UTF16", "UTF-16", "UTF16BE", "UTF-16BE", "UTF16LE", "UTF-16LE", "Locale"};
 
@@ -61,7 +49,7 @@ bool TextWizardDACHandler::OpenFile(const std::string& fileName, const std::stri
   truncated_ = false;
   ExtNameStr name;
   name.SetGeneric(fileName.c_str());
-  std::unique_ptr<FILE, CloseStream> stream(name.fopen("rb"));
+  FileHandle stream(name.fopen("rb"));
   if (!stream) return false;
   encoding_ = encoding;
 
@@ -221,7 +209,7 @@ void TextWizardDACHandler::AnswerOpen(const FileOpenRequest& request, FileOpenRe
   const std::string& encoding = request.GetOpenEncoding();
   response = FileOpenResponse();
   if (std::find(kEncodings.begin(), kEncodings.end(), encoding) == kEncodings.end()) {
-    response = Refusal(kUnknownEncoding, fileName);
+    response = Refusal(kWizardUnknownEncoding, fileName);
   }
   bool opened = false;
   try {
@@ -230,7 +218,7 @@ void TextWizardDACHandler::AnswerOpen(const FileOpenRequest& request, FileOpenRe
     // Memory ran out: a file that cannot be opened.
   }
   if (!opened) {
-    response = Refusal(kOpenFailed, fileName);
+    response = Refusal(kWizardOpenFailed, fileName);
     CloseFile();
   } else if (request.GetValidateOnly()) {
     CloseFile();
@@ -247,7 +235,7 @@ void TextWizardDACHandler::AnswerRecord(TextWizardDacStringResponse& response) {
   } catch (...) {
     // Memory ran out: a record that cannot be had.
   }
-  response = TextWizardDacStringResponse(DACErrorResponse(kNoRecord, ""), "", 0);
+  response = TextWizardDacStringResponse(DACErrorResponse(kWizardNoRecord, ""), "", 0);
 }
 
 int TextWizardDACHandler::OnCallSynchronous(unsigned short method, const VSerializable& request,
@@ -259,28 +247,28 @@ int TextWizardDACHandler::OnCallSynchronous(unsigned short method, const VSerial
   const auto* file = dynamic_cast<const FileOpenRequest*>(&request);
   auto* fileResponse = dynamic_cast<FileOpenResponse*>(&response);
   auto* textResponse = dynamic_cast<TextWizardDacStringResponse*>(&response);
-  if (!file || !(method == kRecordMethod ? textResponse != nullptr : fileResponse != nullptr)) {
+  if (!file || !(method == kWizardRecord ? textResponse != nullptr : fileResponse != nullptr)) {
     return 1;
   }
   try {
     switch (method) {
-      case kOpenMethod:
+      case kWizardOpen:
         AnswerOpen(*file, *fileResponse);
         return 0;
-      case kRewindMethod:
+      case kWizardRewind:
         *fileResponse = FileOpenResponse();
         if (!SeekBegin()) {
-          *fileResponse = Refusal(kRewindFailed, file->GetFileName());
+          *fileResponse = Refusal(kWizardRewindFailed, file->GetFileName());
           CloseFile();
         }
         return 0;
-      case kRecordMethod:
+      case kWizardRecord:
         AnswerRecord(*textResponse);
         return 0;
-      case kCloseMethod:
+      case kWizardClose:
         *fileResponse = FileOpenResponse();
         if (!CloseFile()) {
-          *fileResponse = Refusal(kCloseFailed, file->GetFileName());
+          *fileResponse = Refusal(kWizardCloseFailed, file->GetFileName());
           CloseFile();
         }
         return 0;

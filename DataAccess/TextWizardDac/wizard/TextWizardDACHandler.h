@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "HostFramework/FileMessages.h"
+#include "HostFramework/Names.h"
 #include "HostFramework/Packages.h"
 #include "model/TwExecInput.h"
 #include "wizard/ReadLine16.h"
@@ -41,10 +42,6 @@ class TextWizardDACHandler : public PackageProxy, public TwExecInput {
   int OnCallAsynchronous(unsigned short method, const VSerializable& request) override;
 
  private:
-  struct CloseStream {
-    void operator()(FILE* stream) const { std::fclose(stream); }
-  };
-
   void AnswerOpen(const FileOpenRequest& request, FileOpenResponse& response);
   void AnswerRecord(TextWizardDacStringResponse& response);
   bool Utf16() const;
@@ -56,7 +53,7 @@ class TextWizardDACHandler : public PackageProxy, public TwExecInput {
   void DropLineEnd();
   void Convert();
 
-  std::unique_ptr<FILE, CloseStream> stream_;
+  FileHandle stream_;
   // Empty until the first record after an open.
   std::vector<char> readBuffer_;
   std::vector<char> outputBuffer_;

@@ -3,38 +3,13 @@
 #include <charconv>
 #include <utility>
 
+#include "HostFramework/Messages.h"
+
 namespace embedded {
 namespace {
 
 // Callers print into buffers of a fixed size.
 constexpr std::size_t kLongestText = 500;
-
-// The conversions that the callers of number `id` supply arguments for, in order; null for a plain
-// text.
-const char* Placeholders(long id) {
-  switch (id) {
-    case 2271:
-    case 2272:
-    case 2273:
-    case 2274:
-      return "d";
-    case 2279:
-      return "dd";
-    case 2284:
-    case 2285:
-    case 2287:
-    case 2288:
-    case 2289:
-    case 2291:
-    case 2293:
-    case 2294:
-    case 2296:
-    case 2297:
-      return "s";
-    default:
-      return nullptr;
-  }
-}
 
 // True when a printf format asks for exactly the arguments `wanted`. Flags, widths and lengths are
 // refused along with everything else that is not a bare conversion.
@@ -60,11 +35,10 @@ std::string Objection(long id, std::string_view text) {
     return "the text is longer than " + std::to_string(kLongestText) + " bytes";
   }
   if (text.find('\0') != std::string_view::npos) return "the text holds a NUL byte";
-  const char* const wanted = Placeholders(id);
-  if (wanted && !AsksFor(text, wanted)) {
+  const std::string_view wanted = PlaceholdersOf(id);
+  if (!wanted.empty() && !AsksFor(text, wanted)) {
     std::string list;
-    for (const char* kind = wanted; *kind; ++kind)
-      list.append(list.empty() ? "%" : " and %") += *kind;
+    for (const char kind : wanted) list.append(list.empty() ? "%" : " and %") += kind;
     return "the placeholders of this text must be exactly " + list;
   }
   return {};

@@ -4,10 +4,8 @@
 // text. A text begins with its number in square brackets. Empty lines are skipped, and so are a
 // UTF-8 byte-order mark and the carriage returns of line ends.
 //
-// The texts of some numbers are printf formats, and their placeholders are fixed by what the
-// callers pass: one %d in 2271 to 2274, two %d in 2279, one %s in 2284, 2285, 2287 to 2289, 2291,
-// 2293, 2294, 2296 and 2297 (%i stands for %d; %% is a percent sign). The texts of all other
-// numbers are plain, and a percent sign in them is one.
+// The texts of some numbers are printf formats with fixed placeholders (kMessagePlaceholders; %i
+// stands for %d, %% is a percent sign).
 #pragma once
 
 #include <map>

@@ -2,24 +2,24 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
-#include <mutex>
 
 #include <dlfcn.h>
 
 #include "HostFramework/Messages.h"
+#include "HostFramework/Names.h"
+#include "HostFramework/Threads.h"
 #include "HostFramework/embedded/messages/Catalogue.h"
 
 namespace embedded {
 namespace {
 
-constexpr const char* kCatalogueName = "lorvane.err";
 constexpr std::size_t kLargestCatalogue = std::size_t{1} << 20;
 
 struct InUse {
-  std::mutex mutex;
-  // Guarded by mutex. Null until something asks for a text; what is pointed at never changes.
-  std::shared_ptr<const Catalogue> catalogue;
-  std::string problems;
+  sfMutex mutex;
+  // Null until something asks for a text; what is pointed at never changes.
+  std::shared_ptr<const Catalogue> catalogue SF_GUARDED_BY(mutex);
+  std::string problems SF_GUARDED_BY(mutex);
 };
 
 InUse& TheCatalogue() {
@@ -29,7 +29,7 @@ InUse& TheCatalogue() {
 
 // Reads a whole file of at most kLargestCatalogue bytes; false, with the reason, when it cannot.
 bool ReadWhole(const char* path, std::string* text, std::string* reason) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path, "rbe"), std::fclose);
+  const FileHandle file(std::fopen(path, "rbe"));
   if (!file) {
     *reason = std::strerror(errno);
     return false;
@@ -65,8 +65,8 @@ std::shared_ptr<const Catalogue> ReadCatalogue(const char* path, std::string* pr
 }
 
 // The catalogue in use; null when the host's own cannot be read. That is tried again for the next
-// text: what was lacking, a descriptor perhaps, may be there by then. Call with the mutex held.
-std::shared_ptr<const Catalogue> UseCatalogue(InUse& inUse) {
+// text: what was lacking, a descriptor perhaps, may be there by then.
+std::shared_ptr<const Catalogue> UseCatalogue(InUse& inUse) SF_REQUIRES(inUse.mutex) {
   if (!inUse.catalogue) {
     inUse.catalogue = ReadCatalogue(DefaultCataloguePath().c_str(), &inUse.problems);
   }
@@ -84,7 +84,7 @@ std::string DefaultCataloguePath() {
   }
   const std::size_t slash = path.rfind('/');
   path.resize(slash == std::string::npos ? 0 : slash + 1);
-  return path + "../share/textwizard/" + kCatalogueName;
+  return path + "../share/textwizard/" + kMessageCatalogue;
 }
 
 bool LoadCatalogue(const char* path, std::string* error) {
@@ -93,7 +93,7 @@ bool LoadCatalogue(const char* path, std::string* error) {
   if (error) *error = problems;
   if (!catalogue) return false;
   InUse& inUse = TheCatalogue();
-  const std::lock_guard<std::mutex> guard(inUse.mutex);
+  const sfGuard guard(inUse.mutex);
   inUse.catalogue = std::move(catalogue);
   inUse.problems = problems;
   return problems.empty();
@@ -101,7 +101,7 @@ bool LoadCatalogue(const char* path, std::string* error) {
 
 std::string CatalogueProblems() {
   InUse& inUse = TheCatalogue();
-  const std::lock_guard<std::mutex> guard(inUse.mutex);
+  const sfGuard guard(inUse.mutex);
   UseCatalogue(inUse);
   return inUse.problems;
 }
@@ -110,9 +110,9 @@ std::string CatalogueProblems() {
 
 QantServerErrorText::QantServerErrorText(const char* file, long id) {
   std::shared_ptr<const embedded::Catalogue> catalogue;
-  if (file && std::strcmp(file, embedded::kCatalogueName) == 0) {
+  if (file && std::strcmp(file, kMessageCatalogue) == 0) {
     embedded::InUse& inUse = embedded::TheCatalogue();
-    const std::lock_guard<std::mutex> guard(inUse.mutex);
+    const sfGuard guard(inUse.mutex);
     catalogue = embedded::UseCatalogue(inUse);
   }
   const std::string* const found = catalogue ? catalogue->Find(id) : nullptr;

@@ -11,6 +11,11 @@ bool ReadFlag(VStream& stream, bool* flag) {
   return true;
 }
 
+const MessageType kTypes[] = {
+    MessageType::Of<DACErrorResponse>(), MessageType::Of<FileOpenRequest>(),
+    MessageType::Of<FileOpenResponse>(), MessageType::Of<TextWizardDacStringRequest>(),
+    MessageType::Of<TextWizardDacStringResponse>()};
+
 }  // namespace
 
 DACErrorResponse::DACErrorResponse(std::uint32_t code, std::string text)

@@ -1,11 +1,10 @@
 #include "HostFramework/embedded/packages/PackageRegistry.h"
 
 #include <algorithm>
-#include <mutex>
 #include <utility>
 #include <vector>
 
-#include "HostFramework/FileMessages.h"
+#include "HostFramework/Threads.h"
 
 ROTBase::~ROTBase() = default;
 
@@ -36,8 +35,8 @@ namespace {
 
 // Never destroyed: libraries take their classes out while the process ends.
 struct Registry {
-  std::mutex mutex;
-  std::vector<PackageClass> classes;  // guarded by mutex
+  sfMutex mutex;
+  std::vector<PackageClass> classes SF_GUARDED_BY(mutex);
 };
 
 Registry& TheRegistry() {
@@ -48,23 +47,11 @@ Registry& TheRegistry() {
 template <typename Matches>
 bool Find(Matches matches, PackageClass* found) {
   Registry& registry = TheRegistry();
-  const std::lock_guard lock(registry.mutex);
+  const sfGuard guard(registry.mutex);
   const auto at = std::find_if(registry.classes.begin(), registry.classes.end(), matches);
   if (at == registry.classes.end()) return false;
   *found = *at;
   return true;
-}
-
-// An empty message of the class that the signature names; null for an unknown one.
-std::unique_ptr<VSerializable> MakeMessage(std::string_view signature) {
-  std::unique_ptr<VSerializable> candidates[] = {
-      std::make_unique<FileOpenRequest>(), std::make_unique<FileOpenResponse>(),
-      std::make_unique<DACErrorResponse>(), std::make_unique<TextWizardDacStringRequest>(),
-      std::make_unique<TextWizardDacStringResponse>()};
-  for (auto& candidate : candidates) {
-    if (signature == candidate->GetSignature()) return std::move(candidate);
-  }
-  return nullptr;
 }
 
 // The one message that `bytes` hold; null when they are not exactly that.
@@ -72,7 +59,7 @@ std::unique_ptr<VSerializable> ReadMessage(std::string_view bytes) {
   VStream head(bytes);
   std::string signature;
   if (!head.ReadString(&signature)) return nullptr;
-  std::unique_ptr<VSerializable> message = MakeMessage(signature);
+  std::unique_ptr<VSerializable> message = MessageType::MakeMessage(signature);
   VStream stream(bytes);
   if (!message || !message->Read(stream) || !stream.AtEnd()) return nullptr;
   return message;
@@ -125,7 +112,7 @@ int PackageConnection::CallAsynchronous(unsigned short method, const VSerializab
 int PackageConnection::Serve(unsigned short method, std::string_view request,
                              std::string_view responseSignature, std::string* answer) {
   const std::unique_ptr<VSerializable> received = ReadMessage(request);
-  const std::unique_ptr<VSerializable> response = MakeMessage(responseSignature);
+  const std::unique_ptr<VSerializable> response = MessageType::MakeMessage(responseSignature);
   if (!received || !response) return 1;
   const int result = proxy_->OnCallSynchronous(method, *received, *response);
   if (result != 0) return result;
@@ -143,7 +130,7 @@ bool PackageRegistration::ClassObjectRegistration(unsigned reason, const GUID& c
                                                   const char* name, const char* versionedName,
                                                   int threading, int flags) {
   embedded::Registry& registry = embedded::TheRegistry();
-  const std::lock_guard lock(registry.mutex);
+  const sfGuard guard(registry.mutex);
   if (reason != kAttach && reason != kDetach) return false;
   const std::size_t removed = std::erase_if(
       registry.classes, [&](const embedded::PackageClass& c) { return c.classId == classId; });

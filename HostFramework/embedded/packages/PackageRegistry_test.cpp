@@ -105,6 +105,65 @@ TEST_F(PackageRegistryTest, BytesThatAreNoWholeKnownMessageAreRefused) {
   EXPECT_TRUE(answer.empty());
 }
 
+// A class of messages that the host has never heard of.
+class Weather : public VSerializable {
+ public:
+  const char* GetSignature() const override { return "VSerializable::Weather"; }
+  std::uint32_t GetVersion() const override { return 3; }
+  std::uint32_t degrees = 20;
+
+ protected:
+  void WriteFields(VStream& stream) const override { stream.WriteUInt32(degrees); }
+  bool ReadFields(VStream& stream) override { return stream.ReadUInt32(&degrees); }
+};
+
+class Thermometer : public PackageProxy {
+ public:
+  using PackageProxy::PackageProxy;
+  int OnCallSynchronous(unsigned short, const VSerializable& request,
+                        VSerializable& response) override {
+    const auto* asked = dynamic_cast<const Weather*>(&request);
+    auto* told = dynamic_cast<Weather*>(&response);
+    if (!asked || !told) return 1;
+    told->degrees = asked->degrees + 1;
+    return 0;
+  }
+};
+
+TEST(MessageTypes, AreKnownWhileTheyAreRegistered) {
+  constexpr GUID kId = {9, 9, 9, {}};
+  const auto make = [](ROTBase* rot) -> PackageProxy* { return new Thermometer(rot); };
+  ASSERT_TRUE(PackageRegistration::ClassObjectRegistration(PackageRegistration::kAttach, kId, make,
+                                                           PackageInstance::FCreate, "Thermometer",
+                                                           "Thermometer.1", 1, 3));
+  {
+    const auto connection = embedded::PackageConnection::Open("Thermometer");
+    ASSERT_TRUE(connection);
+    Weather response;
+    EXPECT_EQ(connection->Call(1, Weather(), response), 1) << "nobody can make the message";
+    {
+      const MessageType type = MessageType::Of<Weather>();
+      EXPECT_EQ(connection->Call(1, Weather(), response), 0);
+      EXPECT_EQ(response.degrees, 21U);
+      EXPECT_NE(MessageType::MakeMessage("VSerializable::Weather"), nullptr);
+    }
+    EXPECT_EQ(connection->Call(1, Weather(), response), 1);
+    EXPECT_EQ(MessageType::MakeMessage("VSerializable::Weather"), nullptr);
+  }
+  PackageRegistration::ClassObjectRegistration(PackageRegistration::kDetach, kId, nullptr, nullptr,
+                                               "", "", 0, 0);
+}
+
+TEST(MessageTypes, TheHostsOwnAreKnown) {
+  for (const char* name : {"DACErrorResponse", "FileOpenRequest", "FileOpenResponse",
+                           "TextWizardDacStringRequest", "TextWizardDacStringResponse"}) {
+    const std::string signature = std::string("VSerializable::") + name;
+    const auto message = MessageType::MakeMessage(signature);
+    ASSERT_TRUE(message) << name;
+    EXPECT_EQ(message->GetSignature(), signature);
+  }
+}
+
 TEST(PackageRegistry, AnUnknownPackageDoesNotOpen) {
   EXPECT_EQ(embedded::PackageConnection::Open("NoSuchPackage"), nullptr);
 }

@@ -64,6 +64,25 @@ class FileOpenResponse : public VSerializable {
   DACErrorResponse error_;
 };
 
+// The text wizard's package: its two names, its calls, and the numbers of its answers' errors.
+inline constexpr const char* kWizardPackage = "TextWizardDACPkg";
+inline constexpr const char* kWizardPackageVersion = "TextWizardDACPkg.1";
+
+enum WizardCall : unsigned short {
+  kWizardOpen = 1002,    // FileOpenRequest, FileOpenResponse
+  kWizardRewind = 1003,  // FileOpenRequest, FileOpenResponse
+  kWizardRecord = 1004,  // FileOpenRequest, TextWizardDacStringResponse
+  kWizardClose = 1005,   // FileOpenRequest, FileOpenResponse
+};
+
+enum WizardError : std::uint32_t {
+  kWizardNoRecord = 1006,  // also at the end of the file
+  kWizardOpenFailed = 2004,
+  kWizardRewindFailed = 2005,
+  kWizardCloseFailed = 2006,
+  kWizardUnknownEncoding = 2008,
+};
+
 // A text request of the text wizard's package.
 class TextWizardDacStringRequest : public VSerializable {
  public:

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 // Kinds of a message record.
 enum ErrorTextKind : std::uint8_t {
@@ -50,12 +51,35 @@ class QantErrorMonitor : public ErrorMonitor {
   void* context_ = nullptr;
 };
 
+// The catalogue of the component's messages.
+inline constexpr const char* kMessageCatalogue = "lorvane.err";
+
+// The messages whose texts are printf formats: what the callers fill them with. A 'd' is an int, an
+// 's' a text. The texts of all other numbers are plain, and a percent sign in them is one.
+struct MessagePlaceholders {
+  long id;
+  std::string_view kinds;
+};
+inline constexpr MessagePlaceholders kMessagePlaceholders[] = {
+    {2271, "d"}, {2272, "d"}, {2273, "d"}, {2274, "d"}, {2279, "dd"},
+    {2284, "s"}, {2285, "s"}, {2287, "s"}, {2288, "s"}, {2289, "s"},
+    {2291, "s"}, {2293, "s"}, {2294, "s"}, {2296, "s"}, {2297, "s"}};
+
+// The placeholders of a message, in their order; empty for a plain text.
+constexpr std::string_view PlaceholdersOf(long id) {
+  for (const MessagePlaceholders& message : kMessagePlaceholders) {
+    if (message.id == id) return message.kinds;
+  }
+  return {};
+}
+
 // One text of a message catalogue. A number without a text gives "[N] (no text for this message)".
 class QantServerErrorText {
  public:
-  // `file` is the catalogue's name, such as "lorvane.err". Any thread.
+  // `file` is the catalogue's name: kMessageCatalogue. Any thread.
   QantServerErrorText(const char* file, long id);
-  // The text, or printf format for the ids that have placeholders; lives as long as this object.
+  // The text, or printf format for the ids that have placeholders (kMessagePlaceholders); lives as
+  // long as this object.
   // The catalogue is checked when it is loaded: a format never asks for other arguments than its
   // id's.
   const char* GetText() const;

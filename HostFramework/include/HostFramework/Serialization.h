@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -52,4 +53,30 @@ class VSerializable {
  protected:
   virtual void WriteFields(VStream& stream) const = 0;
   virtual bool ReadFields(VStream& stream) = 0;
+};
+
+// Makes a class of messages known by its signature while this lives, so that messages which arrive
+// as bytes can be made. One object of each class, beside the class's own code:
+//   const MessageType kFileOpenRequest = MessageType::Of<FileOpenRequest>();
+class MessageType {
+ public:
+  using Maker = std::unique_ptr<VSerializable> (*)();
+
+  explicit MessageType(Maker make);
+  ~MessageType();
+  MessageType(const MessageType&) = delete;
+  MessageType& operator=(const MessageType&) = delete;
+
+  template <typename Message>
+  static MessageType Of() {
+    return MessageType(
+        []() -> std::unique_ptr<VSerializable> { return std::make_unique<Message>(); });
+  }
+
+  // An empty message of the class with that signature; null when none is known. Any thread.
+  static std::unique_ptr<VSerializable> MakeMessage(std::string_view signature);
+
+ private:
+  Maker make_;
+  std::string signature_;
 };
