@@ -63,6 +63,7 @@ bool QuoteScanner::Scan(std::string_view line, std::vector<QuoteMark>* marks) {
         neededHere_ = false;
       }
     }
+    const bool begunQualified = qualified;
     if (qualified) {
       at = ScanQualified(line, at, marks);
       if (at == std::string_view::npos) return open_ = true;
@@ -75,12 +76,17 @@ bool QuoteScanner::Scan(std::string_view line, std::vector<QuoteMark>* marks) {
     }
     std::size_t delimiter = 0;
     while (at < line.size() && (delimiter = DelimiterAt(line, at)) == 0) {
-      if (line.substr(at, qualifier_.size()) == qualifier_) {
+      if (line.substr(at, qualifier_.size()) != qualifier_) {
+        ++at;
+      } else if (begunQualified) {
+        // Behind text that follows a closing qualifier, the next one opens again.
+        ++counts_.stray;
+        at = ScanQualified(line, at + qualifier_.size(), marks);
+        if (at == std::string_view::npos) return open_ = true;
+      } else {
         ++counts_.stray;
         if (marks) marks->push_back({at, QuoteMark::Kind::kStray});
         at += qualifier_.size();
-      } else {
-        ++at;
       }
     }
     if (at >= line.size()) return false;

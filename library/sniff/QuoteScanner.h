@@ -3,8 +3,8 @@
 //
 // A field is qualified when a qualifier is the first of its characters that is no blank. A doubled
 // qualifier within it is one character of the text, and with backslash escapes so is any character
-// behind a backslash. A qualifier that stands elsewhere in an unqualified field is a stray one:
-// data.
+// behind a backslash; behind text that follows its closing qualifier, the next one opens again. A
+// qualifier that stands elsewhere in an unqualified field is a stray one: data.
 #pragma once
 
 #include <cstddef>
