@@ -1,6 +1,7 @@
 // Whatever ends a run, nothing stands half under an output's name: kills at any moment, devices
 // that are full.
 
+#include <chrono>
 #include <filesystem>
 #include <random>
 
@@ -41,22 +42,25 @@ class InterruptedWriting : public ProgramTest {
 
 TEST_F(InterruptedWriting, AKillAtAnyMomentLeavesNoHalfFile) {
   WriteData(20000);
+  const auto start = std::chrono::steady_clock::now();
   ASSERT_EQ(Run(Arguments()).status, 0);
+  const auto wholeRun = std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::steady_clock::now() - start);
   std::vector<std::string> whole;
   for (const char* name : kOutputs) whole.push_back(folder_.Text(name));
 
   std::mt19937 random(7);
   std::size_t killed = 0;
   std::size_t replaced = 0;
-  // As long as a whole run takes, or nearly.
-  useconds_t longest = 1000;
+  // Somewhat longer than a whole run takes.
+  auto longest = static_cast<useconds_t>(wholeRun.count() * 5 / 4 + 1);
   for (std::size_t round = 0; round < whole::Rounds(100); ++round) {
     for (const char* name : kOutputs) folder_.Write(name, "as it was\n");
     const pid_t child = Start(Arguments());
     usleep(static_cast<useconds_t>(random() % longest));
     kill(child, SIGKILL);
     const int status = Wait(child).status;
-    // Before most rounds end by themselves, later ones are killed later.
+    // Neither most rounds end by themselves nor most are killed.
     longest = status == 0 ? longest * 4 / 5 + 1 : longest + longest / 4;
     killed += status == -SIGKILL ? 1 : 0;
     for (std::size_t index = 0; index < whole.size(); ++index) {
