@@ -12,6 +12,7 @@ namespace library {
 class TextBlock {
  public:
   void Append(std::string_view text) {
+    if (text.empty()) return;
     std::memcpy(Reserve(text.size()), text.data(), text.size());
     used_ += text.size();
   }
