@@ -2,7 +2,9 @@
 // iterator, of the reading of a case, on any thread, or of a call of the wizard: one numbered
 // error, no wrong case, no thread left behind.
 
+#include <cstdint>
 #include <memory>
+#include <new>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -16,6 +18,7 @@
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "HostFramework/embedded/text/HostText.h"
+#include "TxtWzMultiThreadMgr/UndecodableNotes.h"
 #include "entry/CommandEntry.h"
 #include "library/testing/TestFolder.h"
 #include "model/FormatCode.h"
@@ -341,6 +344,34 @@ TEST_F(FirstCommand, LeavesNothingHalfMade) {
     ++right;
   }
   EXPECT_GT(right, 10);
+}
+
+// What could not be noted for want of memory is not noted in part: the notes before it stand.
+TEST(NotesMemory, IsWantedForWholeNotes) {
+  constexpr std::uint32_t kRecords = 300;
+  bool reached = true;
+  for (long failing = 0; reached; ++failing) {
+    SCOPED_TRACE("allocation " + std::to_string(failing));
+    textwizard::UndecodableNotes notes;
+    std::uint32_t added = 0;
+    {
+      const FailingMemory memory(failing);
+      try {
+        for (; added < kRecords; ++added) notes.Add(3 * added, {added, 70000});
+      } catch (const std::bad_alloc&) {
+      }
+    }
+    reached = MemoryFailed();
+    ASSERT_EQ(added < kRecords, reached);
+    for (std::uint32_t taken = 0; taken < added; ++taken) {
+      const textwizard::UndecodableNotes::Note* const note = notes.Next(UINT32_MAX);
+      ASSERT_NE(note, nullptr);
+      EXPECT_EQ(note->record, 3 * taken);
+      EXPECT_EQ(note->run.position, taken);
+      EXPECT_EQ(note->run.count, 70000u);
+    }
+    ASSERT_EQ(notes.Next(UINT32_MAX), nullptr);
+  }
 }
 
 }  // namespace

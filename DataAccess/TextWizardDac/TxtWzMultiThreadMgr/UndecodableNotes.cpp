@@ -1,10 +1,28 @@
 #include "TxtWzMultiThreadMgr/UndecodableNotes.h"
 
+#include <array>
+
 namespace textwizard {
 namespace {
 
 // Memory that is kept from batch to batch.
 constexpr std::size_t kKept = std::size_t{1} << 18;
+
+// One note before it is kept: at most four numbers, each in groups of 7 bits, the lowest first; the
+// top bit says that more follow.
+class PackedNote {
+ public:
+  void Put(std::uint64_t number) {
+    for (; number >= 0x80; number >>= 7) *end_++ = static_cast<std::uint8_t>(number | 0x80);
+    *end_++ = static_cast<std::uint8_t>(number);
+  }
+  const std::uint8_t* begin() const { return bytes_.data(); }
+  const std::uint8_t* end() const { return end_; }
+
+ private:
+  std::array<std::uint8_t, 4 * (64 / 7 + 1)> bytes_;
+  std::uint8_t* end_ = bytes_.data();
+};
 
 }  // namespace
 
@@ -16,11 +34,6 @@ void UndecodableNotes::Clear() {
   cursor_ = 0;
   next_ = {};
   held_ = false;
-}
-
-void UndecodableNotes::Put(std::uint64_t number) {
-  for (; number >= 0x80; number >>= 7) packed_.push_back(static_cast<std::uint8_t>(number | 0x80));
-  packed_.push_back(static_cast<std::uint8_t>(number));
 }
 
 std::uint64_t UndecodableNotes::Take() {
@@ -35,14 +48,15 @@ std::uint64_t UndecodableNotes::Take() {
 // A run is the distance from the run before it and its length. A length of 0, which no run has,
 // stands before the number of records to step over.
 void UndecodableNotes::Add(std::uint32_t record, const UndecodableRun& run) {
+  PackedNote note;
   if (record != lastRecord_) {
-    Put(0);
-    Put(record - lastRecord_);
-    lastRecord_ = record;
-    lastEnd_ = 0;
+    note.Put(0);
+    note.Put(record - lastRecord_);
   }
-  Put(run.count);
-  Put(run.position - lastEnd_);
+  note.Put(run.count);
+  note.Put(run.position - (record == lastRecord_ ? lastEnd_ : 0));
+  packed_.insert(packed_.end(), note.begin(), note.end());
+  lastRecord_ = record;
   lastEnd_ = run.position + run.count;
 }
 

@@ -22,7 +22,8 @@ class UndecodableNotes {
 
   // Starts an empty batch.
   void Clear();
-  // In the order of the records, and of their bytes.
+  // In the order of the records, and of their bytes. Throws when there is no memory for it, and has
+  // then noted nothing.
   void Add(std::uint32_t record, const UndecodableRun& run);
   // The next note of a record below `records`; null when there is none. Good until the next call.
   const Note* Next(std::uint32_t records);
@@ -30,8 +31,6 @@ class UndecodableNotes {
   std::size_t bytes() const { return packed_.size(); }
 
  private:
-  // Numbers in groups of 7 bits, the lowest first; the top bit says that more follow.
-  void Put(std::uint64_t number);
   std::uint64_t Take();
 
   std::vector<std::uint8_t> packed_;
