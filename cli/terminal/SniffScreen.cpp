@@ -34,7 +34,11 @@ class Screen {
  public:
   explicit Screen(std::size_t width) : width_(width) {}
 
-  void Line(const std::string& text) { text_ += VisibleText(text, width_) + "\n"; }
+  void Line(const std::string& text) {
+    const std::string visible = VisibleText(text, width_);
+    // Columns that are empty leave no blanks behind.
+    text_.append(visible, 0, visible.find_last_not_of(' ') + 1) += '\n';
+  }
   template <typename T>
   void Setting(const char* name, const std::string& value, const library::Setting<T>& setting) {
     Line(fmt::format("  {:<{}} {:<{}} {:<{}}{}", name, kNameWidth, VisibleText(value), kValueWidth,

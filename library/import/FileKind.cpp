@@ -45,6 +45,8 @@ constexpr Signature kSignatures[] = {
     {"\x89PNG\r\n\x1A\n"sv, false, {"a PNG image", kNoTable}},
     {"\xFF\xD8\xFF"sv, false, {"a JPEG image", kNoTable}},
     {"GIF8"sv, true, {"a GIF image", kNoTable}},
+    {"MZ"sv, true, {"a program", kNoTable}},
+    {"\xCF\xFA\xED\xFE"sv, false, {"a program", kNoTable}},
     {"\x7F"
      "ELF"sv,
      false,

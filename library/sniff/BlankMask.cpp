@@ -14,6 +14,11 @@ constexpr std::uint64_t kLinesAFill = 50;
 // Lines above the data, which may cross columns: this share of all, and so many at most.
 constexpr std::size_t kShareAbove = 4;
 constexpr std::size_t kMostAbove = 10;
+// More columns, or a longer line without blanks, are no fixed arrangement.
+constexpr std::size_t kMostColumns = 300;
+constexpr std::int64_t kLongestDense = 500;
+// A letter and digits behind it are most often one code.
+constexpr std::size_t kFewestPieces = 3;
 // Lines without blanks are cut where so many agree.
 constexpr std::size_t kFewestDense = 3;
 
@@ -42,9 +47,14 @@ bool IsRightAligned(const std::vector<std::string_view>& lines, const CharacterR
 }
 
 // Adds cuts inside runs that no line leaves blank, where every line changes between digits and
-// letters.
+// letters; lines with signs between them are cut by those.
 void CutDense(const std::vector<std::string_view>& lines, std::vector<CharacterRange>* runs) {
-  if (lines.size() < kFewestDense) return;
+  if (lines.size() < kFewestDense || runs->front().to > kLongestDense) return;
+  for (const std::string_view line : lines) {
+    const bool signs = std::any_of(line.begin(), line.end(),
+                                   [](char byte) { return EdgeOf(byte) == Edge::kOther; });
+    if (signs) return;
+  }
   std::vector<CharacterRange> cut;
   for (const CharacterRange& run : *runs) {
     CharacterRange rest = run;
@@ -54,7 +64,7 @@ void CutDense(const std::vector<std::string_view>& lines, std::vector<CharacterR
         if (pair.size() != 2) return false;
         const Edge left = EdgeOf(pair[0]);
         const Edge right = EdgeOf(pair[1]);
-        return left != Edge::kOther && right != Edge::kOther && left != right;
+        return left != right;
       };
       if (!std::all_of(lines.begin(), lines.end(), changes)) continue;
       cut.push_back({rest.from, place - 1});
@@ -62,7 +72,7 @@ void CutDense(const std::vector<std::string_view>& lines, std::vector<CharacterR
     }
     cut.push_back(rest);
   }
-  *runs = cut;
+  if (cut.size() >= kFewestPieces) *runs = cut;
 }
 
 // The runs with the blanks between them.
@@ -144,7 +154,7 @@ std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::str
     }
   }
   const auto add = [&](std::vector<CharacterRange> runs) {
-    if (runs.size() < 2) return;
+    if (runs.size() < 2 || runs.size() > kMostColumns) return;
     std::vector<CharacterRange> columns = Widened(body, runs);
     if (std::find(ways.begin(), ways.end(), columns) == ways.end()) ways.push_back(columns);
   };

@@ -8,37 +8,26 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "library/import/FileKind.h"
+
 namespace library {
-namespace {
-
-std::string ErrorSentence(int error) {
-  switch (error) {
-    case ENOENT:
-      return "there is no such file";
-    case EACCES:
-    case EPERM:
-      return "permission denied";
-    default:
-      return std::strerror(error);
-  }
-}
-
-}  // namespace
 
 std::unique_ptr<FileSource> FileSource::Open(const std::string& path, std::string* problem) {
   // Not blocking, so that a pipe without a writer is refused and not waited for.
   const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) {
-    *problem = ErrorSentence(errno);
+    const int error = errno;
+    *problem = WhyNotOpened(path);
+    if (problem->empty()) *problem = std::strerror(error);
     return nullptr;
   }
   struct stat status {};
   if (fstat(descriptor, &status) != 0) {
-    *problem = ErrorSentence(errno);
+    *problem = std::strerror(errno);
   } else if (S_ISDIR(status.st_mode)) {
-    *problem = "this is a directory";
+    *problem = WhyNotOpened(path);
   } else if (!S_ISREG(status.st_mode)) {
-    *problem = "this is no regular file";
+    *problem = "it is no regular file";
   } else {
     return std::unique_ptr<FileSource>(
         new FileSource(descriptor, static_cast<std::uint64_t>(status.st_size)));
@@ -58,7 +47,7 @@ bool FileSource::ReadAt(std::uint64_t offset, char* out, std::size_t count, std:
     if (got == 0) break;
     if (got < 0) {
       if (errno == EINTR) continue;
-      *problem = ErrorSentence(errno);
+      *problem = std::strerror(errno);
       return false;
     }
     *read += static_cast<std::size_t>(got);

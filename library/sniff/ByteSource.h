@@ -30,7 +30,7 @@ class ByteSource {
 class FileSource final : public ByteSource {
  public:
   // Null when `path` (UTF-8) cannot be opened, is a directory, or is no file that can seek;
-  // *problem is then a sentence (UTF-8) without the file's name, such as "permission denied".
+  // *problem is then a sentence (UTF-8) without the file's name, such as "it is a folder".
   static std::unique_ptr<FileSource> Open(const std::string& path, std::string* problem);
   ~FileSource() override;
   FileSource(const FileSource&) = delete;

@@ -58,13 +58,13 @@ TEST_F(ByteSourceTest, AFileIsReadAtAnyOffset) {
 TEST_F(ByteSourceTest, WhatIsNoFileIsNamed) {
   std::string problem;
   EXPECT_EQ(FileSource::Open((folder_ / "none").string(), &problem), nullptr);
-  EXPECT_EQ(problem, "there is no such file");
+  EXPECT_EQ(problem, "No such file or directory");
   EXPECT_EQ(FileSource::Open(folder_.string(), &problem), nullptr);
-  EXPECT_EQ(problem, "this is a directory");
+  EXPECT_EQ(problem, "it is a folder");
   const std::string pipe = (folder_ / "pipe").string();
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   EXPECT_EQ(FileSource::Open(pipe, &problem), nullptr);
-  EXPECT_EQ(problem, "this is no regular file");
+  EXPECT_EQ(problem, "it is no regular file");
 }
 
 TEST_F(ByteSourceTest, AFileWithoutPermissionIsNamed) {
@@ -73,7 +73,7 @@ TEST_F(ByteSourceTest, AFileWithoutPermissionIsNamed) {
   fs::permissions(path, fs::perms::none);
   std::string problem;
   EXPECT_EQ(FileSource::Open(path, &problem), nullptr);
-  EXPECT_EQ(problem, "permission denied");
+  EXPECT_EQ(problem, "Permission denied");
 }
 
 TEST_F(ByteSourceTest, MemoryIsAWholeTextOrTheBeginningOfOne) {

@@ -1,6 +1,7 @@
 #include "library/sniff/ColumnNames.h"
 
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 #include <fmt/format.h>
@@ -31,7 +32,14 @@ void DropBehind(std::string* name) {
 
 // The name as the host compares it.
 std::string Folded(const std::string& name) {
-  std::string folded;
+  std::string folded = name;
+  bool ascii = true;
+  for (char& byte : folded) {
+    ascii = ascii && static_cast<unsigned char>(byte) < 0x80;
+    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte + ('a' - 'A'));
+  }
+  if (ascii) return folded;
+  folded.clear();
   icu::UnicodeString::fromUTF8(name).foldCase().toUTF8String(folded);
   return folded;
 }
@@ -56,7 +64,6 @@ std::string NameOf(const std::string& label, std::size_t number) {
   if (fault == 0) return name;
   name = fault == kReserved ? name + "_" : "V" + name;
   CutTo(&name, kLongestName);
-  DropBehind(&name);
   return IsValid(name) ? name : fmt::format("V{}", number);
 }
 
@@ -65,10 +72,13 @@ std::string NameOf(const std::string& label, std::size_t number) {
 std::vector<std::string> NamesOf(const std::vector<std::string>& labels) {
   std::vector<std::string> names;
   std::unordered_set<std::string> taken;
+  // The number that the next copy of a name gets.
+  std::unordered_map<std::string, std::size_t> copies;
   for (std::size_t i = 0; i < labels.size(); ++i) {
     const std::string base = NameOf(labels[i], i + 1);
     std::string name = base;
-    for (std::size_t copy = 2; !taken.insert(Folded(name)).second; ++copy) {
+    std::size_t& copy = copies.try_emplace(Folded(base), 2).first->second;
+    for (; !taken.insert(Folded(name)).second; ++copy) {
       const std::string suffix = fmt::format("_{}", copy);
       name = base;
       CutTo(&name, kLongestName - suffix.size());

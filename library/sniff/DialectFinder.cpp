@@ -12,166 +12,257 @@ namespace {
 
 constexpr std::size_t kMostText = 64 << 10;
 constexpr std::size_t kMostLines = 1000;
+// Of lines that are longer than all this text, so many are looked at, and so much of each.
+constexpr std::size_t kFewestLines = 4;
+constexpr std::size_t kLongestLine = 512 << 10;
 
 // The delimiters that are always thought of, and others that are where the lines' bytes suggest it.
 constexpr std::string_view kUsual = ",;\t|:^~# \x1F";
-constexpr std::string_view kUnusual = "!@$%&*+=?`\x01\x02\x03\x04\x05\x06\x07\x1C\x1D\x1E";
+constexpr std::string_view kUnusual = "!*`\x01\x02\x03\x04\x05\x06\x07\x1C\x1D\x1E";
+constexpr std::array<std::string_view, 9> kPairs = {"||", "::", ";;", "~~", "^^",
+                                                    "##", "|~", "~|", "^|"};
+// An unusual delimiter stands in this share of the lines.
+constexpr double kUnusualShare = 0.8;
 
-// Lines that hold each ASCII character.
-std::array<std::size_t, 128> CountLines(const std::vector<std::string_view>& lines,
-                                        std::size_t count, std::size_t* nonEmpty) {
-  std::array<std::size_t, 128> found{};
-  *nonEmpty = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    if (lines[i].empty()) continue;
-    ++*nonEmpty;
+// A first look at so much text leaves so many delimiters for the second one.
+constexpr std::size_t kGlanceText = 6 << 10;
+constexpr std::size_t kGlanceDelimiters = 4;
+// Apostrophes that are data are at most this share of those that qualify.
+constexpr double kMostApostrophes = 0.1;
+
+using Lines = std::vector<std::string_view>;
+
+struct Scored {
+  Dialect dialect;
+  DialectScore score;
+};
+
+bool Fewer(const Scored& a, const Scored& b) { return a.score.bits < b.score.bits; }
+
+class Search {
+ public:
+  Search(const Lines& lines, const SniffSettings& settings, CellKinds& kinds)
+      : lines_(lines), settings_(settings), kinds_(kinds) {
+    CountCharacters();
+  }
+
+  // All dialects that are worth it, the best first; not empty.
+  std::vector<Scored> Run();
+
+ private:
+  void CountCharacters();
+  bool Occurs(char ch) const { return found_[static_cast<unsigned char>(ch)] != 0; }
+  bool InMost(std::size_t lines) const {
+    return static_cast<double>(lines) >= kUnusualShare * static_cast<double>(filled_);
+  }
+  std::vector<Dialect> Delimiters() const;
+  std::vector<Dialect> AtAGlance(std::vector<Dialect> delimiters);
+  void ScoreQualifiers(const Dialect& delimiter);
+  // Every quote that begins a field is closed by one that ends it.
+  static bool IsClean(const DialectScore& score) {
+    return score.quotes.qualified > 0 && score.quotes.behind == 0 && score.unclosed == 0;
+  }
+
+  const Lines& lines_;
+  const SniffSettings& settings_;
+  CellKinds& kinds_;
+  // Lines that hold each ASCII character, and lines that are not empty.
+  std::array<std::size_t, 128> found_{};
+  std::size_t filled_ = 0;
+  std::vector<Scored> scored_;
+};
+
+void Search::CountCharacters() {
+  for (const std::string_view line : lines_) {
+    if (line.empty()) continue;
+    ++filled_;
     std::array<bool, 128> here{};
-    for (const char byte : lines[i]) {
+    for (const char byte : line) {
       const auto value = static_cast<unsigned char>(byte);
       if (value < 128) here[value] = true;
     }
-    for (std::size_t ch = 0; ch < 128; ++ch) found[ch] += here[ch] ? 1 : 0;
+    for (std::size_t ch = 0; ch < 128; ++ch) found_[ch] += here[ch] ? 1 : 0;
   }
-  return found;
 }
 
-bool SamePieces(const DialectScore& a, const DialectScore& b) {
-  return a.modalWidth == b.modalWidth && a.modalRecords == b.modalRecords;
-}
-
-// The dialects that are worth scoring.
-std::vector<Dialect> Hypotheses(const std::vector<std::string_view>& lines, std::size_t count,
-                                const SniffSettings& settings) {
-  std::size_t nonEmpty = 0;
-  const auto found = CountLines(lines, count, &nonEmpty);
+std::vector<Dialect> Search::Delimiters() const {
   std::vector<Dialect> delimiters;
-  if (settings.delimiter) {
-    Dialect given;
-    given.delimiter = *settings.delimiter;
-    delimiters.push_back(given);
-    if (given.delimiter == " ") {
-      given.multipleBlanks = true;
-      delimiters.push_back(given);
-    }
-  } else {
-    delimiters.push_back({});
-    for (const char ch : kUsual) {
-      if (found[static_cast<unsigned char>(ch)] == 0) continue;
-      Dialect one;
-      one.delimiter = ch;
-      delimiters.push_back(one);
-      if (ch == ' ') {
-        one.multipleBlanks = true;
-        delimiters.push_back(one);
-      }
-    }
-    for (const char ch : kUnusual) {
-      if (found[static_cast<unsigned char>(ch)] * 10 < nonEmpty * 8) continue;
-      Dialect one;
-      one.delimiter = ch;
-      delimiters.push_back(one);
-    }
-    for (const std::string_view pair : {"||", "::", ";;", "~~", "^^", "##", "|~", "~|", "^|"}) {
-      const auto has = static_cast<std::size_t>(std::count_if(
-          lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(count),
-          [&](std::string_view line) { return line.find(pair) != std::string_view::npos; }));
-      if (has * 10 < nonEmpty * 8) continue;
-      Dialect two;
-      two.delimiter = pair;
-      delimiters.push_back(two);
-    }
+  const auto add = [&](std::string_view delimiter, bool multiple) {
+    Dialect dialect;
+    dialect.delimiter = delimiter;
+    dialect.multipleBlanks = multiple;
+    delimiters.push_back(dialect);
+  };
+  if (settings_.delimiter) {
+    add(*settings_.delimiter, false);
+    if (*settings_.delimiter == " ") add(" ", true);
+    return delimiters;
   }
-  std::vector<std::string> qualifiers;
-  if (settings.qualifier) {
-    qualifiers.push_back(*settings.qualifier);
-  } else {
-    qualifiers.emplace_back();
-    for (const char ch : {'"', '\''}) {
-      if (found[static_cast<unsigned char>(ch)] != 0) qualifiers.emplace_back(1, ch);
-    }
+  add("", false);
+  for (const char ch : kUsual) {
+    if (!Occurs(ch)) continue;
+    add({&ch, 1}, false);
+    if (ch == ' ') add(" ", true);
   }
-  std::vector<Dialect> all;
-  for (const Dialect& delimiter : delimiters) {
-    for (const std::string& qualifier : qualifiers) {
-      Dialect dialect = delimiter;
-      dialect.qualifier = qualifier;
-      all.push_back(dialect);
-      if (qualifier.empty() || found['\\'] == 0) continue;
-      dialect.escape = Escape::kBackslash;
-      all.push_back(dialect);
-    }
+  for (const char ch : kUnusual) {
+    if (Occurs(ch) && InMost(found_[static_cast<unsigned char>(ch)])) add({&ch, 1}, false);
   }
-  if (settings.delimiter) return all;
-  for (const std::vector<CharacterRange>& columns : FixedColumns(lines)) {
+  for (const std::string_view pair : kPairs) {
+    const auto has = std::count_if(lines_.begin(), lines_.end(), [&](std::string_view line) {
+      return line.find(pair) != std::string_view::npos;
+    });
+    if (has > 0 && InMost(static_cast<std::size_t>(has))) add(pair, false);
+  }
+  for (const std::vector<CharacterRange>& columns : FixedColumns(lines_)) {
     Dialect fixed;
     fixed.columns = columns;
-    all.push_back(fixed);
+    delimiters.push_back(fixed);
   }
-  return all;
+  return delimiters;
+}
+
+// Keeps those that describe a part of the lines best, whatever qualifies there.
+std::vector<Dialect> Search::AtAGlance(std::vector<Dialect> delimiters) {
+  std::size_t bytes = 0;
+  for (const std::string_view line : lines_) bytes += line.size();
+  if (delimiters.size() <= kGlanceDelimiters || bytes < 2 * kGlanceText || lines_.size() < 8) {
+    return delimiters;
+  }
+  // What stands above the data tells less than what follows it.
+  Lines part(lines_.begin() + static_cast<std::ptrdiff_t>(lines_.size() / 3), lines_.end());
+  std::size_t count = 0;
+  for (std::size_t text = 0; count < part.size() && text < kGlanceText;)
+    text += part[count++].size();
+  std::vector<Scored> glances;
+  for (const Dialect& delimiter : delimiters) {
+    Scored plain{delimiter, ScoreDialect(part, count, delimiter, kinds_)};
+    if (Occurs('"') && !delimiter.fixed()) {
+      Dialect quoted = delimiter;
+      quoted.qualifier = "\"";
+      const double bits = ScoreDialect(part, count, quoted, kinds_).bits;
+      plain.score.bits = std::min(plain.score.bits, bits);
+    }
+    glances.push_back(plain);
+  }
+  std::stable_sort(glances.begin(), glances.end(), Fewer);
+  delimiters.clear();
+  for (std::size_t i = 0; i < glances.size(); ++i) {
+    // The comma and one column are measured in any case: they are what the others are held against.
+    const std::string& delimiter = glances[i].dialect.delimiter;
+    const bool usual = !glances[i].dialect.fixed() && (delimiter.empty() || delimiter == ",");
+    if (i < kGlanceDelimiters || usual) delimiters.push_back(glances[i].dialect);
+  }
+  return delimiters;
+}
+
+void Search::ScoreQualifiers(const Dialect& delimiter) {
+  const auto score = [&](const Dialect& dialect) {
+    scored_.push_back({dialect, ScoreDialect(lines_, lines_.size(), dialect, kinds_)});
+  };
+  if (delimiter.fixed()) return score(delimiter);
+  // What a qualifier would qualify is known before anything else is measured.
+  const auto quotes = [&](const Dialect& dialect) {
+    return CountQuotes(lines_, lines_.size(), dialect);
+  };
+  const std::size_t first = scored_.size();
+  Dialect dialect = delimiter;
+  if (settings_.qualifier) {
+    dialect.qualifier = *settings_.qualifier;
+    score(dialect);
+  } else {
+    bool clean = false;
+    if (Occurs('"')) {
+      dialect.qualifier = "\"";
+      const DialectScore counts = quotes(dialect);
+      // Nobody closes by chance every quote that begins a field.
+      clean = IsClean(counts);
+      if (counts.quotes.qualified > 0) score(dialect);
+    }
+    if (!clean) score(delimiter);
+    if (!clean && Occurs('\'')) {
+      dialect.qualifier = "'";
+      const DialectScore counts = quotes(dialect);
+      const auto qualified = static_cast<double>(counts.quotes.qualified);
+      if (qualified > 0 && static_cast<double>(counts.strays) <= kMostApostrophes * qualified) {
+        score(dialect);
+      }
+    }
+  }
+  if (!Occurs('\\')) return;
+  const std::size_t last = scored_.size();
+  for (std::size_t i = first; i < last; ++i) {
+    dialect = scored_[i].dialect;
+    if (dialect.qualifier.empty()) continue;
+    dialect.escape = Escape::kBackslash;
+    if (quotes(dialect).escapes > 0) score(dialect);
+  }
+}
+
+std::vector<Scored> Search::Run() {
+  for (const Dialect& delimiter : AtAGlance(Delimiters())) ScoreQualifiers(delimiter);
+  std::stable_sort(scored_.begin(), scored_.end(), Fewer);
+  return scored_;
+}
+
+// Whether what a comma cuts in two everywhere is one number with a decimal comma: parts behind the
+// comma of one length, some of them with a zero in front, and no sign there.
+bool IsDecimalComma(const Lines& lines, CellKinds& kinds) {
+  std::size_t numbers = 0;
+  std::size_t zeros = 0;
+  std::size_t filled = 0;
+  std::size_t length = 0;
+  for (const std::string_view line : lines) {
+    if (line.empty()) continue;
+    ++filled;
+    std::string_view text = line;
+    if (text.size() > 2 && text.front() == '"' && text.back() == '"') {
+      text = text.substr(1, text.size() - 2);
+    }
+    if (kinds.Of(text) != CellKind::kCommaNumber) continue;
+    const std::string_view fraction = text.substr(text.rfind(',') + 1);
+    if (numbers++ == 0) length = fraction.size();
+    if (fraction.size() != length) return false;
+    zeros += fraction.size() > 1 && fraction.front() == '0' ? 1 : 0;
+  }
+  return zeros > 0 && 20 * numbers >= 19 * filled;
+}
+
+bool CutsAlike(const Scored& a, const Scored& b) {
+  return a.dialect.delimiter == b.dialect.delimiter && a.dialect.columns == b.dialect.columns &&
+         a.score.modalWidth == b.score.modalWidth && a.score.modalRecords == b.score.modalRecords;
 }
 
 }  // namespace
 
-std::size_t LinesForDialect(const std::vector<std::string_view>& lines) {
+std::size_t LinesForDialect(const Lines& lines) {
   std::size_t bytes = 0;
   std::size_t count = 0;
-  while (count < lines.size() && count < kMostLines && bytes < kMostText) {
+  while (count < lines.size() && count < kMostLines &&
+         (bytes < kMostText || count < kFewestLines)) {
     bytes += lines[count++].size() + 1;
   }
   return count;
 }
 
-DialectAnswer FindDialect(const std::vector<std::string_view>& allLines,
-                          const SniffSettings& settings, ValueKinds& kinds) {
-  std::vector<std::string_view> lines(
-      allLines.begin(), allLines.begin() + static_cast<std::ptrdiff_t>(LinesForDialect(allLines)));
+DialectAnswer FindDialect(const Lines& allLines, const SniffSettings& settings, CellKinds& kinds) {
+  Lines lines(allLines.begin(),
+              allLines.begin() + static_cast<std::ptrdiff_t>(LinesForDialect(allLines)));
   const std::string_view comment = CommentSign(lines, lines.size());
   std::erase_if(lines, [&](std::string_view line) { return IsCommentLine(line, comment); });
-  const std::size_t count = lines.size();
-  struct Scored {
-    Dialect dialect;
-    DialectScore score;
-  };
-  std::vector<Scored> scored;
-  for (const Dialect& dialect : Hypotheses(lines, count, settings)) {
-    DialectScore score = ScoreDialect(lines, count, dialect, kinds);
-    // A qualifier or an escape that never is one says nothing.
-    if (!settings.qualifier && score.quotes.qualified == 0 &&
-        (dialect.qualifier == "'" || (dialect.qualifier == "\"" && score.quotes.stray == 0))) {
-      continue;
-    }
-    if (dialect.escape == Escape::kBackslash && score.quotes.escaped == 0) continue;
-    scored.push_back({dialect, score});
-  }
-  // Apostrophes qualify only where quotes do not and where few of them are data.
-  const bool quotesQualify = std::any_of(scored.begin(), scored.end(), [](const Scored& one) {
-    return one.dialect.qualifier == "\"" && one.score.quotes.qualified > 0 &&
-           one.score.quotes.behind == 0 && one.score.unclosed == 0;
-  });
-  if (!settings.qualifier) {
-    std::erase_if(scored, [&](const Scored& one) {
-      return one.dialect.qualifier == "'" &&
-             (quotesQualify || 10 * one.score.quotes.stray > one.score.quotes.qualified);
+  for (std::string_view& line : lines) line = line.substr(0, kLongestLine);
+  std::vector<Scored> scored = Search(lines, settings, kinds).Run();
+  if (scored.front().dialect.delimiter == "," && !settings.delimiter &&
+      scored.front().score.modalWidth == 2 && IsDecimalComma(lines, kinds)) {
+    const auto uncut = std::find_if(scored.begin(), scored.end(), [](const Scored& one) {
+      return one.dialect.delimiter.empty() && !one.dialect.fixed();
     });
-    // Nobody closes by chance every quote that begins a field.
-    std::erase_if(scored, [&](const Scored& one) {
-      return one.dialect.qualifier.empty() &&
-             std::any_of(scored.begin(), scored.end(), [&](const Scored& other) {
-               return other.dialect.delimiter == one.dialect.delimiter &&
-                      other.dialect.multipleBlanks == one.dialect.multipleBlanks &&
-                      other.dialect.qualifier == "\"" && other.score.quotes.qualified > 0 &&
-                      other.score.quotes.behind == 0 && other.score.unclosed == 0;
-             });
-    });
+    if (uncut != scored.end()) std::iter_swap(scored.begin(), uncut);
   }
-  std::stable_sort(scored.begin(), scored.end(),
-                   [](const Scored& a, const Scored& b) { return a.score.bits < b.score.bits; });
   DialectAnswer answer;
   answer.dialect = scored.front().dialect;
   answer.score = scored.front().score;
   const auto other = std::find_if(scored.begin() + 1, scored.end(), [&](const Scored& next) {
-    return next.dialect.delimiter != answer.dialect.delimiter ||
-           next.dialect.fixed() != answer.dialect.fixed() || !SamePieces(next.score, answer.score);
+    return !CutsAlike(next, scored.front());
   });
   if (other != scored.end()) {
     answer.runnerUp = other->dialect;

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
+#include "library/sniff/CellKinds.h"
 #include "library/sniff/Dialect.h"
 #include "library/sniff/DialectScore.h"
 #include "library/sniff/SniffSettings.h"
-#include "library/sniff/ValueKinds.h"
 
 namespace library {
 
@@ -24,7 +24,7 @@ struct DialectAnswer {
 // `lines` as SampleText gives them; as many of the first are looked at as kMostText bytes hold.
 // What the settings give is not looked for.
 DialectAnswer FindDialect(const std::vector<std::string_view>& lines, const SniffSettings& settings,
-                          ValueKinds& kinds);
+                          CellKinds& kinds);
 
 // Lines that FindDialect looks at.
 std::size_t LinesForDialect(const std::vector<std::string_view>& lines);

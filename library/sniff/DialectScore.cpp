@@ -8,7 +8,7 @@
 #include <unordered_map>
 
 #include "detection/BlankTrim.h"
-#include "library/sniff/RecordCutter.h"
+#include "library/sniff/SampleRecords.h"
 
 namespace library {
 namespace {
@@ -28,30 +28,41 @@ constexpr double kNumberCharacterBits = 3.3;
 constexpr double kDateDigitBits = 2.5;
 constexpr double kDateBits = 3.0;
 constexpr double kMissingBits = 2.0;
+// A blank beside a number, a date or a time.
+constexpr double kPaddingBits = 0.5;
 // What begins a web address or a path is one sign, not three.
 constexpr double kSchemeBits = 4.0;
+constexpr std::size_t kLongestScheme = 12;
 // A record that is not as wide as most, and one that is no more than a line of text.
 constexpr double kOtherWidthBits = 8.0;
 // The more records of other widths, the less does any width mean.
 constexpr double kRaggedBits = 30.0;
 constexpr double kLoneTextBits = 4.0;
+// What cuts most files, in a file that nothing cuts.
+constexpr double kUncutBits = 3.0;
+// A date or a time that is cut up; and each record that is cut by what rarely cuts.
+constexpr double kCutTimeBits = 10.0;
+constexpr double kUnusualBits = 6.0;
 // Every column there is, and every kind of value in it.
 constexpr double kColumnBits = 2.0;
+constexpr double kVoidColumnBits = 8.0;
 constexpr double kKindBits = 2.0;
 // Qualifiers: a doubled or escaped one, one with text behind it, one that nothing
 // closes.
 constexpr double kDoubledBits = 2.0;
+// Saved by every field that qualifiers enclose, where none does anything else.
+constexpr double kEnclosedBits = 1.5;
 constexpr double kBehindBits = 20.0;
 constexpr double kHalfQuotedBits = 20.0;
 // A bracket that is opened and not closed in a field, or closed and not opened.
 constexpr double kHalfBracketBits = 8.0;
 constexpr double kUnclosedBits = 60.0;
-constexpr double kUnfitBits = 30.0;
-// Two texts side by side with a blank between them are most often one.
-constexpr double kWordBits = 4.0;
+constexpr double kUnfitBits = 200.0;
+// Two words side by side with a blank between them are most often one text.
+constexpr double kWordBits = 8.0;
 // A fixed arrangement, and each place where it cuts.
-constexpr double kFixedBits = 9.0;
-constexpr double kFixedColumnBits = 4.0;
+constexpr double kFixedBits = 12.0;
+constexpr double kFixedColumnBits = 6.0;
 // Columns that are told apart; what lies to the right of them counts as one.
 constexpr std::size_t kMostColumns = 1000;
 // Texts that are remembered of a column.
@@ -96,7 +107,10 @@ double BitsOfText(std::string_view text, bool qualified) {
     halfBracket |= open < 0;
   }
   if (halfBracket || open != 0) bits += kHalfBracketBits;
-  if (const std::size_t scheme = text.find("://"); scheme < 12) {
+  if (const std::size_t scheme = text.find("://");
+      scheme < kLongestScheme &&
+      std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(scheme),
+                  IsAsciiLetter)) {
     bits += kSchemeBits;
     text.remove_prefix(scheme + 3);
   } else if (text.size() > 2 && text[1] == ':' && (text[2] == '\\' || text[2] == '/')) {
@@ -107,20 +121,27 @@ double BitsOfText(std::string_view text, bool qualified) {
   return bits;
 }
 
-double BitsOfValue(ValueKind kind, std::string_view text, bool qualified) {
+double BitsOfValue(CellKind kind, std::string_view text, bool qualified) {
+  if (kind >= CellKind::kNumber && kind <= CellKind::kTime) {
+    const std::string_view value = textwizard::TrimRight(textwizard::TrimLeft(text));
+    if (value.size() != text.size()) {
+      return kPaddingBits * static_cast<double>(text.size() - value.size()) +
+             BitsOfValue(kind, value, qualified);
+    }
+  }
   switch (kind) {
-    case ValueKind::kEmpty:
+    case CellKind::kEmpty:
       return 0.5 * static_cast<double>(text.size());
-    case ValueKind::kMissing:
+    case CellKind::kMissing:
       return kMissingBits;
-    case ValueKind::kNumber:
-    case ValueKind::kCommaNumber:
-    case ValueKind::kAmount:
+    case CellKind::kNumber:
+    case CellKind::kCommaNumber:
+    case CellKind::kAmount:
       return kNumberEndBits + kNumberCharacterBits * static_cast<double>(text.size());
-    case ValueKind::kDate:
-    case ValueKind::kTime:
+    case CellKind::kDate:
+    case CellKind::kTime:
       return kDateBits + kDateDigitBits * static_cast<double>(text.size());
-    case ValueKind::kText:
+    case CellKind::kText:
       break;
   }
   return BitsOfText(text, qualified);
@@ -134,11 +155,11 @@ double EntropyBits(double count, double total) {
 // What the values of one column cost.
 class Column {
  public:
-  void Add(std::string_view text, bool qualified, ValueKind kind) {
+  void Add(std::string_view text, bool qualified, CellKind kind) {
     ++kinds_[static_cast<std::size_t>(kind)];
     qualified_ += qualified ? 1 : 0;
     double bits = BitsOfValue(kind, text, qualified);
-    if (kind >= ValueKind::kNumber) {
+    if (kind >= CellKind::kNumber) {
       const std::size_t hash = std::hash<std::string_view>()(text);
       const auto seen = std::find(repeated_.begin(), repeated_.end(), hash);
       if (seen != repeated_.end()) {
@@ -155,6 +176,8 @@ class Column {
     double total = 0;
     for (const std::int64_t count : kinds_) total += static_cast<double>(count);
     double bits = bits_ + kColumnBits;
+    // Nobody makes a column for nothing.
+    if (static_cast<double>(kinds_[0]) == total) bits += kVoidColumnBits;
     for (const std::int64_t count : kinds_) {
       bits += EntropyBits(static_cast<double>(count), total) + (count > 0 ? kKindBits : 0.0);
     }
@@ -163,11 +186,21 @@ class Column {
   }
 
  private:
-  std::array<std::int64_t, kValueKinds> kinds_{};
+  std::array<std::int64_t, kCellKinds> kinds_{};
   std::int64_t qualified_ = 0;
   double bits_ = 0.0;
   std::vector<std::size_t> repeated_;
 };
+
+bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
+
+bool IsWord(std::string_view text) { return std::none_of(text.begin(), text.end(), IsDigit); }
+
+// Hours and minutes, or minutes and seconds, with the colon between them gone.
+bool IsClock(std::string_view left, std::string_view right) {
+  return !left.empty() && IsDigit(left.back()) && right.size() >= 2 && right[0] >= '0' &&
+         right[0] <= '5' && IsDigit(right[1]) && (right.size() == 2 || !IsDigit(right[2]));
+}
 
 // How rare a dialect is, in bits.
 double RarityBits(const Dialect& dialect) {
@@ -222,8 +255,27 @@ double RarityBits(const Dialect& dialect) {
 
 }  // namespace
 
+DialectScore CountQuotes(const std::vector<std::string_view>& lines, std::size_t count,
+                         const Dialect& dialect) {
+  DialectScore score;
+  const SampleRecords joined = JoinRecords(lines, count, dialect);
+  RecordCutter cutter(dialect);
+  std::vector<RecordCutter::Field> fields;
+  for (const SampleRecord& record : joined.records) {
+    if (record.text.find(dialect.qualifier) != std::string_view::npos) {
+      cutter.Cut(record.text, &fields);
+    }
+  }
+  score.records = joined.records.size();
+  score.quotes = cutter.quotes();
+  score.unclosed = joined.unclosed;
+  score.escapes = joined.escapes;
+  score.strays = joined.strays;
+  return score;
+}
+
 DialectScore ScoreDialect(const std::vector<std::string_view>& lines, std::size_t count,
-                          const Dialect& dialect, ValueKinds& kinds) {
+                          const Dialect& dialect, CellKinds& kinds) {
   DialectScore score;
   const SampleRecords joined = JoinRecords(lines, count, dialect);
   RecordCutter cutter(dialect);
@@ -232,10 +284,21 @@ DialectScore ScoreDialect(const std::vector<std::string_view>& lines, std::size_
   std::map<std::size_t, std::size_t> widths;
   double bits = RarityBits(dialect);
   const bool blanks = dialect.delimiter == " ";
+  const bool colons = dialect.delimiter == ":";
+  const bool unusual = dialect.delimiter.size() == 1 &&
+                       std::string_view("!*`").find(dialect.delimiter[0]) != std::string_view::npos;
+  const bool uncut = dialect.delimiter.empty() && !dialect.fixed();
   for (const SampleRecord& record : joined.records) {
     score.unfit += cutter.Cut(record.text, &fields);
     ++widths[fields.size()];
-    bool afterText = false;
+    if (uncut && record.text.find_first_of(",;\t|") != std::string_view::npos) bits += kUncutBits;
+    if (fields.size() > 1) {
+      if (unusual) bits += kUnusualBits;
+      // A comma may stand before a fraction of a second, and as well between two values.
+      const CellKind whole = dialect.delimiter == "," ? CellKind::kText : kinds.Of(record.text);
+      if (whole == CellKind::kDate || whole == CellKind::kTime) bits += kCutTimeBits;
+    }
+    bool afterWord = false;
     for (std::size_t i = 0; i < fields.size(); ++i) {
       const std::size_t column = std::min(i, kMostColumns);
       if (column == columns.size()) columns.emplace_back();
@@ -243,11 +306,12 @@ DialectScore ScoreDialect(const std::vector<std::string_view>& lines, std::size_
       const std::string_view text =
           dialect.fixed() ? textwizard::TrimRight(textwizard::TrimLeft(fields[i].text))
                           : fields[i].text;
-      const ValueKind kind = kinds.Of(text);
+      const CellKind kind = kinds.Of(text);
       columns[column].Add(text, fields[i].qualified, kind);
-      const bool isText = kind == ValueKind::kText && !fields[i].qualified;
-      if (blanks && isText && afterText) bits += kWordBits;
-      afterText = isText;
+      const bool isWord = kind == CellKind::kText && !fields[i].qualified && IsWord(text);
+      if (blanks && isWord && afterWord) bits += kWordBits;
+      afterWord = isWord;
+      if (colons && i > 0 && IsClock(fields[i - 1].text, text)) bits += kCutTimeBits;
     }
   }
   score.records = joined.records.size();
@@ -270,13 +334,17 @@ DialectScore ScoreDialect(const std::vector<std::string_view>& lines, std::size_
     }
   }
   for (const Column& column : columns) bits += column.Bits();
-  const QuoteScanner::Counts& quotes = joined.quotes;
-  bits += kDoubledBits * static_cast<double>(quotes.doubled + quotes.escaped) +
-          kBehindBits * static_cast<double>(quotes.behind) +
-          kUnclosedBits * static_cast<double>(joined.unclosed) +
-          kUnfitBits * static_cast<double>(score.unfit);
-  score.quotes = quotes;
+  score.quotes = cutter.quotes();
   score.unclosed = joined.unclosed;
+  score.escapes = joined.escapes;
+  score.strays = joined.strays;
+  if (score.quotes.behind == 0 && score.unclosed == 0) {
+    bits -= kEnclosedBits * static_cast<double>(score.quotes.qualified);
+  }
+  bits += kDoubledBits * static_cast<double>(score.quotes.doubled) +
+          kBehindBits * static_cast<double>(score.quotes.behind) +
+          kUnclosedBits * static_cast<double>(score.unclosed) +
+          kUnfitBits * static_cast<double>(score.unfit);
   score.bits = bits;
   return score;
 }

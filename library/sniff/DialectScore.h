@@ -12,9 +12,9 @@
 #include <string_view>
 #include <vector>
 
+#include "library/sniff/CellKinds.h"
 #include "library/sniff/Dialect.h"
-#include "library/sniff/SampleRecords.h"
-#include "library/sniff/ValueKinds.h"
+#include "library/sniff/RecordCutter.h"
 
 namespace library {
 
@@ -25,14 +25,22 @@ struct DialectScore {
   // Fields of most records, and how many records have so many.
   std::size_t modalWidth = 0;
   std::size_t modalRecords = 0;
-  QuoteScanner::Counts quotes;
+  QuoteCounts quotes;
+  // Qualified fields that nothing closes, and characters that a backslash escapes.
   std::int64_t unclosed = 0;
+  std::int64_t escapes = 0;
+  // Qualifiers that do not enclose.
+  std::int64_t strays = 0;
   // Pieces that a delimiter of several characters should not have.
   std::size_t unfit = 0;
 };
 
+// What `dialect` qualifies in the first `count` of `lines`: the counts of its score.
+DialectScore CountQuotes(const std::vector<std::string_view>& lines, std::size_t count,
+                         const Dialect& dialect);
+
 // Scores the first `count` of `lines` (see JoinRecords).
 DialectScore ScoreDialect(const std::vector<std::string_view>& lines, std::size_t count,
-                          const Dialect& dialect, ValueKinds& kinds);
+                          const Dialect& dialect, CellKinds& kinds);
 
 }  // namespace library

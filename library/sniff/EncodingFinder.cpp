@@ -8,6 +8,7 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucsdet.h>
 
+#include "library/import/FileKind.h"
 #include "library/sniff/CodePageScore.h"
 #include "library/sniff/MultiByteScore.h"
 #include "library/sniff/Utf8.h"
@@ -111,8 +112,17 @@ EncodingAnswer ByZeros(std::string_view head) {
   const std::size_t even = zeros[0] + zeros[2];
   const std::size_t odd = zeros[1] + zeros[3];
   const std::string_view units = text.substr(0, text.size() & ~std::size_t{1});
-  if (odd > 0 && even * 20 < odd && IsUtf16Text(units, false)) return Sure("UTF-16LE", kEvidence);
-  if (even > 0 && odd * 20 < even && IsUtf16Text(units, true)) return Sure("UTF-16BE", kEvidence);
+  // A few zero bytes in a text of bytes are zero bytes; in a wide one every second byte of what is
+  // ASCII is one, and other letters have control characters for halves.
+  std::string narrow(text);
+  std::erase(narrow, '\0');
+  const bool bytes = textwizard::IsUtf8(narrow) && 4 * (even + odd) < text.size() &&
+                     ControlsBeyondText(narrow) == 0;
+  if (bytes) return none;
+  const bool little = odd > even && IsUtf16Text(units, false);
+  const bool big = even > odd && IsUtf16Text(units, true);
+  if (little) return Sure("UTF-16LE", kEvidence);
+  if (big) return Sure("UTF-16BE", kEvidence);
   return none;
 }
 

@@ -42,7 +42,7 @@ RowKind KindOfRow(const SampleTable& table, std::size_t row, const TableShape& s
   const SampleCell* const cells = table.Cells(one);
   const auto count =
       std::count_if(cells, cells + one.count, [](const SampleCell& cell) { return !cell.empty(); });
-  if (count == 1 && filled == 1 && one.count > 1 && cells[0].kind == ValueKind::kText &&
+  if (count == 1 && filled == 1 && one.count > 1 && cells[0].kind == CellKind::kText &&
       shape.titles) {
     return RowKind::kTitle;
   }

@@ -14,11 +14,14 @@ struct Encoding {
   Family family;
   // The converter of the widest variant.
   const char* converter;
+  // How rare files in it are, as a logarithm.
+  double rarity;
 };
 
 constexpr Encoding kEncodings[] = {
-    {Family::kShiftJis, "ms932"},   {Family::kEucJp, "EUC-JP"}, {Family::kChinese, "GB18030"},
-    {Family::kBig5, "windows-950"}, {Family::kKorean, "ms949"},
+    {Family::kShiftJis, "ms932", 1.0},  {Family::kEucJp, "EUC-JP", 4.0},
+    {Family::kChinese, "GB18030", 0.0}, {Family::kBig5, "windows-950", 1.0},
+    {Family::kKorean, "ms949", 1.0},
 };
 
 // Logarithms of what a character is worth.
@@ -139,6 +142,7 @@ MultiByteScore Score(const Encoding& encoding, std::string_view text) {
   const char* const end = at + text.size();
   bool narrow = true;
   bool middle = true;
+  score.likelihood = -encoding.rarity;
   while (at != end) {
     if (static_cast<unsigned char>(*at) < 0x80) {
       ++at;

@@ -1,8 +1,12 @@
 #include "library/sniff/RowFacts.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <functional>
 #include <optional>
+
+#include "library/sniff/Utf8.h"
 
 namespace library {
 namespace {
@@ -11,6 +15,7 @@ bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
 bool IsLetter(char byte) { return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z'); }
 
 constexpr std::size_t kLongestNumeric = 40;
+constexpr std::size_t kLongestPlaceholder = 8;
 // Columns that are looked at.
 constexpr std::size_t kMostColumns = 2000;
 // Share of the numbers among a numeric column's values.
@@ -101,29 +106,38 @@ bool IsYear(std::string_view text) {
   return value && *value >= kFirstYear && *value <= kLastYear;
 }
 
+// Signs beyond ASCII that stand beside numbers.
+bool IsNumberSign(std::string_view character) {
+  static constexpr std::array<std::string_view, 9> kSigns = {"£", "€", "¥", "§",     "°",
+                                                             "‰", "–", "−", "\u00A0"};
+  return std::find(kSigns.begin(), kSigns.end(), character) != kSigns.end();
+}
+
 bool LooksNumeric(const SampleCell& cell) {
   if (IsTyped(cell.kind)) return true;
-  if (cell.kind != ValueKind::kText || cell.text.size() > kLongestNumeric) return false;
+  if (cell.kind != CellKind::kText || cell.text.size() > kLongestNumeric) return false;
   bool digit = false;
-  for (const char byte : cell.text) {
-    if (IsLetter(byte)) return false;
-    digit |= IsDigit(byte);
+  for (std::size_t at = 0; at < cell.text.size(); at += Utf8Length(cell.text[at])) {
+    const std::string_view character = cell.text.substr(at, Utf8Length(cell.text[at]));
+    if (character.size() > 1 ? !IsNumberSign(character) : IsLetter(character[0])) return false;
+    digit |= IsDigit(character[0]);
   }
   return digit && !IsUnit(cell.text);
 }
 
 bool IsPlaceholder(const SampleCell& cell) {
-  if (cell.kind == ValueKind::kMissing) return true;
-  if (cell.kind != ValueKind::kText || cell.text.size() > 8) return false;
+  if (cell.kind == CellKind::kMissing) return true;
+  if (cell.kind != CellKind::kText || cell.text.size() > kLongestPlaceholder) return false;
   std::string_view text = cell.text;
   const bool bracketed = text.size() > 2 && (text.front() == '(' || text.front() == '[');
   if (bracketed) text = text.substr(1, text.size() - 2);
-  if (std::none_of(text.begin(), text.end(),
-                   [](char byte) { return IsLetter(byte) || IsDigit(byte); })) {
-    return true;
-  }
-  return (bracketed && text.size() <= 2) || text == "NA" || text == "n/a" || text == "N.A." ||
-         text == "n.a.";
+  const bool word = std::any_of(text.begin(), text.end(), [](char byte) {
+    return IsLetter(byte) || IsDigit(byte) || static_cast<unsigned char>(byte) >= 0x80;
+  });
+  const bool letters =
+      std::all_of(text.begin(), text.end(), [](char byte) { return byte >= 'A' && byte <= 'Z'; });
+  return !word || (bracketed && letters && text.size() <= 2) || text == "–" || text == "—" ||
+         text == "…" || text == "n/a" || text == "N.A." || text == "n.a.";
 }
 
 std::size_t TableFacts::numericColumns() const {
@@ -137,9 +151,12 @@ TableFacts::TableFacts(const SampleTable& table) {
     const SampleCell* const cells = table.Cells(row);
     for (std::size_t i = 0; i < row.count; ++i) {
       if (cells[i].empty()) continue;
+      facts.hash = 31 * facts.hash + i + std::hash<std::string_view>()(cells[i].text);
       if (facts.filled++ == 0) facts.firstFilled = i;
       facts.numeric += LooksNumeric(cells[i]) ? 1 : 0;
     }
+    // A qualified nothing is a value where it is all there is.
+    if (row.count == 1 && cells[0].qualified) facts.filled = 1;
     facts.counts = facts.filled >= 2 && NamesColumns(table, row);
     if (IsRule(table, row)) facts.filled = 0;
     rows_.push_back(facts);
@@ -195,7 +212,7 @@ void TableFacts::FindNumericColumns(const SampleTable& table) {
     for (std::size_t j = 0; j < std::min(row.count, numeric_.size()); ++j) {
       if (cells[j].empty() || IsPlaceholder(cells[j])) continue;
       ++(LooksNumeric(cells[j]) ? numbers : texts)[j];
-      const bool date = cells[j].kind == ValueKind::kDate || cells[j].kind == ValueKind::kTime;
+      const bool date = cells[j].kind == CellKind::kDate || cells[j].kind == CellKind::kTime;
       dates[j] += date ? 1.0 : 0.0;
     }
   }
@@ -211,7 +228,7 @@ void TableFacts::Compare(const SampleTable& table) {
     const SampleCell* const cells = table.Cells(row);
     for (std::size_t j = 0; j < std::min(row.count, numeric_.size()); ++j) {
       if (!numeric_[j] || cells[j].empty()) continue;
-      const bool date = cells[j].kind == ValueKind::kDate || cells[j].kind == ValueKind::kTime;
+      const bool date = cells[j].kind == CellKind::kDate || cells[j].kind == CellKind::kTime;
       if (date && !dates_[j]) {
         rows_[i].contradict += 1.0;
       } else if (LooksNumeric(cells[j])) {

@@ -24,6 +24,8 @@ struct RowFacts {
   std::size_t numeric = 0;      // cells that look numeric
   // The numbers are years, ranges or such as rise by one from cell to cell: names of columns.
   bool counts = false;
+  // Of the texts of its cells.
+  std::size_t hash = 0;
   // Against the columns of numbers: cells there that look numeric or are placeholders, and cells
   // that are other texts.
   double agree = 0.0;

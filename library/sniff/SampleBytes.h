@@ -18,6 +18,9 @@ class SampleBytes {
   static constexpr std::size_t kBlock = 32 << 10;
   static constexpr std::size_t kSpreadBlocks = 8;
   static constexpr std::size_t kTail = 64 << 10;
+  // A head with fewer line ends than this is read on, up to so many bytes.
+  static constexpr std::size_t kFewestLineEnds = 20;
+  static constexpr std::uint64_t kLongestHead = 32 << 20;
 
   struct Region {
     std::uint64_t offset;

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "library/import/QuoteRules.h"
 #include "library/sniff/Dialect.h"
-#include "library/sniff/QuoteScanner.h"
 
 namespace library {
 
@@ -22,9 +22,12 @@ struct SampleRecord {
 struct SampleRecords {
   // Empty lines make no record.
   std::vector<SampleRecord> records;
-  QuoteScanner::Counts quotes;
   // Qualified fields that no qualifier closes: the record ends with its line.
   std::int64_t unclosed = 0;
+  // Qualifiers that are ordinary characters, or stand in text behind a closing one; characters that
+  // a backslash escapes.
+  std::int64_t strays = 0;
+  std::int64_t escapes = 0;
   // Line breaks within qualified fields, and the index of the line where the first such field's
   // record begins.
   std::int64_t lineBreaks = 0;
@@ -34,9 +37,13 @@ struct SampleRecords {
   static constexpr std::size_t kMostLines = 500;
 };
 
-// `lines` are views of one text, in its order, as SampleText gives them; the first `count` of them
-// are looked at.
+// `lines` are views of one text (UTF-8), in its order, as SampleText gives them; the first `count`
+// of them are looked at.
 SampleRecords JoinRecords(const std::vector<std::string_view>& lines, std::size_t count,
                           const Dialect& dialect);
+
+// The rules by which UTF-8 text in the dialect is rewritten when it is imported: line breaks within
+// qualified fields join lines, stray qualifiers are data.
+QuoteRules QuoteRulesOf(const Dialect& dialect);
 
 }  // namespace library

@@ -8,19 +8,19 @@
 #include <string_view>
 #include <vector>
 
+#include "library/sniff/CellKinds.h"
 #include "library/sniff/Dialect.h"
 #include "library/sniff/RecordCutter.h"
 #include "library/sniff/SampleRecords.h"
-#include "library/sniff/ValueKinds.h"
 
 namespace library {
 
 struct SampleCell {
   std::string_view text;  // blanks around it are not part of it
-  ValueKind kind = ValueKind::kEmpty;
+  CellKind kind = CellKind::kEmpty;
   bool qualified = false;
 
-  bool empty() const { return kind == ValueKind::kEmpty; }
+  bool empty() const { return kind == CellKind::kEmpty; }
 };
 
 struct SampleRow {
@@ -37,7 +37,7 @@ struct SampleRow {
 // Cuts lines into records, those into cells. Texts live in the lines or in the table.
 class SampleTable {
  public:
-  SampleTable(const Dialect& dialect, ValueKinds& kinds) : cutter_(dialect), kinds_(kinds) {}
+  SampleTable(const Dialect& dialect, CellKinds& kinds) : cutter_(dialect), kinds_(kinds) {}
 
   // Adds a record of a region of the sample. Returns its number of cells.
   std::size_t Add(const SampleRecord& record, std::size_t region);
@@ -52,7 +52,7 @@ class SampleTable {
 
  private:
   RecordCutter cutter_;
-  ValueKinds& kinds_;
+  CellKinds& kinds_;
   std::vector<RecordCutter::Field> fields_;
   std::vector<SampleRow> rows_;
   std::vector<SampleCell> cells_;

@@ -17,6 +17,7 @@ constexpr double kLikelyBits = 12.0;
 constexpr double kCertainShare = 0.95;
 constexpr double kLikelyShare = 0.7;
 constexpr std::size_t kFewestRecords = 3;
+constexpr std::size_t kFewestFixedRecords = 20;
 
 std::string Plural(std::int64_t count, const char* one, const char* many) {
   return fmt::format("{} {}", count, count == 1 ? one : many);
@@ -60,21 +61,23 @@ void TellDialect(const SniffFindings& findings, SniffResult* result) {
           "{}: {}", NameOfDelimiter(*dialect.runnerUp), WidthEvidence(dialect.runnerUpScore));
     }
   }
-  const QuoteScanner::Counts& quotes = findings.records->quotes;
+  const QuoteCounts& quotes = dialect.score.quotes;
   std::string evidence = quotes.qualified == 0 ? "no field begins with it"
                                                : Plural(quotes.qualified, "field", "fields");
   if (quotes.needed > 0) {
     evidence += fmt::format(", {} with a delimiter or line break within", quotes.needed);
   }
-  if (quotes.stray > 0) evidence += fmt::format("; {} inside other fields are data", quotes.stray);
+  if (findings.records->strays > 0) {
+    evidence += fmt::format("; {} inside fields are data", findings.records->strays);
+  }
   if (findings.records->unclosed > 0) {
     evidence += fmt::format("; {} never closed", findings.records->unclosed);
   }
   if (result->qualifier.value.empty()) evidence = "no quotes";
   result->qualifier.evidence = evidence;
-  if (quotes.escaped > 0) {
+  if (result->escape.value == Escape::kBackslash) {
     result->escape.evidence =
-        Plural(quotes.escaped, "qualifier", "qualifiers") + " behind backslashes";
+        Plural(findings.records->escapes, "character", "characters") + " behind backslashes";
   } else if (quotes.doubled > 0) {
     result->escape.evidence = Plural(quotes.doubled, "doubled qualifier", "doubled qualifiers");
   } else {
@@ -91,9 +94,10 @@ Verdict DialectVerdict(const SniffFindings& findings, const SniffResult& result)
   const auto records = static_cast<double>(score.records);
   const double share = static_cast<double>(score.modalRecords) / records;
   const bool clean = score.quotes.behind == 0 && score.unclosed == 0;
+  const std::size_t fewest = dialect.dialect.fixed() ? kFewestFixedRecords : kFewestRecords;
   const bool elsewhere = findings.otherModal * 10 >= findings.otherRecords * 9;
   if (score.modalWidth > 1 && ahead >= kCertainBits && ahead >= kCertainBitsARecord * records &&
-      share >= kCertainShare && clean && elsewhere && score.records >= kFewestRecords) {
+      share >= kCertainShare && clean && elsewhere && score.records >= fewest) {
     return Verdict::kCertain;
   }
   return ahead >= kLikelyBits && share >= kLikelyShare ? Verdict::kLikely : Verdict::kGuess;
@@ -135,15 +139,14 @@ void TellEvidence(const SniffFindings& findings, SniffResult* result) {
   const TableShape& shape = *findings.shape;
   result->headerLines.evidence = shape.headerEvidence;
   result->firstDataLine.evidence = shape.firstEvidence;
-  const DecimalAnswer& decimal = findings.decimal;
-  if (decimal.witness.empty()) {
+  if (findings.decimalWitness.line == 0) {
     result->decimal.evidence = "no number has a fraction";
-  } else {
-    result->decimal.evidence =
-        fmt::format("{} in line {}", decimal.witness, findings.table->rows()[decimal.row].line + 1);
-    if (decimal.against > 0) {
-      result->decimal.evidence += fmt::format("; {} speak for the other", decimal.against);
-    }
+    return;
+  }
+  result->decimal.evidence =
+      fmt::format("{} in line {}", findings.decimalWitness.text, findings.decimalWitness.line);
+  if (findings.decimalAgainst > 0) {
+    result->decimal.evidence += fmt::format("; {} speak for the other", findings.decimalAgainst);
   }
 }
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "library/sniff/ColumnFormats.h"
+#include "library/import/ColumnEvidence.h"
 #include "library/sniff/DialectFinder.h"
 #include "library/sniff/EncodingFinder.h"
 #include "library/sniff/SampleRecords.h"
@@ -24,7 +24,9 @@ struct SniffFindings {
   const TableShape* shape = nullptr;
   const SampleTable* table = nullptr;
   const SampleText* text = nullptr;
-  DecimalAnswer decimal;
+  // A value that shows the decimal character, and how many show the other one.
+  Witness decimalWitness;
+  std::int64_t decimalAgainst = 0;
   // Lines of remarks, from 1.
   std::vector<std::int64_t> comments;
   // Records that were looked at behind the head, and how many of them have the modal width.

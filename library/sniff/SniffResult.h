@@ -79,6 +79,8 @@ struct SniffResult {
   LineBreaksInQuotes lineBreaksInQuotes;
   // A qualifier stands inside unqualified fields, where it is an ordinary character.
   bool strayQualifiers = false;
+  // Blanks stand behind most delimiters and belong to no value: "1, Anna, Rome".
+  bool leadingBlanks = false;
 
   // Where the data is. Lines are physical, from 1.
   // Lines above the header (above the data when there is none): titles, notes, blank lines.

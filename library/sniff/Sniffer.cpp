@@ -6,8 +6,11 @@
 
 #include <fmt/format.h>
 
-#include "library/sniff/BinaryFile.h"
-#include "library/sniff/ColumnFormats.h"
+#include "library/import/ColumnEvidence.h"
+#include "library/import/FileKind.h"
+#include "library/import/TypeChoice.h"
+#include "library/outputs/FormatName.h"
+#include "library/report/ImportWatch.h"
 #include "library/sniff/ColumnNames.h"
 #include "library/sniff/CommentLines.h"
 #include "library/sniff/DialectFinder.h"
@@ -27,6 +30,8 @@ constexpr std::size_t kMostHeadCells = 120000;
 constexpr std::size_t kMostTailRows = 120;
 // Of every other region so many records are cut, to see whether they are like the head's.
 constexpr std::size_t kRowsARegion = 40;
+// Records that are looked at for blanks behind delimiters.
+constexpr std::size_t kRowsForBlanks = 200;
 
 class Sniffing {
  public:
@@ -43,10 +48,13 @@ class Sniffing {
   void AddRecords(const SampleRecords& records, std::size_t region, std::size_t begin,
                   std::size_t end, std::size_t mostCells);
   void CheckOtherRegions();
+  bool HasLeadingBlanks() const;
   void PlaceData();
   void PlaceEnd();
   void ListOtherLines();
   void MakeColumns();
+  TypeSettings TypeSettingsOf() const;
+  std::vector<ColumnEvidence> EvidenceOf(std::size_t width) const;
 
   std::size_t RowsOfData() const { return shape_.endData - shape_.firstData; }
   std::int64_t LineOf(const SampleRow& row) const {
@@ -60,7 +68,7 @@ class Sniffing {
 
   SampleBytes bytes_;
   SampleText text_;
-  ValueKinds kinds_;
+  CellKinds kinds_;
   EncodingAnswer encoding_;
   DialectAnswer dialect_;
   std::string_view comment_;
@@ -79,15 +87,23 @@ bool Sniffing::ReadText() {
   result_.fileSize = bytes_.sourceSize();
   result_.readWhole = bytes_.whole();
   const std::string_view head = bytes_.head();
-  if (const std::string name = NameOfBinary(head); !name.empty()) {
-    problem_ = fmt::format("this is {}, not a text file", name);
+  if (const FileKind kind = FileKindOf(head.substr(0, kFileHeadBytes)); kind.what != nullptr) {
+    problem_ = fmt::format("it is {}, not a text file; {}", kind.what, kind.wayOut);
     return false;
   }
   encoding_ = FindEncoding(bytes_);
   const bool wide =
       encoding_.converter.starts_with("UTF-16") || encoding_.converter.starts_with("UTF-32");
-  if (IsControlHeavy(head, !wide) && !wide) {
-    problem_ = "this is no text file: too many of its bytes are control characters";
+  std::string text(head.substr(0, kFileHeadBytes));
+  const std::size_t size = text.size();
+  // Zero bytes in what is text otherwise are dropped when it is read.
+  if (const std::size_t left = size - static_cast<std::size_t>(std::erase(text, '\0'));
+      2 * left < size) {
+    text = head.substr(0, kFileHeadBytes);
+  }
+  if (const std::size_t controls = ControlsBeyondText(text); controls > 0 && !wide) {
+    problem_ = fmt::format("it is no text file: {} of its first {} bytes are control characters",
+                           controls, size);
     return false;
   }
   if (settings_.encoding) {
@@ -188,6 +204,28 @@ void Sniffing::CheckOtherRegions() {
   }
 }
 
+// Whether most fields that follow a delimiter and are not empty begin with a blank.
+bool Sniffing::HasLeadingBlanks() const {
+  const std::string& delimiter = dialect_.dialect.delimiter;
+  if (dialect_.dialect.fixed() || delimiter.empty() || delimiter.find(' ') != std::string::npos) {
+    return false;
+  }
+  std::size_t filled = 0;
+  std::size_t blank = 0;
+  for (std::size_t i = 0; i < std::min(records_.records.size(), kRowsForBlanks); ++i) {
+    const std::string_view record = records_.records[i].text;
+    // Qualified fields lose their blanks when they are cut: the record itself is looked at.
+    for (std::size_t at = record.find(delimiter); at != std::string_view::npos;
+         at = record.find(delimiter, at + 1)) {
+      const std::size_t next = at + delimiter.size();
+      if (next >= record.size() || record.compare(next, delimiter.size(), delimiter) == 0) continue;
+      ++filled;
+      blank += record[next] == ' ' ? 1 : 0;
+    }
+  }
+  return filled > 0 && 10 * blank > 9 * filled;
+}
+
 void Sniffing::PlaceData() {
   const auto& rows = table_->rows();
   const auto lineOf = [&](std::size_t row) {
@@ -254,23 +292,46 @@ void Sniffing::MakeColumns() {
   const std::size_t width = WidthOf(*table_, shape_, dialect, reachesEnd_);
   const std::vector<std::string> labels = HeaderLabels(*table_, shape_, width);
   const std::vector<std::string> names = NamesOf(labels);
-  const DecimalAnswer decimal = FindDecimal(*table_, shape_.firstData, shape_.endData);
-  result_.decimal.value = settings_.decimal.value_or(decimal.decimal);
+  const TypeChoice types = ChooseTypes(EvidenceOf(width), TypeSettingsOf());
+  result_.decimal.value = types.decimal;
   result_.decimal.given = settings_.decimal.has_value();
-  findings_.decimal = decimal;
   for (std::size_t j = 0; j < width; ++j) {
-    std::vector<const SampleCell*> values;
-    for (std::size_t i = shape_.firstData; i < shape_.endData; ++i) {
-      if (KindOfRow(*table_, i, shape_) == RowKind::kData)
-        values.push_back(&table_->Cell(table_->rows()[i], j));
-    }
+    const ChosenFormat& format = types.columns[j].format;
     SniffColumn column;
     column.name = names[j];
     column.label = labels[j];
-    column.format = FormatOf(values, result_.decimal.value);
+    column.format = FormatName({static_cast<int>(format.code), static_cast<int>(format.width),
+                                static_cast<int>(format.decimals)});
     if (dialect.fixed()) column.range = dialect.columns[j];
     result_.columns.push_back(std::move(column));
   }
+  findings_.decimalWitness = types.decimalWitness;
+  findings_.decimalAgainst = types.decimalAgainst;
+}
+
+TypeSettings Sniffing::TypeSettingsOf() const {
+  TypeSettings settings;
+  settings.decimal = settings_.decimal.value_or(DecimalCharacter::kPoint);
+  settings.decimalGiven = settings_.decimal.has_value();
+  for (const CharacterRange& column : dialect_.dialect.columns) {
+    const std::int64_t width = column.to == 0 ? 0 : column.to - column.from + 1;
+    settings.columnWidths.push_back(static_cast<std::uint32_t>(width));
+  }
+  return settings;
+}
+
+// What the rows of data that were cut say about each column.
+std::vector<ColumnEvidence> Sniffing::EvidenceOf(std::size_t width) const {
+  std::vector<ColumnEvidence> columns(width);
+  const NullTexts nulls(DefaultNullTexts());
+  for (std::size_t i = shape_.firstData; i < shape_.endData; ++i) {
+    if (KindOfRow(*table_, i, shape_) != RowKind::kData) continue;
+    const SampleRow& row = table_->rows()[i];
+    for (std::size_t j = 0; j < width; ++j) {
+      columns[j].Count(table_->Cell(row, j).text, LineOf(row), nulls);
+    }
+  }
+  return columns;
 }
 
 bool Sniffing::Run() {
@@ -293,7 +354,8 @@ bool Sniffing::Run() {
   if (records_.lineBreaks > 0) {
     result_.lineBreaksInQuotes.firstLine = static_cast<std::int64_t>(records_.firstLineBreak) + 1;
   }
-  result_.strayQualifiers = records_.quotes.stray > 0;
+  result_.leadingBlanks = HasLeadingBlanks();
+  result_.strayQualifiers = records_.strays > 0;
   result_.comment = std::string(findings_.comments.empty() ? std::string_view() : comment_);
   shape_ = FindShape(*table_, reachesEnd_, settings_);
   PlaceData();

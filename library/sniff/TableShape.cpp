@@ -24,6 +24,8 @@ constexpr std::size_t kUniformRows = 50;
 constexpr std::size_t kFewestUniformRows = 3;
 // Where a row of texts differs from those below it by so much, it is likely a header.
 constexpr double kLikelyContrast = 2.0;
+// So much where columns of numbers say nothing about the row.
+constexpr double kSomeContrast = 0.5;
 // Totals and titles that may stand between header and data.
 constexpr std::size_t kMostTotals = 12;
 
@@ -41,6 +43,7 @@ class ShapeFinder {
   std::optional<std::size_t> FirstStrongRow() const;
   void FindByNumbers(std::size_t strong);
   void FindByTexts();
+  bool IsTitle(std::size_t row, std::size_t header) const;
   void TakeHeaderAbove(std::size_t bottom);
   bool IsUniform(std::size_t row) const;
   void SkipTotals();
@@ -70,8 +73,16 @@ bool ShapeFinder::IsFollowed(std::size_t row) const {
   for (std::size_t i = row + 1; i < size_ && seen < kRowsBehind; ++i) {
     if (!WideEnough(i)) continue;
     ++seen;
-    // Names of columns among the next rows: what stands above them is no data.
-    if (seen < kRowsBehind && Facts(i).contradict > 0 && Facts(i).agree == 0) return false;
+    // Names of columns among the next rows: what stands above them is no data, unless it is the
+    // header once more.
+    if (seen < kRowsBehind && Facts(i).contradict > 0 && Facts(i).agree == 0) {
+      const bool again = std::any_of(
+          facts_.rows().begin(), facts_.rows().begin() + static_cast<std::ptrdiff_t>(row),
+          [&](const RowFacts& above) { return above.hash == Facts(i).hash && !above.blank(); });
+      if (!again) return false;
+      --seen;
+      continue;
+    }
     data += facts_.IsData(i) ? 1 : 0;
   }
   return 2 * data >= seen;
@@ -82,6 +93,14 @@ std::optional<std::size_t> ShapeFinder::FirstStrongRow() const {
     if (facts_.IsData(i) && WideEnough(i) && IsFollowed(i)) return i;
   }
   return std::nullopt;
+}
+
+// A blank row below the header, or one that is no more than a title. Where the header is the first
+// row and two columns are all there is, a lone text is a value beside a missing one.
+bool ShapeFinder::IsTitle(std::size_t row, std::size_t header) const {
+  const RowFacts& facts = Facts(row);
+  if (facts.blank()) return true;
+  return facts.lone() && facts_.typical() > 1 && (facts_.typical() > 2 || header > 0);
 }
 
 // `bottom` is the header's last row: takes in the rows above that belong to it. Titles, which are
@@ -117,7 +136,9 @@ void ShapeFinder::FindByNumbers(std::size_t strong) {
     // Names of columns that hold no numbers.
     for (std::size_t i = strong; i-- > 0;) {
       if (Facts(i).filled < 2 && Facts(i).firstFilled == 0) continue;
-      bottom = i;
+      // It may as well be a row of data without numbers.
+      if (HeaderContrast(table_, i) > kSomeContrast) bottom = i;
+      strong = bottom ? strong : i;
       break;
     }
   }
@@ -130,7 +151,7 @@ void ShapeFinder::FindByNumbers(std::size_t strong) {
     return;
   }
   for (std::size_t i = *bottom + 1; i < strong; ++i) {
-    if (Facts(i).filled < 2) continue;
+    if (IsTitle(i, *bottom)) continue;
     shape_.firstData = i;
     break;
   }
@@ -177,7 +198,7 @@ void ShapeFinder::FindByTexts() {
   if (contrast > 0) {
     TakeHeaderAbove(row);
     shape_.firstData = row + 1;
-    while (shape_.firstData < size_ && !WideEnough(shape_.firstData)) ++shape_.firstData;
+    while (shape_.firstData < size_ && IsTitle(shape_.firstData, row)) ++shape_.firstData;
   }
   shape_.headerEvidence = contrast > 0 ? "the first row differs from those below it"
                                        : "the first row is like those below it";
@@ -266,6 +287,7 @@ TableShape ShapeFinder::Find() {
   } else if (strong && facts_.numericColumns() > 0) {
     FindByNumbers(*strong);
     SkipTotals();
+    if (shape_.totals > 0) shape_.headerVerdict = std::min(shape_.headerVerdict, Verdict::kLikely);
   } else {
     FindByTexts();
   }

@@ -22,7 +22,7 @@ constexpr std::size_t kFewestParts = 2;
 
 std::optional<double> NumberOf(const SampleCell& cell) {
   double value = 0;
-  if (cell.kind != ValueKind::kNumber && cell.kind != ValueKind::kAmount) return std::nullopt;
+  if (cell.kind != CellKind::kNumber && cell.kind != CellKind::kAmount) return std::nullopt;
   if (IocvConvertInput(cell.text.data(), cell.text.size(), textwizard::kFormatComma, 0, &value)) {
     return std::nullopt;
   }
@@ -37,6 +37,9 @@ std::string Lower(std::string_view text) {
   return lower;
 }
 
+// The longest text that names a total.
+constexpr std::size_t kLongestName = 60;
+
 bool IsLetter(char byte) { return byte >= 'a' && byte <= 'z'; }
 
 // `word` stands in `text` (lower case) and is not a part of another word.
@@ -50,34 +53,32 @@ bool HasWord(std::string_view text, std::string_view word) {
   return false;
 }
 
+// The row's first text, in lower case; empty where its first value is none.
+std::string FirstText(const SampleTable& table, const SampleRow& row) {
+  const SampleCell* const cells = table.Cells(row);
+  std::size_t first = 0;
+  while (first < row.count && cells[first].empty()) ++first;
+  if (first == row.count || cells[first].kind != CellKind::kText) return {};
+  return Lower(cells[first].text);
+}
+
 }  // namespace
 
 bool IsCalledTotal(const SampleTable& table, std::size_t row) {
-  const SampleRow& one = table.rows()[row];
-  const SampleCell* const cells = table.Cells(one);
-  for (std::size_t i = 0; i < std::min<std::size_t>(one.count, 3); ++i) {
-    if (cells[i].kind != ValueKind::kText || LooksNumeric(cells[i])) continue;
-    const std::string text = Lower(cells[i].text);
-    if (text.starts_with("total") || text.starts_with("grand total") || text.ends_with(" total") ||
-        text.starts_with("sum of ") || HasWord(text, "totals") || HasWord(text, "subtotal")) {
-      return true;
-    }
-  }
-  return false;
+  const std::string text = FirstText(table, table.rows()[row]);
+  if (text.size() > kLongestName) return false;
+  return text.starts_with("total") || text.starts_with("grand total") || text.ends_with(" total") ||
+         text.ends_with(" totals") || HasWord(text, "subtotal") || HasWord(text, "totals");
 }
 
 namespace {
 
-// "All industries": a row that says it is everything, and holds no less than any row below it.
-bool IsAllAbove(const SampleTable& table, const TableFacts& facts, std::size_t row) {
-  const SampleRow& one = table.rows()[row];
-  std::size_t first = 0;
-  while (first < one.count && table.Cells(one)[first].empty()) ++first;
-  if (first == one.count || !Lower(table.Cells(one)[first].text).starts_with("all ")) return false;
+// The row holds no less than any row below it, in at least half of its columns of numbers.
+bool IsLargest(const SampleTable& table, const TableFacts& facts, std::size_t row) {
   std::size_t columns = 0;
   std::size_t largest = 0;
   for (std::size_t j = 0; j < facts.columns() && columns < kMostColumns; ++j) {
-    const std::optional<double> value = NumberOf(table.Cell(one, j));
+    const std::optional<double> value = NumberOf(table.Cell(table.rows()[row], j));
     if (!facts.IsNumeric(j) || !value) continue;
     ++columns;
     bool most = true;
@@ -93,7 +94,9 @@ bool IsAllAbove(const SampleTable& table, const TableFacts& facts, std::size_t r
 }  // namespace
 
 bool IsTotalAbove(const SampleTable& table, const TableFacts& facts, std::size_t row) {
-  if (IsCalledTotal(table, row) || IsAllAbove(table, facts, row)) return true;
+  const bool called =
+      IsCalledTotal(table, row) || FirstText(table, table.rows()[row]).starts_with("all ");
+  if (called && IsLargest(table, facts, row)) return true;
   std::vector<std::size_t> columns;
   std::vector<double> totals;
   for (std::size_t j = 0; j < facts.columns() && columns.size() < kMostColumns; ++j) {

@@ -1,5 +1,5 @@
-// What one value is, as far as understanding a file needs it: the component's classifier and the
-// host's own value input say so.
+// What one value is, as far as understanding a file needs it: the component's classifier says so,
+// and where it knows no layout, the conversion that reads the cases.
 #pragma once
 
 #include <cstddef>
@@ -8,10 +8,11 @@
 
 #include "detection/RegExMappings.h"
 #include "detection/ValueClassifier.h"
+#include "library/import/NullTexts.h"
 
 namespace library {
 
-enum class ValueKind : std::uint8_t {
+enum class CellKind : std::uint8_t {
   kEmpty,        // nothing, or blanks
   kMissing,      // a text that means a missing value
   kNumber,       // digits, perhaps with a point or an exponent
@@ -21,31 +22,29 @@ enum class ValueKind : std::uint8_t {
   kTime,
   kText,
 };
-inline constexpr std::size_t kValueKinds = 8;
+inline constexpr std::size_t kCellKinds = 8;
 
-constexpr bool IsTyped(ValueKind kind) {
-  return kind >= ValueKind::kNumber && kind <= ValueKind::kTime;
+constexpr bool IsTyped(CellKind kind) {
+  return kind >= CellKind::kNumber && kind <= CellKind::kTime;
 }
 
-// The texts that mean a missing value.
-bool IsMissingText(std::string_view text);
-
 // One thread; construction takes some milliseconds.
-class ValueKinds {
+class CellKinds {
  public:
-  ValueKinds();
+  CellKinds();
 
   // Blanks around the value do not count.
-  ValueKind Of(std::string_view value);
+  CellKind Of(std::string_view value);
 
   textwizard::ValueClassifier& classifier() { return classifier_; }
 
  private:
-  ValueKind OfNumeric(std::string_view value);
-  bool IsHostDate(std::string_view value) const;
+  CellKind OfNumeric(std::string_view value);
+  static CellKind OfOthers(std::string_view value);
 
   textwizard::RegExMappings table_;
   textwizard::ValueClassifier classifier_;
+  const NullTexts nulls_;
 };
 
 }  // namespace library

@@ -1,0 +1,149 @@
+// Which dialect describes a text best.
+
+#include "library/sniff/DialectFinder.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "HostFramework/embedded/text/HostText.h"
+
+namespace library {
+namespace {
+
+class DialectFinderTest : public testing::Test {
+ protected:
+  DialectFinderTest() { embedded::SetCodePage(nullptr); }
+
+  DialectAnswer Find(std::string_view text, const SniffSettings& settings = {}) {
+    text_ = text;
+    std::vector<std::string_view> lines;
+    for (std::string_view rest = text_; !rest.empty();) {
+      const std::size_t end = std::min(rest.find('\n'), rest.size());
+      lines.push_back(rest.substr(0, end));
+      rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return FindDialect(lines, settings, kinds_);
+  }
+  Dialect Dialected(std::string_view text) { return Find(text).dialect; }
+
+ private:
+  std::string text_;
+  CellKinds kinds_;
+};
+
+TEST_F(DialectFinderTest, EveryUsualDelimiterIsFound) {
+  for (const std::string delimiter : {",", ";", "\t", "|", "^", "~", "\x1F"}) {
+    std::string text = "id" + delimiter + "day" + delimiter + "town\n";
+    for (int i = 1; i < 9; ++i) {
+      text += std::to_string(17 * i) + delimiter + "2020-01-0" + std::to_string(i) + delimiter +
+              "Town number " + std::string(static_cast<std::size_t>(i), 'x') + "\n";
+    }
+    EXPECT_EQ(Dialected(text).delimiter, delimiter);
+  }
+}
+
+TEST_F(DialectFinderTest, ADecimalCommaDoesNotCut) {
+  EXPECT_EQ(Dialected("a;b;c\n1,5;2;x\n2,75;3;y\n3,25;4;z\n14,5;7;u\n").delimiter, ";");
+}
+
+TEST_F(DialectFinderTest, ProseIsOneColumn) {
+  EXPECT_EQ(Dialected("It was the best of times, it was the worst of times,\n"
+                      "it was the age of wisdom, it was the age of foolishness, it was\n"
+                      "the epoch of belief; it was the epoch of incredulity.\n"
+                      "There were a king with a large jaw and a queen with a plain face,\n"
+                      "on the throne of England.\n")
+                .delimiter,
+            "");
+}
+
+TEST_F(DialectFinderTest, TimesDatesAddressesAndPathsAreNotCutUp) {
+  EXPECT_EQ(Dialected("at\n12:30\n13:45\n09:15\n23:59\n").delimiter, "");
+  EXPECT_EQ(
+      Dialected("https://example.org/a\nhttps://example.org/b\nhttp://example.com/c\n").delimiter,
+      "");
+  EXPECT_EQ(Dialected("C:\\data\\a.txt\nC:\\data\\b.txt\nD:\\more\\c.txt\n").delimiter, "");
+  EXPECT_EQ(Dialected("10:30,Anna\n11:45,Bob\n12:15,Carol\n").delimiter, ",");
+  EXPECT_EQ(Dialected("anna@example.org;1\nbob@example.org;2\ncarol@example.com;3\n").delimiter,
+            ";");
+}
+
+TEST_F(DialectFinderTest, QuotesThatEncloseFieldsQualify) {
+  const DialectAnswer answer =
+      Find("name,note\nAnna,\"red, green\"\nBob,\"a \"\"big\"\" one\"\nCarol,none\n");
+  EXPECT_EQ(answer.dialect.delimiter, ",");
+  EXPECT_EQ(answer.dialect.qualifier, "\"");
+  EXPECT_EQ(answer.dialect.escape, Escape::kDouble);
+  EXPECT_EQ(answer.score.modalRecords, 4U);
+}
+
+TEST_F(DialectFinderTest, ApostrophesQualifyWhereTheyEncloseFields) {
+  EXPECT_EQ(Dialected("'a','b, c'\n'd','e, f'\n'g','h, i'\n").qualifier, "'");
+  EXPECT_EQ(Dialected("name,says\nAnna,it's\nBob,don't\nLi,'tis\n").qualifier, "");
+}
+
+TEST_F(DialectFinderTest, ABackslashEscapesWhereItStandsBeforeQualifiersThatDoNotClose) {
+  EXPECT_EQ(Dialected("\"a \\\"b\\\", c\",1\n\"d\",2\n\"e \\\"f\\\"\",3\n").escape,
+            Escape::kBackslash);
+  EXPECT_EQ(Dialected("\"C:\\\",1\n\"D:\\\",2\n\"E:\\\",3\n").escape, Escape::kNone);
+}
+
+TEST_F(DialectFinderTest, BlanksCutWhereEveryLineHasAsMany) {
+  const Dialect single = Dialected("1140 11 82\n1140 120 321\n1231 11 211\n1241 7 17\n9 1 2\n");
+  EXPECT_EQ(single.delimiter, " ");
+  const Dialect runs =
+      Dialected("C   0.000    1.250\nH    10.5   -0.363\nO  1.0  2.0\nH  -3.25      7.125\n");
+  EXPECT_EQ(runs.delimiter, " ");
+  EXPECT_TRUE(runs.multipleBlanks);
+}
+
+TEST_F(DialectFinderTest, ColumnsOfTextsWithBlanksAreFixed) {
+  const Dialect dialect = Dialected(
+      "Anna Maria   Sankt Gallen   1200\n"
+      "Bob          New York         35\n"
+      "Carol Anne   Rome              7\n"
+      "Li           San Francisco  4500\n");
+  EXPECT_TRUE(dialect.fixed());
+  EXPECT_EQ(dialect.columns.size(), 3U);
+}
+
+TEST_F(DialectFinderTest, ADelimiterMayHaveTwoCharacters) {
+  EXPECT_EQ(Dialected("id||name||n\n1||Anna||5\n2||Bob||6\n3||Li||7\n").delimiter, "||");
+}
+
+TEST_F(DialectFinderTest, EmptyFieldsDoNotMakeADelimiterOfTwoCharacters) {
+  EXPECT_EQ(Dialected("a;b;c\n1;;x\n2;;y\n3;4;z\n5;;u\n").delimiter, ";");
+}
+
+TEST_F(DialectFinderTest, RemarksDoNotCount) {
+  EXPECT_EQ(Dialected("# written by hand, on a day, in May, for you\n# twice, or more\n"
+                      "a;b\n1;2\n3;4\n")
+                .delimiter,
+            ";");
+}
+
+TEST_F(DialectFinderTest, WhatIsGivenIsNotLookedFor) {
+  SniffSettings settings;
+  settings.delimiter = ";";
+  settings.qualifier = "";
+  const Dialect dialect = Find("a,b;\"c\n1,2;\"3\n", settings).dialect;
+  EXPECT_EQ(dialect.delimiter, ";");
+  EXPECT_EQ(dialect.qualifier, "");
+}
+
+TEST_F(DialectFinderTest, TheRunnerUpCutsOtherwise) {
+  const DialectAnswer answer = Find("a,b;c\n1,2;3\n4,5;6\n7,8;9\n");
+  ASSERT_TRUE(answer.runnerUp.has_value());
+  EXPECT_NE(answer.runnerUp->delimiter, answer.dialect.delimiter);
+  EXPECT_GE(answer.runnerUpScore.bits, answer.score.bits);
+}
+
+TEST_F(DialectFinderTest, AnEmptyTextIsOneColumn) {
+  EXPECT_EQ(Dialected("").delimiter, "");
+  EXPECT_EQ(Dialected("\n\n\n").delimiter, "");
+}
+
+}  // namespace
+}  // namespace library
