@@ -27,10 +27,16 @@ class CommandOutputs {
   void Begin(const QANT_DataSource& source);
   // Who takes the cases; after Begin.
   const std::vector<library::CaseSink*>& sinks() const { return sinks_; }
+  // The files of cases that have a place for problems; after Open.
+  std::vector<library::CasesFile*> problemTables() const;
+  // All cases were taken. What columns could not hold, which is also noted in the files that have a
+  // place for it. Throws as Begin does.
+  std::vector<library::Misfit> End();
   // A file of cases that can no longer be written; null while all is well.
   const library::OutputFile* failed() const;
-  // Writes the dictionary and gives all files their names, those of the report too, once all are
-  // complete. The file that failed; null when none did.
+  // After End. Writes the dictionary, also into the files of cases that have a place for it, and
+  // gives all files their names, those of the report too, once all are complete. The file that
+  // failed; null when none did. Throws as Begin does.
   const library::OutputFile* Publish(const QANT_DataSource& source, const std::string& dataFile,
                                      long long cases, const CommandReport& report);
   // The same of these files.

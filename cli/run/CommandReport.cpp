@@ -26,13 +26,14 @@ std::vector<std::string> HostTexts(const std::vector<std::string>& utf8) {
   return texts;
 }
 
-library::WatchSettings SettingsOf(const ReportOptions& options, bool evidence) {
+library::WatchSettings SettingsOf(const ReportOptions& options,
+                                  const CommandReport::Wanted& wanted) {
   // Without a reader for them, and without a second pass to be compared, the first problem of each
   // kind is all that is shown.
-  const bool told = !options.problems.empty() || options.verify;
+  const bool told = !options.problems.empty() || options.verify || wanted.problems;
   return {.problemLimit = told ? options.problemLimit : 0,
           .rejects = !options.rejects.empty(),
-          .evidence = evidence || options.explain,
+          .evidence = wanted.evidence || options.explain,
           .trail = options.verify,
           .keepStrayQualifiers = options.keepStrayQualifiers,
           .nullTexts = HostTexts(options.nullTexts)};
@@ -46,8 +47,8 @@ std::string Joined(const std::vector<std::string>& parts) {
 
 }  // namespace
 
-CommandReport::CommandReport(const ReportOptions& options, int number, bool evidence)
-    : options_(options), number_(number), watch_(SettingsOf(options, evidence)) {}
+CommandReport::CommandReport(const ReportOptions& options, int number, const Wanted& wanted)
+    : options_(options), number_(number), watch_(SettingsOf(options, wanted)) {}
 
 bool CommandReport::Open(std::string* error) {
   return Open(options_.problems, &problemsFile_, error) &&
@@ -61,7 +62,8 @@ bool CommandReport::Open(const std::string& name, std::unique_ptr<OutputFile>* f
   return *file != nullptr;
 }
 
-bool CommandReport::Begin(const QANT_DataSource& source, bool sampled, std::string* error) {
+bool CommandReport::Begin(const QANT_DataSource& source, bool sampled,
+                          const std::vector<library::CasesFile*>& tables, std::string* error) {
   source_ = &source;
   variables_ = library::ReportVariablesOf(source);
   library::ImportWatch::Outputs outputs;
@@ -69,13 +71,19 @@ bool CommandReport::Begin(const QANT_DataSource& source, bool sampled, std::stri
     problems_ = std::make_unique<library::ProblemWriter>(*ProblemFormatOf(options_), variables_,
                                                          options_.problemLimit, *problemsFile_);
     problems_->WriteHeader();
-    outputs.problems = problems_.get();
+    outputs.problems.push_back(problems_.get());
   }
   if (rejectsFile_ != nullptr) {
     data_ = library::FileSource::Open(source.GetFileSpec(), error);
     if (data_ == nullptr) return false;
     rejects_ = std::make_unique<library::RejectsFile>(*data_, *rejectsFile_);
     outputs.rejects = rejects_.get();
+  }
+  for (library::CasesFile* table : tables) {
+    tables_.push_back(std::make_unique<library::ProblemRowSink>(
+        variables_, options_.problemLimit,
+        [table](const library::ProblemRow& row) { table->AddProblem(row); }));
+    outputs.problems.push_back(tables_.back().get());
   }
   Prepare(outputs, {.batches = true, .sampled = sampled});
   return true;
@@ -86,6 +94,12 @@ void CommandReport::Prepare(const library::ImportWatch::Outputs& outputs,
   watch_.UseNone();
   if (options_.digest || options_.verify) watch_.Use(digest_.emplace(*source_));
   watch_.Prepare(*source_, outputs, mode);
+}
+
+void CommandReport::Add(std::vector<library::Misfit> misfits) {
+  misfits_ = std::move(misfits);
+  if (problems_ == nullptr) return;
+  for (const library::Misfit& misfit : misfits_) problems_->WriteRow(library::RowOf(misfit));
 }
 
 void CommandReport::End() {
@@ -112,8 +126,9 @@ library::PassAccount CommandReport::TakeAccount() {
 }
 
 std::string CommandReport::Forbidden() const {
+  if (!options_.strict) return {};
   const std::int64_t total = account_.problems.total();
-  if (!options_.strict || total == 0) return {};
+  if (total == 0) return misfits_.empty() ? std::string() : "--strict: " + misfits_.front().detail;
   std::int64_t line = 0;
   for (const library::ProblemLog::Entry& entry : account_.problems.Entries()) {
     if (line == 0 || entry.firstLine < line) line = entry.firstLine;
@@ -142,6 +157,7 @@ std::string CommandReport::Text(std::size_t terminalWidth) const {
   for (const std::string& warning : library::WarningsOf(account_, variables_, evidenceOf)) {
     text += "warning: " + warning + "\n";
   }
+  for (const library::Misfit& misfit : misfits_) text += "warning: " + misfit.detail + "\n";
   return text + account_.ledger.Line() + "\n";
 }
 

@@ -9,11 +9,14 @@
 
 #include "HostFramework/DataSource.h"
 #include "cli/run/ReportOptions.h"
+#include "library/outputs/CasesFile.h"
 #include "library/outputs/DictionaryJson.h"
+#include "library/outputs/Misfits.h"
 #include "library/outputs/OutputFile.h"
 #include "library/report/Digest.h"
 #include "library/report/ImportWatch.h"
 #include "library/report/PassAccount.h"
+#include "library/report/ProblemRows.h"
 #include "library/report/RejectsFile.h"
 
 namespace cli {
@@ -22,17 +25,25 @@ namespace cli {
 // the pass, End; where it is to be verified BeginSecond, the second pass, EndSecond.
 class CommandReport {
  public:
-  // Of command `number`. `evidence`: somebody is to see or read what detection saw.
-  CommandReport(const ReportOptions& options, int number, bool evidence);
+  // What is wanted besides what the options ask for.
+  struct Wanted {
+    bool evidence = false;  // somebody is to see or read what detection saw
+    bool problems = false;  // every problem is told, for a table of them
+  };
+  // Of command `number`.
+  CommandReport(const ReportOptions& options, int number, const Wanted& wanted);
 
   // Opens the files. False when one cannot be written; then *error says so.
   bool Open(std::string* error);
   library::ImportWatch& watch() { return watch_; }
 
   // The cases of `source`, which outlives this object's use, are about to be read. `sampled`: the
-  // command keeps a share of them. False when the data cannot be read for the rejects; then *error
-  // says so.
-  bool Begin(const QANT_DataSource& source, bool sampled, std::string* error);
+  // command keeps a share of them. `tables` get the problems, too. False when the data cannot be
+  // read for the rejects; then *error says so.
+  bool Begin(const QANT_DataSource& source, bool sampled,
+             const std::vector<library::CasesFile*>& tables, std::string* error);
+  // What columns could not hold; before End.
+  void Add(std::vector<library::Misfit> misfits);
   // The pass has ended, and its iterator is gone.
   void End();
   // The same cases are about to be read once more, on the host's thread alone where `oneThread`.
@@ -78,6 +89,8 @@ class CommandReport {
   std::unique_ptr<library::FileSource> data_;
   std::unique_ptr<library::ProblemWriter> problems_;
   std::unique_ptr<library::RejectsFile> rejects_;
+  std::vector<std::unique_ptr<library::ProblemRowSink>> tables_;
+  std::vector<library::Misfit> misfits_;
   std::optional<library::DigestSink> digest_;  // of the pass that is read
   library::PassAccount account_;
 };

@@ -25,6 +25,12 @@ struct RunOptions {
   std::vector<std::string> outputs;           // of cases, too; the format by each ending
   library::ArrowBody arrowBody = library::ArrowBody::kPlain;
   library::ValueStyle values = library::ValueStyle::kDisplay;
+  // Of the columns. Labels (UTF-8) and whole numbers are of the variables in the dictionary's
+  // order; `integers`: also every number whose format has no decimals.
+  bool integers = false;
+  std::vector<bool> integerVariables = {};
+  std::vector<std::string> labels = {};
+  bool namesAsVariables = false;
 
   ReportOptions report;
 

@@ -83,6 +83,10 @@ void AddRun(CLI::App& program, int* status) {
       ->type_name("display|raw")
       ->check(CLI::IsMember({"display", "raw"}).description(""))
       ->group("Outputs");
+  run->add_flag(
+         "--integers", options->integers,
+         "Columns of numbers without decimals are whole numbers in Arrow, Parquet and SQLite")
+      ->group("Outputs");
   run->add_option("--dictionary", options->dictionary, "Write the dictionary as JSON")
       ->type_name("FILE|-")
       ->group("Outputs");

@@ -54,13 +54,24 @@ class Reader : public library::CaseReceiver {
 // of the first one divides.
 constexpr std::size_t kOtherBlockBytes = 65521;
 
+// The report is for the person who watches, and for the files that have a place for it.
+CommandReport::Wanted WantedOf(const RunOptions& options, bool shows) {
+  CommandReport::Wanted wanted{.evidence = shows || !options.dictionary.empty()};
+  for (const CasesTarget& target : CasesTargets(options)) {
+    if (!target.format) continue;
+    wanted.evidence = wanted.evidence || library::HoldsMetadata(*target.format);
+    wanted.problems = wanted.problems || library::HoldsProblems(*target.format);
+  }
+  return wanted;
+}
+
 class SingleCommand {
  public:
   SingleCommand(const RunContext& context, int number)
       : context_(context),
         options_(context.options),
         outputs_(options_, number),
-        report_(options_.report, number, shows() || !options_.dictionary.empty()),
+        report_(options_.report, number, WantedOf(options_, shows())),
         import_({options_.workers, options_.seed, &report_.watch()}, context.messages) {}
 
   CommandEnd Run(const embedded::ParsedCommand& command);
@@ -152,7 +163,8 @@ CommandEnd SingleCommand::ReadSource() {
   const std::size_t width = TerminalWidth(STDOUT_FILENO);
   if (shows()) context_.console.Print(VariableTable(source, width) + "\n");
   std::string error;
-  if (!report_.Begin(source, import_.isSampled(), &error)) return Fail("--rejects: " + error);
+  if (!report_.Begin(source, import_.isSampled(), outputs_.problemTables(), &error))
+    return Fail("--rejects: " + error);
   if (const std::string text = report_.Explained(); !text.empty()) {
     context_.console.Print(shows() ? text + "\n" : text);
   }
@@ -184,6 +196,7 @@ CommandEnd SingleCommand::ReadCases(FirstCases& firstCases) {
   context_.messages.EndCommand();
   if (read == ImportEnd::kDone) AdviseOnCases(edges);
   writeSeconds_ = report_.watch().sinkSeconds();
+  if (read == ImportEnd::kDone) report_.Add(outputs_.End());
   report_.End();
   for (const library::OutputFile* failed : {outputs_.failed(), report_.failed()}) {
     if (failed != nullptr) return OutputFailure(*failed);

@@ -50,7 +50,7 @@ std::string ColumnName(const CasesFileOptions& options, std::size_t index, std::
 class TextCasesFile final : public CasesFile {
  public:
   TextCasesFile(std::unique_ptr<OutputFile> output, CaseFormat format)
-      : CasesFile(std::move(output)), format_(format) {}
+      : CasesFile(std::move(output), format) {}
 
   CaseSink& Begin(const QANT_DataSource& source, const CasesFileOptions& options) override {
     std::vector<CaseColumn> columns = ColumnsOf(source, options.values);
@@ -64,14 +64,13 @@ class TextCasesFile final : public CasesFile {
 
  private:
   std::unique_ptr<CaseWriter> MakeWriter(std::vector<CaseColumn> columns) const {
-    if (format_ == CaseFormat::kJsonLines) {
+    if (format() == CaseFormat::kJsonLines) {
       return std::make_unique<JsonLinesWriter>(std::move(columns));
     }
-    return std::make_unique<DelimitedWriter>(format_ == CaseFormat::kTsv ? '\t' : ',',
+    return std::make_unique<DelimitedWriter>(format() == CaseFormat::kTsv ? '\t' : ',',
                                              std::move(columns));
   }
 
-  const CaseFormat format_;
   std::unique_ptr<TextSink> sink_;
 };
 
@@ -79,36 +78,46 @@ class TextCasesFile final : public CasesFile {
 class ColumnCasesFile final : public CasesFile {
  public:
   ColumnCasesFile(std::unique_ptr<OutputFile> output, CaseFormat format)
-      : CasesFile(std::move(output)), format_(format) {}
+      : CasesFile(std::move(output), format) {}
 
   CaseSink& Begin(const QANT_DataSource& source, const CasesFileOptions& options) override {
-    std::vector<ColumnField> fields = FieldsOf(source, options);
-    MakeWriter(fields, options);
-    sink_ = std::make_unique<ColumnSink>(
-        std::move(fields), CellsOf(source),
-        [this](ColumnBatch batch) { writer_->Write(std::move(batch)); });
+    fields_ = FieldsOf(source, options);
+    Writing([&] { MakeWriter(fields_, options); });
+    sink_ = std::make_unique<ColumnSink>(fields_, CellsOf(source), [this](ColumnBatch batch) {
+      Writing([&] { writer_->Write(std::move(batch)); });
+    });
     return *sink_;
   }
-  bool HoldsProblems() const override { return database_ != nullptr; }
-  void AddProblem(const CasesProblem& problem) override {
+  void AddProblem(const ProblemRow& problem) override {
     if (database_ == nullptr) return;
-    database_->AddProblem({problem.kind, problem.caseNumber, problem.line, problem.byte,
-                           problem.variable, problem.format, problem.text, problem.detail});
+    Writing([&] { database_->AddProblem(problem); });
   }
   void Finish(const std::vector<std::pair<std::string, std::string>>& metadata) override {
-    writer_->Finish(metadata);
+    Writing([&] { writer_->Finish(metadata); });
   }
-  const ColumnMisfits* misfits() const override { return sink_ ? &sink_->misfits() : nullptr; }
+  std::vector<Misfit> Misfits() const override {
+    return sink_ == nullptr ? std::vector<Misfit>() : MisfitsOf(fields_, sink_->misfits());
+  }
 
  private:
+  // Once the file cannot be written, nothing is.
+  template <typename Work>
+  void Writing(Work work) {
+    if (!file().ok()) return;
+    try {
+      work();
+    } catch (const SqliteDiskError& failure) {
+      file().SetFailed(failure.what());
+    }
+  }
   void MakeWriter(const std::vector<ColumnField>& fields, const CasesFileOptions& options) {
-    if (format_ == CaseFormat::kSqlite) {
+    if (format() == CaseFormat::kSqlite) {
       const SqliteTimes times =
           options.values == ValueStyle::kRaw ? SqliteTimes::kNumbers : SqliteTimes::kText;
       auto database = std::make_unique<SqliteWriter>(file().path(), fields, times);
       database_ = database.get();
       writer_ = std::move(database);
-    } else if (format_ == CaseFormat::kParquet) {
+    } else if (format() == CaseFormat::kParquet) {
       writer_ = std::make_unique<ParquetWriter>(fields, kCreator, ThreadsOf(options), file());
     } else {
       writer_ = std::make_unique<ArrowFileWriter>(
@@ -118,7 +127,7 @@ class ColumnCasesFile final : public CasesFile {
     }
   }
 
-  const CaseFormat format_;
+  std::vector<ColumnField> fields_;
   SqliteWriter* database_ = nullptr;
   std::unique_ptr<ColumnWriter> writer_;
   std::unique_ptr<ColumnSink> sink_;
@@ -139,6 +148,13 @@ std::optional<CaseFormat> CaseFormatOfFile(std::string_view file) {
     return static_cast<char>(std::tolower(character));
   });
   return ending.empty() ? std::nullopt : CaseFormatNamed(std::string_view(ending).substr(1));
+}
+
+bool HoldsProblems(CaseFormat format) { return format == CaseFormat::kSqlite; }
+
+bool HoldsMetadata(CaseFormat format) {
+  return format == CaseFormat::kArrow || format == CaseFormat::kParquet ||
+         format == CaseFormat::kSqlite;
 }
 
 std::string CaseFormatNames() {
@@ -171,6 +187,14 @@ std::vector<ColumnField> FieldsOf(const QANT_DataSource& source, const CasesFile
     fields.push_back(std::move(field));
   }
   return fields;
+}
+
+std::vector<bool> WholeNumberFormats(const QANT_DataSource& source) {
+  std::vector<bool> whole(source.GetNVariables());
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    whole[i] = source.GetVariable(i)->GetFormat().decimals == 0;
+  }
+  return whole;
 }
 
 std::unique_ptr<CasesFile> CasesFile::Open(const std::string& target, CaseFormat format,

@@ -15,7 +15,9 @@
 #include "library/columns/ColumnField.h"
 #include "library/outputs/CaseSink.h"
 #include "library/outputs/CaseWriter.h"
+#include "library/outputs/Misfits.h"
 #include "library/outputs/OutputFile.h"
+#include "library/outputs/ProblemRow.h"
 
 namespace library {
 
@@ -25,6 +27,9 @@ enum class CaseFormat : std::uint8_t { kCsv, kTsv, kJsonLines, kArrow, kParquet,
 std::optional<CaseFormat> CaseFormatNamed(std::string_view name);
 // The format that a file's ending names; nothing when it names none.
 std::optional<CaseFormat> CaseFormatOfFile(std::string_view file);
+// Whether a file of the format has a place for problems, or for keys and texts beside the cases.
+bool HoldsProblems(CaseFormat format);
+bool HoldsMetadata(CaseFormat format);
 // The names of all formats, as a sentence has them.
 std::string CaseFormatNames();
 
@@ -44,17 +49,8 @@ struct CasesFileOptions {
   std::vector<bool> integers = {};
 };
 
-// A problem for formats that have a place for it.
-struct CasesProblem {
-  std::string kind;
-  std::int64_t caseNumber;  // 0: none
-  std::int64_t line;        // 0: none
-  std::int64_t byte;        // -1: none
-  std::string variable;
-  std::string format;
-  std::string text;
-  std::string detail;
-};
+// The variables of a source whose formats say that they are whole numbers: without decimals.
+std::vector<bool> WholeNumberFormats(const QANT_DataSource& source);
 
 // The columns of a source as files of columns have them, and as a consumer of columns gets them.
 std::vector<ColumnField> FieldsOf(const QANT_DataSource& source, const CasesFileOptions& options);
@@ -71,25 +67,28 @@ class CasesFile {
   // The sink of the source's cases; belongs to this object. Once. Throws std::runtime_error with a
   // sentence for what the format cannot hold.
   virtual CaseSink& Begin(const QANT_DataSource& source, const CasesFileOptions& options) = 0;
-  // Whether AddProblem has a place for it.
-  virtual bool HoldsProblems() const { return false; }
-  // Between the last case and Finish.
-  virtual void AddProblem(const CasesProblem& /*problem*/) {}
+  CaseFormat format() const { return format_; }
+  // Between Begin and Finish, where the format holds problems; else it does nothing. Throws as
+  // above.
+  virtual void AddProblem(const ProblemRow& /*problem*/) {}
   // Ends the file with keys and texts (UTF-8) that go with the table, where the format has a place
   // for them. Throws as above.
   virtual void Finish(const std::vector<std::pair<std::string, std::string>>& metadata) = 0;
-  // What columns could not hold; null for formats that hold every value.
-  virtual const ColumnMisfits* misfits() const { return nullptr; }
+  // What its columns could not hold, once all cases were taken; empty for formats that hold every
+  // value.
+  virtual std::vector<Misfit> Misfits() const { return {}; }
 
   // The file itself: whether it could be written, and its publishing.
   OutputFile& file() { return *file_; }
   const OutputFile& file() const { return *file_; }
 
  protected:
-  explicit CasesFile(std::unique_ptr<OutputFile> file) : file_(std::move(file)) {}
+  CasesFile(std::unique_ptr<OutputFile> file, CaseFormat format)
+      : file_(std::move(file)), format_(format) {}
 
  private:
   const std::unique_ptr<OutputFile> file_;
+  const CaseFormat format_;
 };
 
 }  // namespace library

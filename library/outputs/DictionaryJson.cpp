@@ -4,16 +4,19 @@
 
 #include "library/outputs/FormatName.h"
 #include "library/outputs/JsonText.h"
+#include "library/outputs/TextBlock.h"
 #include "library/outputs/Utf8Converter.h"
 
 namespace library {
 
 void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile, long long cases,
-                     OutputFile& file, const DictionaryReport* report) {
+                     ByteSink& sink, const DictionaryReport* report) {
   Utf8Converter utf8;
-  file.Append("{\"file\":");
-  AppendJsonString(file, utf8.ToUtf8(dataFile));
-  file.Append(",\"cases\":" + std::to_string(cases) + ",\"variables\":[");
+  TextBlock head;
+  head.Append("{\"file\":");
+  AppendJsonString(head, utf8.ToUtf8(dataFile));
+  sink.Append(head.view());
+  sink.Append(",\"cases\":" + std::to_string(cases) + ",\"variables\":[");
   for (std::size_t index = 0; index < source.GetNVariables(); ++index) {
     const QANT_Variable& variable = *source.GetVariable(index);
     const QANT_Format& format = variable.GetFormat();
@@ -27,18 +30,17 @@ void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile,
         {"write_format", library::FormatName(variable.GetWriteFormat())},
         {"bytes", variable.GetType()},
         {"display_width", variable.GetDisplayWidth()}};
-    if (index > 0) file.Append(',');
-    std::string text = entry.dump();
+    std::string text = (index > 0 ? "," : "") + entry.dump();
     if (const std::string evidence = report == nullptr ? "" : report->evidence(index);
         !evidence.empty()) {
       text.pop_back();
       text += ",\"evidence\":" + evidence + "}";
     }
-    file.Append(text);
+    sink.Append(text);
   }
-  file.Append("]");
-  if (report != nullptr) file.Append(",\"ledger\":" + report->ledger);
-  file.Append("}\n");
+  sink.Append("]");
+  if (report != nullptr) sink.Append(",\"ledger\":" + report->ledger);
+  sink.Append("}\n");
 }
 
 }  // namespace library

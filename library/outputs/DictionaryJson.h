@@ -6,7 +6,7 @@
 #include <string>
 
 #include "HostFramework/DataSource.h"
-#include "library/outputs/OutputFile.h"
+#include "library/outputs/ByteSink.h"
 
 namespace library {
 
@@ -21,6 +21,6 @@ struct DictionaryReport {
 // which need not be the path that the source reads: standard input is copied. `cases` is the number
 // of cases read. `report` may be null. Holds one variable at a time, however many there are.
 void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile, long long cases,
-                     OutputFile& file, const DictionaryReport* report = nullptr);
+                     ByteSink& sink, const DictionaryReport* report = nullptr);
 
 }  // namespace library

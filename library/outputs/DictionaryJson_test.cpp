@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "HostFramework/embedded/text/HostText.h"
+#include "library/outputs/OutputFile.h"
 #include "library/testing/TestFolder.h"
 #include "library/testing/TestSource.h"
 

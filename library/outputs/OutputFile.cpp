@@ -148,6 +148,10 @@ bool OutputFile::Publish() {
   return ok();
 }
 
+void OutputFile::SetFailed(std::string_view why) {
+  if (ok()) error_ = "cannot write " + target_ + ": " + std::string(why);
+}
+
 void OutputFile::Fail(int code) {
   error_ = CannotWrite(target_, code);
   interrupted_ = code == EINTR;

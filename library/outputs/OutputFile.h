@@ -50,6 +50,9 @@ class OutputFile final : public ByteSink {
   // target is written as it stands.
   const std::string& path() const { return temporary_; }
 
+  // Who writes the file by its name could not write on: `why` is what the system said.
+  void SetFailed(std::string_view why);
+
   // Writes the rest, waits until the disk has it and closes; false when anything failed. Nothing is
   // written afterwards.
   bool Finish();

@@ -67,11 +67,24 @@ void ImportWatch::OnProblem(const ImportProblem& problem) {
   held.text = problem.text;
 }
 
+template <typename Work>
+void ImportWatch::Guarded(Work work) {
+  if (failed()) return;
+  try {
+    work();
+  } catch (...) {
+    failure_ = std::current_exception();
+  }
+}
+
 void ImportWatch::TakeProblem(const ImportProblem& problem) {
   account_.problems.Add(problem);
   const bool traced = static_cast<std::int64_t>(account_.trail.size()) < settings_.problemLimit;
   if (settings_.trail && traced) account_.trail.push_back(MarkOf(problem));
-  if (outputs_.problems != nullptr) outputs_.problems->Write(problem);
+  if (outputs_.problems.empty()) return;
+  Guarded([&] {
+    for (ProblemSink* sink : outputs_.problems) sink->Write(problem);
+  });
 }
 
 void ImportWatch::OnProblemCase(const ImportCaseSpan& span) {
@@ -155,14 +168,8 @@ void ImportWatch::HandOnGathered() {
 
 template <typename Work>
 void ImportWatch::WithSinks(Work work) {
-  if (failed()) return;
   const auto start = std::chrono::steady_clock::now();
-  // An observer throws nothing.
-  try {
-    work();
-  } catch (...) {
-    failure_ = std::current_exception();
-  }
+  Guarded(work);
   sinkSeconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 

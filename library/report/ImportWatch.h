@@ -14,7 +14,7 @@
 #include "HostFramework/ImportObserver.h"
 #include "library/outputs/CaseSink.h"
 #include "library/report/PassAccount.h"
-#include "library/report/ProblemWriter.h"
+#include "library/report/ProblemSink.h"
 #include "library/report/RejectsFile.h"
 
 namespace library {
@@ -46,9 +46,9 @@ class ImportWatch final : public ImportObserver {
   // From now on nobody gets cases.
   void UseNone() { sinks_.clear(); }
 
-  // Where a pass writes, each may be null; they outlive the pass.
+  // Where a pass writes; they outlive the pass. Null: no rejects.
   struct Outputs {
-    ProblemWriter* problems = nullptr;
+    std::vector<ProblemSink*> problems = {};
     RejectsFile* rejects = nullptr;
   };
   // How a pass is read.
@@ -128,6 +128,9 @@ class ImportWatch final : public ImportObserver {
   };
 
   void TakeProblem(const ImportProblem& problem);
+  // What a sink throws is kept: an observer throws nothing.
+  template <typename Work>
+  void Guarded(Work work);
   void TakeCaseSpan(const ImportCaseSpan& span);
   void Gather(const OBS* obs);
   void HandOnGathered();
@@ -135,7 +138,7 @@ class ImportWatch final : public ImportObserver {
   using Parts = std::vector<std::unique_ptr<CasePart>>;
   Parts MakeParts(const OBS* cases, std::size_t count, std::int64_t firstCase) const;
   void TakeParts(Parts parts);
-  // Does it, and keeps what it throws and the time that it takes.
+  // The same, with the time that it takes.
   template <typename Work>
   void WithSinks(Work work);
 

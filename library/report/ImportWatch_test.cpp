@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/text/HostText.h"
+#include "library/report/ProblemWriter.h"
 #include "library/report/testing/ReportTesting.h"
 
 namespace library {
@@ -97,7 +98,7 @@ TEST_F(ImportWatchTest, WritesProblemsAndRejectsAsTheyAreTold) {
   MemorySource data(kData, true);
   ProblemWriter writer(ProblemFormat::kCsv, variables_, 10, rows);
   RejectsFile rejects(data, rejected);
-  watch.Prepare(source_, {&writer, &rejects}, {});
+  watch.Prepare(source_, {{&writer}, &rejects}, {});
   EXPECT_EQ(watch.ProblemLimit(), 10);
   Begin(watch);
   TellProblem(watch);
@@ -152,7 +153,7 @@ TEST_F(SampledWatchTest, NumbersKeptCases) {
   MemorySource data(kData, true);
   ProblemWriter writer(ProblemFormat::kCsv, variables_, 10, rows);
   RejectsFile rejects(data, rejected);
-  watch.Prepare(source_, {&writer, &rejects}, {.sampled = true});
+  watch.Prepare(source_, {{&writer}, &rejects}, {.sampled = true});
   Sample(watch, {1});
   writer.Flush();
   rejects.Finish();

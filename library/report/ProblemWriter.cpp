@@ -3,8 +3,6 @@
 #include <array>
 #include <charconv>
 
-#include "library/report/ProblemKind.h"
-
 namespace library {
 namespace {
 
@@ -32,20 +30,23 @@ bool Has(std::string_view text, const CharacterSet& set) {
 
 ProblemWriter::ProblemWriter(ProblemFormat format, const ReportVariables& variables,
                              std::int64_t limit, ByteSink& sink)
-    : format_(format), variables_(variables), left_(limit), sink_(sink), detail_(variables) {}
+    : format_(format), left_(limit), sink_(sink), made_(variables) {}
 
 void ProblemWriter::WriteHeader() {
   if (format_ == ProblemFormat::kCsv) rows_ += kHeader;
 }
 
 void ProblemWriter::Write(const ImportProblem& problem) {
+  if (left_ > 0) WriteRow(made_.Of(problem));
+}
+
+void ProblemWriter::WriteRow(const ProblemRow& row) {
   if (left_ <= 0) return;
   --left_;
-  const ReportVariable* variable = VariableAt(variables_, problem.variable);
   if (format_ == ProblemFormat::kCsv) {
-    AppendCsv(problem, variable);
+    AppendCsv(row);
   } else {
-    AppendJson(problem, variable);
+    AppendJson(row);
   }
   if (rows_.size() >= kBufferBytes) Flush();
 }
@@ -55,49 +56,49 @@ void ProblemWriter::Flush() {
   rows_.clear();
 }
 
-void ProblemWriter::AppendCsv(const ImportProblem& problem, const ReportVariable* variable) {
-  rows_ += NameOf(problem.kind);
+void ProblemWriter::AppendCsv(const ProblemRow& row) {
+  rows_ += row.kind;
   rows_ += ',';
-  if (problem.caseNumber > 0) AppendNumber(problem.caseNumber);
+  if (row.caseNumber > 0) AppendNumber(row.caseNumber);
   rows_ += ',';
-  AppendNumber(problem.line);
+  if (row.line > 0) AppendNumber(row.line);
   rows_ += ',';
-  AppendNumber(problem.byte);
+  if (row.byte >= 0) AppendNumber(row.byte);
   rows_ += ',';
-  if (variable != nullptr) AppendCsvField(variable->name);
+  AppendCsvField(row.variable);
   rows_ += ',';
-  if (variable != nullptr) AppendCsvField(variable->format);
+  AppendCsvField(row.format);
   rows_ += ',';
-  AppendCsvField(text_.Escaped(problem.text));
+  AppendCsvField(row.text);
   rows_ += ',';
-  AppendCsvField(detail_.Of(problem));
+  AppendCsvField(row.detail);
   rows_ += '\n';
 }
 
-void ProblemWriter::AppendJson(const ImportProblem& problem, const ReportVariable* variable) {
+void ProblemWriter::AppendJson(const ProblemRow& row) {
   rows_ += "{\"kind\":\"";
-  rows_ += NameOf(problem.kind);
+  rows_ += row.kind;
   rows_ += '"';
-  if (problem.caseNumber > 0) {
-    rows_ += ",\"case\":";
-    AppendNumber(problem.caseNumber);
-  }
-  rows_ += ",\"line\":";
-  AppendNumber(problem.line);
-  rows_ += ",\"byte\":";
-  AppendNumber(problem.byte);
-  if (variable == nullptr) {
+  const auto appendNumber = [this](const char* key, std::int64_t number, bool present) {
+    if (!present) return;
+    rows_ += key;
+    AppendNumber(number);
+  };
+  appendNumber(",\"case\":", row.caseNumber, row.caseNumber > 0);
+  appendNumber(",\"line\":", row.line, row.line > 0);
+  appendNumber(",\"byte\":", row.byte, row.byte >= 0);
+  if (row.variable.empty()) {
     rows_ += ",\"variable\":null,\"format\":null";
   } else {
     rows_ += ",\"variable\":";
-    AppendJsonText(variable->name);
+    AppendJsonText(row.variable);
     rows_ += ",\"format\":";
-    AppendJsonText(variable->format);
+    AppendJsonText(row.format);
   }
   rows_ += ",\"text\":";
-  AppendJsonText(text_.Escaped(problem.text));
+  AppendJsonText(row.text);
   rows_ += ",\"detail\":";
-  AppendJsonText(detail_.Of(problem));
+  AppendJsonText(row.detail);
   rows_ += "}\n";
 }
 

@@ -7,8 +7,9 @@
 
 #include "HostFramework/ImportObserver.h"
 #include "library/outputs/ByteSink.h"
-#include "library/report/ProblemDetail.h"
-#include "library/report/ReportText.h"
+#include "library/outputs/ProblemRow.h"
+#include "library/report/ProblemRows.h"
+#include "library/report/ProblemSink.h"
 #include "library/report/ReportVariable.h"
 
 namespace library {
@@ -19,30 +20,29 @@ enum class ProblemFormat { kCsv, kJsonLines };
 // of which no case came has no case (JSON: no such key), one of a record no variable and no format
 // (JSON: null). Allocates nothing per row in the steady state. One thread; the variables outlive
 // it.
-class ProblemWriter {
+class ProblemWriter : public ProblemSink {
  public:
   // At most `limit` rows, the first ones.
   ProblemWriter(ProblemFormat format, const ReportVariables& variables, std::int64_t limit,
                 ByteSink& sink);
   // What stands before the rows: the header of CSV.
   void WriteHeader();
-  void Write(const ImportProblem& problem);
+  void Write(const ImportProblem& problem) override;
+  void WriteRow(const ProblemRow& row);
   // Hands what is buffered to the sink.
   void Flush();
 
  private:
-  void AppendCsv(const ImportProblem& problem, const ReportVariable* variable);
-  void AppendJson(const ImportProblem& problem, const ReportVariable* variable);
+  void AppendCsv(const ProblemRow& row);
+  void AppendJson(const ProblemRow& row);
   void AppendNumber(std::int64_t number);
   void AppendCsvField(std::string_view text);
   void AppendJsonText(std::string_view text);
 
   const ProblemFormat format_;
-  const ReportVariables& variables_;
   std::int64_t left_;
   ByteSink& sink_;
-  ReportText text_;
-  ProblemDetail detail_;
+  ProblemRows made_;
   std::string rows_;
 };
 

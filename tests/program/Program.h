@@ -74,9 +74,9 @@ class ProgramTest : public testing::Test {
   }
 
   // Runs the program from a shell; `line` is what stands behind its name, redirections too.
-  Ended Shell(const std::string& line) const {
-    const std::string command = "cd '" + folder_.path().string() +
-                                "' && '" TEXTWIZARD_BINARY_DIR "/bin/textwizard' >'" +
+  Ended Shell(const std::string& line, const std::string& before = "") const {
+    const std::string command = "cd '" + folder_.path().string() + "' && " + before +
+                                "'" TEXTWIZARD_BINARY_DIR "/bin/textwizard' >'" +
                                 (streams_ / "out") + "' 2>'" + (streams_ / "err") + "' " + line;
     const int status = StatusOf(std::system(command.c_str()));
     return {status, streams_.Text("out"), streams_.Text("err")};

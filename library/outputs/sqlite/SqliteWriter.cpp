@@ -119,6 +119,15 @@ SqliteWriter::SqliteWriter(const std::string& path, std::vector<ColumnField> fie
 SqliteWriter::~SqliteWriter() = default;
 
 void SqliteWriter::Fail() const {
+  switch (sqlite3_errcode(database_.get()) & 0xFF) {
+    case SQLITE_FULL:
+    case SQLITE_IOERR:
+    case SQLITE_CANTOPEN:
+    case SQLITE_READONLY:
+      throw SqliteDiskError(sqlite3_errmsg(database_.get()));
+    default:
+      break;
+  }
   throw std::runtime_error(
       fmt::format("SQLite: {}", database_ ? sqlite3_errmsg(database_.get()) : "no memory"));
 }
@@ -215,7 +224,7 @@ void SqliteWriter::Write(ColumnBatch batch) {
   }
 }
 
-void SqliteWriter::AddProblem(const SqliteProblem& problem) {
+void SqliteWriter::AddProblem(const ProblemRow& problem) {
   sqlite3_stmt* const statement = insertProblem_.get();
   const auto bindNumber = [statement](int place, std::int64_t number, bool present) {
     if (present) {

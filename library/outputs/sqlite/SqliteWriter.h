@@ -3,10 +3,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "library/outputs/ColumnWriter.h"
+#include "library/outputs/ProblemRow.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -17,16 +19,10 @@ namespace library {
 // behind them.
 enum class SqliteTimes : std::uint8_t { kText, kNumbers };
 
-// A row of the table of problems.
-struct SqliteProblem {
-  std::string kind;
-  std::int64_t caseNumber;  // 0: none
-  std::int64_t line;        // 0: none
-  std::int64_t byte;        // -1: none
-  std::string variable;
-  std::string format;
-  std::string text;
-  std::string detail;
+// The system would not take what was written: a full disk, for one.
+class SqliteDiskError : public std::runtime_error {
+ public:
+  using runtime_error::runtime_error;
 };
 
 // Writes one database in one transaction: the STRICT table `cases`, a table `variables` of names,
@@ -36,12 +32,13 @@ struct SqliteProblem {
 class SqliteWriter : public ColumnWriter {
  public:
   // Makes the database `path`, which does not exist or is an empty file. Throws std::runtime_error
-  // with a sentence when it cannot, or when it cannot hold the columns.
+  // with a sentence when it cannot, or when it cannot hold the columns; as the other operations,
+  // SqliteDiskError where the system is why.
   SqliteWriter(const std::string& path, std::vector<ColumnField> fields, SqliteTimes times);
   ~SqliteWriter() override;
 
   void Write(ColumnBatch batch) override;
-  void AddProblem(const SqliteProblem& problem);
+  void AddProblem(const ProblemRow& problem);
   void Finish(const std::vector<std::pair<std::string, std::string>>& metadata) override;
 
  private:
