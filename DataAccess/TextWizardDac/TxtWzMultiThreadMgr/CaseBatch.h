@@ -10,6 +10,7 @@
 #include "HostFramework/DataSource.h"
 #include "HostFramework/ImportObserver.h"
 #include "TxtWzMultiThreadMgr/UndecodableNotes.h"
+#include "detection/DetectionEvidence.h"
 #include "model/TxtWzVar.h"
 #include "watch/WatchedBatch.h"
 
@@ -91,8 +92,11 @@ class CaseBatch {
 
   // --- Both
   const std::vector<BatchNote>& notes() const { return fNotes; }
-  // Detection: the counters of each AUTO variable.
+  // Detection: the counters of each AUTO variable and, for a host that watches, the evidence; for
+  // that also the lines of runs in the batch: those before it are to be added to every line.
   std::vector<TxtWzVar> counters;
+  std::vector<DetectionEvidence> evidence;
+  std::int64_t runLines = 0;
   // For a host that watches, else null: what is to be told of the cases, and what it has made of
   // them.
   std::unique_ptr<WatchedBatch> watched;

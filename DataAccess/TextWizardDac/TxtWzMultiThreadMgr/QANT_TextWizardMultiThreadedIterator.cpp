@@ -34,9 +34,9 @@ void QANT_TextWizardMultiThreadedIterator::SetDacAdapter(DACAdapterBase* adapter
   fManager->SetDacAdapter(adapter);
 }
 
-std::int64_t QANT_TextWizardMultiThreadedIterator::PerformAutoDetection(TxtWzVar* const* variables,
-                                                                        std::size_t count) {
-  return fManager->PerformAutoDetection(variables, count);
+std::int64_t QANT_TextWizardMultiThreadedIterator::PerformAutoDetection(
+    TxtWzVar* const* variables, std::size_t count, DetectionEvidence* evidence) {
+  return fManager->PerformAutoDetection(variables, count, evidence);
 }
 
 }  // namespace textwizard

@@ -15,6 +15,7 @@ namespace textwizard {
 class QANT_TextWizardMultiThreadedManager;
 class ImportSource;
 class TxtWzVar;
+class DetectionEvidence;
 
 class QANT_TextWizardMultiThreadedIterator : public QANT_InputCaseIterator {
  public:
@@ -31,11 +32,13 @@ class QANT_TextWizardMultiThreadedIterator : public QANT_InputCaseIterator {
 
   // Where progress and interruption of a detection pass go.
   void SetDacAdapter(DACAdapterBase* adapter);
+  // `evidence`: one for each of the variables, null when nobody wants them.
   // Counts every AUTO variable of `variables` (the plan's slots, one per variable) over the whole
   // file, or as far as the user let it. Returns the number of records examined, one more after an
   // interruption; throws the integer 2269 when the pass could not be completed. Detection mode,
   // once.
-  std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count);
+  std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count,
+                                    DetectionEvidence* evidence = nullptr);
 
  private:
   // Outlives the manager: the workers read numbers by the character until they have ended.

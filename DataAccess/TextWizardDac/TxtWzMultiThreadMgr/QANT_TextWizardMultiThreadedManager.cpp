@@ -189,7 +189,7 @@ const OBS* QANT_TextWizardMultiThreadedManager::GetNextObsArray() {
 bool QANT_TextWizardMultiThreadedManager::TakeBatch() {
   TextDataIteratorThread* const worker = WaitForBatch();
   if (fTeller) {
-    fTeller->EndBatch();
+    fTeller->EndBatch(fTaken.runLines);
     BeginTelling();
   }
   if (!worker) return false;
@@ -254,10 +254,12 @@ void QANT_TextWizardMultiThreadedManager::TakeNotes() {
   }
 }
 
-std::int64_t QANT_TextWizardMultiThreadedManager::PerformAutoDetection(TxtWzVar* const* variables,
-                                                                       std::size_t count) {
+std::int64_t QANT_TextWizardMultiThreadedManager::PerformAutoDetection(
+    TxtWzVar* const* variables, std::size_t count, DetectionEvidence* evidence) {
   fAutoVariables = variables;
+  fAutoEvidence = evidence;
   fPlan.Detect(variables, count);
+  fPlan.evidence = fPlan.keepsPlaces = evidence != nullptr;
   Start();
   while (MoreCases()) {
     if (!GetAutoNext()) {
@@ -273,10 +275,15 @@ std::int64_t QANT_TextWizardMultiThreadedManager::PerformAutoDetection(TxtWzVar*
 
 bool QANT_TextWizardMultiThreadedManager::GetAutoNext() {
   std::int64_t lastThousands = 0;
+  // Of the runs in all batches before.
+  std::int64_t lines = 0;
   while (TakeBatch()) {
     for (std::size_t i = 0; i < fTaken.counters.size(); ++i) {
-      DetectionCounters::Merge(fTaken.counters[i], *fAutoVariables[fPlan.autoVariables[i]]);
+      const std::uint32_t variable = fPlan.autoVariables[i];
+      DetectionCounters::Merge(fTaken.counters[i], *fAutoVariables[variable]);
+      if (fAutoEvidence) fAutoEvidence[variable].Merge(fTaken.evidence[i], lines);
     }
+    lines += fTaken.runLines;
     fTaken.TakeAll();
     TakeNotes();
     fCaseNumber += fTaken.recordCount();

@@ -56,7 +56,8 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   // Adds up the counters of every AUTO variable among `variables`. Returns the number of records
   // examined, one more after an interruption; throws the integer 2269 when the pass could not be
   // completed. Detection mode, once.
-  std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count);
+  std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count,
+                                    DetectionEvidence* evidence);
   // Gives messages, progress and interruption a way to the host when the iterator has no monitor.
   void SetDacAdapter(DACAdapterBase* adapter);
 
@@ -162,6 +163,7 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   std::int64_t fTargetCase = 0;
   bool fEndOfData = false;
   TxtWzVar* const* fAutoVariables = nullptr;
+  DetectionEvidence* fAutoEvidence = nullptr;
   std::unique_ptr<QantErrorMonitor> fOwnedErrorMonitor;
   UndecodableWarnings fUndecodableWarnings;
 };

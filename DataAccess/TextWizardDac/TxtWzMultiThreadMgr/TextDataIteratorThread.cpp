@@ -126,6 +126,7 @@ void TextDataIteratorThread::ConvertBatch() {
 
 void TextDataIteratorThread::PrepareBatch() {
   fTextMarked = false;
+  if (fPlan.keepsPlaces) fPlaces.Start(fRecords.places(), fRecords.text());
   if (!fPlan.detection) {
     fCases.MakeRoom(fRecords.recordCount(), fPlan.caseBytes / sizeof(OBS));
     if (fWatch) PrepareWatch();
@@ -137,6 +138,9 @@ void TextDataIteratorThread::PrepareBatch() {
   }
   fCases.counters.resize(fPlan.autoVariables.size());
   for (TxtWzVar& variable : fCases.counters) variable.ClearAllValues();
+  if (!fPlan.evidence) return;
+  fCases.evidence.resize(fPlan.autoVariables.size());
+  for (DetectionEvidence& evidence : fCases.evidence) evidence.Clear();
 }
 
 void TextDataIteratorThread::PrepareWatch() {
@@ -145,7 +149,6 @@ void TextDataIteratorThread::PrepareWatch() {
   }
   fCases.watched->Clear(!fPlan.teller->limitReached());
   fWatch->StartBatch(*fCases.watched, true);
-  fPlaces.Start(fRecords.places(), fRecords.text());
 }
 
 void TextDataIteratorThread::ConvertRecords() {
@@ -156,17 +159,17 @@ void TextDataIteratorThread::ConvertRecords() {
       static_cast<std::uint32_t>(std::min<std::int64_t>(fRecords.recordCount(), allowed));
   for (; fConvertIndex < count; ++fConvertIndex) {
     const std::string_view raw = StartRecord(byteText);
+    if (fPlan.keepsPlaces) fWatched.place = fPlaces.Next(raw);
     if (fPlan.detection) {
-      DetectRecord();
+      fPlan.evidence ? DetectRecord<true>() : DetectRecord<false>();
     } else if (!fWatch) {
       ConvertRecord<false>();
     } else {
-      fWatched.place = fPlaces.Next(raw);
       ConvertRecord<true>();
       EndWatched(raw);
     }
   }
-  if (fWatch) fCases.watched->runLines = fPlaces.runLines();
+  if (fPlan.keepsPlaces) fCases.runLines = fPlaces.runLines();
 }
 
 void TextDataIteratorThread::EndWatched(std::string_view raw) {
@@ -254,20 +257,41 @@ inline void TextDataIteratorThread::SetColumnValue(std::string_view text, const 
   std::memset(cells + task.cellWidth, ' ', task.cellBytes - task.cellWidth);
 }
 
+template <bool kWatched>
 void TextDataIteratorThread::DetectRecord() {
   fAutoSeen = 0;
+  [[maybe_unused]] bool used = false;
   for (const FieldTask *task = fPlan.fields.data(), *end = task + fPlan.fields.size();
        task != end;) {
     const std::size_t cut = GetNextVars(static_cast<std::size_t>(end - task));
     for (std::size_t i = 0; i < cut; ++i, ++task) {
-      if (task->use == FieldUse::kDetect) AutoDetectVar(fFields[i]);
+      if (kWatched && !used && fFields[i].data() == nullptr) {
+        used = true;
+        if (task->use == FieldUse::kDetect) EndDetected();
+      }
+      if (task->use == FieldUse::kDetect) AutoDetectVar<kWatched>(fFields[i]);
     }
   }
+  if constexpr (kWatched) fSplitter.TakeQuotes();
 }
 
+// The record is used up before the next field.
+void TextDataIteratorThread::EndDetected() {
+  // Behind a delimiter that ends the record is one more field, an empty one.
+  if (fSplitter.EndsInDelimiter()) fCases.evidence[fAutoSeen].AddEmpty();
+}
+
+template <bool kWatched>
 inline void TextDataIteratorThread::AutoDetectVar(std::string_view field) {
-  TxtWzVar& variable = fCases.counters[fAutoSeen++];
-  if (!field.empty()) fCounters->Count(field, variable);
+  const std::size_t place = fAutoSeen++;
+  if (!field.empty()) {
+    const CountedAs as = fCounters->Count(field, fCases.counters[place]);
+    if constexpr (kWatched) {
+      fCases.evidence[place].Add(field, as, fWatched.place.line, *fCounters);
+    }
+  } else if (kWatched && field.data() != nullptr) {
+    fCases.evidence[place].AddEmpty();
+  }
 }
 
 void TextDataIteratorThread::NoteFlag(BatchNote::Kind kind, std::uint32_t variable) {

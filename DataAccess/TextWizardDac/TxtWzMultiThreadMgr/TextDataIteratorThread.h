@@ -96,6 +96,7 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   std::string_view StartRecord(bool byteText);
   template <bool kWatched>
   void ConvertRecord();
+  template <bool kWatched>
   void DetectRecord();
   // Cuts the record's next fields, at most `wanted`, into fFields; returns how many.
   std::size_t GetNextVars(std::size_t wanted) {
@@ -104,7 +105,9 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   template <bool kWatched>
   void ConvertVar(std::string_view field, const FieldTask& task);
   void SetColumnValue(std::string_view text, const FieldTask& task);
+  template <bool kWatched>
   void AutoDetectVar(std::string_view field);
+  void EndDetected();
   void NoteFlag(BatchNote::Kind kind, std::uint32_t variable);
   // Raises fCommand to at least `command`.
   void RaiseCommand(Command command);

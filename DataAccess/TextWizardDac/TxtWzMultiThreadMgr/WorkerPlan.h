@@ -54,6 +54,8 @@ struct WorkerPlan {
   std::vector<FieldTask> fields;
   StringRules stringRules;
   DetectionRules detectionRules;
+  // A host watches what detection sees.
+  bool evidence = false;
   // Positions of the AUTO variables in the list of variables.
   std::vector<std::uint32_t> autoVariables;
   std::size_t variableCount = 0;

@@ -35,7 +35,7 @@ bool Has(std::string_view field, char c) { return field.find(c) != std::string_v
 DetectionCounters::DetectionCounters(const RegExMappings& table, const DetectionRules& rules)
     : rules_(rules), table_(table), classifier_(table, rules.arrangement) {}
 
-void DetectionCounters::Count(std::string_view field, TxtWzVar& variable) {
+CountedAs DetectionCounters::Count(std::string_view field, TxtWzVar& variable) {
   // Most strings show by their first byte that they are nothing else.
   unsigned possible = classifier_.PossibleClasses(field);
   if ((possible & ValueClassifier::kNumber) != 0) {
@@ -48,16 +48,21 @@ void DetectionCounters::Count(std::string_view field, TxtWzVar& variable) {
           rules_.arrangement == kFixedColumns || field.size() > variable.width ||
           (point != std::string_view::npos && field.size() - point > Decimals(variable) + 1);
       if (widens) UpdateVarSizes(variable, field.size(), point, rules_.arrangement);
-      return;
+      return CountedAs::kPlainNumber;
     }
-    if (CountNumber(field, variable)) return;
+    if (CountNumber(field, variable)) return CountedAs::kNumber;
   }
   if (rules_.leadingSpaces) field = TrimLeft(field);
   if (rules_.multipleSpaces) field = TrimRight(field);
   possible = classifier_.PossibleClasses(field);
-  if ((possible & ValueClassifier::kDate) != 0 && CountDate(field, variable)) return;
-  if ((possible & ValueClassifier::kNumberForm) != 0 && CountNumberForm(field, variable)) return;
-  CountString(field, variable);
+  if ((possible & ValueClassifier::kDate) != 0 && CountDate(field, variable)) {
+    return CountedAs::kDate;
+  }
+  CountedAs as = CountedAs::kString;
+  if ((possible & ValueClassifier::kNumberForm) == 0 || !CountNumberForm(field, variable, &as)) {
+    CountString(field, variable);
+  }
+  return as;
 }
 
 bool DetectionCounters::CountNumber(std::string_view field, TxtWzVar& variable) {
@@ -81,12 +86,14 @@ bool DetectionCounters::CountDate(std::string_view field, TxtWzVar& variable) {
   if (rules_.pass == DetectionPass::kSampling && variable.dateKey != 0 &&
       classifier_.MatchesRow(field, variable.dateKey)) {
     ++variable.dateCount;
+    dateKey_ = variable.dateKey;
     return true;
   }
   if (field.size() < kShortestDate) return false;
   const int key = classifier_.IsDateTime(field);
   if (key == 0) return false;
   ++variable.dateCount;
+  dateKey_ = key;
   AdoptDateKey(key, field, variable);
   return true;
 }
@@ -140,18 +147,19 @@ bool DetectionCounters::KeepsMinutes(const TxtWzVar& variable) const {
   return rules_.pass == DetectionPass::kSampling && variable.dateKey >= kMTime5;
 }
 
-bool DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& variable) {
+bool DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& variable, CountedAs* as) {
   struct Form {
     char character;
     NumberForm form;
+    CountedAs as;
     std::uint64_t TxtWzVar::*count;
     std::string_view decimalCharacters;
   };
   static constexpr Form kForms[] = {
-      {'$', NumberForm::kDollar, &TxtWzVar::dollarCount, "."},
-      {'%', NumberForm::kPercentage, &TxtWzVar::percentCount, ".,"},
-      {',', NumberForm::kComma, &TxtWzVar::commaCount, "."},
-      {'.', NumberForm::kDot, &TxtWzVar::dotCount, ","},
+      {'$', NumberForm::kDollar, CountedAs::kDollar, &TxtWzVar::dollarCount, "."},
+      {'%', NumberForm::kPercentage, CountedAs::kPercent, &TxtWzVar::percentCount, ".,"},
+      {',', NumberForm::kComma, CountedAs::kComma, &TxtWzVar::commaCount, "."},
+      {'.', NumberForm::kDot, CountedAs::kDot, &TxtWzVar::dotCount, ","},
   };
   const NumberForms matching = classifier_.FormsOf(field);
   if (matching.none()) return false;
@@ -161,6 +169,7 @@ bool DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& variab
       continue;
     ++(variable.*form.count);
     UpdateVarSizes(variable, field, form.decimalCharacters, rules_.arrangement);
+    *as = form.as;
     return true;
   }
   return false;

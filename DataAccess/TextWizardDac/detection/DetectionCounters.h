@@ -38,6 +38,18 @@ struct DetectionRules {
   char decimalCharacter = '.';
 };
 
+// What a field was counted as. A plain number is one of digits and a point, perhaps with a sign.
+enum class CountedAs : std::uint8_t {
+  kPlainNumber,
+  kNumber,
+  kDate,
+  kDollar,
+  kPercent,
+  kComma,
+  kDot,
+  kString,
+};
+
 // Classifies fields by one pattern table. Same thread rules as the table, which outlives it.
 // Allocates nothing per field in the steady state.
 class DetectionCounters {
@@ -45,7 +57,11 @@ class DetectionCounters {
   DetectionCounters(const RegExMappings& table, const DetectionRules& rules);
 
   // Counts one non-empty field text (host text) into `variable`.
-  void Count(std::string_view field, TxtWzVar& variable);
+  CountedAs Count(std::string_view field, TxtWzVar& variable);
+  // Of the date counted last: the key of the row that it was counted by.
+  int dateKey() const { return dateKey_; }
+  // All forms that the text has, without regard to its class.
+  NumberForms FormsOf(std::string_view field) { return classifier_.FormsOf(field); }
   // Adds the counters of one batch to `into`: sums of the counts, maxima of the sizes, the smaller
   // non-zero pattern key, either's flags.
   static void Merge(const TxtWzVar& from, TxtWzVar& into);
@@ -55,7 +71,7 @@ class DetectionCounters {
   // Each counts the field when it is of its class; else leaves the variable alone.
   bool CountNumber(std::string_view field, TxtWzVar& variable);
   bool CountDate(std::string_view field, TxtWzVar& variable);
-  bool CountNumberForm(std::string_view field, TxtWzVar& variable);
+  bool CountNumberForm(std::string_view field, TxtWzVar& variable, CountedAs* as);
   void CountString(std::string_view field, TxtWzVar& variable) const;
   void AdoptDateKey(int key, std::string_view field, TxtWzVar& variable) const;
   bool KeepsMinutes(const TxtWzVar& variable) const;
@@ -63,6 +79,7 @@ class DetectionCounters {
   const DetectionRules rules_;
   const RegExMappings& table_;
   ValueClassifier classifier_;
+  int dateKey_ = 0;
 };
 
 }  // namespace textwizard

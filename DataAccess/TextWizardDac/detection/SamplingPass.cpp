@@ -16,11 +16,12 @@ constexpr std::int64_t kProgressEnd = -1;
 
 SamplingPass::SamplingPass(QANT_TextWizardIterator& iterator, const ImportSettings& settings,
                            const std::vector<TxtWzVar*>& slots, const RegExMappings& table,
-                           ErrorMonitor& monitor)
+                           ErrorMonitor& monitor, DetectionEvidence* evidence)
     : iterator_(iterator),
       settings_(settings),
       slots_(slots),
       monitor_(monitor),
+      evidence_(evidence),
       counters_(table, DetectionRules(settings, DetectionPass::kSampling)),
       blanksCollapse_(settings.arrangement != kFixedColumns && iterator.IsDelimiter(' ')) {}
 
@@ -77,15 +78,27 @@ bool SamplingPass::NextField(const TxtWzVar& variable) {
 void SamplingPass::CountRecord() {
   for (std::size_t slot = 0; slot < slots_.size();) {
     TxtWzVar& variable = *slots_[slot];
-    if (!NextField(variable)) return;
+    if (!NextField(variable)) return EndRecord(slot);
     if (variable.formatType == kFormatAuto) {
       if (!field_.empty()) {
-        counters_.Count(field_, variable);
+        const CountedAs as = counters_.Count(field_, variable);
+        if (evidence_) evidence_[slot].Add(field_, as, iterator_.textLine(), counters_);
       } else if (blanksCollapse_) {
         continue;
+      } else if (evidence_) {
+        evidence_[slot].AddEmpty();
       }
     }
     ++slot;
+  }
+}
+
+// The record is used up before the field of `slot`.
+void SamplingPass::EndRecord(std::size_t slot) {
+  if (!evidence_ || settings_.arrangement != kDelimitedLines || blanksCollapse_) return;
+  // Behind a delimiter that ends the record is one more field, an empty one.
+  if (slots_[slot]->formatType == kFormatAuto && iterator_.EndsInDelimiter()) {
+    evidence_[slot].AddEmpty();
   }
 }
 

@@ -10,6 +10,7 @@
 
 #include "HostFramework/Messages.h"
 #include "detection/DetectionCounters.h"
+#include "detection/DetectionEvidence.h"
 #include "model/ImportSettings.h"
 #include "model/TxtWzVar.h"
 #include "reading/QANT_TextWizardIterator.h"
@@ -20,10 +21,11 @@ namespace textwizard {
 // variable of fixed columns is cut so from its next value on.
 class SamplingPass {
  public:
-  // `iterator` stands at the start of the file. Progress goes to `monitor`.
+  // `iterator` stands at the start of the file. Progress goes to `monitor`. `evidence`: one for
+  // each slot, null when nobody wants them.
   SamplingPass(QANT_TextWizardIterator& iterator, const ImportSettings& settings,
                const std::vector<TxtWzVar*>& slots, const RegExMappings& table,
-               ErrorMonitor& monitor);
+               ErrorMonitor& monitor, DetectionEvidence* evidence = nullptr);
 
   // False when the user interrupted the pass. Throws the integer 2269 when the file cannot be read
   // on.
@@ -33,12 +35,14 @@ class SamplingPass {
   bool ReadRecord();
   bool NextField(const TxtWzVar& variable);
   void CountRecord();
+  void EndRecord(std::size_t slot);
   void ReportProgress(std::int64_t records);
 
   QANT_TextWizardIterator& iterator_;
   const ImportSettings& settings_;
   const std::vector<TxtWzVar*>& slots_;
   ErrorMonitor& monitor_;
+  DetectionEvidence* const evidence_;
   DetectionCounters counters_;
   // Empty fields take no slot: runs of blanks that separate values collapse.
   const bool blanksCollapse_;

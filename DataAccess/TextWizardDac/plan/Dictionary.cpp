@@ -10,6 +10,7 @@
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Messages.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+#include "detection/DetectionEvidence.h"
 #include "detection/SamplingPass.h"
 #include "detection/TypeSettling.h"
 #include "model/FormatCode.h"
@@ -38,11 +39,13 @@ int TxtWzExecFile::SetDictionary(QANT_DataSource* source) {
   columnWidths.reserve(slots_.size());
   for (const TxtWzVar* slot : slots_) columnWidths.push_back(slot->width);
 
-  if (AnyToDetect(slots_) && !DetectTypes(source)) return 0;
+  std::vector<DetectionEvidence> evidence;
+  if (AnyToDetect(slots_) && !DetectTypes(source, evidence)) return 0;
 
   for (std::size_t k = 0; k < slots_.size(); ++k) {
     TxtWzVar& variable = *slots_[k];
     if (variable.formatType == kFormatAuto) {
+      if (!evidence.empty()) Tell(evidence[k], variable, *source);
       SettleType(variable, settings.dataTypeMinPercentage, patterns_);
       // From here on the flags speak of the values that are stored. What detection noted in them
       // has served its purpose; its counters stay.
@@ -57,9 +60,11 @@ int TxtWzExecFile::SetDictionary(QANT_DataSource* source) {
   return 1;
 }
 
-bool TxtWzExecFile::DetectTypes(QANT_DataSource* source) {
+bool TxtWzExecFile::DetectTypes(QANT_DataSource* source, std::vector<DetectionEvidence>& evidence) {
   auto* const textSource = dynamic_cast<QANT_TextWizardSrc*>(source);
   if (!textSource) return true;
+  const ImportObserver* const observer = textSource->observer();
+  if (observer && observer->WantsEvidence()) evidence.resize(slots_.size());
   // An iterator over a fixed number of values per case ends a case by the source's variables.
   GiveVariables(*textSource);
   const std::unique_ptr<QANT_InputCaseIterator> iterator(
@@ -68,7 +73,8 @@ bool TxtWzExecFile::DetectTypes(QANT_DataSource* source) {
   iterator->Seek(0);
   if (auto* const threaded = dynamic_cast<QANT_TextWizardMultiThreadedIterator*>(iterator.get())) {
     // Interrupted, it leaves what was counted so far, which then decides.
-    threaded->PerformAutoDetection(slots_.data(), slots_.size());
+    threaded->PerformAutoDetection(slots_.data(), slots_.size(),
+                                   evidence.empty() ? nullptr : evidence.data());
     return true;
   }
   auto* const single = dynamic_cast<QANT_TextWizardIterator*>(iterator.get());
@@ -76,7 +82,17 @@ bool TxtWzExecFile::DetectTypes(QANT_DataSource* source) {
   single->Seek(0);
   QantErrorMonitor monitor(errorMonitorHandle);
   monitor.SetContext(errorContext);
-  return SamplingPass(*single, settings, slots_, patterns_, monitor).Run();
+  return SamplingPass(*single, settings, slots_, patterns_, monitor,
+                      evidence.empty() ? nullptr : evidence.data())
+      .Run();
+}
+
+// The variable is the next that is made.
+void TxtWzExecFile::Tell(const DetectionEvidence& evidence, const TxtWzVar& variable,
+                         const QANT_DataSource& source) const {
+  const auto* const textSource = dynamic_cast<const QANT_TextWizardSrc*>(&source);
+  if (!textSource) return;
+  textSource->observer()->OnEvidence(source.GetNVariables(), evidence.Told(variable, patterns_));
 }
 
 }  // namespace textwizard

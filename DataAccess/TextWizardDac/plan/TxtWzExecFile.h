@@ -20,6 +20,7 @@
 
 namespace textwizard {
 
+class DetectionEvidence;
 class QANT_TextWizardSrc;
 
 class TxtWzExecFile : public TxtWzFile {
@@ -90,7 +91,10 @@ class TxtWzExecFile : public TxtWzFile {
   // Gives the source copies of the slots' variables as they are now.
   void GiveVariables(QANT_TextWizardSrc& source) const;
   // Counts the values of the AUTO variables; false when the user interrupted.
-  bool DetectTypes(QANT_DataSource* source);
+  // `evidence` becomes what was seen of each slot's values when the host watches detection.
+  bool DetectTypes(QANT_DataSource* source, std::vector<DetectionEvidence>& evidence);
+  void Tell(const DetectionEvidence& evidence, const TxtWzVar& variable,
+            const QANT_DataSource& source) const;
 
   std::vector<TxtWzVar*> slots_;
   std::string dataFileName_;

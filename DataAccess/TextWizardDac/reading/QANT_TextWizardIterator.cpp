@@ -424,7 +424,10 @@ bool QANT_TextWizardIterator::ProcessFixedLines() {
 // The text of cases, for dictionary building.
 
 std::string_view QANT_TextWizardIterator::NextLine() {
-  return ReadRecord(false) ? record_ : kEndOfDataText;
+  fields_.TakeQuotes();
+  const bool found = ReadRecord(false);
+  textLine_ = reader_.recordLine();
+  return found ? record_ : kEndOfDataText;
 }
 
 std::string QANT_TextWizardIterator::ProcessDlmLinesBuffer() { return std::string(NextLine()); }
@@ -436,6 +439,7 @@ std::string QANT_TextWizardIterator::ProcessFixedLinesBuffer() {
       if (line == 0) text = kEndOfDataText;
       break;
     }
+    if (line == 0) textLine_ = reader_.recordLine();
     text.append(record_);
   }
   return text;
@@ -453,6 +457,7 @@ std::string QANT_TextWizardIterator::ProcessDlmCountBuffer() {
       readSucceeded = ReadRecord(false);
       text.append(record_);
     }
+    if (i == 0) textLine_ = reader_.recordLine();
     if (!readSucceeded && i == 0) {
       moreData_ = false;
       text = kEndOfDataText;

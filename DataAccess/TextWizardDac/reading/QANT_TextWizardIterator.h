@@ -70,6 +70,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   // The same without a copy, at the record's own cursor: the field is valid until the next cut or
   // record.
   bool NextField(std::string_view& field) { return fields_.Next(field); }
+  // Of a record from NextLine that is used up: a delimiter ended its last field.
+  bool EndsInDelimiter() const { return fields_.EndsInDelimiter(); }
   // The same of a record that the caller keeps unchanged while it walks it. A blank at the start of
   // a field is held with MULTIPLESPACES only.
   bool GetNextVar(std::string& field, const char*& cursor, const std::string& record);
@@ -86,6 +88,9 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   std::string_view NextLine();
   std::string ProcessDlmCountBuffer();
   std::string ProcessFixedLinesBuffer();
+
+  // Physical line, from 1, where the latest of these texts begins.
+  std::int64_t textLine() const { return textLine_; }
 
   // Stores a field in column `column` (counted over the imported variables). Always true: a field
   // that is no value is stored as missing, and the variable's flag tells.
@@ -165,6 +170,7 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
 
   std::string_view record_;
   std::string_view suppliedRecord_;
+  std::int64_t textLine_ = 0;
   std::int64_t currentCase_ = 0;
   std::int64_t requestedCase_ = 0;
   // Cleared when the values of all lines are used up (a fixed number of values per case).

@@ -61,6 +61,7 @@ class RecordReader {
   // The place of the record read last, right after it was read. Lines are counted from the latest
   // seek on, and without those of runs.
   RecordPlace place() const;
+  std::int64_t recordLine() const { return recordLine_; }
   std::int64_t nextLine() const { return linesEnded_ + 1; }
   // File position in bytes of what is read next.
   std::int64_t position() const { return stream_.Position(); }

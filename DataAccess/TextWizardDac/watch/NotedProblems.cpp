@@ -1,22 +1,8 @@
 #include "watch/NotedProblems.h"
 
-#include <array>
-
-#include "HostFramework/Text.h"
+#include "watch/ToldText.h"
 
 namespace textwizard {
-namespace {
-
-std::string_view ToldText(std::string_view text) {
-  if (text.size() <= kImportTextBytes) return text;
-  // A copy of whole characters only tells how many they are.
-  std::array<char, kImportTextBytes + 1> whole;
-  QANTMBstrncpy_A(whole.data(), text.data(), kImportTextBytes);
-  return text.substr(0, std::string_view(whole.data()).size());
-}
-
-}  // namespace
-
 void NotedProblems::Clear(bool all) {
   for (const Problem& problem : problems_) seen_[problem.code] = 0;
   problems_.clear();

@@ -95,7 +95,7 @@ void PassTeller::TellProblem(std::size_t index) {
                        detail->amount, noted.TextOf(*detail)});
 }
 
-void PassTeller::EndBatch() {
+void PassTeller::EndBatch(std::int64_t runLines) {
   if (!batch_) return;
   for (const WatchedBatch::Stretch& stretch : batch_->stretches) {
     if (stretch.record >= delivered_) break;
@@ -120,7 +120,7 @@ void PassTeller::EndBatch() {
   }
   for (const std::uint32_t variable : batch_->beyondColumn) ++textsBeyondColumn_[variable];
   cases_ += delivered_;
-  runLines_ += batch_->runLines;
+  runLines_ += runLines;
   batch_ = nullptr;
   delivered_ = 0;
   nextNoted_ = UINT32_MAX;

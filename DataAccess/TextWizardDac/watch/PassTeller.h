@@ -33,8 +33,8 @@ class PassTeller {
     delivered_ = end;
     if (nextNoted_ < end) TellNoted();
   }
-  // No more cases of the batch are delivered.
-  void EndBatch();
+  // No more cases of the batch are delivered. `runLines`: lines in it that its places do not count.
+  void EndBatch(std::int64_t runLines = 0);
   // The pass is over, if it has begun at all. `dataEnd`: offset where the data ended, -1 when the
   // pass did not come so far.
   void End(bool complete, std::int64_t dataEnd, std::int64_t fileBytes);

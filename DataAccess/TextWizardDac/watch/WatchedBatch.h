@@ -51,7 +51,6 @@ class WatchedBatch {
     problems.Clear(allProblems);
     cases.clear();
     beyondColumn.clear();
-    runLines = 0;
   }
   // Adds a record of case `record`, none of a later case having been added.
   void AddRecord(std::uint32_t record, const RecordPlace& place) {
@@ -76,8 +75,6 @@ class WatchedBatch {
   std::vector<ProblemCase> cases;
   // Fixed columns: the variable of each text that goes on behind its column.
   std::vector<std::uint32_t> beyondColumn;
-  // Lines of runs in the batch: those before it are to be added to every line.
-  std::int64_t runLines = 0;
 };
 
 }  // namespace textwizard

@@ -160,8 +160,8 @@ struct ImportEvidence {
   std::int64_t empties = 0;
   // Of dates, by the first layout of the table that a value has; in the table's order.
   std::vector<ImportDateLayout> layouts;
-  // Dates of digits that begin or end with the day and month: those that have only the day first,
-  // only the month first, and those that have either order.
+  // Texts of three numbers that begin with a day and a month, whatever their class: those that can
+  // only be day first, only month first, and those that have either order.
   ImportWitness dayFirst;
   ImportWitness monthFirst;
   ImportWitness eitherOrder;
