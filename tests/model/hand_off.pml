@@ -8,7 +8,7 @@
  * there are 0 to RECORDS batches with records; conversion and detection; the host deleting the
  * iterator before, between and after its calls; detection interrupted, and ended there or gone on
  * with; detection never asked for; a reader or a worker that cannot be started; no memory for a
- * batch text; a read that fails; a worker, or the host's thread, that fails at any record. Names
+ * batch text; what the reader leaves for the host's thread beside the batches; a read that fails; a worker, or the host's thread, that fails at any record. Names
  * are those of the code.
  *
  * What a step is: one access to one shared word. A word that is raised by compare-and-exchange, or
@@ -21,7 +21,8 @@
  * state.
  *
  * What is left out: the contents of records, cases and counters (a record is its number in the
- * file, from 1); notes and messages (they belong to the batch); positions asked for ahead (cases
+ * file, from 1); notes, messages, products and what else is told of the cases (they belong to the
+ * batch); positions asked for ahead (cases
  * are read and dropped); fStateMutex as a lock (nobody waits inside it, so it stops nobody for
  * ever). A wait that looks again and again (PatientWait) is a step that is possible while its
  * condition holds: such a wait in the code may miss a condition that holds for a moment only, and
@@ -29,7 +30,8 @@
  *
  * What is checked:
  *   assertion  every record is delivered once and in order; when the host sees the end, either all
- *              have been delivered or it is told of the failure; nobody touches a batch out of
+ *              have been delivered or it is told of the failure; what the reader leaves has been
+ *              written when the host's thread reads it; nobody touches a batch out of
  *              turn; no thread outlives what it uses
  *   deadlock   in no state but the one in which all threads have ended is there no next step
  *   livelock   no run goes round for ever
@@ -112,6 +114,10 @@ byte fCasesSent;
 byte workers;
 bool readerStarted;
 bool readerEnded;
+/* What the reader leaves for the host's thread to tell, in words that only the hand-off orders:
+   where the records begin, and where the data ended. */
+bool fPreambleEnd;
+bool fDataEnd;
 bool destroyed;
 
 bool detection;

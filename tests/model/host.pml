@@ -88,6 +88,11 @@ inline TakeBatch() {
   od
 }
 
+/* What the host's thread tells of the pass when it has a batch or the end of them. */
+#define CHECK_TOLD \
+  assert(fPreambleEnd || fFailed); \
+  assert(!ended || fDataEnd || fFailed)
+
 /* The record taken next from the batch is the next one of the file. */
 #define CHECK_RECORD(number) assert((number) == delivered + 1 && delivered < recordsRead)
 
@@ -120,7 +125,8 @@ inline Next() {
         d_step {
           fTaken = 0; fTakenCounted = 0; fTakenCount = 0; fTakenFirstCase = 0; fConsumeIndex = 0
         }
-        TakeBatch()
+        TakeBatch();
+        atomic { CHECK_TOLD }
       fi
     fi
   od

@@ -16,7 +16,10 @@ inline ReadRecord() {
     :: else ->
       if
       :: recordsRead < RECORDS -> recordsRead++; fPending = true
-      :: fPending = false
+      :: fPending = false;
+#ifndef DATA_END_LATE
+        fDataEnd = true
+#endif
       :: fault = true; gaveUp = true
       fi
     fi
@@ -191,8 +194,21 @@ proctype Reader() {
 
   if
   :: fReaderState == kReading ->
+#ifndef PREAMBLE_END_LATE
+    fPreambleEnd = true;
+#endif
     ReadRecord();
     WalkRing();
+#ifdef PREAMBLE_END_LATE
+    /* fault PREAMBLE_END_LATE (assertion): the host's thread tells where the records begin before
+       the reader has written it */
+    fPreambleEnd = true;
+#endif
+#ifdef DATA_END_LATE
+    /* fault DATA_END_LATE (assertion): the host's thread tells where the data ended when the reader
+       has only said that it reads no more */
+    fDataEnd = true;
+#endif
     atomic { fPending = false; fOversize = false; fInFlight = 0 }
 #ifndef STOPS_FROM_CURRENT_SLOT
     /* fault STOPS_FROM_CURRENT_SLOT (deadlock): nobody stops a worker whose batch was not handed
