@@ -10,12 +10,12 @@
 #include "HostFramework/FileMessages.h"
 #include "HostFramework/embedded/command/PipeSpools.h"
 #include "HostFramework/embedded/messages/Attention.h"
-#include "HostFramework/embedded/packages/PackageRegistry.h"
 #include "cli/ExitStatus.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/Interrupt.h"
 #include "cli/terminal/VisibleText.h"
 #include "library/import/FileKind.h"
+#include "library/import/WizardRecords.h"
 #include "library/outputs/Utf8Converter.h"
 
 namespace cli {
@@ -25,10 +25,6 @@ namespace {
 constexpr char kEncodings[] = "UTF-8, UTF-16, UTF-16LE, UTF-16BE and Locale";
 
 constexpr std::string_view kUtf32Marks[] = {{"\xFF\xFE\0\0", 4}, {"\0\0\xFE\xFF", 4}};
-
-// Where the first line of a file is longer than the wizard reads of one, records are cut to what
-// its buffer of 2,000,000 bytes holds: at least so many bytes of text.
-constexpr std::size_t kCutRecord = 999999;
 
 constexpr char kExamples[] = R"(Examples:
   textwizard preview survey.csv
@@ -61,21 +57,18 @@ std::string Explained(const DACErrorResponse& error, const std::string& path,
   return "The file cannot be read.";
 }
 
-void PrintRecords(embedded::PackageConnection& wizard, const FileOpenRequest& file,
-                  const PreviewOptions& options, Console& console) {
+void PrintRecords(library::WizardRecords& records, const PreviewOptions& options,
+                  Console& console) {
   const std::size_t numberWidth = std::to_string(options.records).size();
   library::Utf8Converter hostText;
   long long shown = 0;
-  TextWizardDacStringResponse record;
+  library::WizardRecord record;
   for (; shown < options.records; ++shown) {
     if (embedded::AttentionRequested()) return;
-    if (wizard.Call(kWizardRecord, file, record) != 0 ||
-        record.GetError().GetCode() == kWizardNoRecord)
-      break;
-    const bool cut = record.GetNumber() != 0 && record.GetText().size() >= kCutRecord;
+    if (!records.Next(&record)) break;
     console.Print(fmt::format("{:>{}}  {}{}\n", shown + 1, numberWidth,
-                              VisibleText(hostText.ToUtf8(record.GetText())),
-                              cut ? "  [the record is cut]" : ""));
+                              VisibleText(hostText.ToUtf8(record.text)),
+                              record.isCut ? "  [the record is cut]" : ""));
   }
   if (shown == 0 && options.records > 0) console.Note("the file has no records");
 }
@@ -90,23 +83,17 @@ int Preview(const PreviewOptions& options) {
     console.Error(problem);
     return kExitUsage;
   }
-  const auto wizard = embedded::PackageConnection::Open(kWizardPackage);
-  if (!wizard) {
-    console.Error(fmt::format("the component registers no package {}", kWizardPackage));
-    return kExitUsage;
-  }
   // As `run` does: standard input and pipes are copied first.
   embedded::PipeSpools spools;
   const std::string path = spools.PathOf(options.dataFile);
   if (embedded::AttentionRequested()) return kExitInterrupted;
-  const FileOpenRequest file(path, options.encoding, false);
-  FileOpenResponse response;
-  if (wizard->Call(kWizardOpen, file, response) != 0) {
+  DACErrorResponse error;
+  const auto records = library::WizardRecords::Open(path, options.encoding, &error);
+  if (records == nullptr && error.GetCode() == 0) {
     console.Error(fmt::format("{}: the wizard did not answer", options.dataFile));
     return kExitCommandFailed;
   }
-  if (response.HasError()) {
-    const DACErrorResponse& error = response.GetError();
+  if (records == nullptr) {
     // The wizard's text is the file, of which the user knows its own name.
     const std::string& text = error.GetText() == path ? options.dataFile : error.GetText();
     console.Error(fmt::format("{} {}", error.GetCode(), text));
@@ -117,8 +104,7 @@ int Preview(const PreviewOptions& options) {
     console.Warning(
         fmt::format("{} is {}, and no text; {}", options.dataFile, kind.what, kind.wayOut));
   }
-  PrintRecords(*wizard, file, options, console);
-  wizard->Call(kWizardClose, file, response);
+  PrintRecords(*records, options, console);
   const bool written = console.Flush();
   if (embedded::AttentionRequested()) return kExitInterrupted;
   return written ? kExitSuccess : kExitUsage;

@@ -4,7 +4,6 @@
 
 #include <fmt/format.h>
 
-#include "HostFramework/Text.h"
 #include "cli/run/RunOptions.h"
 #include "cli/terminal/ProblemTable.h"
 #include "library/report/EvidenceJson.h"
@@ -14,17 +13,6 @@ namespace cli {
 namespace {
 
 using library::OutputFile;
-
-// The null texts in the host's encoding.
-std::vector<std::string> HostTexts(const std::vector<std::string>& utf8) {
-  if (qUTF8mode()) return utf8;
-  std::vector<std::string> texts;
-  for (const std::string& text : utf8) {
-    texts.emplace_back();
-    QANTMBU8ToCodePage(nullptr, texts.back(), text);
-  }
-  return texts;
-}
 
 library::WatchSettings SettingsOf(const ReportOptions& options,
                                   const CommandReport::Wanted& wanted) {
@@ -36,7 +24,7 @@ library::WatchSettings SettingsOf(const ReportOptions& options,
           .evidence = wanted.evidence || options.explain,
           .trail = options.verify,
           .keepStrayQualifiers = options.keepStrayQualifiers,
-          .nullTexts = HostTexts(options.nullTexts)};
+          .nullTexts = library::HostTexts(options.nullTexts)};
 }
 
 std::string Joined(const std::vector<std::string>& parts) {
@@ -127,14 +115,8 @@ library::PassAccount CommandReport::TakeAccount() {
 
 std::string CommandReport::Forbidden() const {
   if (!options_.strict) return {};
-  const std::int64_t total = account_.problems.total();
-  if (total == 0) return misfits_.empty() ? std::string() : "--strict: " + misfits_.front().detail;
-  std::int64_t line = 0;
-  for (const library::ProblemLog::Entry& entry : account_.problems.Entries()) {
-    if (line == 0 || entry.firstLine < line) line = entry.firstLine;
-  }
-  return fmt::format("--strict: {} problem{}, the first in line {}", total, total == 1 ? "" : "s",
-                     line);
+  if (account_.problems.total() > 0) return "--strict: " + library::InShort(account_.problems);
+  return misfits_.empty() ? std::string() : "--strict: " + misfits_.front().detail;
 }
 
 std::string CommandReport::Explained() const {

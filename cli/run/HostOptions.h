@@ -3,13 +3,11 @@
 
 #include <string>
 
+#include "library/import/HostSettings.h"
+
 namespace cli {
 
-struct HostOptions {
-  bool decimalComma = false;
-  std::string codePage;        // empty: UTF-8
-  std::string localeCodePage;  // empty: the locale's own
-};
+using HostOptions = library::HostSettings;
 
 // Puts the host into the state that the options ask for, before anything else of it is used. False
 // when one names nothing; then *error says which.

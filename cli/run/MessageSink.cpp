@@ -23,7 +23,7 @@ MessageSink::MessageSink(Console& console) : console_(console) {}
 void MessageSink::WriteTo(library::OutputFile* file) { file_ = file; }
 
 void MessageSink::Post(std::string_view hostText, int kind) {
-  if (UndecodableWarnings::IsOne(hostText) && !undecodable_.Take(hostText)) return;
+  if (library::UndecodableWarnings::IsOne(hostText) && !undecodable_.Take(hostText)) return;
   Write(hostText_.ToUtf8(hostText), kind);
 }
 

@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "HostFramework/Messages.h"
-#include "cli/run/UndecodableWarnings.h"
 #include "cli/terminal/Console.h"
 #include "library/import/CommandFault.h"
 #include "library/import/ImportMessages.h"
+#include "library/import/UndecodableWarnings.h"
 #include "library/outputs/OutputFile.h"
 #include "library/outputs/Utf8Converter.h"
 
@@ -63,7 +63,7 @@ class MessageSink : public library::ImportMessages {
 
   Console& console_;
   library::OutputFile* file_ = nullptr;
-  UndecodableWarnings undecodable_;
+  library::UndecodableWarnings undecodable_;
   bool holding_ = false;
   std::vector<std::string> held_;  // UTF-8
   library::Utf8Converter hostText_;

@@ -1,18 +1,39 @@
 #include "library/import/ActiveSource.h"
 
+#include <mutex>
+
+#include <fmt/format.h>
+
 #include "entry/CommandEntry.h"
 
 namespace library {
+namespace {
+
+// Guards the host's list of sources.
+std::mutex sources;
+
+}  // namespace
 
 ActiveSource::ActiveSource(DACAdapterBase& adapter) {
+  const std::lock_guard guard(sources);
   if (!ProcessDACSyntax(&adapter)) return;
-  source_ =
-      &dynamic_cast<const textwizard::ImportSource&>(*ServerDataManager::GetInstance()->Find(""));
+  ServerDataManager& manager = *ServerDataManager::GetInstance();
+  QANT_DataSource* const made = manager.Find("");
+  source_ = &dynamic_cast<const textwizard::ImportSource&>(*made);
+  // Makes room for the source of the next command.
+  manager.Add(made, Name().c_str(), false);
   if (source_->settings().importMode == textwizard::kImportPercent) {
     sampleFraction_ = source_->settings().sampleFraction;
   }
 }
 
-ActiveSource::~ActiveSource() { ServerDataManager::GetInstance()->Remove(""); }
+ActiveSource::~ActiveSource() {
+  const std::lock_guard guard(sources);
+  ServerDataManager::GetInstance()->Remove(Name().c_str());
+}
+
+std::string ActiveSource::Name() const {
+  return fmt::format("import {}", static_cast<const void*>(this));
+}
 
 }  // namespace library

@@ -61,7 +61,7 @@ class ErrorsOnly : public ErrorMonitor {
 }  // namespace
 
 CommandImport::CommandImport(const ImportOptions& options, ImportMessages& messages)
-    : options_(options), messages_(messages), route_(*this), monitor_(MessageRoute::Callback()) {}
+    : options_(options), messages_(messages), monitor_(MessageRoute::Callback()) {}
 
 CommandImport::~CommandImport() = default;
 
@@ -71,6 +71,7 @@ void CommandImport::Post(std::string_view hostText, int kind) {
 }
 
 ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
+  const MessageRoute route(*this);
   try {
     adapter_ = std::make_unique<ImportAdapter>(std::move(tokens), MessageRoute::Callback(),
                                                options_.workers, options_.watch);
@@ -89,6 +90,7 @@ ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
 }
 
 ImportEnd CommandImport::Read(CaseReceiver& receiver) {
+  const MessageRoute route(*this);
   if (finished_) return ImportEnd::kDone;
   const long long errorsBefore = errors_;
   const Clock::time_point start = Clock::now();
@@ -166,6 +168,7 @@ bool CommandImport::ReadOn(CaseReceiver& receiver) {
 }
 
 ImportEnd CommandImport::ReadAgain(std::size_t blockBytes) {
+  const MessageRoute route(*this);
   const long long errorsBefore = errors_;
   embedded::SetStreamBlockSize(blockBytes);
   try {
@@ -194,6 +197,14 @@ void CommandImport::ReadAllAgain() {
     options_.watch->Rethrow();
   }
   options_.watch->Rethrow();
+}
+
+void CommandImport::Restart() {
+  const MessageRoute route(*this);
+  iterator_.reset();
+  casesRead_ = stats_.cases = 0;
+  stats_.readSeconds = 0;
+  finished_ = false;
 }
 
 void CommandImport::EndReading() {

@@ -36,8 +36,8 @@ enum class ImportEnd {
 };
 
 // Runs a command and reads its cases. The host's settings (code page, decimal character) are made
-// before and stay while it lives, and of these objects there is one at a time: its data source is
-// the host's active one. Host's thread. Nothing is thrown: what goes wrong is a message.
+// before and stay while it lives; several may live at the same time. One thread at a time. Nothing
+// is thrown: what goes wrong is a message.
 class CommandImport : private ImportMessages {
  public:
   // `messages` gets what is posted and outlives this object.
@@ -67,6 +67,10 @@ class CommandImport : private ImportMessages {
   // but for errors: in blocks of `blockBytes` bytes unless that is 0. After Read has done.
   ImportEnd ReadAgain(std::size_t blockBytes);
 
+  // Gives up the reading, so that the next Read begins with the first case again. After Open has
+  // done.
+  void Restart();
+
   // Nothing is left to be read: the data ended, or the import failed or was interrupted.
   bool finished() const { return finished_; }
   // Cases that were read so far, those that a sample leaves out included.
@@ -90,7 +94,6 @@ class CommandImport : private ImportMessages {
 
   const ImportOptions options_;
   ImportMessages& messages_;
-  const MessageRoute route_;
   long long errors_ = 0;
   QantErrorMonitor monitor_;
   ImportStats stats_;

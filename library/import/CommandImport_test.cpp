@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "HostFramework/embedded/command/Adapter.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "library/testing/TestFolder.h"
 
@@ -153,14 +154,55 @@ TEST_F(ACommandImport, KeepsTheShareOfASample) {
   }
 }
 
+TEST_F(ACommandImport, LivesBesideOthers) {
+  WriteNumbers(3);
+  folder_.Write("others.csv", "10\n20\n");
+  CommandImport first({}, messages_);
+  ASSERT_EQ(first.Open(Tokens()), ImportEnd::kDone);
+  KeptNumbers others;
+  {
+    CommandImport second({}, messages_);
+    ASSERT_EQ(second.Open(Tokens("", "others.csv")), ImportEnd::kDone);
+    EXPECT_EQ(first.Read(receiver_), ImportEnd::kDone);
+    EXPECT_EQ(second.Read(others), ImportEnd::kDone);
+  }
+  EXPECT_THAT(receiver_.numbers, ElementsAre(1, 2, 3));
+  EXPECT_THAT(others.numbers, ElementsAre(10, 20));
+  first.Restart();
+  receiver_.numbers.clear();
+  EXPECT_EQ(first.Read(receiver_), ImportEnd::kDone);
+  EXPECT_THAT(receiver_.numbers, ElementsAre(1, 2, 3));
+  EXPECT_THAT(messages_.errors, IsEmpty());
+}
+
+TEST_F(ACommandImport, BeginsAgainFromWhereverItStood) {
+  WriteNumbers(600);
+  CommandImport import({}, messages_);
+  ASSERT_EQ(import.Open(Tokens()), ImportEnd::kDone);
+  receiver_.stops = true;
+  EXPECT_EQ(import.Read(receiver_), ImportEnd::kStopped);
+  import.Restart();
+  EXPECT_EQ(import.casesRead(), 0);
+  receiver_.stops = false;
+  receiver_.numbers.clear();
+  EXPECT_EQ(import.Read(receiver_), ImportEnd::kDone);
+  EXPECT_EQ(receiver_.numbers.size(), 600U);
+  EXPECT_EQ(receiver_.numbers.front(), 1);
+  EXPECT_EQ(import.stats().cases, 600);
+}
+
 TEST_F(ACommandImport, LeavesNoDataSourceBehind) {
   WriteNumbers(1);
+  std::string name;
   {
-    CommandImport import({}, messages_);
-    ASSERT_EQ(import.Open(Tokens()), ImportEnd::kDone);
-    EXPECT_NE(ServerDataManager::GetInstance()->Find(""), nullptr);
+    embedded::Adapter adapter(Tokens(), nullptr, nullptr, 1, 0);
+    const ActiveSource source(adapter);
+    ASSERT_NE(source.get(), nullptr);
+    name = source.Name();
+    EXPECT_EQ(ServerDataManager::GetInstance()->Find(name.c_str()), source.get());
+    EXPECT_EQ(ServerDataManager::GetInstance()->Find(""), nullptr);
   }
-  EXPECT_EQ(ServerDataManager::GetInstance()->Find(""), nullptr);
+  EXPECT_EQ(ServerDataManager::GetInstance()->Find(name.c_str()), nullptr);
 }
 
 }  // namespace

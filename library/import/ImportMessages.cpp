@@ -1,20 +1,19 @@
 #include "library/import/ImportMessages.h"
 
-#include <atomic>
+#include <utility>
 
 namespace library {
 namespace {
 
-std::atomic<ImportMessages*> current{nullptr};
+constinit thread_local ImportMessages* current = nullptr;
 
 void PostToCurrent(const char* text, int kind) {
-  ImportMessages* messages = current.load();
-  if (messages != nullptr && text != nullptr) messages->Post(text, kind);
+  if (current != nullptr && text != nullptr) current->Post(text, kind);
 }
 
 }  // namespace
 
-MessageRoute::MessageRoute(ImportMessages& messages) : before_(current.exchange(&messages)) {}
+MessageRoute::MessageRoute(ImportMessages& messages) : before_(std::exchange(current, &messages)) {}
 
 MessageRoute::~MessageRoute() { current = before_; }
 

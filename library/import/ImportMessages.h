@@ -10,14 +10,14 @@ namespace library {
 class ImportMessages {
  public:
   virtual ~ImportMessages() = default;
-  // Takes one message: host text and its kind (ErrorTextKind). Any thread, but one at a time, as
-  // the component gives them: there may be millions.
+  // Takes one message: host text and its kind (ErrorTextKind). On the thread of the import, as the
+  // component gives them: there may be millions.
   virtual void Post(std::string_view hostText, int kind) = 0;
 };
 
-// Leads the host's callback, which is a plain function, to the messages of the import that runs:
-// the route that was made last leads. Routes nest; make and destroy them on one thread, while no
-// message is posted.
+// Leads the host's callback, which is a plain function, to the messages of the import that runs on
+// this thread: the route that the thread made last leads. Routes nest; each is destroyed on the
+// thread that made it.
 class MessageRoute {
  public:
   // `messages` outlives the route.

@@ -1,6 +1,7 @@
 #include "library/import/ImportMessages.h"
 
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -35,6 +36,19 @@ TEST(MessageRoute, LeadsToTheMessagesOfTheRouteMadeLast) {
   }
   EXPECT_THAT(outer.kept, ElementsAre(Pair("one", kMessageError), Pair("three", kMessageLog)));
   EXPECT_THAT(inner.kept, ElementsAre(Pair("two", kMessageWarning)));
+}
+
+TEST(MessageRoute, LeadsTheMessagesOfItsThreadOnly) {
+  KeptMessages mine;
+  KeptMessages others;
+  const MessageRoute route(mine);
+  std::thread([&others] {
+    MessageRoute::Callback()("nobody's", kMessageLog);
+    const MessageRoute other(others);
+    MessageRoute::Callback()("theirs", kMessageLog);
+  }).join();
+  EXPECT_THAT(mine.kept, IsEmpty());
+  EXPECT_THAT(others.kept, ElementsAre(Pair("theirs", kMessageLog)));
 }
 
 TEST(MessageRoute, DropsWhatIsPostedWithoutOne) {

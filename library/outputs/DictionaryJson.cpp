@@ -39,7 +39,7 @@ void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile,
     sink.Append(text);
   }
   sink.Append("]");
-  if (report != nullptr) sink.Append(",\"ledger\":" + report->ledger);
+  if (report != nullptr && !report->ledger.empty()) sink.Append(",\"ledger\":" + report->ledger);
   sink.Append("}\n");
 }
 

@@ -12,6 +12,7 @@ namespace library {
 
 // What an import found out besides, as JSON texts.
 struct DictionaryReport {
+  // Empty where none is known yet.
   std::string ledger;
   // Of a variable; an empty text where there is none.
   std::function<std::string(std::size_t)> evidence;

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <limits>
 
+#include "HostFramework/Text.h"
+
 namespace library {
 namespace {
 
@@ -20,6 +22,16 @@ class Products : public ImportBatchProduct {
 const std::vector<std::string>& DefaultNullTexts() {
   static const std::vector<std::string> texts = {"NA",  "N/A", "NULL", "null",
                                                  "NaN", "nan", ".",    "-"};
+  return texts;
+}
+
+std::vector<std::string> HostTexts(const std::vector<std::string>& utf8) {
+  if (qUTF8mode()) return utf8;
+  std::vector<std::string> texts;
+  for (const std::string& text : utf8) {
+    texts.emplace_back();
+    QANTMBU8ToCodePage(nullptr, texts.back(), text);
+  }
   return texts;
 }
 

@@ -21,6 +21,8 @@ namespace library {
 
 // The texts that mean a missing number unless a person names others.
 const std::vector<std::string>& DefaultNullTexts();
+// Texts in the host's encoding.
+std::vector<std::string> HostTexts(const std::vector<std::string>& utf8);
 
 // What the host wants of its watch; constant.
 struct WatchSettings {

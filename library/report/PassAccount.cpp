@@ -38,6 +38,16 @@ ProblemMark MarkOf(const ImportProblem& problem) {
           XXH3_64bits_withSeed(problem.text.data(), problem.text.size(), seed)};
 }
 
+std::string InShort(const ProblemLog& problems) {
+  if (problems.total() == 0) return {};
+  std::int64_t line = 0;
+  for (const ProblemLog::Entry& entry : problems.Entries()) {
+    if (line == 0 || entry.firstLine < line) line = entry.firstLine;
+  }
+  return fmt::format("{} problem{}, the first in line {}", problems.total(),
+                     problems.total() == 1 ? "" : "s", line);
+}
+
 std::vector<std::string> Differences(const PassAccount& first, const PassAccount& second,
                                      const ReportVariables& variables) {
   std::vector<std::string> differences;

@@ -38,6 +38,9 @@ struct PassAccount {
   std::vector<std::int64_t> textsBeyondColumn;
 };
 
+// "3 problems, the first in line 2"; empty when there is none.
+std::string InShort(const ProblemLog& problems);
+
 // What differs between two passes over the same cases, a line each such as "the digests are ... and
 // ..."; empty when nothing does.
 std::vector<std::string> Differences(const PassAccount& first, const PassAccount& second,

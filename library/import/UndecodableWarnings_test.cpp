@@ -1,4 +1,4 @@
-#include "cli/run/UndecodableWarnings.h"
+#include "library/import/UndecodableWarnings.h"
 
 #include <cstdio>
 
@@ -6,7 +6,7 @@
 
 #include "HostFramework/Messages.h"
 
-namespace cli {
+namespace library {
 namespace {
 
 // The text as the component makes it.
@@ -66,4 +66,4 @@ TEST(UndecodableWarnings, EveryCommandBeginsAnew) {
 }
 
 }  // namespace
-}  // namespace cli
+}  // namespace library

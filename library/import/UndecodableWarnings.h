@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace cli {
+namespace library {
 
 // A wrong encoding makes a warning of nearly every case, and both passes over a file, the one that
 // finds types and the one that reads, meet the same bytes. Lets the first warnings of a command
@@ -42,4 +42,4 @@ class UndecodableWarnings {
   Untold mostSoFar_;  // in the pass before that had most
 };
 
-}  // namespace cli
+}  // namespace library

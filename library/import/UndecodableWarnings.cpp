@@ -1,4 +1,4 @@
-#include "cli/run/UndecodableWarnings.h"
+#include "library/import/UndecodableWarnings.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -7,7 +7,7 @@
 
 #include "HostFramework/Messages.h"
 
-namespace cli {
+namespace library {
 namespace {
 
 constexpr char kCatalogue[] = "lorvane.err";
@@ -65,4 +65,4 @@ std::string UndecodableWarnings::Rest() const {
   return text;
 }
 
-}  // namespace cli
+}  // namespace library
