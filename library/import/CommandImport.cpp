@@ -20,8 +20,9 @@ namespace {
 
 // Cases between two questions whether to go on: a mask.
 constexpr long long kQuestionMask = 0xFF;
-// Where the message has its text whose number an iterator may throw.
-constexpr char kCatalogue[] = "lorvane.err";
+
+// What is said where none could be made.
+constexpr char kNoIterator[] = "no memory to read the cases";
 
 using Clock = std::chrono::steady_clock;
 
@@ -37,12 +38,6 @@ long long FileBytes(const std::string& path) {
 std::string CannotRun(const std::exception& failure) {
   // A case too large for the memory there is, for one.
   return std::string("the command cannot be run: ") + failure.what();
-}
-
-// What an iterator threw: the number of a message on the file.
-std::string FileError(int message, const QANT_DataSource& source) {
-  return std::string(QantServerErrorText(kCatalogue, message).GetText()) + " " +
-         source.GetFileSpec();
 }
 
 // Passes on nothing but errors.
@@ -97,9 +92,6 @@ ImportEnd CommandImport::Read(CaseReceiver& receiver) {
   bool ended = true;
   try {
     if (iterator_ != nullptr || StartReading(receiver)) ended = ReadOn(receiver);
-  } catch (const int message) {
-    // The one exception that the component's iterators throw: the number of a message on the file.
-    PostError(FileError(message, source()));
   } catch (const std::exception& failure) {
     PostError(CannotRun(failure));
   }
@@ -121,6 +113,10 @@ bool CommandImport::StartReading(CaseReceiver& receiver) {
   sampler_.emplace(source_->sampleFraction(), seed_);
   threadsBefore_ = embedded::ThreadsStarted();
   iterator_.reset(source().MakeIterator(buffer_->obs()));
+  if (iterator_ == nullptr) {
+    PostError(kNoIterator);
+    return false;
+  }
   iterator_->SetErrorMonitor(&monitor_);
   return true;
 }
@@ -173,8 +169,6 @@ ImportEnd CommandImport::ReadAgain(std::size_t blockBytes) {
   embedded::SetStreamBlockSize(blockBytes);
   try {
     ReadAllAgain();
-  } catch (const int message) {
-    PostError(FileError(message, source()));
   } catch (const std::exception& failure) {
     PostError(CannotRun(failure));
   }
@@ -188,6 +182,7 @@ void CommandImport::ReadAllAgain() {
   // The draw starts where it started before.
   sampler_.emplace(source_->sampleFraction(), seed_);
   const std::unique_ptr<QANT_InputCaseIterator> iterator(source().MakeIterator(buffer_->obs()));
+  if (iterator == nullptr) return PostError(kNoIterator);
   iterator->SetErrorMonitor(&monitor);
   const bool batches = options_.watch->WantsBatches();
   for (long long read = 1; iterator->Next(); ++read) {

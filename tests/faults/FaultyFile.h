@@ -70,14 +70,10 @@ inline const std::vector<Arrangement>& Arrangements() {
   return arrangements;
 }
 
-// The number that ended a pass, however it was told: thrown by the making of the iterator, or
-// posted as the one error. 0 when neither happened.
+// The number of the one error that ended a pass; 0 when there was none.
 inline int EndedBy(const Pass& pass) {
   const std::vector<std::string> errors = Texts(pass.messages, kMessageError);
-  if (pass.thrown != 0) {
-    EXPECT_TRUE(errors.empty());
-    return pass.thrown;
-  }
+  EXPECT_FALSE(pass.noIterator);
   if (errors.empty()) return 0;
   EXPECT_EQ(errors, std::vector<std::string>{ReadFailure().text});
   return textwizard::kReadFailed;

@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "HostFramework/FileMessages.h"
+#include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "HostFramework/embedded/text/HostText.h"
@@ -67,7 +68,8 @@ class MemoryTest : public FaultTest {
   }
 
   // Reads all cases with allocation `failing` failing, from the making of the iterator on. The
-  // number with which reading ended: thrown, or of the only error; 0 when it read to the end.
+  // number with which reading ended, that of the only error; the same when there was no memory for
+  // an iterator; 0 when it read to the end.
   int ReadCases(const QANT_DataSource& source, long failing, std::string* bytes,
                 int thread = kAllThreads, Afterwards afterwards = Afterwards::kMemoryIsBack) {
     kept.clear();
@@ -75,17 +77,16 @@ class MemoryTest : public FaultTest {
     Keeper keeper;
     const auto* const cells = reinterpret_cast<const char*>(buffer.obs());
     const FailingMemory memory(failing, thread, afterwards);
-    try {
-      const std::unique_ptr<QANT_InputCaseIterator> iterator(source.MakeIterator(buffer.obs()));
-      iterator->SetErrorMonitor(&keeper);
-      while (iterator->Next()) {
-        const MemoryNotCounted test;
-        bytes->append(cells, source.GetObsAreaSize());
-      }
-    } catch (const int number) {
+    const std::unique_ptr<QANT_InputCaseIterator> iterator(source.MakeIterator(buffer.obs()));
+    if (!iterator) {
       const MemoryNotCounted test;
       EXPECT_EQ(OnlyError(), 0);
-      return number;
+      return textwizard::kReadFailed;
+    }
+    iterator->SetErrorMonitor(&keeper);
+    while (iterator->Next()) {
+      const MemoryNotCounted test;
+      bytes->append(cells, source.GetObsAreaSize());
     }
     const MemoryNotCounted test;
     return OnlyError();
@@ -227,6 +228,44 @@ TEST(WizardMemory, RunsOutInACall) {
   }
   EXPECT_TRUE(openRefused);
   EXPECT_TRUE(recordRefused);
+}
+
+// What the host calls to make objects gives null and throws nothing.
+TEST(FactoryMemory, RunsOutWhileAWizardIsMade) {
+  bool refused = false;
+  for (long failing = 0;; ++failing) {
+    PackageProxy* made = nullptr;
+    {
+      const FailingMemory memory(failing);
+      EXPECT_NO_THROW(made = textwizard::TextWizardDACHandler::Factory(nullptr));
+    }
+    const std::unique_ptr<PackageProxy> wizard(made);
+    refused = refused || !wizard;
+    EXPECT_EQ(!wizard, MemoryFailed());
+    if (!MemoryFailed()) break;
+  }
+  EXPECT_TRUE(refused);
+}
+
+TEST_P(Memory, RunsOutWhileAnIteratorIsMade) {
+  const Import import(GetParam().command);
+  const embedded::CaseBuffer buffer(import.source());
+  bool refused = false;
+  for (long failing = 0; failing < 1000; ++failing) {
+    QANT_InputCaseIterator* made = nullptr;
+    bool reached = false;
+    {
+      const FailingMemory memory(failing);
+      EXPECT_NO_THROW(made = import.source().MakeIterator(buffer.obs()));
+      reached = MemoryFailed();
+    }
+    const std::unique_ptr<QANT_InputCaseIterator> iterator(made);
+    refused = refused || !iterator;
+    EXPECT_TRUE(iterator || reached);
+    if (!reached) break;
+  }
+  EXPECT_TRUE(refused);
+  EXPECT_EQ(iocvgetdecchar_(), '.');
 }
 
 // The ring of two workers in its second round: each of the three threads that the engine starts

@@ -105,15 +105,13 @@ Pass Import::Read(Reading reading, std::size_t most) const {
   pass.noMemory = buffer.obs() == nullptr;
   if (pass.noMemory) return pass;
   MessageKeeper monitor;
-  try {
-    const auto iterator = MakeIterator(reading, buffer.obs());
-    iterator->SetErrorMonitor(&monitor);
-    const auto* const cells = reinterpret_cast<const char*>(buffer.obs());
-    for (; pass.cases < most && iterator->Next(); ++pass.cases) {
-      pass.bytes.append(cells, source_->GetObsAreaSize());
-    }
-  } catch (const int number) {
-    pass.thrown = number;
+  const auto iterator = MakeIterator(reading, buffer.obs());
+  pass.noIterator = !iterator;
+  if (pass.noIterator) return pass;
+  iterator->SetErrorMonitor(&monitor);
+  const auto* const cells = reinterpret_cast<const char*>(buffer.obs());
+  for (; pass.cases < most && iterator->Next(); ++pass.cases) {
+    pass.bytes.append(cells, source_->GetObsAreaSize());
   }
   pass.messages = monitor.messages();
   pass.rowCount = source_->RowCount();

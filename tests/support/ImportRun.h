@@ -40,8 +40,8 @@ struct Pass {
   // All cells of all cases, one case after another.
   std::string bytes;
   Messages messages;
-  // The number that the making of the iterator threw; 0: none.
-  int thrown = 0;
+  // There was no memory for an iterator.
+  bool noIterator = false;
   // There was no memory for a case; nothing was read.
   bool noMemory = false;
   // Cases that the source knows of after the pass.
@@ -80,7 +80,7 @@ class Import {
   const textwizard::QANT_TextWizardSrc& source() const { return *source_; }
   Dictionary dictionary() const;
 
-  // Throws what the iterator throws.
+  // Null when there is no memory for one.
   std::unique_ptr<QANT_InputCaseIterator> MakeIterator(Reading reading, OBS* obs) const;
   // A pass to the end of the data, or over the first `most` cases.
   Pass Read(Reading reading, std::size_t most = SIZE_MAX) const;

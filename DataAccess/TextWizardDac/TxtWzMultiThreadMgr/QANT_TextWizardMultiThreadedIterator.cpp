@@ -1,20 +1,16 @@
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedManager.h"
-#include "model/MessageText.h"
 #include "reading/ImportSource.h"
 
 namespace textwizard {
 
 QANT_TextWizardMultiThreadedIterator::QANT_TextWizardMultiThreadedIterator(
     const ImportSource& source, OBS* obs, bool detection)
-    : QANT_InputCaseIterator(source, obs), fSavedDecimalChar(source.decimalCharacter()) {
-  try {
-    fManager = std::make_unique<QANT_TextWizardMultiThreadedManager>(source, *this, detection,
-                                                                     fSavedDecimalChar.found());
-  } catch (...) {
-    throw int{kReadFailed};
-  }
+    : QANT_InputCaseIterator(source, obs),
+      fSavedDecimalChar(source.decimalCharacter()),
+      fManager(std::make_unique<QANT_TextWizardMultiThreadedManager>(source, *this, detection,
+                                                                     fSavedDecimalChar.found())) {
   if (!detection) fManager->Start();
 }
 

@@ -19,8 +19,9 @@ class DetectionEvidence;
 
 class QANT_TextWizardMultiThreadedIterator : public QANT_InputCaseIterator {
  public:
-  // `obs` may be null when `detection`. In conversion mode the threads start at once. Throws the
-  // integer 2269 when the file cannot be opened again.
+  // `obs` may be null when `detection`. In conversion mode the threads start at once. A file that
+  // cannot be opened again fails the pass, not the making: Next posts the error. Throws only when
+  // memory runs out.
   QANT_TextWizardMultiThreadedIterator(const ImportSource& source, OBS* obs, bool detection);
   ~QANT_TextWizardMultiThreadedIterator() override;
 

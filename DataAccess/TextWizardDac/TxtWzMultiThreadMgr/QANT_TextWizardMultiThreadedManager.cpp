@@ -37,7 +37,7 @@ QANT_TextWizardMultiThreadedManager::QANT_TextWizardMultiThreadedManager(
       fReader(source.stream()),
       fDecoder(source.settings().encoding) {
   // The stream's copy may lack a file descriptor, which looks like an empty file later.
-  if (!fReader.SeekBegin()) throw int{kReadFailed};
+  if (!fReader.SeekBegin()) fFailed.store(true);
   fReader.SetStop(&fReaderState);
   if (detection) {
     DetectionRules& rules = fPlan.detectionRules;
@@ -82,7 +82,7 @@ void QANT_TextWizardMultiThreadedManager::RaiseReaderState(ReaderState state) {
 }
 
 void QANT_TextWizardMultiThreadedManager::Start() {
-  if (activate()) return;
+  if (!fFailed.load() && activate()) return;
   fFailed.store(true);
   RaiseReaderState(kEnded);
 }

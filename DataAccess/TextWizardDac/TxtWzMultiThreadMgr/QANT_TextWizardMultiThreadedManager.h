@@ -32,8 +32,9 @@ class ImportSource;
 // Every operation but threadMain is called on the host's thread.
 class QANT_TextWizardMultiThreadedManager : public sfThread {
  public:
-  // `decimalCharacter`: the host's, in detection mode, by which numbers are told. Throws the
-  // integer 2269 when the file cannot be opened once more.
+  // `decimalCharacter`: the host's, in detection mode, by which numbers are told. Where the file
+  // cannot be opened once more, the pass fails when it is asked for. Throws only when memory runs
+  // out.
   QANT_TextWizardMultiThreadedManager(const ImportSource& source, QANT_InputCaseIterator& iterator,
                                       bool detection, int decimalCharacter);
   // Stops and joins all threads.

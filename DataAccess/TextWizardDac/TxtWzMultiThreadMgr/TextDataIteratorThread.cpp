@@ -12,7 +12,8 @@
 namespace textwizard {
 namespace {
 
-// Bytes behind a string's width that tell whether the character at its end is whole.
+// Bytes behind a string's width that tell whether the character at its end is whole: one that does
+// not fit is left out (docs/decisions.md).
 constexpr std::size_t kLongestCharacter = 8;
 
 // Place of a variable's flag among those of all variables.

@@ -101,6 +101,7 @@ void NormaliseFormat(TxtWzVar& variable) {
     case kFormatMonth:
       return;
     case kFormatA:
+      // Also where a wider number was seen (docs/decisions.md).
       variable.width =
           std::min(std::max(variable.maxStringLength, variable.width), kMaxStringWidth);
       variable.maxStringLength = variable.width;

@@ -34,7 +34,7 @@ bool AnyToDetect(const Slots& slots) {
 int TxtWzExecFile::SetDictionary(QANT_DataSource* source) {
   // The width of a variable in fixed columns does two things: it says where the field ends, and how
   // wide the format is. Detection and normalising speak of the format; the field ends where the
-  // command said.
+  // command said (docs/decisions.md).
   std::vector<std::uint32_t> columnWidths;
   columnWidths.reserve(slots_.size());
   for (const TxtWzVar* slot : slots_) columnWidths.push_back(slot->width);

@@ -10,7 +10,7 @@ static_assert(std::endian::native == std::endian::little, "a word's bits are sto
 
 // Of the library's headers alone: its shared library measures the processor's clock when it is
 // loaded, which would take longer than a small import. Vectors are 32 bytes at most, so nothing is
-// gained from the sets beyond.
+// gained from the sets beyond (docs/decisions.md).
 #define HWY_DISABLED_TARGETS (HWY_AVX3 | HWY_AVX3_DL)
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "reading/ByteScan.cpp"

@@ -9,7 +9,7 @@ namespace textwizard {
 
 // The text of `variable` in `record`, in bytes: from its start column, as wide as its string width
 // (strings) or field width (others), cut at the record's end. False, with an empty field, when the
-// record is shorter than the start column.
+// record is shorter than the start column. Why bytes: docs/decisions.md.
 bool CutFixedField(std::string_view record, const TxtWzVar& variable, std::string_view& field);
 
 }  // namespace textwizard

@@ -37,7 +37,8 @@ class ImportSource : public QANT_DataSource {
   // Positions of cases. Synchronises itself.
   virtual QANT_SparseFileIndex& index() const = 0;
 
-  // An iterator for type detection, owned by the caller; `obs` may be null. Host's thread.
+  // An iterator for type detection, owned by the caller; `obs` may be null. Throws when memory runs
+  // out. Host's thread.
   virtual QANT_InputCaseIterator* MakeAutoDetectIterator(OBS* obs) const = 0;
   // A pass has reached the end of the data after `cases` cases: when no earlier pass found so many,
   // keeps the count and, when the command asked for it, writes the variable map to `monitor`.

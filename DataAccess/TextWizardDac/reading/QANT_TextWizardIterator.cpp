@@ -280,7 +280,7 @@ bool QANT_TextWizardIterator::GetVarBuffer(std::string& field, const TxtWzVar* v
 std::size_t QANT_TextWizardIterator::StringRoom(const TxtWzVar& variable, unsigned column) const {
   if (variable.formatType != kFormatA) return 0;
   // A field of fixed columns ends where the format does, which may be wider than the cells: what
-  // it shows behind them belongs to other columns and is not lost.
+  // it shows behind them belongs to other columns and is not lost (docs/decisions.md).
   const QANT_Variable* const target = source_.GetVariable(column);
   if (source_.settings().arrangement == kFixedColumns || !target) return variable.maxStringLength;
   return static_cast<std::size_t>(target->GetType());

@@ -36,6 +36,7 @@ class RecordReader {
   // A mark was found by the latest HandleByteOrderMark.
   bool hasMark() const { return hasMark_; }
   ByteOrderMark mark() const { return mark_; }
+  // By its mark alone (docs/decisions.md).
   bool isUtf16() const {
     return mark_ == ByteOrderMark::kUtf16BigEndian || mark_ == ByteOrderMark::kUtf16LittleEndian;
   }

@@ -55,8 +55,9 @@ QANT_InputCaseIterator* QANT_TextWizardSrc::MakeIterator(OBS* obs) const {
       return new QANT_TextWizardMultiThreadedIterator(*this, obs, false);
     }
     return new QANT_TextWizardIterator(*this, obs);
-  } catch (const std::bad_alloc&) {
-    throw int{kReadFailed};
+  } catch (...) {
+    // Lack of memory, in whatever form a library reports it (docs/decisions.md).
+    return nullptr;
   }
 }
 

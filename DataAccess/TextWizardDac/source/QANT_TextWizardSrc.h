@@ -19,12 +19,10 @@ class QANT_TextWizardSrc : public ImportSource {
   ~QANT_TextWizardSrc() override;
 
   bool OpenFile(const char* path);
-  // Throws the integer 2269 when the file cannot be opened again or there is no memory.
   QANT_InputCaseIterator* MakeIterator(OBS* obs) const override;
   // Cases of the longest pass that reached the end of the data; -1 before.
   long long RowCount() const override;
-  // Multi-threaded for one case per line unless DISABLE_MULTI_THREAD_AUTO is "YES"; that one throws
-  // the integer 2269 when the file cannot be opened again.
+  // Multi-threaded for one case per line unless DISABLE_MULTI_THREAD_AUTO is "YES".
   QANT_InputCaseIterator* MakeAutoDetectIterator(OBS* obs) const override;
 
   // What the plan hands over while it executes; before any iterator but the detection's.

@@ -16,9 +16,14 @@ constexpr int kThreading = 1;
 constexpr int kFlags = 3;
 
 bool Register(unsigned reason) {
-  return PackageRegistration::ClassObjectRegistration(
-      reason, kClassId, &TextWizardDACHandler::Factory, &PackageInstance::FCreate, kWizardPackage,
-      kWizardPackageVersion, kThreading, kFlags);
+  try {
+    return PackageRegistration::ClassObjectRegistration(
+        reason, kClassId, &TextWizardDACHandler::Factory, &PackageInstance::FCreate, kWizardPackage,
+        kWizardPackageVersion, kThreading, kFlags);
+  } catch (...) {
+    // Whatever the registry lacks, the library is to be loaded.
+    return false;
+  }
 }
 
 struct LoadedClass {

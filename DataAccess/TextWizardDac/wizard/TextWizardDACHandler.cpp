@@ -37,7 +37,14 @@ TextWizardDACHandler::TextWizardDACHandler(ROTBase* rot) : PackageProxy(rot) {}
 
 TextWizardDACHandler::~TextWizardDACHandler() = default;
 
-PackageProxy* TextWizardDACHandler::Factory(ROTBase* rot) { return new TextWizardDACHandler(rot); }
+PackageProxy* TextWizardDACHandler::Factory(ROTBase* rot) {
+  try {
+    return new TextWizardDACHandler(rot);
+  } catch (...) {
+    // Nothing may be thrown to the host.
+    return nullptr;
+  }
+}
 
 bool TextWizardDACHandler::Utf16() const {
   return mode_ == kWizardUtf16BigEndian || mode_ == kWizardUtf16LittleEndian;

@@ -21,7 +21,7 @@ class TextWizardDACHandler : public PackageProxy, public TwExecInput {
  public:
   explicit TextWizardDACHandler(ROTBase* rot);
   ~TextWizardDACHandler() override;
-  // A new handler, owned by the caller.
+  // A new handler, owned by the caller; null when there is no memory for one.
   static PackageProxy* Factory(ROTBase* rot);
 
   // Opens a file in an encoding that a byte-order mark overrides. False when a file is open

@@ -74,6 +74,8 @@ class QANT_DataSource {
   virtual int GetSplitVarID(unsigned int) const;
   virtual bool GetSplitqSeparate() const;
   // A new iterator that fills `obs` (GetObsAreaSize() bytes, outliving it). The caller owns it.
+  // Null when there is no memory for one; nothing is thrown. A file that cannot be read is found by
+  // the first Next, which posts an error and returns false.
   virtual QANT_InputCaseIterator* MakeIterator(OBS* obs) const = 0;
   // Bytes of one case.
   virtual std::size_t GetObsAreaSize() const;

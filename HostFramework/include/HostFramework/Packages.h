@@ -48,6 +48,7 @@ class PackageInstance {
   static PackageInstance* FCreate();
 };
 
+// Makes an object, which the caller owns; null when there is no memory for one. Throws nothing.
 using PackageProxyFactory = PackageProxy* (*)(ROTBase* rot);
 using PackageInstanceFactory = PackageInstance* (*)();
 
