@@ -1,36 +1,7 @@
 #include "library/import/ColumnEvidence.h"
 
-#include <bit>
-#include <cstring>
-
-#include "HostFramework/embedded/text/Utf8.h"
-#include "HostFramework/embedded/values/PlainNumber.h"
-
 namespace library {
 namespace {
-
-constexpr ReadingSet kOfIntegers(Reading::kPoint, Reading::kComma, Reading::kPointPercent,
-                                 Reading::kCommaPercent, Reading::kDollar);
-constexpr ReadingSet kOfPointNumbers(Reading::kPoint, Reading::kPointPercent, Reading::kDollar);
-
-// Digits of a group: so many behind a point may have been grouped by it.
-constexpr std::size_t kGroupDigits = 3;
-
-bool IsBlank(char byte) { return byte == ' ' || byte == '\t'; }
-
-// Without the blanks that value input drops.
-std::string_view Trimmed(std::string_view field) {
-  while (!field.empty() && IsBlank(field.front())) field.remove_prefix(1);
-  while (!field.empty() && IsBlank(field.back())) field.remove_suffix(1);
-  return field;
-}
-
-// Place of the point in a text of 1 to 16 characters; its size when there is none.
-std::size_t FindPoint(std::string_view text) {
-  const void* const found = std::memchr(text.data(), '.', text.size());
-  return found == nullptr ? text.size()
-                          : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
-}
 
 // The longest beginning of `text` of whole characters and at most `bytes` bytes.
 std::string_view WholeCharacters(std::string_view text, std::size_t bytes) {
@@ -71,55 +42,29 @@ void NumberEvidence::Append(const NumberEvidence& next, std::int64_t lines) {
 }
 
 void ColumnEvidence::Count(std::string_view field, std::int64_t line, const NullTexts& nulls) {
-  if (static_cast<std::int64_t>(field.size()) > longest_.count) {
-    longest_.Set(field, line);
-    longest_.count = static_cast<std::int64_t>(field.size());
-  }
+  CountLength(field, line);
   const std::string_view text = Trimmed(field);
   if (text.empty()) {
     ++empties_;
-    return;
-  }
-  if (nulls.Has(text)) {
+  } else if (nulls.Has(text)) {
     nulls_.Add(text, line);
-    return;
-  }
-  ++values_;
-  if (!CountPlainNumber(text, line)) CountReadings(ReadValue(text), text, line);
-}
-
-// What nearly all numbers are: digits, with a sign or a point or without. False for other texts and
-// for those whose point may be a grouping one.
-bool ColumnEvidence::CountPlainNumber(std::string_view text, std::int64_t line) {
-  const bool hasSign = text.front() == '-' || text.front() == '+';
-  const std::string_view digits = text.substr(hasSign ? 1 : 0);
-  double value;
-  if (digits.size() - 1 >= embedded::PlainNumber::kLongest ||
-      !embedded::PlainNumber::Read(digits.data(), digits.size(), '.', false, &value)) {
-    return false;
-  }
-  const std::size_t point = FindPoint(digits);
-  const auto whole = static_cast<int>(point + (hasSign ? 1 : 0));
-  if (point == digits.size()) {
-    point_.whole = std::max(point_.whole, whole);
-    comma_.whole = std::max(comma_.whole, whole);
-    if (digits.front() == '0' && digits.size() > 1) leadingZeros_.Add(text, line);
-    CountGroup(kOfIntegers, text, line);
   } else {
-    const std::size_t fraction = digits.size() - point - 1;
-    if (fraction == kGroupDigits && point > 0 && point <= kGroupDigits) return false;
-    point_.whole = std::max(point_.whole, whole);
-    point_.fraction = std::max(point_.fraction, static_cast<int>(fraction));
-    point_.fractions += fraction > 0 ? 1 : 0;
-    CountGroup(kOfPointNumbers, text, line);
+    CountValue(ReadValue(text), text, line);
   }
-  return true;
 }
 
-void ColumnEvidence::CountReadings(const ValueReadings& found, std::string_view text,
-                                   std::int64_t line) {
-  CountGroup(found.set, text, line);
+void ColumnEvidence::CountLength(std::string_view field, std::int64_t line) {
+  if (static_cast<std::int64_t>(field.size()) <= longest_.count) return;
+  longest_.Set(field, line);
+  longest_.count = static_cast<std::int64_t>(field.size());
+}
+
+void ColumnEvidence::CountValue(const ValueReadings& found, std::string_view text,
+                                std::int64_t line) {
+  ++values_;
+  GroupOf(found.set).values.Add(text, line);
   if (found.set.empty()) return;
+  longestRead_ = std::max(longestRead_, static_cast<int>(text.size()));
   if (found.set.Has(Reading::kPointPercent) || found.set.Has(Reading::kDollar)) {
     point_.Add(found.point, text, line);
   }
@@ -134,11 +79,6 @@ void ColumnEvidence::CountReadings(const ValueReadings& found, std::string_view 
   if (found.eitherOrder) eitherOrder_.Add(text, line);
   secondFraction_ = std::max(secondFraction_, found.secondFraction);
   hasSeconds_ = hasSeconds_ || found.hasSeconds;
-}
-
-void ColumnEvidence::CountGroup(ReadingSet readings, std::string_view text, std::int64_t line) {
-  if (!readings.empty()) longestRead_ = std::max(longestRead_, static_cast<int>(text.size()));
-  GroupOf(readings).values.Add(text, line);
 }
 
 // The groups are in the order of their sets, so that evidence does not depend on how it came

@@ -14,6 +14,14 @@
 
 namespace library {
 
+// A field without the blanks that value input drops.
+inline std::string_view Trimmed(std::string_view field) {
+  const auto isBlank = [](char byte) { return byte == ' ' || byte == '\t'; };
+  while (!field.empty() && isBlank(field.front())) field.remove_prefix(1);
+  while (!field.empty() && isBlank(field.back())) field.remove_suffix(1);
+  return field;
+}
+
 // How many, and the first of them: its physical line (from 1) and its text (UTF-8, at most
 // kWitnessBytes). Line 0: none.
 struct Witness {
@@ -25,7 +33,8 @@ struct Witness {
 
   // One more, of host text.
   void Add(std::string_view seen, std::int64_t seenLine) {
-    if (count++ == 0) Set(seen, seenLine);
+    if (line == 0) Set(seen, seenLine);
+    ++count;
   }
   // Those of `next`, which begins `lines` lines later.
   void Append(const Witness& next, std::int64_t lines);
@@ -58,7 +67,7 @@ class ColumnEvidence {
     bool operator==(const Group&) const = default;
   };
 
-  // Takes the field of a record that begins in line `line`.
+  // Takes the field of a record that begins in line `line` (from 1).
   void Count(std::string_view field, std::int64_t line, const NullTexts& nulls);
   // Takes what `next` has counted behind this stretch, which is `lines` lines long.
   void Append(const ColumnEvidence& next, std::int64_t lines);
@@ -101,9 +110,11 @@ class ColumnEvidence {
   bool operator==(const ColumnEvidence&) const = default;
 
  private:
-  bool CountPlainNumber(std::string_view text, std::int64_t line);
-  void CountReadings(const ValueReadings& found, std::string_view text, std::int64_t line);
-  void CountGroup(ReadingSet readings, std::string_view text, std::int64_t line);
+  friend class ColumnCounters;
+
+  // The steps of Count: a field's length; a value that is no null text, with its readings.
+  void CountLength(std::string_view field, std::int64_t line);
+  void CountValue(const ValueReadings& found, std::string_view text, std::int64_t line);
   Group& GroupOf(ReadingSet readings);
   template <typename Chosen>
   Witness Sum(const Chosen& chosen) const;

@@ -5,12 +5,43 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/text/HostText.h"
+#include "library/import/ColumnCounters.h"
 #include "library/import/testing/Evidence.h"
 
 namespace library {
 namespace {
 
 using testing_support::EvidenceOf;
+
+std::string Show(const Witness& witness) {
+  return std::to_string(witness.count) + " in line " + std::to_string(witness.line) + " '" +
+         witness.text + "'; ";
+}
+std::string Show(const NumberEvidence& numbers) {
+  return std::to_string(numbers.whole) + "." + std::to_string(numbers.fraction) + " " +
+         std::to_string(numbers.fractions) + " " + std::to_string(numbers.exponents) + " grouped " +
+         Show(numbers.grouped);
+}
+// All of it, for messages.
+std::string Show(const ColumnEvidence& column) {
+  std::string text = "values " + std::to_string(column.values()) + " empty " +
+                     std::to_string(column.empties()) + " null " + Show(column.nulls());
+  for (const ColumnEvidence::Group& group : column.groups()) {
+    text += "\n  " + std::to_string(group.readings.bits()) + ": " + Show(group.values);
+  }
+  return text + "\n  point " + Show(column.point()) + "comma " + Show(column.comma()) + "zeros " +
+         Show(column.leadingZeros()) + "digits " + Show(column.lostDigits()) + "either " +
+         Show(column.eitherOrder()) + "longest " + Show(column.longest()) +
+         std::to_string(column.longestRead()) + " " + std::to_string(column.namedMonths()) + " " +
+         std::to_string(column.shortYears()) + " " + std::to_string(column.slashed()) + " " +
+         std::to_string(column.dotted()) + " " + std::to_string(column.dashed()) + " " +
+         std::to_string(column.secondFraction()) + (column.hasSeconds() ? " seconds\n" : "\n");
+}
+std::string Show(const std::vector<ColumnEvidence>& columns) {
+  std::string text;
+  for (const ColumnEvidence& column : columns) text += Show(column);
+  return text;
+}
 
 class ColumnEvidenceTest : public testing::Test {
  protected:
@@ -138,6 +169,43 @@ TEST_F(ColumnEvidenceTest, StretchesJoinToTheWholeInAnyGrouping) {
     right.Append(rest, lines(cuts[0]));
     ASSERT_EQ(left, whole) << testing::PrintToString(values);
     ASSERT_EQ(right, whole) << testing::PrintToString(values);
+  }
+}
+
+// The quick way counts the same, whatever came before.
+TEST_F(ColumnEvidenceTest, CountersCountAsEvidenceDoes) {
+  const std::vector<std::string> pieces = {
+      "0",     "1",   "12",     "123", "007",      "99999", ".",          ",",      "-",
+      "+",     "/",   ":",      " ",   "e",        "E",     "d",          "$",      "%",
+      "Jan",   "may", "Monday", "abc", "Q",        "T",     "2020",       "-01-02", "12/31/2019",
+      "10:30", "\t",  "NA",     "x",   "\xC3\xA9", "-99",   "31-DEC-1999"};
+  std::mt19937_64 random(17);
+  const NullTexts nulls({"NA", "-99", "-", "."});
+  for (int round = 0; round < 3000; ++round) {
+    ColumnCounters counters(2, nulls);
+    std::vector<ColumnEvidence> expected(2);
+    std::string field;
+    for (std::int64_t line = 1; line <= 30; ++line) {
+      for (std::size_t column = 0; column < 2; ++column) {
+        // Often the same shape again, with other digits.
+        if (random() % 3 == 0) {
+          for (char& byte : field) {
+            if (byte >= '0' && byte <= '9') byte = static_cast<char>('0' + random() % 10);
+          }
+        } else {
+          field.clear();
+          for (std::size_t count = random() % 5; count > 0; --count) {
+            field += pieces[random() % pieces.size()];
+          }
+        }
+        counters.Count(column, field, line);
+        expected[column].Count(field, line, nulls);
+      }
+    }
+    const std::vector<ColumnEvidence> counted = counters.Take();
+    ASSERT_EQ(Show(counted), Show(expected));
+    ASSERT_EQ(counted, expected);
+    ASSERT_EQ(counters.Take(), std::vector<ColumnEvidence>(2));
   }
 }
 

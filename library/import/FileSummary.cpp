@@ -27,12 +27,6 @@ constexpr std::int64_t kPartsAhead = 4;
 constexpr char kNoMemory[] = "there is not enough memory";
 constexpr char kNotRead[] = "reading the file failed";
 
-std::size_t ColumnsOf(const ColumnCut& cut) {
-  return static_cast<std::size_t>(
-      std::count_if(cut.fields.begin(), cut.fields.end(),
-                    [](const ColumnCut::Field& field) { return field.imported; }));
-}
-
 // Parts on their way into one summary, in their order.
 class Gathering {
  public:
@@ -105,7 +99,6 @@ class Summarizer : public sfThread {
              const QANT_FileStream& stream, Gathering& gathering, std::int64_t ahead)
       : sfThread(1),
         end_(settings.end),
-        columns_(ColumnsOf(settings.cut)),
         reader_(stream, settings.cut, nulls, settings.standIns),
         gathering_(gathering),
         ahead_(ahead) {
@@ -118,7 +111,7 @@ class Summarizer : public sfThread {
   void threadMain() override {
     try {
       for (std::int64_t part; (part = gathering_.Take(ahead_)) >= 0;) {
-        PartSummary summary(columns_);
+        PartSummary summary;
         const std::int64_t from = gathering_.BeginOf(part);
         const std::int64_t to = std::min(end_, gathering_.BeginOf(part + 1));
         if (!reader_.Summarize(from, to, part == 0, &summary)) {
@@ -134,7 +127,6 @@ class Summarizer : public sfThread {
 
  private:
   const std::int64_t end_;
-  const std::size_t columns_;
   PartReader reader_;
   Gathering& gathering_;
   const std::int64_t ahead_;

@@ -7,8 +7,8 @@ namespace library {
 NullTexts::NullTexts(const std::vector<std::string>& texts) {
   for (const std::string& text : texts) {
     if (text.empty()) continue;
-    firsts_.set(static_cast<unsigned char>(text.front()));
-    longest_ = std::max(longest_, text.size());
+    lengths_[static_cast<unsigned char>(text.front())] |= std::uint64_t{1}
+                                                          << std::min(text.size(), kLongest);
     texts_.push_back(text);
   }
 }

@@ -1,7 +1,10 @@
 // The texts that mean a missing number.
 #pragma once
 
-#include <bitset>
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,17 +19,18 @@ class NullTexts {
 
   // Whether `text` (not empty, without blanks around it) is one of them.
   bool Has(std::string_view text) const {
-    if (!firsts_.test(static_cast<unsigned char>(text.front())) || text.size() > longest_) {
-      return false;
-    }
-    return Find(text);
+    const std::uint64_t lengths = lengths_[static_cast<unsigned char>(text.front())];
+    return ((lengths >> std::min<std::size_t>(text.size(), kLongest)) & 1U) != 0 && Find(text);
   }
 
  private:
+  // This long or longer.
+  static constexpr std::size_t kLongest = 63;
+
   bool Find(std::string_view text) const;
 
-  std::bitset<256> firsts_;
-  std::size_t longest_ = 0;
+  // By the first byte: bits of the lengths that there are.
+  std::array<std::uint64_t, 256> lengths_{};
   std::vector<std::string> texts_;
 };
 

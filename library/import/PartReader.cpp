@@ -1,6 +1,7 @@
 #include "library/import/PartReader.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "library/import/Controls.h"
 #include "reading/ByteScan.h"
@@ -20,7 +21,6 @@ bool Decodes(const textwizard::RecordReader& reader, textwizard::FileEncoding en
 PartReader::PartReader(const QANT_FileStream& stream, const ColumnCut& cut, const NullTexts& nulls,
                        const StandIns* standIns)
     : cut_(cut),
-      nulls_(nulls),
       standIns_(standIns),
       fixed_(cut.settings.arrangement == textwizard::kFixedColumns),
       rules_(cut.settings),
@@ -28,7 +28,10 @@ PartReader::PartReader(const QANT_FileStream& stream, const ColumnCut& cut, cons
       decoder_(cut.settings.encoding),
       splitter_(rules_, textwizard::SplitUse::kReading, this),
       run_(kRunBytes),
-      fields_(cut.fields.size()) {
+      lineEnds_(kRunBytes / 64),
+      fields_(cut.fields.size()),
+      allImported_(ColumnsOf(cut) == cut.fields.size()),
+      counters_(ColumnsOf(cut), nulls) {
   reader_.SeekBegin();
   reader_.HandleByteOrderMark();
   decodes_ = Decodes(reader_, cut.settings.encoding);
@@ -57,6 +60,7 @@ bool PartReader::Summarize(std::int64_t from, std::int64_t to, bool atStart, Par
     bytesRead_.fetch_add(reader_.position() - position, std::memory_order_relaxed);
   }
   summary->lines = line_ - 1;
+  summary->columns = counters_.Take();
   return !reader_.failed();
 }
 
@@ -70,27 +74,36 @@ void PartReader::TakeRun(std::size_t room) {
 
 // Whole lines as they stand in the file.
 void PartReader::TakeText(std::string_view text) {
+  constexpr textwizard::ByteSet kLineEnds = {{'\n', '\r'}, 2};
   const bool marked = !fixed_ && !decodes_ && splitter_.CutsByBytes(text);
   if (marked) {
     NoteControls(text);
     splitter_.SetByteText(text);
   }
-  for (std::size_t at = 0; at < text.size();) {
-    const std::string_view rest = text.substr(at);
-    const std::size_t length = textwizard::FindLineEnd8(rest);
-    const std::string_view record = rest.substr(0, length);
-    if (!marked) {
-      TakeRaw(record);
-    } else {
-      if (!record.empty()) {
-        splitter_.SetRecordOfText(record);
-        TakeDelimited(record);
+  textwizard::MarkBytes(text, kLineEnds, lineEnds_.data());
+  std::size_t begin = 0;
+  for (std::size_t word = 0; 64 * word < text.size(); ++word) {
+    for (std::uint64_t left = lineEnds_[word]; left != 0; left &= left - 1) {
+      const std::size_t end = 64 * word + static_cast<std::size_t>(std::countr_zero(left));
+      // The second half of CR LF.
+      if (end == begin && end > 0 && text[end] == '\n' && text[end - 1] == '\r') {
+        begin = end + 1;
+        continue;
       }
-      PassLine(record);
+      TakeLine(text.substr(begin, end - begin), marked);
+      begin = end + 1;
     }
-    at += length;
-    if (length < rest.size()) at += rest.substr(length, 2) == "\r\n" ? 2 : 1;
   }
+}
+
+// A line of a text that is marked already, or not.
+inline void PartReader::TakeLine(std::string_view line, bool marked) {
+  if (!marked) return TakeRaw(line);
+  if (!line.empty()) {
+    splitter_.SetRecordOfText(line);
+    TakeDelimited(line);
+  }
+  PassLine(line);
 }
 
 // A line without its end, as it stands in the file.
@@ -136,8 +149,8 @@ void PartReader::TakeDelimited(std::string_view record) {
   for (std::size_t field = 0; field < count;) {
     const std::size_t cut = splitter_.Cut(fields_.data(), count - field);
     for (std::size_t i = 0; i < cut; ++i, ++field) {
-      if (cut_.fields[field].imported) {
-        summary_->columns[column++].Count(fields_[i], line_, nulls_);
+      if (allImported_ || cut_.fields[field].imported) {
+        counters_.Count(column++, fields_[i], line_);
       } else if (!fields_[i].empty()) {
         summary_->unexpected.Add(fields_[i], line_);
       }
@@ -159,7 +172,7 @@ void PartReader::TakeFixed(std::string_view record) {
   for (const ColumnCut::Field& place : cut_.fields) {
     const std::string_view field =
         record.size() < place.start ? std::string_view() : record.substr(place.start, place.width);
-    if (place.imported) summary_->columns[column++].Count(field, line_, nulls_);
+    if (place.imported) counters_.Count(column++, field, line_);
   }
 }
 

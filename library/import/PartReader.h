@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "HostFramework/FileStream.h"
+#include "library/import/ColumnCounters.h"
 #include "library/import/NullTexts.h"
 #include "library/import/PartSummary.h"
 #include "library/import/StandIns.h"
@@ -40,6 +41,7 @@ class PartReader : private textwizard::UndecodableListener {
   bool BeginAt(std::int64_t from, bool atStart);
   void TakeRun(std::size_t room);
   void TakeText(std::string_view text);
+  void TakeLine(std::string_view line, bool marked);
   void TakeRaw(std::string_view raw);
   void TakeDelimited(std::string_view record);
   void TakeFixed(std::string_view record);
@@ -47,7 +49,6 @@ class PartReader : private textwizard::UndecodableListener {
   void PassLine(std::string_view record);
 
   const ColumnCut& cut_;
-  const NullTexts& nulls_;
   const StandIns* const standIns_;
   const bool fixed_;
   const textwizard::FieldRules rules_;
@@ -57,7 +58,10 @@ class PartReader : private textwizard::UndecodableListener {
   // Records are other bytes in the file than to the host.
   bool decodes_ = true;
   std::vector<char> run_;
+  std::vector<std::uint64_t> lineEnds_;
   std::vector<std::string_view> fields_;
+  const bool allImported_;
+  ColumnCounters counters_;
   PartSummary* summary_ = nullptr;
   // The line, within the stretch, that the record in hand begins in.
   std::int64_t line_ = 1;

@@ -1,6 +1,14 @@
 #include "library/import/PartSummary.h"
 
+#include <algorithm>
+
 namespace library {
+
+std::size_t ColumnsOf(const ColumnCut& cut) {
+  return static_cast<std::size_t>(
+      std::count_if(cut.fields.begin(), cut.fields.end(),
+                    [](const ColumnCut::Field& field) { return field.imported; }));
+}
 
 void PartSummary::Append(const PartSummary& next) {
   surplus.Append(next.surplus, lines);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -25,6 +26,9 @@ struct ColumnCut {
   };
   std::vector<Field> fields;
 };
+
+// The fields of a record that are imported.
+std::size_t ColumnsOf(const ColumnCut& cut);
 
 // The summary of a stretch: two stretches that follow one another become one by Append, in any
 // grouping the same. Lines are counted from the stretch's own first one until then.

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdio>
 
 #include "HostFramework/embedded/values/DateNames.h"
 #include "HostFramework/embedded/values/NumberInput.h"
 #include "HostFramework/embedded/values/TextCursor.h"
+#include "library/import/NamePrefixes.h"
 #include "reading/ValueConverter.h"
 
 namespace library {
@@ -72,6 +74,14 @@ bool Converts(std::string_view text, Reading reading) {
   return textwizard::ConvertNumber(text, FormatOf(reading), &value);
 }
 
+// A text whose readings are those of `tries` that convert.
+ValuePlan Trying(ReadingSet tries) {
+  ValuePlan plan;
+  if (!tries.empty()) plan.kind = ValuePlan::kTries;
+  plan.tries = tries;
+  return plan;
+}
+
 // What stands where in a text that begins with a digit, behind its sign.
 struct Parts {
   int count = 0;  // runs of digits
@@ -126,10 +136,10 @@ bool ReadsNumber(std::string_view text, std::uint32_t format, char decimal, doub
   return embedded::ReadNumber(text, static_cast<int>(format), decimal, value);
 }
 
-bool HasLeadingZero(std::string_view text, unsigned classes) {
-  if ((classes & ~unsigned{kDigit | kPlusMinus}) != 0) return false;
-  if (!IsDigit(text.front())) text.remove_prefix(1);
-  return text.size() > 1 && text.front() == '0';
+// Of a whole number without grouping.
+bool HasLeadingZero(std::string_view text) {
+  if (ClassOf(text.front()) == kPlusMinus) text.remove_prefix(1);
+  return text.size() > 1 && text.front() == '0' && std::all_of(text.begin(), text.end(), IsDigit);
 }
 
 // Numbers, percentages and dollar amounts.
@@ -161,7 +171,7 @@ ValueReadings ReadNumbers(std::string_view text, unsigned classes) {
     found.comma = same ? found.point : ShapeOf(text, ',');
   }
   if (found.set.empty()) return found;
-  found.leadingZero = HasLeadingZero(text, classes);
+  found.leadingZero = HasLeadingZero(text);
   found.losesDigits = LosesDigits(text, value);
   return found;
 }
@@ -191,96 +201,79 @@ std::string_view TrailingDigits(std::string_view text) {
 }
 
 // Times, durations, and dates with a time.
-ValueReadings ReadTimes(std::string_view text, unsigned classes) {
-  ValueReadings found;
+ValuePlan PlanTimes(std::string_view text, unsigned classes) {
   const Parts parts = PartsOf(IsDigit(text.front()) ? text : text.substr(1));
   const std::size_t colon = text.find(':');
   const bool separated =
       (classes & kSlash) != 0 || text.find('-', 1) < colon || text.find_first_of(".,") < colon;
   const bool letters = (classes & (kLetter | kExponent)) != 0;
   const bool compact = parts.lengths[0] >= 6;
-  const auto tries = [&](Reading reading) {
-    if (!Converts(text, reading)) return false;
-    found.set.Add(reading);
-    return true;
-  };
-  found.secondFraction = SecondFraction(text);
-  found.hasSeconds = text.find(':', colon + 1) != std::string_view::npos;
+  ValuePlan plan;
   if (!separated && !letters && !compact) {
-    if ((classes & kBlank) != 0) {
-      tries(Reading::kDaysTime);
-    } else {
-      tries(Reading::kTime);
-      tries(Reading::kMinutesSeconds);
-    }
-    return found;
+    plan = (classes & kBlank) != 0 ? Trying(ReadingSet(Reading::kDaysTime))
+                                   : Trying(ReadingSet(Reading::kTime, Reading::kMinutesSeconds));
+  } else if (parts.lengths[0] == 4 || compact) {
+    plan = Trying(ReadingSet(Reading::kYearMonthDayTime));
+  } else if (parts.lengths[0] <= 2) {
+    plan = Trying(ReadingSet(Reading::kDayMonthYearTime));
+    // A single letter is the T between date and time.
+    const std::size_t letter = text.find_first_not_of("0123456789-/., ");
+    plan.found.monthInLetters = letter != std::string_view::npos && text[letter] != ':' &&
+                                letter + 1 < text.size() && !IsDigit(text[letter + 1]);
+    if (!plan.found.monthInLetters) plan.found.separator = parts.separator;
   }
-  if (parts.lengths[0] == 4 || compact) tries(Reading::kYearMonthDayTime);
-  if (parts.lengths[0] <= 2 && tries(Reading::kDayMonthYearTime)) {
-    const std::string_view date = text.substr(0, text.find_first_of(" T"));
-    found.eitherOrder = Converts(date, Reading::kMonthDayYear);
-    found.monthInLetters = MonthNameAt(date.substr(std::min(
-                               date.size(), date.find_first_not_of("0123456789-/., ")))) != 0;
-    if (!found.monthInLetters) found.separator = parts.separator;
-  }
-  return found;
+  plan.found.secondFraction = SecondFraction(text);
+  plan.found.hasSeconds = text.find(':', colon + 1) != std::string_view::npos;
+  return plan;
 }
 
 // Dates of digits: one separator throughout, and no list or version number.
-ValueReadings ReadDigitDates(std::string_view text, unsigned classes) {
-  ValueReadings found;
+ValuePlan PlanDigitDates(std::string_view text, unsigned classes) {
   const Parts parts = PartsOf(text);
-  if ((classes & (kCommaSign | kBlank)) != 0 || !parts.sameSeparator) return found;
-  const auto tries = [&](Reading reading) {
-    if (Converts(text, reading)) found.set.Add(reading);
-  };
+  if ((classes & (kCommaSign | kBlank)) != 0 || !parts.sameSeparator) return {};
   if (parts.count == 2) {
-    if (parts.lengths[1] == 4 && parts.lengths[0] <= 2) tries(Reading::kMonthYear);
-    return found;
+    const bool isMonth = parts.lengths[1] == 4 && parts.lengths[0] <= 2;
+    return isMonth ? Trying(ReadingSet(Reading::kMonthYear)) : ValuePlan();
   }
-  if (parts.count != 3) return found;
+  if (parts.count != 3) return {};
   const bool shortYear = parts.lengths[0] <= 2 && parts.lengths[2] <= 2;
   // 1.2.34 and 1-2-34 are rather the numbers of versions and parts.
   const bool padded = parts.lengths[0] == 2 && parts.lengths[1] == 2 && parts.lengths[2] == 2;
-  if (shortYear && !padded && parts.separator != '/') return found;
-  if (parts.lengths[0] == 4 || shortYear) tries(Reading::kYearMonthDay);
+  if (shortYear && !padded && parts.separator != '/') return {};
+  ReadingSet tries;
+  if (parts.lengths[0] == 4 || shortYear) tries.Add(Reading::kYearMonthDay);
   if (parts.lengths[0] <= 2) {
-    tries(Reading::kMonthDayYear);
-    tries(Reading::kDayMonthYear);
+    tries.Add(Reading::kMonthDayYear);
+    tries.Add(Reading::kDayMonthYear);
   }
-  found.shortYear = shortYear;
-  found.separator = parts.separator;
-  return found;
+  ValuePlan plan = Trying(tries);
+  plan.found.shortYear = shortYear;
+  plan.found.separator = parts.separator;
+  return plan;
 }
 
-// 31 Jan 2020, 31JAN20, 2020-Jan-31, 1 Q 2020, 12 WK 2020: digits first, letters in them.
-ValueReadings ReadLetterDates(std::string_view text) {
-  ValueReadings found;
-  std::size_t at = 0;
-  while (at < text.size() && IsDigit(text[at])) ++at;
-  const std::size_t digits = at;
-  while (at < text.size() && (ClassOf(text[at]) & (kLetter | kExponent)) == 0) ++at;
-  const std::string_view letters = text.substr(at);
-  const auto tries = [&](Reading reading) {
-    if (Converts(text, reading)) found.set.Add(reading);
-  };
-  const char first = letters.empty() ? '\0' : static_cast<char>(letters.front() | 0x20);
-  found.shortYear = TrailingDigits(text).size() <= 2;
-  if (first == 'q' && digits == 1) {
-    tries(Reading::kQuarter);
-  } else if (first == 'w' && digits <= 2) {
-    tries(Reading::kWeek);
-  } else if (digits <= 4 && MonthNameAt(letters) != 0) {
-    tries(digits == 4 ? Reading::kYearMonthDay : Reading::kDayMonthYear);
-    found.monthInLetters = true;
-    found.shortYear = digits <= 2 && found.shortYear;
+// 31-Jan-2020, 31JAN20, 2020-Jan-31, 1 Q 2020, 12 WK 2020: digits first, letters in them.
+ValuePlan PlanLetterDates(std::string_view text) {
+  std::size_t digits = 0;
+  while (digits < text.size() && IsDigit(text[digits])) ++digits;
+  const std::size_t year = TrailingDigits(text).size();
+  ReadingSet tries;
+  if (digits == 1) tries.Add(Reading::kQuarter);
+  if (digits <= 2) {
+    tries.Add(Reading::kWeek);
+    tries.Add(Reading::kDayMonthYear);
   }
-  return found;
+  if (digits == 4) tries.Add(Reading::kYearMonthDay);
+  ValuePlan plan = Trying(tries);
+  plan.found.monthInLetters = true;
+  plan.found.shortYear = digits <= 2 && year <= 2;
+  return plan;
 }
 
 // Names of days and months; a month and a year; a month, a day and a year.
 ValueReadings ReadNames(std::string_view text) {
   ValueReadings found;
+  if (!NamePrefixes::Instance().MayBegin(text)) return found;
   if (DayNameAt(text) == text.size() && Converts(text, Reading::kDayName)) {
     found.set.Add(Reading::kDayName);
   }
@@ -305,23 +298,78 @@ ValueReadings ReadNames(std::string_view text) {
   return found;
 }
 
+// The readings of a plan that convert.
+ValueReadings Try(const ValuePlan& plan, std::string_view text) {
+  ValueReadings found = plan.found;
+  for (std::uint32_t left = plan.tries.bits(); left != 0; left &= left - 1) {
+    const auto reading = static_cast<Reading>(std::countr_zero(left));
+    if (Converts(text, reading)) found.set.Add(reading);
+  }
+  if (found.set.Has(Reading::kDayMonthYearTime) && !found.monthInLetters) {
+    const std::string_view date = text.substr(0, text.find_first_of(" T"));
+    found.eitherOrder = Converts(date, Reading::kMonthDayYear);
+  }
+  return found;
+}
+
+ValuePlan PlanOfText(std::string_view text) {
+  const unsigned first = ClassOf(text.front());
+  ValuePlan plan;
+  if ((first & kOther) != 0 || text.size() > kLongestValue) return plan;
+  if ((first & (kLetter | kExponent)) != 0) {
+    plan.kind = ValuePlan::kNames;
+    return plan;
+  }
+  const unsigned classes = ClassesIn(text);
+  if ((classes & kDigit) == 0 || (classes & kOther) != 0) return plan;
+  if ((classes & (kSlash | kColon | kLetter)) == 0) {
+    const ValueReadings numbers = ReadNumbers(text, classes);
+    if (!numbers.set.empty()) {
+      // With an exponent the number may be too large.
+      plan.kind = (classes & kExponent) != 0 ? ValuePlan::kNumber : ValuePlan::kSame;
+      plan.found = numbers;
+      return plan;
+    }
+  }
+  if ((classes & (kPercentSign | kDollarSign)) != 0) return plan;
+  if ((classes & kColon) != 0) return PlanTimes(text, classes);
+  if ((first & kDigit) == 0) return plan;
+  if ((classes & (kLetter | kExponent)) != 0) return PlanLetterDates(text);
+  return PlanDigitDates(text, classes);
+}
+
 }  // namespace
 
-ValueReadings ReadValue(std::string_view text) {
-  const unsigned first = ClassOf(text.front());
-  if ((first & kOther) != 0 || text.size() > kLongestValue) return {};
-  if ((first & (kLetter | kExponent)) != 0) return ReadNames(text);
-  const unsigned classes = ClassesIn(text);
-  if ((classes & kDigit) == 0 || (classes & kOther) != 0) return {};
-  if ((classes & (kSlash | kColon | kLetter)) == 0) {
-    ValueReadings numbers = ReadNumbers(text, classes);
-    if (!numbers.set.empty()) return numbers;
+ValuePlan PlanOf(std::string_view text) {
+  ValuePlan plan = PlanOfText(text);
+  const auto letters = std::count_if(text.begin(), text.end(), [](char byte) {
+    return (ClassOf(byte) & (kLetter | kExponent)) != 0;
+  });
+  // One letter may be that of an exponent or another, which are the same to the shape; but no
+  // number has a colon.
+  plan.ofShape = letters != 1 || text.find(':') != std::string_view::npos;
+  return plan;
+}
+
+ValueReadings ReadBy(const ValuePlan& plan, std::string_view text) {
+  switch (plan.kind) {
+    case ValuePlan::kNothing:
+      break;
+    case ValuePlan::kSame:
+      if (text.size() <= static_cast<std::size_t>(kSafeDigits)) {
+        ValueReadings found = plan.found;
+        found.leadingZero = HasLeadingZero(text);
+        return found;
+      }
+      return ReadNumbers(text, ClassesIn(text));
+    case ValuePlan::kNumber:
+      return ReadNumbers(text, ClassesIn(text));
+    case ValuePlan::kTries:
+      return Try(plan, text);
+    case ValuePlan::kNames:
+      return ReadNames(text);
   }
-  if ((classes & (kPercentSign | kDollarSign)) != 0) return {};
-  if ((classes & kColon) != 0) return ReadTimes(text, classes);
-  if ((first & kDigit) == 0) return {};
-  if ((classes & (kLetter | kExponent)) != 0) return ReadLetterDates(text);
-  return ReadDigitDates(text, classes);
+  return {};
 }
 
 bool LosesDigits(std::string_view text, double value) {

@@ -39,12 +39,32 @@ struct ValueReadings {
   bool eitherOrder = false;
 };
 
-// Reads `text` (host text, not empty, without blanks and tabs around it). Nothing but a chance to
-// read more values than are told is given up by rules: texts that a format reads and hardly anyone
-// means so (version numbers, codes and lists that could be dates; Roman numerals that could be
-// months; numbers of the minutes, days and months) have no such reading. What is in the set
-// converts. Any thread; allocates nothing in most cases.
-ValueReadings ReadValue(std::string_view text);
+// What a text's shape says of its readings, so that texts of one shape need to be looked at once.
+struct ValuePlan {
+  enum Kind : std::uint8_t {
+    kNothing,  // none
+    kSame,     // those of `found`, whatever the digits are
+    kNumber,   // found by reading the number
+    kTries,    // those of `tries` that convert
+    kNames,    // found by reading the names
+  };
+  Kind kind = kNothing;
+  // Every text of the shape has this plan.
+  bool ofShape = false;
+  ReadingSet tries;
+  // What is told of texts that have a reading.
+  ValueReadings found;
+};
+
+// Nothing but a chance to read more values than are told is given up by rules: texts that a format
+// reads and hardly anyone means so (version numbers, codes and lists that could be dates; Roman
+// numerals that could be months; numbers of minutes, days and months) have no such reading. `text`
+// is host text, not empty, without blanks and tabs around it. Any thread; allocates nothing.
+ValuePlan PlanOf(std::string_view text);
+// Reads `text` by the plan of a text of the same shape (ValueShape), or of its own. What is in the
+// set converts.
+ValueReadings ReadBy(const ValuePlan& plan, std::string_view text);
+inline ValueReadings ReadValue(std::string_view text) { return ReadBy(PlanOf(text), text); }
 
 // The digits of a number in `text` that a double does not keep: 16 significant ones or more, whose
 // double reads back to others.

@@ -115,7 +115,7 @@ TEST_F(ValueReaderTest, LeadingZeros) {
   for (const char* text : {"007", "00", "0123", "-05"}) {
     EXPECT_TRUE(ReadValue(text).leadingZero) << text;
   }
-  for (const char* text : {"0", "0.5", "10", "-0", "0,5", "00.5", "0e5"}) {
+  for (const char* text : {"0", "0.5", "10", "-0", "0,5", "00.5", "0e5", ".007"}) {
     EXPECT_FALSE(ReadValue(text).leadingZero) << text;
   }
 }
