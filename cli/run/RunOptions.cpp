@@ -132,6 +132,12 @@ std::vector<CasesTarget> CasesTargets(const RunOptions& options) {
   return targets;
 }
 
+library::RewritingOptions RewritingOf(const RunOptions& options) {
+  return {.joinQuotedLines = options.joinQuotedLines,
+          .backslashEscapes = options.backslashEscapes,
+          .keepStrayQualifiers = options.report.keepStrayQualifiers};
+}
+
 bool IsPerCommand(const std::string& name) { return name.find(kNumberMark) != std::string::npos; }
 
 std::string NameForCommand(const std::string& name, int number) {

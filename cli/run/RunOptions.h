@@ -8,6 +8,7 @@
 #include "cli/run/CommandFile.h"
 #include "cli/run/HostOptions.h"
 #include "cli/run/ReportOptions.h"
+#include "library/import/RewritingOptions.h"
 #include "library/outputs/CaseWriter.h"
 #include "library/outputs/CasesFile.h"
 
@@ -35,7 +36,10 @@ struct RunOptions {
   ReportOptions report;
 
   HostOptions host;
-  int workers = 0;  // 0: one per processor
+  bool joinQuotedLines = false;
+  bool backslashEscapes = false;
+  std::string byteOrderMark;  // shown to the component where the file lacks it
+  int workers = 0;            // 0: one per processor
   std::optional<unsigned> seed;
 
   // What is shown.
@@ -44,6 +48,9 @@ struct RunOptions {
   bool quiet = false;
   bool noProgress = false;
 };
+
+// What is taken for data that the command language has no words for.
+library::RewritingOptions RewritingOf(const RunOptions& options);
 
 // What is wrong with options that are right one by one: outputs that would overwrite one another,
 // the command file or the data of any of its `commands`, standard input that would be read twice, a

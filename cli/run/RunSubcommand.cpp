@@ -109,6 +109,21 @@ void AddRun(CLI::App& program, int* status) {
                   "What ENCODING=LOCALE means (default: the locale's own)")
       ->type_name("NAME")
       ->group("Reading");
+  run->add_flag("--join-quoted-lines", options->joinQuotedLines,
+                "A line break inside a qualified field stays in the value")
+      ->group("Reading");
+  run->add_flag("--backslash-escapes", options->backslashEscapes,
+                "A backslash inside a qualified field makes the next character an ordinary one")
+      ->group("Reading");
+  run->add_option_function<std::string>(
+         "--byte-order-mark",
+         [options](const std::string& name) {
+           options->byteOrderMark = name == "utf-16be" ? "\xFE\xFF" : "\xFF\xFE";
+         },
+         "Read the file as if it began with that mark, which it lacks")
+      ->type_name("utf-16le|utf-16be")
+      ->check(CLI::IsMember({"utf-16le", "utf-16be"}).description(""))
+      ->group("Reading");
   run->add_option("--workers", options->workers, "Conversion threads (default: one per processor)")
       ->type_name("N")
       ->check(CLI::Range(0, kMostWorkers).description(""))

@@ -72,7 +72,12 @@ class SingleCommand {
         options_(context.options),
         outputs_(options_, number),
         report_(options_.report, number, WantedOf(options_, shows())),
-        import_({options_.workers, options_.seed, &report_.watch()}, context.messages) {}
+        import_({.workers = options_.workers,
+                 .seed = options_.seed,
+                 .watch = &report_.watch(),
+                 .rewriting = RewritingOf(options_),
+                 .shownMark = options_.byteOrderMark},
+                context.messages) {}
 
   CommandEnd Run(const embedded::ParsedCommand& command);
   library::ImportStats Stats() const;

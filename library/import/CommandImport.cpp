@@ -14,6 +14,8 @@
 #include "HostFramework/embedded/data/StreamDevice.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "HostFramework/embedded/threads/ThreadStarts.h"
+#include "command/TxtWzParser.h"
+#include "library/import/CommandWords.h"
 
 namespace library {
 namespace {
@@ -56,7 +58,10 @@ class ErrorsOnly : public ErrorMonitor {
 }  // namespace
 
 CommandImport::CommandImport(const ImportOptions& options, ImportMessages& messages)
-    : options_(options), messages_(messages), monitor_(MessageRoute::Callback()) {}
+    : options_(options),
+      messages_(messages),
+      monitor_(MessageRoute::Callback()),
+      files_(options.files != nullptr ? *options.files : ownFiles_) {}
 
 CommandImport::~CommandImport() = default;
 
@@ -65,11 +70,37 @@ void CommandImport::Post(std::string_view hostText, int kind) {
   messages_.Post(hostText, kind);
 }
 
+// Shows the component the file of the command as the options ask. A command with a fault of its own
+// is the component's to refuse.
+bool CommandImport::ShowFile(const std::vector<embedded::CommandToken>& tokens) {
+  const RewritingOptions& rewriting = options_.rewriting;
+  if (rewriting == RewritingOptions() && options_.shownMark.empty()) return true;
+  const CommandWords words(tokens, {});
+  textwizard::TxtWzParser parser(words.text().c_str(), nullptr);
+  const std::unique_ptr<textwizard::TxtWzExecFile> plan = parser.ParseToExecutor();
+  if (plan == nullptr) return true;
+  std::string problem;
+  shown_ = ShownFile::Show(
+      {files_.Open(parser.GetFile()).path, options_.shownMark, rewriting, options_.standIns},
+      plan->settings, &problem);
+  if (shown_ == nullptr) {
+    PostError(fmt::format("{}: line breaks and escapes within quotes cannot be kept: {}",
+                          parser.GetFile(), problem));
+    return false;
+  }
+  restoring_ = std::make_unique<RestoringObserver>(options_.watch, *shown_,
+                                                   rewriting.keepStrayQualifiers);
+  return true;
+}
+
 ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
   const MessageRoute route(*this);
   try {
+    if (!ShowFile(tokens)) return ImportEnd::kFailed;
+    ImportObserver* observer = options_.watch;
+    if (restoring_) observer = restoring_.get();
     adapter_ = std::make_unique<ImportAdapter>(std::move(tokens), MessageRoute::Callback(),
-                                               options_.workers, options_.watch);
+                                               options_.workers, observer, files_);
     const Clock::time_point start = Clock::now();
     source_.emplace(*adapter_);
     stats_.dictionarySeconds = SecondsSince(start);
@@ -109,6 +140,7 @@ bool CommandImport::StartReading(CaseReceiver& receiver) {
     return false;
   }
   receiver.Begin(source());
+  if (restoring_) restoring_->SetSource(source());
   seed_ = options_.seed.value_or(static_cast<unsigned>(std::time(nullptr)));
   sampler_.emplace(source_->sampleFraction(), seed_);
   threadsBefore_ = embedded::ThreadsStarted();
@@ -150,6 +182,7 @@ bool CommandImport::ReadOn(CaseReceiver& receiver) {
   if (options_.watch != nullptr && options_.watch->WantsBatches()) return ReadBatches(receiver);
   long long& taken = stats_.cases;
   while (iterator_->Next()) {
+    if (restoring_) restoring_->Restore(iterator_->GetObsPointer());
     ++casesRead_;
     if (KeepsCase()) {
       ++taken;
@@ -186,6 +219,7 @@ void CommandImport::ReadAllAgain() {
   iterator->SetErrorMonitor(&monitor);
   const bool batches = options_.watch->WantsBatches();
   for (long long read = 1; iterator->Next(); ++read) {
+    if (!batches && restoring_) restoring_->Restore(buffer_->obs());
     if (!batches) KeepsCase();
     if (!batches && (read & kQuestionMask) != 0) continue;
     if (embedded::AttentionRequested()) return;

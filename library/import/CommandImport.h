@@ -17,6 +17,10 @@
 #include "library/import/ImportAdapter.h"
 #include "library/import/ImportMessages.h"
 #include "library/import/ImportStats.h"
+#include "library/import/InputFiles.h"
+#include "library/import/RestoringObserver.h"
+#include "library/import/RewritingOptions.h"
+#include "library/import/ShownFile.h"
 #include "library/report/ImportWatch.h"
 
 namespace library {
@@ -26,6 +30,12 @@ struct ImportOptions {
   std::optional<unsigned> seed;  // makes the draw of IMPORTCASE PERCENT repeatable
   // Watches the import; outlives it. Null for none. Its owner prepares it before each reading.
   ImportWatch* watch = nullptr;
+  // How the data file is shown to the component.
+  RewritingOptions rewriting{};
+  std::string shownMark{};             // a byte-order mark that the file lacks
+  std::optional<StandIns> standIns{};  // where they are known; else the file is read for them
+  // Opens data files and keeps them open; outlives the import. Null for its own.
+  InputFiles* files = nullptr;
 };
 
 enum class ImportEnd {
@@ -83,6 +93,7 @@ class CommandImport : private ImportMessages {
   // Counts errors on the way to the messages.
   void Post(std::string_view hostText, int kind) override;
   void PostError(std::string_view text) { Post(text, kMessageError); }
+  bool ShowFile(const std::vector<embedded::CommandToken>& tokens);
   bool StartReading(CaseReceiver& receiver);
   // True at the end of the data, false where the receiver or the user stopped before.
   bool ReadOn(CaseReceiver& receiver);
@@ -98,6 +109,10 @@ class CommandImport : private ImportMessages {
   QantErrorMonitor monitor_;
   ImportStats stats_;
   // Each uses those before it.
+  InputFiles ownFiles_;
+  InputFiles& files_;
+  std::unique_ptr<ShownFile> shown_;              // null: the file itself
+  std::unique_ptr<RestoringObserver> restoring_;  // where something is to be put right
   std::unique_ptr<ImportAdapter> adapter_;
   std::optional<ActiveSource> source_;
   unsigned seed_ = 0;

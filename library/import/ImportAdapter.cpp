@@ -7,8 +7,10 @@
 namespace library {
 
 const std::string& ImportAdapter::ConvertFilePath(std::string& result, const std::string& input,
-                                                  bool unquoted) {
-  ObservedAdapter::ConvertFilePath(result, input, unquoted);
+                                                  bool /*unquoted*/) {
+  const InputFiles::Input& file = files_.Open(input);
+  result = file.path;
+  if (!file.problem.empty()) return result;
   const std::string head = FileHead(result);
   if (const FileKind kind = FileKindOf(head); kind.what != nullptr) {
     result = fmt::format("{} ({}, and no text)", input, kind.what);

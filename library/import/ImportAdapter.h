@@ -5,15 +5,20 @@
 #include <utility>
 #include <vector>
 
+#include "library/import/InputFiles.h"
 #include "library/report/ObservedAdapter.h"
 
 namespace library {
 
-// As ObservedAdapter. A data file that is known to be no text is not given to the component: its
-// path becomes one that does not exist and says what the file is.
+// As ObservedAdapter. Standard input, pipes and compressed files are read to their end first. A
+// data file that is known to be no text is not given to the component: its path becomes one that
+// does not exist and says what the file is.
 class ImportAdapter : public ObservedAdapter {
  public:
-  using ObservedAdapter::ObservedAdapter;
+  // `files` outlives the adapter and every data source made from it.
+  ImportAdapter(std::vector<embedded::CommandToken> tokens, ErrorCallback callback, int workers,
+                ImportObserver* observer, InputFiles& files)
+      : ObservedAdapter(std::move(tokens), callback, workers, observer), files_(files) {}
 
   const std::string& ConvertFilePath(std::string& result, const std::string& input,
                                      bool unquoted) override;
@@ -24,6 +29,7 @@ class ImportAdapter : public ObservedAdapter {
   const std::string& fileAdvice() const { return fileAdvice_; }
 
  private:
+  InputFiles& files_;
   std::string fileWayOut_;
   std::string fileAdvice_;
 };

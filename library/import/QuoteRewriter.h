@@ -65,6 +65,13 @@ class QuoteRewriter {
   // the file; looked at only where Escapes says so of the last one.
   void Rewrite(char* bytes, std::size_t count, std::string_view following,
                QuotePosition& position) const;
+  // The unit at `at`.
+  unsigned UnitAt(const char* at) const {
+    const auto byte = [at](std::size_t i) -> unsigned { return static_cast<unsigned char>(at[i]); };
+    if (!wide_) return byte(0);
+    return rules_.units == FileUnits::kUtf16BigEndian ? byte(0) << 8 | byte(1)
+                                                      : byte(1) << 8 | byte(0);
+  }
   // What the unit at `at` becomes can depend on the one behind it.
   bool Escapes(const char* at) const {
     return rules_.options.backslashEscapes && UnitAt(at) == '\\';
@@ -79,12 +86,6 @@ class QuoteRewriter {
     std::uint32_t mask;
   };
 
-  unsigned UnitAt(const char* at) const {
-    const auto byte = [at](std::size_t i) -> unsigned { return static_cast<unsigned char>(at[i]); };
-    if (!wide_) return byte(0);
-    return rules_.units == FileUnits::kUtf16BigEndian ? byte(0) << 8 | byte(1)
-                                                      : byte(1) << 8 | byte(0);
-  }
   bool EndsDelimiter(unsigned unit, QuotePosition& position) const;
   bool IsTrail(char byte, QuotePosition& position) const;
   template <class Sink>

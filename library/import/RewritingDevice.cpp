@@ -161,7 +161,40 @@ std::unique_ptr<StreamDevice> MarkedDevice::Duplicate() const {
 }
 
 JoinedLines::JoinedLines(std::unique_ptr<StreamDevice> file, std::shared_ptr<QuoteIndex> index)
-    : file_(std::move(file)), index_(std::move(index)) {}
+    : file_(std::move(file)), index_(std::move(index)), rewritten_(file_->Duplicate(), index_) {}
+
+bool JoinedLines::AtEnd(QuotePosition* position) {
+  return index_->Find(file_->Size(), *file_, position);
+}
+
+std::int64_t JoinedLines::PhysicalLine(std::int64_t line) {
+  if (line < line_) line_ = 1, lineBegin_ = 0;
+  const auto unit = static_cast<std::ptrdiff_t>(index_->rewriter().unitBytes());
+  const std::unique_ptr<char[]> block(new char[kBlock]);
+  std::int64_t at = lineBegin_;
+  bool afterReturn = false;
+  while (line_ < line) {
+    const std::ptrdiff_t got = ReadWhole(rewritten_, at, block.get(), kBlock);
+    if (got < unit) break;
+    for (std::ptrdiff_t i = 0; i + unit <= got && line_ < line; i += unit) {
+      const unsigned character = index_->rewriter().UnitAt(block.get() + i);
+      const bool isPair = character == '\n' && afterReturn;
+      afterReturn = character == '\r';
+      if (character != '\n' && !afterReturn) continue;
+      line_ += isPair ? 0 : 1;
+      lineBegin_ = at + i + unit;
+    }
+    at += got - got % unit;
+  }
+  // A line feed that belongs to the line end before.
+  char next[2] = {};
+  if (afterReturn &&
+      ReadWhole(rewritten_, lineBegin_, next, static_cast<std::size_t>(unit)) == unit &&
+      index_->rewriter().UnitAt(next) == '\n') {
+    lineBegin_ += unit;
+  }
+  return line + Before(lineBegin_);
+}
 
 std::int64_t JoinedLines::Before(std::int64_t offset) {
   const QuoteRewriter& rewriter = index_->rewriter();

@@ -77,12 +77,20 @@ class JoinedLines {
   JoinedLines(std::unique_ptr<embedded::StreamDevice> file, std::shared_ptr<QuoteIndex> index);
   // In front of byte `offset`; 0 when the file cannot be read there.
   std::int64_t Before(std::int64_t offset);
+  // Where the walk stands at the end of the file; false when it cannot be read.
+  bool AtEnd(QuotePosition* position);
+  // The physical line (from 1) in which line `line` of the rewritten file begins.
+  std::int64_t PhysicalLine(std::int64_t line);
 
  private:
   const std::unique_ptr<embedded::StreamDevice> file_;
   const std::shared_ptr<QuoteIndex> index_;
+  RewritingDevice rewritten_;
   std::int64_t place_ = -1;
   QuotePosition position_;
+  // A line of the rewritten file, and where it begins.
+  std::int64_t line_ = 1;
+  std::int64_t lineBegin_ = 0;
 };
 
 }  // namespace library

@@ -44,10 +44,10 @@ bool IsReadMode(const char* mode) {
 
 }  // namespace
 
-void SetStreamDeviceOpener(StreamDeviceOpener opener) {
+StreamDeviceOpener SetStreamDeviceOpener(StreamDeviceOpener opener) {
   Opener& setting = TheOpener();
   const sfGuard guard(setting.mutex);
-  setting.open = std::move(opener);
+  return std::exchange(setting.open, std::move(opener));
 }
 
 void SetStreamBlockSize(std::size_t bytes) { blockSize = bytes > 0 ? bytes : kDefaultBlockSize; }

@@ -26,8 +26,8 @@ class StreamDevice {
 using StreamDeviceOpener = std::function<std::unique_ptr<StreamDevice>(const char* path)>;
 
 // What QANT_FileStream::Open calls from now on; null restores OpenPosixDevice. Any thread; the
-// opener must bear being called on any thread.
-void SetStreamDeviceOpener(StreamDeviceOpener opener);
+// opener must bear being called on any thread. Returns what it called before.
+StreamDeviceOpener SetStreamDeviceOpener(StreamDeviceOpener opener);
 
 // Opens a regular file or a block device of the system; null for anything that cannot seek.
 std::unique_ptr<StreamDevice> OpenPosixDevice(const char* path);
