@@ -93,10 +93,10 @@ inline bool ColumnCounters::CountPlain(std::size_t column, std::string_view text
 void ColumnCounters::Count(std::size_t column, std::string_view field, std::int64_t line) {
   Hot& hot = hot_[column];
   if (field.size() > hot.longest) NoteLength(column, field, line);
-  const std::string_view text = Trimmed(field);
+  const std::string_view text = textwizard::WithoutBlanks(field);
   if (text.empty()) {
     ++hot.empties;
-  } else if (nulls_.Has(text)) {
+  } else if (nulls_.HoldsBare(text)) {
     CountNull(column, text, line);
   } else if (!CountPlain(column, text, line)) {
     CountOther(column, text, line);

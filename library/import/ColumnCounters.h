@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "library/import/ColumnEvidence.h"
-#include "library/import/NullTexts.h"
 #include "library/import/ValueShape.h"
+#include "watch/NullTexts.h"
 
 namespace library {
 
@@ -18,7 +18,7 @@ namespace library {
 // thread.
 class ColumnCounters {
  public:
-  ColumnCounters(std::size_t columns, const NullTexts& nulls)
+  ColumnCounters(std::size_t columns, const textwizard::NullTexts& nulls)
       : nulls_(nulls), hot_(columns), cold_(columns) {}
 
   // Takes the field of a column in a record that begins in line `line` (from 1).
@@ -55,7 +55,7 @@ class ColumnCounters {
   void NoteGroup(std::size_t column, ReadingSet readings, std::string_view text, std::int64_t line);
   static ColumnEvidence Joined(const Hot& hot, ColumnEvidence evidence);
 
-  const NullTexts& nulls_;
+  const textwizard::NullTexts& nulls_;
   std::vector<Hot> hot_;
   std::vector<Cold> cold_;
 };

@@ -41,12 +41,13 @@ void NumberEvidence::Append(const NumberEvidence& next, std::int64_t lines) {
   fractions += next.fractions;
 }
 
-void ColumnEvidence::Count(std::string_view field, std::int64_t line, const NullTexts& nulls) {
+void ColumnEvidence::Count(std::string_view field, std::int64_t line,
+                           const textwizard::NullTexts& nulls) {
   CountLength(field, line);
-  const std::string_view text = Trimmed(field);
+  const std::string_view text = textwizard::WithoutBlanks(field);
   if (text.empty()) {
     ++empties_;
-  } else if (nulls.Has(text)) {
+  } else if (nulls.HoldsBare(text)) {
     nulls_.Add(text, line);
   } else {
     CountValue(ReadValue(text), text, line);

@@ -8,19 +8,11 @@
 #include <string_view>
 #include <vector>
 
-#include "library/import/NullTexts.h"
 #include "library/import/Reading.h"
 #include "library/import/ValueReader.h"
+#include "watch/NullTexts.h"
 
 namespace library {
-
-// A field without the blanks that value input drops.
-inline std::string_view Trimmed(std::string_view field) {
-  const auto isBlank = [](char byte) { return byte == ' ' || byte == '\t'; };
-  while (!field.empty() && isBlank(field.front())) field.remove_prefix(1);
-  while (!field.empty() && isBlank(field.back())) field.remove_suffix(1);
-  return field;
-}
 
 // How many, and the first of them: its physical line (from 1) and its text (UTF-8, at most
 // kWitnessBytes). Line 0: none.
@@ -68,7 +60,7 @@ class ColumnEvidence {
   };
 
   // Takes the field of a record that begins in line `line` (from 1).
-  void Count(std::string_view field, std::int64_t line, const NullTexts& nulls);
+  void Count(std::string_view field, std::int64_t line, const textwizard::NullTexts& nulls);
   // Takes what `next` has counted behind this stretch, which is `lines` lines long.
   void Append(const ColumnEvidence& next, std::int64_t lines);
 

@@ -180,7 +180,7 @@ TEST_F(ColumnEvidenceTest, CountersCountAsEvidenceDoes) {
       "Jan",   "may", "Monday", "abc", "Q",        "T",     "2020",       "-01-02", "12/31/2019",
       "10:30", "\t",  "NA",     "x",   "\xC3\xA9", "-99",   "31-DEC-1999"};
   std::mt19937_64 random(17);
-  const NullTexts nulls({"NA", "-99", "-", "."});
+  const textwizard::NullTexts nulls({"NA", "-99", "-", "."});
   for (int round = 0; round < 3000; ++round) {
     ColumnCounters counters(2, nulls);
     std::vector<ColumnEvidence> expected(2);

@@ -76,11 +76,11 @@ FileKind ZipKind(std::string_view head) {
   for (const std::string_view name : {"[Content_Types].xml"sv, "_rels/.rels"sv, "xl/"sv}) {
     if (head.find(name) == std::string_view::npos) continue;
     return head.find("word/") == std::string_view::npos
-               ? FileKind{"a workbook (.xlsx)", kSaveAsText}
-               : FileKind{"a document (.docx)", kSaveAsText};
+               ? FileKind{"a workbook (.xlsx)", kSaveAsText, true}
+               : FileKind{"a document (.docx)", kSaveAsText, true};
   }
   if (head.find("mimetypeapplication/vnd.oasis.opendocument"sv) != std::string_view::npos) {
-    return {"a workbook or document (.ods, .odt)", kSaveAsText};
+    return {"a workbook or document (.ods, .odt)", kSaveAsText, true};
   }
   return Compressed(Compression::kZip);
 }

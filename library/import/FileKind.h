@@ -15,6 +15,8 @@ struct FileKind {
   const char* what = nullptr;
   // What would help: a sentence without a full stop.
   const char* wayOut = nullptr;
+  // An archive that is the document of a program.
+  bool isDocument = false;
 };
 
 // The kind of a file that begins with `head`. Text is no kind, and neither are bytes of which

@@ -95,7 +95,7 @@ class Gathering {
 
 class Summarizer : public sfThread {
  public:
-  Summarizer(const FileSummarySettings& settings, const NullTexts& nulls,
+  Summarizer(const FileSummarySettings& settings, const textwizard::NullTexts& nulls,
              const QANT_FileStream& stream, Gathering& gathering, std::int64_t ahead)
       : sfThread(1),
         end_(settings.end),
@@ -151,7 +151,7 @@ bool Run(const FileSummarySettings& settings, PartSummary* summary, std::string*
   }
   FileSummarySettings bounded = settings;
   if (settings.lastLine > 0) bounded.end = EndOfLine(stream, settings);
-  const NullTexts nulls(settings.nulls);
+  const textwizard::NullTexts nulls(settings.nulls);
   *summary = PartSummary(ColumnsOf(settings.cut));
   summary->lines = settings.linesBefore;
   Gathering gathering(bounded.begin, std::max(bounded.begin, bounded.end), settings.partBytes,

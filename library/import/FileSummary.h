@@ -5,7 +5,6 @@
 #include <functional>
 #include <string>
 
-#include "library/import/NullTexts.h"
 #include "library/import/PartSummary.h"
 #include "library/import/StandIns.h"
 

@@ -10,7 +10,10 @@ const std::string& ImportAdapter::ConvertFilePath(std::string& result, const std
                                                   bool /*unquoted*/) {
   const InputFiles::Input& file = files_.Open(input);
   result = file.path;
-  if (!file.problem.empty()) return result;
+  if (!file.problem.empty()) {
+    fileWayOut_ = file.wayOut;
+    return result;
+  }
   const std::string head = FileHead(result);
   if (const FileKind kind = FileKindOf(head); kind.what != nullptr) {
     result = fmt::format("{} ({}, and no text)", input, kind.what);

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "HostFramework/embedded/messages/Attention.h"
+#include "library/import/FileKind.h"
 
 namespace library {
 namespace {
@@ -69,6 +70,14 @@ InputFiles::Input InputFiles::Make(const std::string& name) {
   if (input.compression == Compression::kNone) return input;
 
   input.compressedBytes = size;
+  // Documents are archives, too.
+  const FileKind kind = FileKindOf(FileHead(input.path));
+  if (input.compression == Compression::kZip && kind.isDocument) {
+    input.problem = fmt::format("{}, and no text", kind.what);
+    input.wayOut = kind.wayOut;
+    input.path = name + " (" + input.problem + ")";
+    return input;
+  }
   SpoolFile spool = SpoolFile::Create();
   if (!spool.IsOpen()) {
     input.problem = NoRoom(errno);

@@ -34,6 +34,8 @@ class InputFiles {
     // exist and says it too. Empty when all is well, and for what is no pipe and not compressed,
     // which may be there or not.
     std::string problem;
+    // What would help then: a sentence without a full stop, or empty.
+    std::string wayOut;
   };
 
   // The input of the name "-" (standard input) or a path (host text); asked again, the same. The

@@ -192,7 +192,20 @@ TEST_F(InputFilesTest, AZipArchiveHoldsOneFile) {
             "the zip archive holds 2 files (a.csv, b.csv); extract the one to import");
   EXPECT_EQ(Problem(Zipped({{"a", "x"}, {"b", "y"}, {"c", "y"}, {"d", ""}, {"e", ""}})),
             "the zip archive holds 5 files (a, b, c, ...); extract the one to import");
-  EXPECT_EQ(Problem(Zipped({{"[Content_Types].xml", "x"}, {"xl/workbook.xml", "y"}})),
+}
+
+TEST_F(InputFilesTest, AWorkbookIsNoArchiveOfFiles) {
+  InputFiles files;
+  const InputFiles::Input& input =
+      files.Open(Write(Zipped({{"[Content_Types].xml", "x"}, {"xl/workbook.xml", "y"}})));
+  EXPECT_EQ(input.problem, "a workbook (.xlsx), and no text");
+  EXPECT_NE(input.wayOut.find("CSV"), std::string::npos) << input.wayOut;
+  // Its first bytes may tell nothing.
+  std::string noise;
+  for (unsigned state = 1; noise.size() < 20000; state = state * 1664525 + 1013904223) {
+    noise += static_cast<char>(state >> 24);
+  }
+  EXPECT_EQ(Problem(Zipped({{"a.xml", noise}, {"xl/workbook.xml", "y"}})),
             "it is a workbook of a spreadsheet program; save the sheet as CSV and import that");
 }
 

@@ -18,8 +18,8 @@ bool Decodes(const textwizard::RecordReader& reader, textwizard::FileEncoding en
 
 }  // namespace
 
-PartReader::PartReader(const QANT_FileStream& stream, const ColumnCut& cut, const NullTexts& nulls,
-                       const StandIns* standIns)
+PartReader::PartReader(const QANT_FileStream& stream, const ColumnCut& cut,
+                       const textwizard::NullTexts& nulls, const StandIns* standIns)
     : cut_(cut),
       standIns_(standIns),
       fixed_(cut.settings.arrangement == textwizard::kFixedColumns),

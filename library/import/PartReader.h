@@ -8,12 +8,12 @@
 
 #include "HostFramework/FileStream.h"
 #include "library/import/ColumnCounters.h"
-#include "library/import/NullTexts.h"
 #include "library/import/PartSummary.h"
 #include "library/import/StandIns.h"
 #include "reading/FieldSplitter.h"
 #include "reading/RecordDecoder.h"
 #include "reading/RecordReader.h"
+#include "watch/NullTexts.h"
 
 namespace library {
 
@@ -22,8 +22,8 @@ class PartReader : private textwizard::UndecodableListener {
  public:
   // `stream` is the data file as the component sees it; `standIns` are those that it is shown with,
   // null where it is shown as it is.
-  PartReader(const QANT_FileStream& stream, const ColumnCut& cut, const NullTexts& nulls,
-             const StandIns* standIns);
+  PartReader(const QANT_FileStream& stream, const ColumnCut& cut,
+             const textwizard::NullTexts& nulls, const StandIns* standIns);
 
   // Reading stops when *stop is not 0: what was summed up then is of no use.
   void SetStop(const std::atomic<std::int32_t>* stop) { reader_.SetStop(stop); }

@@ -1,5 +1,6 @@
 #include "library/import/QuoteRewriter.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -202,7 +203,11 @@ template <class Sink>
 void QuoteRewriter::Join(const char* at, unsigned unit, QuotePosition::Return before,
                          QuotePosition& position, const Sink& sink) const {
   const bool isReturn = unit == '\r';
-  if (isReturn || before != QuotePosition::kJoinedReturn) ++position.joinedLines;
+  if (isReturn || before != QuotePosition::kJoinedReturn) {
+    ++position.joinedLines;
+    position.longestJoin = std::max(position.longestJoin, ++position.joinedHere);
+  }
+  ++(isReturn ? position.returns : position.feeds);
   if (isReturn) position.afterReturn = QuotePosition::kJoinedReturn;
   sink.Put(at, isReturn ? standIns_.carriageReturn : standIns_.lineFeed);
 }
@@ -214,6 +219,8 @@ void QuoteRewriter::Step(const char* at, QuotePosition& position, const Sink& si
       std::exchange(position.afterReturn, QuotePosition::kNoReturn);
   State& state = position.state;
   if (state == QuotePosition::kPreamble) return StepPreamble(unit, before, position);
+  // In front of a qualifier the backslash has become another one.
+  if (state == QuotePosition::kEscape && unit != qualifier_) ++position.removed;
   if (rules_.page != nullptr && IsTrail(*at, position)) {
     if (state == QuotePosition::kEscape) {
       state = QuotePosition::kQualified;
@@ -254,6 +261,7 @@ void QuoteRewriter::Step(const char* at, QuotePosition& position, const Sink& si
     case QuotePosition::kQualified:
       if (unit == qualifier_) {
         state = QuotePosition::kAfter;
+        position.joinedHere = 0;
       } else if (unit == '\\' && rules_.options.backslashEscapes) {
         ++position.escapes;
         sink.Escape(at);

@@ -44,6 +44,16 @@ struct QuotePosition {
   std::int64_t joinedLines = 0;
   std::int64_t escapes = 0;
   std::int64_t strays = 0;
+  // Of the field in hand, and of the field that has most.
+  std::int64_t joinedHere = 0;
+  std::int64_t longestJoin = 0;
+  // Characters that were replaced, by what stands for them.
+  std::int64_t feeds = 0;
+  std::int64_t returns = 0;
+  std::int64_t removed = 0;
+
+  // A field is open that only a qualifier closes.
+  bool IsOpen() const { return state == kQualified || state == kEscape; }
 
   bool operator==(const QuotePosition&) const = default;
 };

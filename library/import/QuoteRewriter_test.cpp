@@ -70,6 +70,10 @@ TEST(QuoteRewriter, LineBreaksInsideQualifiedFieldsAreReplaced) {
   EXPECT_EQ(end.joinedLines, 1);
   EXPECT_EQ(Rewritten("\"a\r\nb\rc\",\"\n\n\"\r\n", Rules(kJoin), &end), "\"aRNbRc\",\"NN\"\r\n");
   EXPECT_EQ(end.joinedLines, 4) << "CR LF is one";
+  EXPECT_EQ(end.longestJoin, 2);
+  EXPECT_EQ(end.feeds, 3);
+  EXPECT_EQ(end.returns, 2);
+  EXPECT_FALSE(end.IsOpen());
   EXPECT_EQ(end.state, QuotePosition::kStart);
 }
 
@@ -117,6 +121,9 @@ TEST(QuoteRewriter, AnEscapedQualifierBecomesADoubledOne) {
 
 TEST(QuoteRewriter, OfAnyOtherEscapeTheBackslashGoesAndTheNextCharacterStays) {
   EXPECT_EQ(Rewritten("\"C:\\\\new\\,x\\\\\",\\a\n", Rules(kEscapes)), "\"C:0\\new0,x0\\\",\\a\n");
+  QuotePosition end;
+  EXPECT_EQ(Rewritten("\"a\\\"b\\c\\\nd\\\\\"\n", Rules(kEscapes), &end), "\"a\"\"b0c0Nd0\\\"\n");
+  EXPECT_EQ(end.removed, 3);
   EXPECT_EQ(Rewritten("\"a\\", Rules(kEscapes)), "\"a\\") << "nothing follows";
 }
 

@@ -3,22 +3,19 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cmath>
-#include <cstdio>
 
 #include "HostFramework/embedded/values/DateNames.h"
 #include "HostFramework/embedded/values/NumberInput.h"
 #include "HostFramework/embedded/values/TextCursor.h"
 #include "library/import/NamePrefixes.h"
 #include "reading/ValueConverter.h"
+#include "watch/Rounding.h"
 
 namespace library {
 namespace {
 
 // A longer text is no value of a format of at most 40 columns.
 constexpr std::size_t kLongestValue = textwizard::kMaxNumberWidth;
-// As many significant digits are always kept.
-constexpr int kSafeDigits = 15;
 
 enum Class : std::uint16_t {
   kDigit = 1,
@@ -140,6 +137,10 @@ bool ReadsNumber(std::string_view text, std::uint32_t format, char decimal, doub
 bool HasLeadingZero(std::string_view text) {
   if (ClassOf(text.front()) == kPlusMinus) text.remove_prefix(1);
   return text.size() > 1 && text.front() == '0' && std::all_of(text.begin(), text.end(), IsDigit);
+}
+
+bool LosesDigits(std::string_view text, double value) {
+  return text.size() >= textwizard::kRoundedDigits && textwizard::IsRounded(text, value);
 }
 
 // Numbers, percentages and dollar amounts.
@@ -356,7 +357,7 @@ ValueReadings ReadBy(const ValuePlan& plan, std::string_view text) {
     case ValuePlan::kNothing:
       break;
     case ValuePlan::kSame:
-      if (text.size() <= static_cast<std::size_t>(kSafeDigits)) {
+      if (text.size() < textwizard::kRoundedDigits) {
         ValueReadings found = plan.found;
         found.leadingZero = HasLeadingZero(text);
         return found;
@@ -370,26 +371,6 @@ ValueReadings ReadBy(const ValuePlan& plan, std::string_view text) {
       return ReadNames(text);
   }
   return {};
-}
-
-bool LosesDigits(std::string_view text, double value) {
-  if (text.size() <= static_cast<std::size_t>(kSafeDigits)) return false;
-  // The significant digits, without zeros at either end.
-  std::array<char, kLongestValue> digits;
-  int count = 0;
-  for (const char byte : text) {
-    if ((ClassOf(byte) & (kLetter | kExponent)) != 0) break;
-    if (!IsDigit(byte) || (count == 0 && byte == '0')) continue;
-    if (count == static_cast<int>(digits.size())) return true;
-    digits[static_cast<std::size_t>(count++)] = byte;
-  }
-  while (count > 0 && digits[static_cast<std::size_t>(count - 1)] == '0') --count;
-  if (count <= kSafeDigits) return false;
-  std::array<char, 64> read;
-  std::snprintf(read.data(), read.size(), "%.*e", count - 1, std::fabs(value));
-  // d.ddd...e+xx
-  if (read[0] != digits[0]) return true;
-  return !std::equal(digits.begin() + 1, digits.begin() + count, read.begin() + 2);
 }
 
 }  // namespace library

@@ -66,8 +66,4 @@ ValuePlan PlanOf(std::string_view text);
 ValueReadings ReadBy(const ValuePlan& plan, std::string_view text);
 inline ValueReadings ReadValue(std::string_view text) { return ReadBy(PlanOf(text), text); }
 
-// The digits of a number in `text` that a double does not keep: 16 significant ones or more, whose
-// double reads back to others.
-bool LosesDigits(std::string_view text, double value);
-
 }  // namespace library

@@ -58,7 +58,7 @@ CellKind CellKinds::OfOthers(std::string_view value) {
 CellKind CellKinds::Of(std::string_view value) {
   value = textwizard::TrimRight(textwizard::TrimLeft(value));
   if (value.empty()) return CellKind::kEmpty;
-  if (nulls_.Has(value)) return CellKind::kMissing;
+  if (nulls_.HoldsBare(value)) return CellKind::kMissing;
   std::size_t point = 0;
   if (classifier_.IsPlainNumber(value, &point)) return CellKind::kNumber;
   if (std::none_of(value.begin(), value.end(), IsDigit)) return CellKind::kText;

@@ -8,7 +8,7 @@
 
 #include "detection/RegExMappings.h"
 #include "detection/ValueClassifier.h"
-#include "library/import/NullTexts.h"
+#include "watch/NullTexts.h"
 
 namespace library {
 
@@ -44,7 +44,7 @@ class CellKinds {
 
   textwizard::RegExMappings table_;
   textwizard::ValueClassifier classifier_;
-  const NullTexts nulls_;
+  const textwizard::NullTexts nulls_;
 };
 
 }  // namespace library

@@ -323,7 +323,7 @@ TypeSettings Sniffing::TypeSettingsOf() const {
 // What the rows of data that were cut say about each column.
 std::vector<ColumnEvidence> Sniffing::EvidenceOf(std::size_t width) const {
   std::vector<ColumnEvidence> columns(width);
-  const NullTexts nulls(DefaultNullTexts());
+  const textwizard::NullTexts nulls(DefaultNullTexts());
   for (std::size_t i = shape_.firstData; i < shape_.endData; ++i) {
     if (KindOfRow(*table_, i, shape_) != RowKind::kData) continue;
     const SampleRow& row = table_->rows()[i];

@@ -104,8 +104,7 @@ TEST_F(RunAdvice, FilesThatAreNoTextAreNamed) {
     const char* what;
   };
   const Binary files[] = {
-      {"a.csv.gz", std::string("\x1F\x8B\x08\0\0\0\0\0", 8), "compressed with gzip"},
-      {"a.zip", "PK\x03\x04" + std::string(26, '\x01') + "a.csv", "a zip archive"},
+      {"a.csv.lz4", "\x04\x22\x4D\x18", "compressed with lz4"},
       {"a.xlsx", "PK\x03\x04" + std::string(26, '\x01') + "[Content_Types].xml", ".xlsx"},
       {"a.pdf", std::string("%PDF-1.4\n%\x01\x02\x03\x04", 14), "a PDF document"},
   };
@@ -124,13 +123,25 @@ TEST_F(RunAdvice, FilesThatAreNoTextAreNamed) {
   }
 }
 
-TEST_F(RunAdvice, CompressedStandardInputIsNamed) {
+TEST_F(RunAdvice, ACompressedFileThatIsDamagedIsNamed) {
+  folder_.Write("a.csv.gz", std::string("\x1F\x8B\x08\0\0\0\0\0x", 9));
+  folder_.Write("a.zip", "PK\x03\x04" + std::string(26, '\x01') + "a.csv");
+  for (const char* name : {"a.csv.gz", "a.zip"}) {
+    const auto said = Said("/DELIMITERS=',' /VARIABLES=x F8", 1, name);
+    ASSERT_FALSE(said.empty());
+    EXPECT_THAT(said[0], StartsWith("error: [2269]"));
+    EXPECT_THAT(said[0], HasSubstr(std::string(name) + " (the "));
+    EXPECT_THAT(said[0], HasSubstr("data is damaged"));
+  }
+}
+
+TEST_F(RunAdvice, StandardInputThatIsNoTextIsNamed) {
   const Ended ended = [&] {
     folder_.Write("c.sps", "GET DATA /TYPE=TXT /FILE='-' /DELIMITERS=',' /VARIABLES=x F8.");
-    return Run({"run", "c.sps", "--quiet"}, std::string("\x1F\x8B\x08\0\0\0", 6));
+    return Run({"run", "c.sps", "--quiet"}, "\x89PNG\r\n\x1A\n");
   }();
   EXPECT_EQ(ended.status, 1);
-  EXPECT_THAT(ended.err, HasSubstr("- (compressed with gzip, and no text)"));
+  EXPECT_THAT(ended.err, HasSubstr("- (a PNG image, and no text)"));
 }
 
 TEST_F(RunAdvice, AFileOfControlCharactersIsReadWithAWarning) {

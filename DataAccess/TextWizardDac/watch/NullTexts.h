@@ -1,8 +1,10 @@
 // Texts by which a file says that a value is missing.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,16 +30,26 @@ class NullTexts {
 
   // The field is one of the texts, blanks around it aside. Allocates nothing.
   bool Holds(std::string_view field) const {
-    return !field.empty() && begins_[static_cast<unsigned char>(field.front())] && IsOne(field);
+    return !field.empty() && lengths_[static_cast<unsigned char>(field.front())] != 0 &&
+           IsOne(WithoutBlanks(field));
+  }
+  // The same of a field that has text and no blanks around it.
+  bool HoldsBare(std::string_view text) const {
+    const std::uint64_t lengths = lengths_[static_cast<unsigned char>(text.front())];
+    return ((lengths >> std::min(text.size(), kLongest)) & 1U) != 0 && IsOne(text);
   }
 
  private:
-  bool IsOne(std::string_view field) const;
+  // This long or longer.
+  static constexpr std::size_t kLongest = 63;
+
+  bool IsOne(std::string_view bare) const;
 
   // Rising.
   std::vector<std::string> texts_;
-  // Bytes that a field begins with which may be one of them.
-  std::array<bool, 256> begins_{};
+  // By the byte that a field begins with: bits of the lengths of those that begin so. A blank may
+  // stand before any of them.
+  std::array<std::uint64_t, 256> lengths_{};
 };
 
 }  // namespace textwizard

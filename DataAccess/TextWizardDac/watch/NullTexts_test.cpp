@@ -1,5 +1,7 @@
 #include "watch/NullTexts.h"
 
+#include <string>
+
 #include <gtest/gtest.h>
 
 namespace textwizard {
@@ -13,6 +15,19 @@ TEST(NullTexts, HoldsItsTextsWithAnyBlanksAroundThem) {
   for (const char* const field :
        {"", " ", "\t", "na", "NAN", "N A", "--", "-9", "-999", "..", "x"}) {
     EXPECT_FALSE(nulls.Holds(field)) << field;
+  }
+}
+
+TEST(NullTexts, HoldsBareTextsOfAnyLength) {
+  const std::string longOne(100, 'x');
+  const NullTexts nulls({"NA", "-", longOne});
+  for (const std::string& text : {std::string("NA"), std::string("-"), longOne}) {
+    EXPECT_TRUE(nulls.HoldsBare(text)) << text;
+    EXPECT_TRUE(nulls.Holds(text)) << text;
+  }
+  for (const std::string& text : {std::string("N"), std::string("-1"), std::string(99, 'x'),
+                                  std::string(101, 'x'), std::string("A")}) {
+    EXPECT_FALSE(nulls.HoldsBare(text)) << text;
   }
 }
 

@@ -13,7 +13,7 @@ namespace library::testing_support {
 inline ColumnEvidence EvidenceOf(const std::vector<std::string>& values, std::int64_t first = 2,
                                  const std::vector<std::string>& nulls = DefaultNullTexts()) {
   ColumnEvidence evidence;
-  const NullTexts texts(nulls);
+  const textwizard::NullTexts texts(nulls);
   for (const std::string& value : values) evidence.Count(value, first++, texts);
   return evidence;
 }
