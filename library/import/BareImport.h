@@ -1,0 +1,71 @@
+// A bare file understood: how it is built, what is in its columns, and the command that imports it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "library/import/BareCut.h"
+#include "library/import/InputFiles.h"
+#include "library/import/StandIns.h"
+#include "library/import/TypeChoice.h"
+#include "library/sniff/SniffResult.h"
+#include "library/sniff/SniffSettings.h"
+
+namespace library {
+
+struct BareImportSettings {
+  SniffSettings sniff;
+  // Of all columns, or none: names given instead of found (UTF-8).
+  std::vector<std::string> names;
+  // Formats given instead of found, by name: "F8.2", "ADATE"; without a width they fit the values.
+  std::vector<std::pair<std::string, std::string>> types;
+  // Texts that mean a missing number.
+  std::vector<std::string> nulls;
+  // Types from the first lines only; 0: from all.
+  std::int64_t sampleLines = 0;
+  // Share of a column's values that its format has to read, in percent.
+  double leastShare = 95.0;
+  // 0: one a processor.
+  int threads = 0;
+  // Told now and then how many bytes of how many were read.
+  std::function<void(std::int64_t bytes, std::int64_t size)> progress;
+};
+
+struct BareColumn {
+  // UTF-8; the label is the header's text, empty without one.
+  std::string name;
+  std::string label;
+  ColumnType type;
+  bool typeGiven = false;
+};
+
+struct BareImport {
+  SniffResult sniff;
+  HostNeeds host;
+  // How the file has to be shown to the component.
+  RewritingOptions rewriting;
+  std::string shownMark;
+  std::optional<StandIns> standIns;
+  // Chosen with the columns' types, from all values.
+  TypeChoice types;
+  std::vector<BareColumn> columns;
+  // Lines, records and what does not fit, of the data; texts as the file means them (UTF-8).
+  PartSummary summary;
+  // Fixed columns are counted in bytes, and characters of several stand in the data.
+  bool countsBytes = false;
+  // Host text.
+  std::string command;
+};
+
+// Understands the file `name` (host text; "-" is standard input) and sets the host for its import.
+// `files` opens it and keeps it open. False when the file cannot be read, is no text, or a setting
+// cannot be used; *problem is then a sentence (UTF-8), empty after an interrupt. The host is in
+// UTF-8 mode before. Host's thread.
+bool UnderstandFile(const std::string& name, InputFiles& files, const BareImportSettings& settings,
+                    BareImport* import, std::string* problem);
+
+}  // namespace library
