@@ -46,6 +46,7 @@ struct SchemaContents {
 };
 
 void ReleaseSchema(ArrowSchema* schema) {
+  if (schema->release == nullptr) return;
   delete static_cast<SchemaContents*>(schema->private_data);
   schema->release = nullptr;
 }
@@ -77,6 +78,7 @@ struct ArrayContents {
 };
 
 void ReleaseArray(ArrowArray* array) {
+  if (array->release == nullptr) return;
   delete static_cast<ArrayContents*>(array->private_data);
   array->release = nullptr;
 }

@@ -56,6 +56,18 @@ std::unique_ptr<HostLease> HostLease::Take(const HostSettings& settings, std::st
   return lease;
 }
 
+std::unique_ptr<HostLease> HostLease::TakeUtf8() {
+  HostSettings settings;
+  {
+    Leased& host = TheHost();
+    const std::lock_guard guard(host.mutex);
+    if (host.leases > 0) settings = host.settings;
+  }
+  settings.codePage.clear();
+  std::string error;
+  return Take(settings, &error);
+}
+
 HostLease::~HostLease() {
   Leased& host = TheHost();
   const std::lock_guard guard(host.mutex);

@@ -25,6 +25,9 @@ class HostLease {
   // Null when others hold the host in another state (then *error is empty), or when a name names
   // nothing. Any thread.
   static std::unique_ptr<HostLease> Take(const HostSettings& settings, std::string* error);
+  // The host in UTF-8 mode, whatever its other settings are. Null when others hold it in a code
+  // page.
+  static std::unique_ptr<HostLease> TakeUtf8();
   // Any thread.
   ~HostLease();
   HostLease(const HostLease&) = delete;

@@ -4,6 +4,9 @@
 #include <array>
 #include <cctype>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -28,9 +31,10 @@ std::string OutputOf(const std::string& command) {
 }
 
 // The dynamic symbols that `nm` lists with `option`; empty when the library cannot be read.
-std::set<std::string> DynamicSymbols(const std::string& option) {
+std::set<std::string> DynamicSymbols(const std::string& option,
+                                     const std::string& library = "libTextWizardDac.so") {
   std::istringstream lines(OutputOf("nm -D --format=posix " + option +
-                                    " '" TEXTWIZARD_BINARY_DIR "/lib/libTextWizardDac.so' 2>&1"));
+                                    " '" TEXTWIZARD_BINARY_DIR "/lib/" + library + "' 2>&1"));
   std::set<std::string> names;
   for (std::string line; std::getline(lines, line);) {
     const std::string name = line.substr(0, line.find(' '));
@@ -46,6 +50,24 @@ TEST(LibrarySymbols, OnlyTheEntriesAreVisible) {
   for (const std::string& name : visible) {
     EXPECT_TRUE(entries.contains(name)) << name << " is visible";
   }
+}
+
+TEST(LibrarySymbols, TheLibraryShowsItsInterfaceAndNothingElse) {
+  const std::set<std::string> visible = DynamicSymbols("--defined-only", "libtextwizard.so");
+  ASSERT_TRUE(visible.contains("textwizard_open_command"));
+  for (const std::string& name : visible) {
+    EXPECT_TRUE(name.starts_with("textwizard_")) << name << " is visible";
+  }
+  // Each function of the header is there.
+  std::ifstream header(TEXTWIZARD_SOURCE_DIR "/library/include/textwizard/textwizard.h");
+  const std::string text{std::istreambuf_iterator<char>(header), {}};
+  const std::regex declared("TEXTWIZARD_API [^;(]*?(textwizard_[a-z_]+)\\(");
+  std::size_t functions = 0;
+  for (std::sregex_iterator at(text.begin(), text.end(), declared), end; at != end; ++at) {
+    EXPECT_TRUE(visible.contains((*at)[1])) << (*at)[1] << " is not there";
+    ++functions;
+  }
+  EXPECT_EQ(functions, visible.size());
 }
 
 TEST(LibrarySymbols, NothingThatPrintsAbortsOrExitsIsImported) {
@@ -77,7 +99,7 @@ class LoadedLibraries : public testing::TestWithParam<const char*> {};
 
 INSTANTIATE_TEST_SUITE_P(, LoadedLibraries,
                          testing::Values("lib/libTextWizardDac.so", "lib/libHostFramework.so",
-                                         "bin/textwizard"),
+                                         "lib/libtextwizard.so", "bin/textwizard"),
                          [](const auto& file) {
                            std::string name = file.param;
                            for (char& c : name) c = std::isalnum(c) != 0 ? c : '_';
@@ -93,6 +115,14 @@ TEST_P(LoadedLibraries, HighwayIsNone) {
     EXPECT_EQ(entry.find("libhwy"), std::string::npos) << entry;
   }
   EXPECT_TRUE(listed);
+}
+
+TEST(LoadedLibrary, HasAVersionInItsName) {
+  bool named = false;
+  for (const std::string& entry : DynamicEntries("lib/libtextwizard.so")) {
+    named = named || entry.find("Library soname: [libtextwizard.so.1]") != std::string::npos;
+  }
+  EXPECT_TRUE(named);
 }
 
 // An empty entry of the search path is the folder in which a program is run.

@@ -2,7 +2,7 @@
  *
  *     textwizard_import* import = NULL;
  *     textwizard_error* error = NULL;
- *     if (textwizard_open_file("data.csv", NULL, NULL, &import, &error) != TEXTWIZARD_OK) {
+ *     if (textwizard_open_command(command, NULL, &import, &error) != TEXTWIZARD_OK) {
  *       fprintf(stderr, "%s\n", textwizard_error_text(error));
  *       textwizard_error_free(error);
  *       return 1;
@@ -85,28 +85,23 @@ typedef struct textwizard_options {
   char decimal;
   /* Conversion threads; 0: one per processor. */
   int32_t workers;
-  /* Texts that mean a missing number; null: those of the file import ("", "NA", "N/A", "NULL", "null",
-     "NaN", "nan", ".", "-") for a file, none for a command. */
+  /* Texts that mean a missing number, besides the empty one; null: "NA", "N/A", "NULL", "null", "NaN",
+     "nan", ".", "-". */
   const char* const* null_texts;
   size_t null_text_count;
-  /* 1: a line break inside a qualified field stays in the value; a backslash in one makes the next
-     character an ordinary one; a qualifier inside an unqualified field is an ordinary character. */
-  int32_t join_quoted_lines;
-  int32_t backslash_escapes;
+  /* 1: a qualifier inside an unqualified field is an ordinary character. */
   int32_t keep_stray_qualifiers;
   /* Problems kept for textwizard_problems, at most; 0: 1,000,000; negative: none. */
   int64_t problem_limit;
   /* 1: a problem makes the import fail. */
   int32_t strict;
-  /* Columns of text carry variables' names instead of labels: 1. */
-  int32_t names_as_variables;
-  /* 1: columns of whole numbers within 2^53 are int64, as the whole file shows (files only; for a
-     command 1 makes every number without decimals int64). -1: never. 0: yes for a file, no for a
-     command. */
+  /* 1: every number whose format has no decimals is int64; a value that is not whole is missing and a
+     problem. */
   int32_t integers;
   /* A message; may be null. `text` is good during the call. */
   void (*message)(void* context, textwizard_message_kind kind, const char* text);
-  /* Cases and bytes so far, bytes in all (-1: unknown). Not 0 cancels. May be null. */
+  /* Cases so far (while types are found: records that were looked at), bytes so far and bytes in all
+     (-1: unknown). Not 0 cancels. May be null. */
   int32_t (*progress)(void* context, int64_t cases, int64_t bytes, int64_t all_bytes);
   void* context;
 } textwizard_options;
@@ -120,9 +115,7 @@ typedef struct textwizard_file_options {
   int64_t first_line;    /* where the data begins, from 1; 0: found */
   int32_t header;        /* 1: names stand above the data; -1: they do not; 0: found */
   const char* fixed;     /* columns such as "1-8,9-20" */
-  const char* types;     /* "visited=EDATE10,id=A12" */
-  const char* names;     /* "id,name,visited" */
-  int64_t sample_lines;  /* types from the first lines only; 0: from all */
+  int64_t sample_lines;  /* only the first lines are looked at; 0: what it takes */
 } textwizard_file_options;
 
 /* --- Imports */
@@ -134,13 +127,6 @@ TEXTWIZARD_API textwizard_status textwizard_open_command(const char* command,
                                                          const textwizard_options* options,
                                                          textwizard_import** import,
                                                          textwizard_error** error);
-/* Understands a bare file (compressed or not; "-": standard input), finds the types from the whole of
-   it and makes the command. `file_options` and `options` may be null. */
-TEXTWIZARD_API textwizard_status textwizard_open_file(const char* path,
-                                                      const textwizard_file_options* file_options,
-                                                      const textwizard_options* options,
-                                                      textwizard_import** import,
-                                                      textwizard_error** error);
 /* Ends the import; streams of it end with an error from then on and are still to be released. Null is
    accepted. */
 TEXTWIZARD_API void textwizard_close(textwizard_import* import);
@@ -168,8 +154,6 @@ TEXTWIZARD_API void textwizard_cancel(textwizard_import* import);
 TEXTWIZARD_API const char* textwizard_command(textwizard_import* import);
 /* JSON: file, cases, variables (with "evidence" of AUTO variables), and after a pass "ledger". */
 TEXTWIZARD_API const char* textwizard_dictionary(textwizard_import* import);
-/* JSON: how a bare file was read, as `textwizard sniff --json` says it; null for a command. */
-TEXTWIZARD_API const char* textwizard_reading(textwizard_import* import);
 /* JSON: the ledger of the latest pass; null before one ended. */
 TEXTWIZARD_API const char* textwizard_ledger(textwizard_import* import);
 /* The digest of the latest pass's cases, 32 hexadecimal digits; null before one ended. */
@@ -181,8 +165,8 @@ TEXTWIZARD_API const char* textwizard_digest(textwizard_import* import);
 TEXTWIZARD_API textwizard_status textwizard_sniff(const char* path,
                                                   const textwizard_file_options* file_options,
                                                   char** json, textwizard_error** error);
-/* JSON: {"records":[{"line":n,"text":"...","cut":bool}...]}: `count` records from physical line `first`
-   (from 1) on, as the import wizard sees them. `encoding`: a name of the wizard's, such as "UTF-8". */
+/* JSON: {"records":[{"line":n,"text":"...","cut":bool}...]}: `count` records from record `first` (from
+   1) on, as the import wizard sees them. `encoding`: a name of the wizard's; null: "UTF-8". */
 TEXTWIZARD_API textwizard_status textwizard_preview(const char* path, const char* encoding,
                                                     int64_t first, int64_t count, char** json,
                                                     textwizard_error** error);

@@ -1,0 +1,292 @@
+#include "library/capi/ImportSession.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "HostFramework/embedded/messages/Attention.h"
+#include "HostFramework/embedded/messages/Catalogue.h"
+#include "library/import/CommandFault.h"
+#include "library/import/FileKind.h"
+#include "library/outputs/DictionaryJson.h"
+#include "library/report/EvidenceJson.h"
+
+namespace library {
+namespace {
+
+class KeptText : public ByteSink {
+ public:
+  void Append(std::string_view bytes) override { text += bytes; }
+  std::string text;
+};
+
+WatchSettings SettingsOf(const SessionOptions& options) {
+  return {.problemLimit = options.problemLimit,
+          .rejects = false,
+          .evidence = true,
+          .trail = false,
+          .keepStrayQualifiers = options.keepStrayQualifiers,
+          .nullTexts = HostTexts(options.nullTexts)};
+}
+
+Failure Usage(std::string text) { return {.status = TEXTWIZARD_USAGE, .text = std::move(text)}; }
+
+}  // namespace
+
+ImportSession::ImportSession(std::string text, SessionOptions options)
+    : text_(std::move(text)), options_(std::move(options)) {
+  std::string problem;
+  lease_ = HostLease::Take(options_.host, &problem);
+  if (lease_ == nullptr && !problem.empty()) throw Usage(problem);
+  if (lease_ == nullptr) {
+    throw Failure{.status = TEXTWIZARD_BUSY,
+                  .text =
+                      "another import lives with another code page or decimal character; "
+                      "close it first"};
+  }
+  Open();
+}
+
+ImportSession::~ImportSession() { Close(); }
+
+void ImportSession::Open() {
+  if (const std::string problems = embedded::CatalogueProblems(); !problems.empty()) {
+    Tell(kMessageWarning, problems);
+  }
+  hostText_ = HostTexts({text_}).front();
+  embedded::CommandReader reader(hostText_);
+  embedded::ParsedCommand command;
+  if (!reader.Next(command)) throw Usage("the text holds no command");
+  if (!command.ok) {
+    throw Failure{.text = std::string(utf8_.ToUtf8(command.error)),
+                  .line = command.line,
+                  .column = command.column};
+  }
+  if (embedded::ParsedCommand second; reader.Next(second)) {
+    throw Usage("the text holds more than one command: open each by itself");
+  }
+  outline_ = OutlineOf(command.tokens, hostText_);
+  watch_.emplace(SettingsOf(options_));
+  ImportOptions settings;
+  settings.workers = options_.workers;
+  settings.watch = &*watch_;
+  ImportMessages& messages = *this;
+  import_ = std::make_unique<CommandImport>(settings, messages);
+  const embedded::AttentionScope scope(cancelled_);
+  switch (import_->Open(command.tokens)) {
+    case ImportEnd::kDone:
+      break;
+    case ImportEnd::kInterrupted:
+      throw Cancelled();
+    case ImportEnd::kFailed:
+    case ImportEnd::kStopped:
+      FailOpen(command);
+  }
+  if (const std::string advice = import_->fileAdvice(); !advice.empty()) {
+    Tell(kMessageWarning, std::string(utf8_.ToUtf8(advice)));
+  }
+  const QANT_DataSource& source = import_->source();
+  if (options_.integers) columnOptions_.integers = WholeNumberFormats(source);
+  fields_ = FieldsOf(source, columnOptions_);
+  variables_ = ReportVariablesOf(source);
+  undecodable_.BeginNextPass();
+}
+
+void ImportSession::FailOpen(const embedded::ParsedCommand& command) {
+  std::string fileWayOut = import_->fileWayOut();
+  if (fileWayOut.empty()) fileWayOut = WhyNotOpened(outline_.DataFile());
+  const CommandFault fault =
+      FindFault(command.tokens, hostText_, {command.line, command.column, "GET DATA"}, fileWayOut);
+  Failure failure = FailureOf(std::string(utf8_.ToUtf8(fault.completion)));
+  if (fault.place.line > 0) {
+    failure.line = fault.place.line;
+    failure.column = fault.place.column;
+    failure.text += fmt::format("\nline {}, column {}: {}", failure.line, failure.column,
+                                utf8_.ToUtf8(fault.place.words));
+  }
+  if (!fault.variable.empty()) {
+    failure.text += fmt::format("\nvariable {}", utf8_.ToUtf8(fault.variable));
+  }
+  if (!fault.wayOut.empty()) failure.text += fmt::format("\n{}", utf8_.ToUtf8(fault.wayOut));
+  throw failure;
+}
+
+Failure ImportSession::FailureOf(const std::string& completion) const {
+  Failure failure{.text = "the command failed"};
+  if (errors_.empty()) return failure;
+  failure.number = MessageNumber(errors_.back());
+  failure.text.clear();
+  for (const std::string& error : errors_)
+    failure.text += (failure.text.empty() ? "" : "\n") + error;
+  failure.text += completion;
+  return failure;
+}
+
+Failure ImportSession::Cancelled() {
+  cancelled_ = false;
+  return {.status = TEXTWIZARD_CANCELLED, .text = "the import was cancelled"};
+}
+
+void ImportSession::Post(std::string_view hostText, int kind) {
+  if (kind == kMessageProgress) {
+    // Records that were looked at while types are found; a count that is no number ends that.
+    const std::string count(hostText);
+    const std::int64_t records = std::strtoll(count.c_str(), nullptr, 10);
+    if (records > 0 && count != "4294967295" && !TellProgress(records)) cancelled_ = true;
+    return;
+  }
+  if (UndecodableWarnings::IsOne(hostText) && !undecodable_.Take(hostText)) return;
+  std::string text(utf8_.ToUtf8(hostText));
+  Tell(kind, text);
+  if (kind == kMessageError) errors_.push_back(std::move(text));
+}
+
+void ImportSession::Tell(int kind, const std::string& text) {
+  if (options_.message) options_.message(kind, text);
+}
+
+bool ImportSession::TellProgress(std::int64_t cases) {
+  const std::int64_t all = import_ == nullptr ? -1 : import_->stats().bytes;
+  return !options_.progress || options_.progress(cases, -1, all > 0 ? all : -1);
+}
+
+void ImportSession::CheckOpen() const {
+  if (import_ == nullptr) throw Usage("the import was closed");
+}
+
+std::uint64_t ImportSession::BeginPass() {
+  const std::lock_guard guard(mutex_);
+  CheckOpen();
+  EndPass(pass_);
+  import_->Restart();
+  ready_.clear();
+  failure_.reset();
+  errors_.clear();
+  const QANT_DataSource& source = import_->source();
+  columns_ = std::make_unique<ColumnSink>(
+      fields_, source.GetObsAreaSize() / sizeof(OBS),
+      [this](ColumnBatch batch) { ready_.push_back(std::move(batch)); });
+  problems_ = {};
+  problemSink_.emplace(variables_, options_.problemLimit,
+                       [this](const ProblemRow& row) { problems_.Add(row); });
+  watch_->UseNone();
+  watch_->Use(digest_.emplace(source));
+  watch_->Use(*columns_);
+  watch_->Prepare(source, {.problems = {&*problemSink_}, .rejects = nullptr},
+                  {.batches = true, .sampled = import_->isSampled()});
+  reading_ = true;
+  return ++pass_;
+}
+
+bool ImportSession::Next(std::uint64_t pass, ColumnBatch* batch) {
+  const std::lock_guard guard(mutex_);
+  CheckOpen();
+  if (pass != pass_) throw Usage("another reading of the same import has begun");
+  while (ready_.empty() && reading_) ReadOn();
+  if (ready_.empty()) {
+    if (failure_) throw *failure_;
+    return false;
+  }
+  *batch = std::move(ready_.front());
+  ready_.pop_front();
+  return true;
+}
+
+void ImportSession::ReadOn() {
+  const embedded::AttentionScope scope(cancelled_);
+  switch (import_->Read(*this)) {
+    case ImportEnd::kStopped:
+      if (!cancelled_) return;
+      Conclude(Cancelled());
+      return;
+    case ImportEnd::kInterrupted:
+      Conclude(Cancelled());
+      return;
+    case ImportEnd::kFailed:
+      Conclude(FailureOf({}));
+      return;
+    case ImportEnd::kDone:
+      break;
+  }
+  columns_->Finish();
+  Conclude(std::nullopt);
+  failure_ = Objection();
+}
+
+bool ImportSession::GoesOn(long long taken) {
+  if (!TellProgress(taken)) cancelled_ = true;
+  return !cancelled_ && ready_.empty();
+}
+
+void ImportSession::Conclude(std::optional<Failure> failure) {
+  // What is told of a pass is complete when its iterator is gone.
+  if (failure) import_->Restart();
+  reading_ = false;
+  failure_ = std::move(failure);
+  if (const std::string rest = undecodable_.Rest(); !rest.empty()) Tell(kMessageWarning, rest);
+  undecodable_.BeginCommand();
+  account_ = watch_->TakeAccount();
+  account_->digest = digest_->digest();
+  for (const Misfit& misfit : MisfitsOf(fields_, columns_->misfits())) problems_.Add(RowOf(misfit));
+}
+
+std::optional<Failure> ImportSession::Objection() const {
+  if (const std::string error = account_->ledger.Imbalance(); !error.empty()) {
+    return Failure{.text = error};
+  }
+  if (!options_.strict) return std::nullopt;
+  if (const std::string problems = InShort(account_->problems); !problems.empty()) {
+    return Failure{.text = "strict: " + problems};
+  }
+  const std::vector<Misfit> misfits = MisfitsOf(fields_, columns_->misfits());
+  if (misfits.empty()) return std::nullopt;
+  return Failure{.text = "strict: " + misfits.front().detail};
+}
+
+void ImportSession::EndPass(std::uint64_t pass) {
+  const std::lock_guard guard(mutex_);
+  if (pass != pass_ || import_ == nullptr) return;
+  ready_.clear();
+  if (reading_) Conclude(Usage("the reading was given up"));
+}
+
+void ImportSession::Close() {
+  const std::lock_guard guard(mutex_);
+  EndPass(pass_);
+  import_.reset();
+  lease_.reset();
+}
+
+std::vector<std::shared_ptr<const ColumnBatch>> ImportSession::Problems() {
+  const std::lock_guard guard(mutex_);
+  return problems_.Batches();
+}
+
+std::string ImportSession::Dictionary() {
+  const std::lock_guard guard(mutex_);
+  CheckOpen();
+  const DictionaryReport report{Ledger(), [this](std::size_t index) {
+                                  const ImportEvidence* const evidence = watch_->EvidenceOf(index);
+                                  return evidence == nullptr
+                                             ? std::string()
+                                             : EvidenceJson(*evidence, variables_[index]).dump();
+                                }};
+  KeptText json;
+  WriteDictionary(import_->source(), outline_.DataFile(), account_ ? account_->cases : 0, json,
+                  &report);
+  json.text.pop_back();
+  return json.text;
+}
+
+std::string ImportSession::Ledger() {
+  const std::lock_guard guard(mutex_);
+  return account_ ? account_->ledger.Json().dump() : std::string();
+}
+
+std::string ImportSession::Digest() {
+  const std::lock_guard guard(mutex_);
+  return account_ && account_->digest ? account_->digest->Hex() : std::string();
+}
+
+}  // namespace library

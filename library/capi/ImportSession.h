@@ -1,0 +1,126 @@
+// An import as a consumer of columns has it: opened once, its cases pulled by batches, as often as
+// wanted.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "library/capi/Failure.h"
+#include "library/capi/ProblemColumns.h"
+#include "library/columns/ColumnSink.h"
+#include "library/import/CommandImport.h"
+#include "library/import/CommandOutline.h"
+#include "library/import/HostSettings.h"
+#include "library/import/UndecodableWarnings.h"
+#include "library/outputs/CasesFile.h"
+#include "library/outputs/Utf8Converter.h"
+#include "library/report/Digest.h"
+#include "library/report/ImportWatch.h"
+#include "library/report/ProblemRows.h"
+
+namespace library {
+
+struct SessionOptions {
+  HostSettings host;
+  int workers = 0;
+  std::vector<std::string> nullTexts = DefaultNullTexts();  // UTF-8
+  bool keepStrayQualifiers = false;
+  std::int64_t problemLimit = 0;
+  bool strict = false;
+  bool integers = false;
+  // Each may be empty. A message (UTF-8) and its kind; cases, and bytes so far and in all (-1 where
+  // unknown): true goes on.
+  std::function<void(int, const std::string&)> message;
+  std::function<bool(std::int64_t, std::int64_t, std::int64_t)> progress;
+};
+
+// Every operation throws Failure and std::bad_alloc. The operations of one object wait for one
+// another, whatever threads call them; Cancel waits for none.
+class ImportSession : private ImportMessages, private CaseReceiver {
+ public:
+  // Runs the one command of `text` (UTF-8) until its dictionary is made.
+  ImportSession(std::string text, SessionOptions options);
+  ~ImportSession() override;
+  ImportSession(const ImportSession&) = delete;
+  ImportSession& operator=(const ImportSession&) = delete;
+
+  const std::vector<ColumnField>& fields() const { return fields_; }
+  // The command's text.
+  const std::string& command() const { return text_; }
+
+  // Begins a pass over the cases, which ends the one before. Its number.
+  std::uint64_t BeginPass();
+  // The next batch of the pass; false when there is none. A pass that failed fails again.
+  bool Next(std::uint64_t pass, ColumnBatch* batch);
+  // Gives up the pass where it is; nothing where another one began.
+  void EndPass(std::uint64_t pass);
+  // Ends the import: from now on there are no cases.
+  void Close();
+  // Stops the pass that runs, or the next one, at its next check. Any thread.
+  void Cancel() { cancelled_ = true; }
+
+  // Problems of the latest pass.
+  std::vector<std::shared_ptr<const ColumnBatch>> Problems();
+  // JSON. The ledger and the digest are empty before a pass ended.
+  std::string Dictionary();
+  std::string Ledger();
+  std::string Digest();
+
+ private:
+  void Open();
+  [[noreturn]] void FailOpen(const embedded::ParsedCommand& command);
+  void ReadOn();
+  // The pass has ended: `failure` is what the next call for a batch says; null where all is well.
+  void Conclude(std::optional<Failure> failure);
+  // What makes a pass fail that was read to its end.
+  std::optional<Failure> Objection() const;
+  Failure Cancelled();
+  // Of the errors that were posted, the last of which is completed.
+  Failure FailureOf(const std::string& completion) const;
+  void CheckOpen() const;
+  void Tell(int kind, const std::string& text);
+  bool TellProgress(std::int64_t cases);
+
+  void Post(std::string_view hostText, int kind) override;
+  void Take(const OBS* /*obs*/) override {}
+  bool GoesOn(long long taken) override;
+
+  const std::string text_;
+  const SessionOptions options_;
+  std::recursive_mutex mutex_;
+  std::atomic<bool> cancelled_{false};
+
+  // Guarded by mutex_. Each uses those before it.
+  std::unique_ptr<HostLease> lease_;
+  std::string hostText_;  // the command in the host's encoding
+  CommandOutline outline_;
+  Utf8Converter utf8_;
+  std::vector<std::string> errors_;  // UTF-8
+  UndecodableWarnings undecodable_;
+  std::optional<ImportWatch> watch_;
+  std::unique_ptr<CommandImport> import_;  // null once it was closed
+  CasesFileOptions columnOptions_;
+  std::vector<ColumnField> fields_;
+  ReportVariables variables_;
+
+  // Of the pass.
+  std::uint64_t pass_ = 0;
+  bool reading_ = false;
+  std::optional<Failure> failure_;
+  std::unique_ptr<ColumnSink> columns_;
+  std::optional<DigestSink> digest_;
+  ProblemColumns problems_;
+  std::optional<ProblemRowSink> problemSink_;
+  std::deque<ColumnBatch> ready_;
+  std::optional<PassAccount> account_;  // of the latest pass that ended
+};
+
+}  // namespace library

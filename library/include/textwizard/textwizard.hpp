@@ -1,0 +1,191 @@
+// The C interface with owners and results, for C++17 and later; header only. Nothing throws but
+// Result::value and std::bad_alloc.
+//
+//     auto import = textwizard::Import::OpenCommand("GET DATA /TYPE=TXT ...");
+//     if (!import) { std::cerr << import.error().text(); return 1; }
+//     auto cases = import->Cases();
+//     while (cases) {
+//       textwizard::Result<textwizard::Batch> batch = cases->Next();
+//       if (!batch || !*batch) break;
+//       ... batch->array() ...
+//     }
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "textwizard/textwizard.h"
+
+namespace textwizard {
+
+// What went wrong. A value: may be copied and kept.
+class Error {
+ public:
+  Error(textwizard_status status, std::string text, std::int32_t number = 0, std::int32_t line = 0,
+        std::int32_t column = 0)
+      : status_(status), text_(std::move(text)), number_(number), line_(line), column_(column) {}
+  // Frees `error`, which may be null.
+  static Error Take(textwizard_status status, textwizard_error* error) {
+    const std::unique_ptr<textwizard_error, void (*)(textwizard_error*)> owned(
+        error, textwizard_error_free);
+    return {status, error == nullptr ? "no memory" : textwizard_error_text(error),
+            textwizard_error_number(error), textwizard_error_line(error),
+            textwizard_error_column(error)};
+  }
+
+  textwizard_status status() const { return status_; }
+  const std::string& text() const { return text_; }
+  // Of the message; 0 where it has none.
+  std::int32_t number() const { return number_; }
+  // In the command's text, from 1; 0 where it is not about the text.
+  std::int32_t line() const { return line_; }
+  std::int32_t column() const { return column_; }
+
+ private:
+  textwizard_status status_;
+  std::string text_;
+  std::int32_t number_;
+  std::int32_t line_;
+  std::int32_t column_;
+};
+
+// A value or an error.
+template <class Value>
+class Result {
+ public:
+  Result(Value value) : held_(std::in_place_index<0>, std::move(value)) {}
+  Result(Error error) : held_(std::in_place_index<1>, std::move(error)) {}
+
+  explicit operator bool() const { return held_.index() == 0; }
+  bool has_value() const { return held_.index() == 0; }
+  // Only where there is one.
+  Value& operator*() { return std::get<0>(held_); }
+  const Value& operator*() const { return std::get<0>(held_); }
+  Value* operator->() { return &std::get<0>(held_); }
+  const Value* operator->() const { return &std::get<0>(held_); }
+  // Throws std::runtime_error with the error's text where there is none.
+  Value& value() {
+    if (!has_value()) throw std::runtime_error(error().text());
+    return std::get<0>(held_);
+  }
+  const Error& error() const { return std::get<1>(held_); }
+
+ private:
+  std::variant<Value, Error> held_;
+};
+
+// An owner of one of the three structs.
+template <class Struct>
+class Owned {
+ public:
+  Owned() = default;
+  explicit Owned(const Struct& taken) : held_(taken) {}
+  Owned(Owned&& other) noexcept : held_(std::exchange(other.held_, Struct{})) {}
+  Owned& operator=(Owned&& other) noexcept {
+    std::swap(held_, other.held_);
+    return *this;
+  }
+  ~Owned() {
+    if (held_.release != nullptr) held_.release(&held_);
+  }
+  // False where there is nothing: a batch behind the last one.
+  explicit operator bool() const { return held_.release != nullptr; }
+  Struct& get() { return held_; }
+  const Struct& get() const { return held_; }
+  // Gives the struct away, for who releases it.
+  Struct Release() { return std::exchange(held_, Struct{}); }
+
+ private:
+  Struct held_{};
+};
+
+class Schema : public Owned<ArrowSchema> {
+ public:
+  using Owned::Owned;
+};
+
+// Cases as columns.
+class Batch : public Owned<ArrowArray> {
+ public:
+  using Owned::Owned;
+  const ArrowArray& array() const { return get(); }
+  std::int64_t length() const { return get().length; }
+};
+
+class Stream : public Owned<ArrowArrayStream> {
+ public:
+  using Owned::Owned;
+  Result<Schema> ReadSchema() {
+    ArrowSchema schema{};
+    if (get().get_schema(&get(), &schema) != 0) return Failure();
+    return Schema(schema);
+  }
+  // The next batch; an empty one (false) at the end.
+  Result<Batch> Next() {
+    ArrowArray batch{};
+    if (get().get_next(&get(), &batch) != 0) return Failure();
+    return Batch(batch);
+  }
+
+ private:
+  Error Failure() {
+    const char* const text = get().get_last_error(&get());
+    return {TEXTWIZARD_COMMAND_FAILED, text == nullptr ? "the stream failed" : text};
+  }
+};
+
+// An import. Its streams may outlive it, and end with an error then.
+class Import {
+ public:
+  static Result<Import> OpenCommand(const std::string& command,
+                                    const textwizard_options* options = nullptr) {
+    textwizard_import* import = nullptr;
+    textwizard_error* error = nullptr;
+    const textwizard_status status =
+        textwizard_open_command(command.c_str(), options, &import, &error);
+    if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+    return Import(import);
+  }
+
+  Result<Schema> ReadSchema() {
+    ArrowSchema schema{};
+    textwizard_error* error = nullptr;
+    const textwizard_status status = textwizard_schema(handle_.get(), &schema, &error);
+    if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+    return Schema(schema);
+  }
+  Result<Stream> Cases() { return Opened(textwizard_cases); }
+  Result<Stream> Problems() { return Opened(textwizard_problems); }
+  void Cancel() { textwizard_cancel(handle_.get()); }
+
+  // Empty where there is none yet.
+  std::string Command() const { return Text(textwizard_command(handle_.get())); }
+  std::string Dictionary() const { return Text(textwizard_dictionary(handle_.get())); }
+  std::string Ledger() const { return Text(textwizard_ledger(handle_.get())); }
+  std::string Digest() const { return Text(textwizard_digest(handle_.get())); }
+  // For the C functions; stays this object's.
+  textwizard_import* handle() const { return handle_.get(); }
+
+ private:
+  struct Close {
+    void operator()(textwizard_import* import) const { textwizard_close(import); }
+  };
+  explicit Import(textwizard_import* import) : handle_(import) {}
+  static std::string Text(const char* text) { return text == nullptr ? std::string() : text; }
+  Result<Stream> Opened(textwizard_status (*open)(textwizard_import*, ArrowArrayStream*,
+                                                  textwizard_error**)) {
+    ArrowArrayStream stream{};
+    textwizard_error* error = nullptr;
+    const textwizard_status status = open(handle_.get(), &stream, &error);
+    if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+    return Stream(stream);
+  }
+
+  std::unique_ptr<textwizard_import, Close> handle_;
+};
+
+}  // namespace textwizard
