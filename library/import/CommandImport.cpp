@@ -5,6 +5,7 @@
 #include <ctime>
 #include <exception>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -16,6 +17,7 @@
 #include "HostFramework/embedded/threads/ThreadStarts.h"
 #include "command/TxtWzParser.h"
 #include "library/import/CommandWords.h"
+#include "model/MessageText.h"
 
 namespace library {
 namespace {
@@ -88,8 +90,8 @@ bool CommandImport::ShowFile(const std::vector<embedded::CommandToken>& tokens) 
                           parser.GetFile(), problem));
     return false;
   }
-  restoring_ = std::make_unique<RestoringObserver>(options_.watch, *shown_,
-                                                   rewriting.keepStrayQualifiers);
+  restoring_ =
+      std::make_unique<RestoringObserver>(options_.watch, *shown_, rewriting.keepStrayQualifiers);
   return true;
 }
 
@@ -99,6 +101,12 @@ ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
     if (!ShowFile(tokens)) return ImportEnd::kFailed;
     ImportObserver* observer = options_.watch;
     if (restoring_) observer = restoring_.get();
+    std::optional<ScopedStretches> stretches;
+    if (options_.parts.cuts()) {
+      parted_ = std::make_unique<PartedReading>(options_.parts, observer);
+      observer = &parted_->observer();
+      stretches.emplace(parted_->view());
+    }
     adapter_ = std::make_unique<ImportAdapter>(std::move(tokens), MessageRoute::Callback(),
                                                options_.workers, observer, files_);
     const Clock::time_point start = Clock::now();
@@ -144,12 +152,39 @@ bool CommandImport::StartReading(CaseReceiver& receiver) {
   seed_ = options_.seed.value_or(static_cast<unsigned>(std::time(nullptr)));
   sampler_.emplace(source_->sampleFraction(), seed_);
   threadsBefore_ = embedded::ThreadsStarted();
+  if (parted_) {
+    std::string problem;
+    if (!parted_->Plan(source(), &problem)) {
+      if (!problem.empty()) throw std::runtime_error(problem);
+      throw int{textwizard::kReadFailed};
+    }
+    if (parted_->isCut()) {
+      partMonitor_ = std::make_unique<ErrorsOnly>(
+          [this](const std::string& text) { Post(text, kMessageError); });
+    }
+    parted_->Begin();
+    if (!parted_->HasNext()) return false;
+  }
+  return MakeIterator();
+}
+
+// Of the next stretch, where cases are read in parts.
+bool CommandImport::MakeIterator() {
+  iterator_.reset();
+  if (parted_) parted_->BeginNext();
   iterator_.reset(source().MakeIterator(buffer_->obs()));
   if (iterator_ == nullptr) {
     PostError(kNoIterator);
     return false;
   }
-  iterator_->SetErrorMonitor(&monitor_);
+  iterator_->SetErrorMonitor(partMonitor_ ? partMonitor_.get() : &monitor_);
+  return true;
+}
+
+bool CommandImport::NextCase() {
+  while (!iterator_->Next()) {
+    if (!parted_ || !parted_->HasNext() || !MakeIterator()) return false;
+  }
   return true;
 }
 
@@ -168,7 +203,7 @@ bool CommandImport::KeepsCase() {
 
 bool CommandImport::ReadBatches(CaseReceiver& receiver) {
   const ImportWatch& watch = *options_.watch;
-  while (iterator_->Next()) {
+  while (NextCase()) {
     casesRead_ = stats_.cases = watch.cases();
     watch.Rethrow();
     if (embedded::AttentionRequested() || !receiver.GoesOn(stats_.cases)) return false;
@@ -181,7 +216,7 @@ bool CommandImport::ReadBatches(CaseReceiver& receiver) {
 bool CommandImport::ReadOn(CaseReceiver& receiver) {
   if (options_.watch != nullptr && options_.watch->WantsBatches()) return ReadBatches(receiver);
   long long& taken = stats_.cases;
-  while (iterator_->Next()) {
+  while (NextCase()) {
     if (restoring_) restoring_->Restore(iterator_->GetObsPointer());
     ++casesRead_;
     if (KeepsCase()) {
@@ -214,18 +249,32 @@ void CommandImport::ReadAllAgain() {
   ErrorsOnly monitor([this](const std::string& text) { Post(text, kMessageError); });
   // The draw starts where it started before.
   sampler_.emplace(source_->sampleFraction(), seed_);
+  if (parted_) parted_->Begin();
+  if (parted_ && !parted_->HasNext()) return;
+  do {
+    if (parted_) parted_->BeginNext();
+    if (!ReadPassAgain(monitor)) return;
+  } while (parted_ && parted_->HasNext());
+}
+
+// False when it failed or the user asked to interrupt it.
+bool CommandImport::ReadPassAgain(ErrorMonitor& monitor) {
   const std::unique_ptr<QANT_InputCaseIterator> iterator(source().MakeIterator(buffer_->obs()));
-  if (iterator == nullptr) return PostError(kNoIterator);
+  if (iterator == nullptr) {
+    PostError(kNoIterator);
+    return false;
+  }
   iterator->SetErrorMonitor(&monitor);
   const bool batches = options_.watch->WantsBatches();
   for (long long read = 1; iterator->Next(); ++read) {
     if (!batches && restoring_) restoring_->Restore(buffer_->obs());
     if (!batches) KeepsCase();
     if (!batches && (read & kQuestionMask) != 0) continue;
-    if (embedded::AttentionRequested()) return;
+    if (embedded::AttentionRequested()) return false;
     options_.watch->Rethrow();
   }
   options_.watch->Rethrow();
+  return true;
 }
 
 void CommandImport::Restart() {

@@ -21,6 +21,7 @@
 #include "library/import/RestoringObserver.h"
 #include "library/import/RewritingOptions.h"
 #include "library/import/ShownFile.h"
+#include "library/parts/PartedReading.h"
 #include "library/report/ImportWatch.h"
 
 namespace library {
@@ -36,6 +37,8 @@ struct ImportOptions {
   std::optional<StandIns> standIns{};  // where they are known; else the file is read for them
   // Opens data files and keeps them open; outlives the import. Null for its own.
   InputFiles* files = nullptr;
+  // Cases are read part after part, or those of one part alone.
+  PartOptions parts{};
 };
 
 enum class ImportEnd {
@@ -69,6 +72,10 @@ class CommandImport : private ImportMessages {
   std::string fileWayOut() const { return adapter_ ? adapter_->fileWayOut() : std::string(); }
   std::string fileAdvice() const { return adapter_ ? adapter_->fileAdvice() : std::string(); }
 
+  // Why the cases are read as one part though there are several: a sentence (UTF-8); else empty.
+  // Once cases are read.
+  std::string uncut() const { return parted_ ? parted_->uncut() : std::string(); }
+
   // Reads the cases that are left, up to the end of the data or to where the receiver stops; from
   // there the next call reads on. The first call begins.
   ImportEnd Read(CaseReceiver& receiver);
@@ -95,10 +102,13 @@ class CommandImport : private ImportMessages {
   void PostError(std::string_view text) { Post(text, kMessageError); }
   bool ShowFile(const std::vector<embedded::CommandToken>& tokens);
   bool StartReading(CaseReceiver& receiver);
+  bool MakeIterator();
+  bool NextCase();
   // True at the end of the data, false where the receiver or the user stopped before.
   bool ReadOn(CaseReceiver& receiver);
   bool ReadBatches(CaseReceiver& receiver);
   void ReadAllAgain();
+  bool ReadPassAgain(ErrorMonitor& monitor);
   // Whether the command keeps the case in the buffer; tells the watch.
   bool KeepsCase();
   void EndReading();
@@ -113,11 +123,13 @@ class CommandImport : private ImportMessages {
   InputFiles& files_;
   std::unique_ptr<ShownFile> shown_;              // null: the file itself
   std::unique_ptr<RestoringObserver> restoring_;  // where something is to be put right
+  std::unique_ptr<PartedReading> parted_;         // null: all cases in one go
   std::unique_ptr<ImportAdapter> adapter_;
   std::optional<ActiveSource> source_;
   unsigned seed_ = 0;
   std::optional<CaseSampler> sampler_;
   std::unique_ptr<embedded::CaseBuffer> buffer_;
+  std::unique_ptr<ErrorMonitor> partMonitor_;
   std::unique_ptr<QANT_InputCaseIterator> iterator_;
   int threadsBefore_ = 0;
   long long casesRead_ = 0;

@@ -74,7 +74,7 @@ QANT_FileStream::QANT_FileStream(const QANT_FileStream& other) : state_(std::mak
   // A copy without a descriptor is closed; it must not pass for an empty file.
   state_->failed = !state_->device;
   if (state_->failed) return;
-  state_->size = other.state_->size;
+  state_->size = state_->device->SizeOfCopy(other.state_->size);
   state_->blockEnd = other.Position();
 }
 

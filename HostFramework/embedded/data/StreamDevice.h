@@ -20,6 +20,9 @@ class StreamDevice {
   virtual std::int64_t Size() const = 0;
   // The same open file under a file descriptor of its own; null when there is none to be had.
   virtual std::unique_ptr<StreamDevice> Duplicate() const = 0;
+  // Bytes that a copy of a stream has on this device, a duplicate; `opened`: those of the stream it
+  // is copied from. A file has the size that it had when it was opened.
+  virtual std::int64_t SizeOfCopy(std::int64_t opened) const { return opened; }
 };
 
 // Opens the file of a path (host text) for reading; null when it cannot.

@@ -1,0 +1,27 @@
+// How the reading of a data file is cut into parts.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "library/parts/CasePlan.h"
+#include "library/parts/PartLines.h"
+
+namespace library {
+
+struct PartOptions {
+  // Part after part, of so many bytes each, as if by as many machines; 0: all at once.
+  std::int64_t partBytes = 0;
+
+  // One part alone, and what stands before it in the file.
+  struct Single {
+    PartRange range;
+    // The parts before; null: the file is read to find it.
+    std::optional<PartLines> before;
+  };
+  std::optional<Single> single;
+
+  bool cuts() const { return partBytes > 0 || single.has_value(); }
+};
+
+}  // namespace library
