@@ -1,15 +1,16 @@
 /*
  * The hand-off of batches between the reader thread, the workers and the host's thread, as
- * QANT_TextWizardMultiThreadedManager and TextDataIteratorThread do it. tools/check-model tries
- * every interleaving of its steps, and shows that planted faults are found that way.
+ * QANT_TextWizardMultiThreadedManager, RingReader and TextDataIteratorThread do it over a WorkerRing.
+ * tools/check-model tries every interleaving of its steps, and shows that planted faults are found
+ * that way.
  *
  * What is modelled: a ring of SLOTS workers; a file of 0 to RECORDS records; batches of one or two
  * records, or of none (once in a row, as the reader does it when a record does not fit), so that
  * there are 0 to RECORDS batches with records; conversion and detection; the host deleting the
  * iterator before, between and after its calls; detection interrupted, and ended there or gone on
  * with; detection never asked for; a reader or a worker that cannot be started; no memory for a
- * batch text; what the reader leaves for the host's thread beside the batches; a read that fails; a worker, or the host's thread, that fails at any record. Names
- * are those of the code.
+ * batch text; what the reader leaves for the host's thread beside the batches; a read that fails; a
+ * worker, or the host's thread, that fails at any record. Names are those of the code.
  *
  * What a step is: one access to one shared word. A word that is raised by compare-and-exchange, or
  * set in one section of fStateMutex, changes in one step. Waiting for a semaphore or a mutex shares
@@ -22,9 +23,8 @@
  *
  * What is left out: the contents of records, cases and counters (a record is its number in the
  * file, from 1); notes, messages, products and what else is told of the cases (they belong to the
- * batch); positions asked for ahead (cases
- * are read and dropped); fStateMutex as a lock (nobody waits inside it, so it stops nobody for
- * ever). A wait that looks again and again (PatientWait) is a step that is possible while its
+ * batch); positions asked for ahead (cases are read and dropped); fStateMutex as a lock (nobody waits
+ * inside it, so it stops nobody for ever). A wait that looks again and again (PatientWait) is a step that is possible while its
  * condition holds: such a wait in the code may miss a condition that holds for a moment only, and
  * here its step may be left until it is too late in the same way.
  *

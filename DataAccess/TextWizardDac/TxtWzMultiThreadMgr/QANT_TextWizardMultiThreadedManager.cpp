@@ -33,12 +33,9 @@ QANT_TextWizardMultiThreadedManager::QANT_TextWizardMultiThreadedManager(
       fSource(source),
       fIterator(iterator),
       fPlan(source),
-      fThreads(WorkerCount(source)),
-      fReader(source.stream()),
-      fDecoder(source.settings().encoding) {
-  // The stream's copy may lack a file descriptor, which looks like an empty file later.
-  if (!fReader.SeekBegin()) fFailed.store(true);
-  fReader.SetStop(&fReaderState);
+      fRing(WorkerCount(source)),
+      fReader(source, fPlan, fRing) {
+  fHost.Assume();
   if (detection) {
     DetectionRules& rules = fPlan.detectionRules;
     rules = DetectionRules(source.settings(), DetectionPass::kWorker);
@@ -57,7 +54,7 @@ void QANT_TextWizardMultiThreadedManager::Watch() {
     fTeller = std::make_unique<PassTeller>(*observer, fSource.GetNVariables(), false);
     fPlan.teller = fTeller.get();
     fPlan.keepsPlaces = true;
-    fReader.KeepNuls(&fNuls);
+    fReader.KeepNuls();
   }
   if (observer->WantsBatches()) {
     fPlan.batchObserver = observer;
@@ -67,27 +64,23 @@ void QANT_TextWizardMultiThreadedManager::Watch() {
 }
 
 QANT_TextWizardMultiThreadedManager::~QANT_TextWizardMultiThreadedManager() {
+  fHost.Assume();
   EndTelling(false, false);
-  RaiseReaderState(kStopping);
-  for (const auto& slot : fThreads) {
+  fRing.RaiseReaderState(WorkerRing::kStopping);
+  for (const auto& slot : fRing.fThreads) {
     if (TextDataIteratorThread* worker = slot.load()) worker->Stop();
   }
   join();
 }
 
-void QANT_TextWizardMultiThreadedManager::RaiseReaderState(ReaderState state) {
-  std::int32_t now = fReaderState.load();
-  while (now < state && !fReaderState.compare_exchange_weak(now, state)) {
-  }
-}
-
 void QANT_TextWizardMultiThreadedManager::Start() {
-  if (!fFailed.load() && activate()) return;
-  fFailed.store(true);
-  RaiseReaderState(kEnded);
+  if (!fRing.fFailed.load() && activate()) return;
+  fRing.fFailed.store(true);
+  fRing.RaiseReaderState(WorkerRing::kEnded);
 }
 
 bool QANT_TextWizardMultiThreadedManager::Seek(long long n) {
+  fHost.Assume();
   fTargetCase = n;
   return true;
 }
@@ -97,6 +90,7 @@ bool QANT_TextWizardMultiThreadedManager::MoreCases() const {
 }
 
 bool QANT_TextWizardMultiThreadedManager::Next() {
+  fHost.Assume();
   if (fCaseNumber > fTargetCase) {
     fTargetCase = fCaseNumber;
     return true;
@@ -106,7 +100,7 @@ bool QANT_TextWizardMultiThreadedManager::Next() {
   try {
     return ReadOn();
   } catch (...) {
-    fFailed.store(true);
+    fRing.fFailed.store(true);
   }
   fTargetCase = fCaseNumber;
   EndTelling(false, false);
@@ -125,7 +119,7 @@ bool QANT_TextWizardMultiThreadedManager::ReadOn() {
   }
   fTargetCase = fCaseNumber;
   // A pass that met a failure is not a complete one.
-  const bool complete = !fEndOfData || !fFailed.load();
+  const bool complete = !fEndOfData || !fRing.fFailed.load();
   EndTelling(complete, fEndOfData && complete);
   if (complete) fSource.NotePassEnd(fCaseNumber, Monitor());
   return false;
@@ -146,7 +140,7 @@ bool QANT_TextWizardMultiThreadedManager::ReadCase() {
 
 bool QANT_TextWizardMultiThreadedManager::ReadBatch() {
   while (!fEndOfData && MoreCases()) {
-    if (fTaken.failed()) fFailed.store(true);
+    if (fTaken.failed()) fRing.fFailed.store(true);
     if (fTaken.failed() || !TakeBatch()) {
       EndPass();
       break;
@@ -167,7 +161,7 @@ bool QANT_TextWizardMultiThreadedManager::ReadBatch() {
 
 void QANT_TextWizardMultiThreadedManager::EndPass() {
   fEndOfData = true;
-  ErrorMonitor* const monitor = fFailed.load() ? Monitor() : nullptr;
+  ErrorMonitor* const monitor = fRing.fFailed.load() ? Monitor() : nullptr;
   if (monitor) monitor->Report(ReadFailedError(fSource.GetFileSpec()));
 }
 
@@ -179,7 +173,7 @@ const OBS* QANT_TextWizardMultiThreadedManager::GetNextObsArray() {
       return nextCase;
     }
     if (fTaken.failed()) {
-      fFailed.store(true);
+      fRing.fFailed.store(true);
       return nullptr;
     }
   } while (TakeBatch());
@@ -201,23 +195,23 @@ bool QANT_TextWizardMultiThreadedManager::TakeBatch() {
 }
 
 void QANT_TextWizardMultiThreadedManager::BeginTelling() {
-  fTeller->Begin(fMarkBytes, fPreambleEnd);
+  fTeller->Begin(fRing.fMarkBytes, fRing.fPreambleEnd);
 }
 
 void QANT_TextWizardMultiThreadedManager::EndTelling(bool complete, bool dataEnded) {
   if (!fTeller) return;
   // Where no case is allowed, nobody has waited for the reader so far.
   if (complete && fCaseNumber == 0 && !fEndOfData) TakeBatch();
-  fTeller->End(complete, dataEnded ? fDataEnd : -1, fSource.stream().Size());
+  fTeller->End(complete, dataEnded ? fRing.fDataEnd : -1, fSource.stream().Size());
 }
 
 TextDataIteratorThread* QANT_TextWizardMultiThreadedManager::WaitForBatch() {
   for (;;) {
-    TextDataIteratorThread* const worker = fThreads[fCurrentThread].load();
+    TextDataIteratorThread* const worker = fRing.fThreads[fCurrentThread].load();
     if (!worker) {
       // An empty slot is the end only once the reader has finished; before, its worker is coming.
-      if (fReaderState.load() != kReading) return nullptr;
-      fStartSemaphore.wait();
+      if (fRing.fReaderState.load() != WorkerRing::kReading) return nullptr;
+      fRing.fStartSemaphore.wait();
       continue;
     }
     if (worker->stopRequested()) return nullptr;
@@ -228,7 +222,7 @@ TextDataIteratorThread* QANT_TextWizardMultiThreadedManager::WaitForBatch() {
 }
 
 void QANT_TextWizardMultiThreadedManager::ReleaseSlot(TextDataIteratorThread& worker) {
-  fCurrentThread = (fCurrentThread + 1) % fThreads.size();
+  fCurrentThread = (fCurrentThread + 1) % fRing.fThreads.size();
   worker.SetState(TextDataIteratorThread::kFreed);
   worker.PostFree();
   worker.SetState(TextDataIteratorThread::kAvailable);
@@ -256,6 +250,7 @@ void QANT_TextWizardMultiThreadedManager::TakeNotes() {
 
 std::int64_t QANT_TextWizardMultiThreadedManager::PerformAutoDetection(
     TxtWzVar* const* variables, std::size_t count, DetectionEvidence* evidence) {
+  fHost.Assume();
   fAutoVariables = variables;
   fAutoEvidence = evidence;
   fPlan.Detect(variables, count);
@@ -269,7 +264,7 @@ std::int64_t QANT_TextWizardMultiThreadedManager::PerformAutoDetection(
     if (fTargetCase < ++fCaseNumber) break;
   }
   fTargetCase = fCaseNumber;
-  if (fEndOfData && fFailed.load()) throw int{kReadFailed};
+  if (fEndOfData && fRing.fFailed.load()) throw int{kReadFailed};
   return fCaseNumber;
 }
 
@@ -288,7 +283,7 @@ bool QANT_TextWizardMultiThreadedManager::GetAutoNext() {
     TakeNotes();
     fCaseNumber += fTaken.recordCount();
     if (fTaken.failed()) {
-      fFailed.store(true);
+      fRing.fFailed.store(true);
       break;
     }
     if (fCaseNumber / 1000 <= lastThousands) continue;
@@ -306,6 +301,7 @@ bool QANT_TextWizardMultiThreadedManager::GetAutoNext() {
 }
 
 void QANT_TextWizardMultiThreadedManager::SetDacAdapter(DACAdapterBase* adapter) {
+  fHost.Assume();
   if (!adapter || Monitor()) return;
   fOwnedErrorMonitor = std::make_unique<QantErrorMonitor>(adapter->GetErrorCallback());
   fOwnedErrorMonitor->SetContext(adapter->GetAdapterContext());

@@ -1,6 +1,7 @@
-// The engine of the multi-threaded iterator: a reader thread (this object), which cuts the file
-// into batches of records, a ring of workers, which convert them or count them for type detection,
-// and the host's thread, which takes the results out of the ring in the order of the file.
+// The engine of the multi-threaded iterator: a reader thread (this object, by its RingReader),
+// which cuts the file into batches of records, a ring of workers, which convert them or count them
+// for type detection, and the host's thread, which takes the results out of the ring in the order
+// of the file.
 //
 // The reader fills the slots of the ring one after another and fills a slot again once the host's
 // thread has given it back; the host's thread goes round in the same order. So the cases keep their
@@ -8,21 +9,18 @@
 // thread delivers.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
-#include <string_view>
-#include <vector>
 
 #include "HostFramework/DACAdapter.h"
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Messages.h"
 #include "HostFramework/Threads.h"
-#include "TxtWzMultiThreadMgr/TextDataIteratorThread.h"
+#include "TxtWzMultiThreadMgr/CaseBatch.h"
+#include "TxtWzMultiThreadMgr/RingReader.h"
 #include "TxtWzMultiThreadMgr/WorkerPlan.h"
+#include "TxtWzMultiThreadMgr/WorkerRing.h"
 #include "model/UndecodableWarnings.h"
-#include "reading/RecordDecoder.h"
-#include "reading/RecordReader.h"
 #include "watch/PassTeller.h"
 
 namespace textwizard {
@@ -48,7 +46,10 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   // Cases before n are read and dropped by the following Next; a position already passed makes it
   // answer true without moving.
   bool Seek(long long n);
-  long long Tell() const { return fCaseNumber; }
+  long long Tell() const {
+    fHost.Assume();
+    return fCaseNumber;
+  }
   void Commit() {}
   // Copies the next case into the iterator's case buffer. At the end of the data, and when the pass
   // cannot go on, false; the latter posts one error.
@@ -62,111 +63,62 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   // Gives messages, progress and interruption a way to the host when the iterator has no monitor.
   void SetDacAdapter(DACAdapterBase* adapter);
 
-  void threadMain() override;
+  // The reader thread.
+  void threadMain() override { fReader.Run(); }
 
  private:
-  // Rises only.
-  enum ReaderState : std::int32_t {
-    kReading = 0,
-    kStopping = 1,  // asked to stop, or the pass is over
-    kEnded = 2,
-  };
-
   // --- Host's thread
   // Sets up what the host's observer wants. Before threads run.
-  void Watch();
-  bool MoreCases() const;
+  void Watch() SF_REQUIRES(fHost);
+  bool MoreCases() const SF_REQUIRES(fHost);
   // What Next does behind its guards. Throws when memory runs out.
-  bool ReadOn();
-  bool ReadCase();
-  bool ReadBatch();
+  bool ReadOn() SF_REQUIRES(fHost);
+  bool ReadCase() SF_REQUIRES(fHost);
+  bool ReadBatch() SF_REQUIRES(fHost);
   // No further case comes; posts the error when the pass was given up.
-  void EndPass();
+  void EndPass() SF_REQUIRES(fHost);
   // The next converted case, or null when there is none; reports what arose from its record.
-  const OBS* GetNextObsArray();
+  const OBS* GetNextObsArray() SF_REQUIRES(fHost);
   // Adds up batch after batch; true only when the user interrupted.
-  bool GetAutoNext();
+  bool GetAutoNext() SF_REQUIRES(fHost);
   // Takes the next batch out of the ring into fTaken, once its worker has finished it; false at the
   // end of the pass.
-  bool TakeBatch();
+  bool TakeBatch() SF_REQUIRES(fHost);
   // The worker whose batch is next, once it has finished it; null at the end of the pass.
-  TextDataIteratorThread* WaitForBatch();
+  TextDataIteratorThread* WaitForBatch() SF_REQUIRES(fHost);
   // Gives the current slot back to the reader and goes to the next one.
-  void ReleaseSlot(TextDataIteratorThread& worker);
-  void TakeNotes();
+  void ReleaseSlot(TextDataIteratorThread& worker) SF_REQUIRES(fHost);
+  void TakeNotes() SF_REQUIRES(fHost);
   // Tells who watches that the pass begins; the reader has come to the first record.
-  void BeginTelling();
-  void EndTelling(bool complete, bool dataEnded);
-  void ReportCaseCount(std::int32_t count);
-  ErrorMonitor* Monitor() const;
+  void BeginTelling() SF_REQUIRES(fHost);
+  void EndTelling(bool complete, bool dataEnded) SF_REQUIRES(fHost);
+  void ReportCaseCount(std::int32_t count) SF_REQUIRES(fHost);
+  ErrorMonitor* Monitor() const SF_REQUIRES(fHost);
 
-  // --- Reader thread (ReaderThread.cpp)
-  void WalkRing();
-  void ReadFirstRecord();
-  // Reads the record that is to be added next; fPending tells whether there is one.
-  void ReadRecord();
-  // A worker for the slot, started; null, with the pass given up, when that is not possible.
-  TextDataIteratorThread* MakeWorker(std::size_t slot);
-  // Puts as many records as fit into fBatch, whose text is for `worker`; false when there is no
-  // memory for it.
-  bool FillBatch(const TextDataIteratorThread& worker);
-  bool AppendPending();
-  // Hands fBatch to the worker; false when that has been stopped.
-  bool SendBatch(TextDataIteratorThread& worker);
-  // The pass cannot go on: what has been read is delivered, then the host's thread reports it.
-  void GiveUp();
-
-  // --- Any thread
-  void RaiseReaderState(ReaderState state);
+  // Of the host's thread.
+  sfThreadRole fHost;
 
   // Constant after construction.
   const ImportSource& fSource;
   QANT_InputCaseIterator& fIterator;
   // Null when nobody watches; the workers look whether more problems are to be told.
-  std::unique_ptr<PassTeller> fTeller;
+  std::unique_ptr<PassTeller> fTeller SF_PT_GUARDED_BY(fHost);
   // Constant while threads run.
   WorkerPlan fPlan;
 
-  // Synchronise themselves.
-  std::atomic<std::int32_t> fReaderState{kReading};
-  // The pass was given up. Set before the end of the pass can be seen.
-  std::atomic<bool> fFailed{false};
-  // The ring. A slot is null until the reader needs it for the first time.
-  std::vector<std::atomic<TextDataIteratorThread*>> fThreads;
-  // Posted for every worker that the reader makes and at the end of its pass.
-  sfSemaphore fStartSemaphore{0};
+  WorkerRing fRing;
+  RingReader fReader;
 
-  // Reader thread only, until it is joined.
-  RecordReader fReader;
-  RecordDecoder fDecoder;
-  std::vector<std::unique_ptr<TextDataIteratorThread>> fWorkers;
-  bool fPending = false;
-  std::string_view fRecord;
-  // The pending record did not fit an empty batch: the next one is made for it.
-  bool fOversize = false;
-  // Read while its slot is still being converted.
-  RecordBatch fBatch;
-  std::int64_t fCasesSent = 0;
-  std::size_t fInFlight = 0;
-  NulRuns fNuls;
-
-  // Written by the reader thread before the first batch is sent, and before its pass ends; read by
-  // the host's thread after that.
-  std::int64_t fMarkBytes = 0;
-  std::int64_t fPreambleEnd = 0;
-  std::int64_t fDataEnd = -1;
-
-  // Host's thread only.
-  std::size_t fCurrentThread = 0;
+  std::size_t fCurrentThread SF_GUARDED_BY(fHost) = 0;
   // The batch that is being delivered while its slot is filled again.
-  CaseBatch fTaken;
-  std::int64_t fCaseNumber = 0;
-  std::int64_t fTargetCase = 0;
-  bool fEndOfData = false;
-  TxtWzVar* const* fAutoVariables = nullptr;
-  DetectionEvidence* fAutoEvidence = nullptr;
-  std::unique_ptr<QantErrorMonitor> fOwnedErrorMonitor;
-  UndecodableWarnings fUndecodableWarnings;
+  CaseBatch fTaken SF_GUARDED_BY(fHost);
+  std::int64_t fCaseNumber SF_GUARDED_BY(fHost) = 0;
+  std::int64_t fTargetCase SF_GUARDED_BY(fHost) = 0;
+  bool fEndOfData SF_GUARDED_BY(fHost) = false;
+  TxtWzVar* const* fAutoVariables SF_GUARDED_BY(fHost) = nullptr;
+  DetectionEvidence* fAutoEvidence SF_GUARDED_BY(fHost) = nullptr;
+  std::unique_ptr<QantErrorMonitor> fOwnedErrorMonitor SF_GUARDED_BY(fHost);
+  UndecodableWarnings fUndecodableWarnings SF_GUARDED_BY(fHost);
 };
 
 }  // namespace textwizard

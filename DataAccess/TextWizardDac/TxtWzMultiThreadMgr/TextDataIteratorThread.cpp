@@ -84,6 +84,7 @@ void TextDataIteratorThread::Stop() {
 bool TextDataIteratorThread::SendBatch(RecordBatch& batch) {
   std::int32_t now = fCommand.load();
   if (now >= kStop) return false;
+  fHolder.Assume();
   std::swap(fRecords, batch);
   while (now < kStop) {
     if (fCommand.compare_exchange_weak(now, kConvert)) {
@@ -95,6 +96,7 @@ bool TextDataIteratorThread::SendBatch(RecordBatch& batch) {
 }
 
 void TextDataIteratorThread::threadMain() {
+  fRole.Assume();
   fRunning.store(true);
   while (fCommand.load() <= kConvert) {
     fWorkSemaphore.wait();
@@ -108,6 +110,7 @@ void TextDataIteratorThread::threadMain() {
 }
 
 void TextDataIteratorThread::ConvertBatch() {
+  fHolder.Assume();
   fConvertIndex = 0;
   bool failed = false;
   fCases.Begin(fRecords.firstCase());
@@ -303,6 +306,8 @@ void TextDataIteratorThread::NoteFlag(BatchNote::Kind kind, std::uint32_t variab
 }
 
 void TextDataIteratorThread::OnUndecodable(const UndecodableRun& run) {
+  fRole.Assume();
+  fHolder.Assume();
   if (fWatch) {
     if (fWatch->examining()) return;
     fWatch->NoteUndecodable();

@@ -60,12 +60,12 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   bool running() const { return fRunning.load(); }
   bool stopRequested() const { return fStopRequested.load(); }
   bool exited() const { return fCommand.load() == kExited; }
-  State state();
+  State state() SF_EXCLUDES(fStateMutex);
   // Sets one of the states but kStopped, unless the slot is stopped.
-  void SetState(State state);
+  void SetState(State state) SF_EXCLUDES(fStateMutex);
   // Ends the worker once it has finished the batch that it is converting, and wakes whoever waits
   // for it. Only the first call on a running worker does something.
-  void Stop();
+  void Stop() SF_EXCLUDES(fControlMutex, fStateMutex);
 
   // --- Reader thread
   // The text that an ordinary batch has room for.
@@ -79,36 +79,39 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   void WaitDone() { fDoneSemaphore.wait(); }
   // Takes what has become of the batch in exchange for one that is done with, between WaitDone and
   // PostFree.
-  void TakeBatch(CaseBatch& batch) { std::swap(fCases, batch); }
+  void TakeBatch(CaseBatch& batch) {
+    fHolder.Assume();
+    std::swap(fCases, batch);
+  }
   void PostFree() { fFreeSemaphore.post(); }
 
  private:
   void OnUndecodable(const UndecodableRun& run) override;
-  void ConvertBatch();
-  void PrepareBatch();
-  void ConvertRecords();
-  void PrepareWatch();
+  void ConvertBatch() SF_REQUIRES(fRole);
+  void PrepareBatch() SF_REQUIRES(fRole, fHolder);
+  void ConvertRecords() SF_REQUIRES(fRole, fHolder);
+  void PrepareWatch() SF_REQUIRES(fRole, fHolder);
   // The record has been converted.
-  void EndWatched(std::string_view raw);
-  void MakeProduct();
+  void EndWatched(std::string_view raw) SF_REQUIRES(fRole, fHolder);
+  void MakeProduct() SF_REQUIRES(fRole, fHolder);
   // Makes fSplitter ready for the next record of the text, which becomes fRecord; returns it as it
   // stands in the batch.
-  std::string_view StartRecord(bool byteText);
+  std::string_view StartRecord(bool byteText) SF_REQUIRES(fRole, fHolder);
   template <bool kWatched>
-  void ConvertRecord();
+  void ConvertRecord() SF_REQUIRES(fRole, fHolder);
   template <bool kWatched>
-  void DetectRecord();
+  void DetectRecord() SF_REQUIRES(fRole, fHolder);
   // Cuts the record's next fields, at most `wanted`, into fFields; returns how many.
-  std::size_t GetNextVars(std::size_t wanted) {
+  std::size_t GetNextVars(std::size_t wanted) SF_REQUIRES(fRole) {
     return fSplitter.Cut(fFields.data(), std::min(wanted, fFields.size()));
   }
   template <bool kWatched>
-  void ConvertVar(std::string_view field, const FieldTask& task);
-  void SetColumnValue(std::string_view text, const FieldTask& task);
+  void ConvertVar(std::string_view field, const FieldTask& task) SF_REQUIRES(fRole, fHolder);
+  void SetColumnValue(std::string_view text, const FieldTask& task) SF_REQUIRES(fRole, fHolder);
   template <bool kWatched>
-  void AutoDetectVar(std::string_view field);
-  void EndDetected();
-  void NoteFlag(BatchNote::Kind kind, std::uint32_t variable);
+  void AutoDetectVar(std::string_view field) SF_REQUIRES(fRole, fHolder);
+  void EndDetected() SF_REQUIRES(fRole, fHolder);
+  void NoteFlag(BatchNote::Kind kind, std::uint32_t variable) SF_REQUIRES(fRole, fHolder);
   // Raises fCommand to at least `command`.
   void RaiseCommand(Command command);
 
@@ -126,33 +129,35 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   // Held by whoever stops the worker. Taken before fStateMutex.
   sfMutex fControlMutex;
   sfMutex fStateMutex;
-  // Guarded by fStateMutex.
-  State fState = kAvailable;
+  State fState SF_GUARDED_BY(fStateMutex) = kAvailable;
 
+  // Of the thread that the batches have been handed on to.
+  sfThreadRole fHolder;
   // From SendBatch to WaitDone the worker's, then untouched.
-  RecordBatch fRecords;
+  RecordBatch fRecords SF_GUARDED_BY(fHolder);
   // From SendBatch to WaitDone the worker's, then the host's thread's until PostFree.
-  CaseBatch fCases;
+  CaseBatch fCases SF_GUARDED_BY(fHolder);
 
-  // The worker's own.
-  BatchRecords fBatchRecords;
-  FieldSplitter fSplitter;
-  std::array<std::string_view, 64> fFields;
-  RecordDecoder fDecoder;
+  // Of the worker's thread.
+  sfThreadRole fRole;
+  BatchRecords fBatchRecords SF_GUARDED_BY(fRole);
+  FieldSplitter fSplitter SF_GUARDED_BY(fRole);
+  std::array<std::string_view, 64> fFields SF_GUARDED_BY(fRole);
+  RecordDecoder fDecoder SF_GUARDED_BY(fRole);
   // For a host that watches.
-  std::unique_ptr<CaseWatch> fWatch;
-  PlaceWalk fPlaces;
-  WatchedRecord fWatched;
-  std::string_view fRecord;
-  std::optional<RegExMappings> fRegEx;
-  std::optional<DetectionCounters> fCounters;
+  std::unique_ptr<CaseWatch> fWatch SF_GUARDED_BY(fRole);
+  PlaceWalk fPlaces SF_GUARDED_BY(fRole);
+  WatchedRecord fWatched SF_GUARDED_BY(fRole);
+  std::string_view fRecord SF_GUARDED_BY(fRole);
+  std::optional<RegExMappings> fRegEx SF_GUARDED_BY(fRole);
+  std::optional<DetectionCounters> fCounters SF_GUARDED_BY(fRole);
   // fSplitter knows the batch text as one of bytes; a record that was decoded makes it forget.
-  bool fTextMarked = false;
-  std::uint32_t fConvertIndex = 0;
-  std::size_t fAutoSeen = 0;
-  unsigned char* fCurrentCase = nullptr;
+  bool fTextMarked SF_GUARDED_BY(fRole) = false;
+  std::uint32_t fConvertIndex SF_GUARDED_BY(fRole) = 0;
+  std::size_t fAutoSeen SF_GUARDED_BY(fRole) = 0;
+  unsigned char* fCurrentCase SF_GUARDED_BY(fRole) = nullptr;
   // Two for each variable: the batch has a note that its flag was set.
-  std::vector<std::uint8_t> fFlagNoted;
+  std::vector<std::uint8_t> fFlagNoted SF_GUARDED_BY(fRole);
 };
 
 }  // namespace textwizard

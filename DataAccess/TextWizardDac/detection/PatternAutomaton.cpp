@@ -4,9 +4,10 @@
 #include <bit>
 #include <bitset>
 #include <map>
-#include <mutex>
 
 #include <unicode/uchar.h>
+
+#include "HostFramework/Threads.h"
 
 namespace textwizard {
 
@@ -215,10 +216,14 @@ std::uint64_t PatternAutomaton::GoingOn(std::size_t state, std::uint8_t wideClas
 
 std::shared_ptr<const PatternAutomaton> PatternAutomaton::Shared(
     const std::vector<std::string>& patterns) {
-  static std::mutex mutex;
-  static std::map<std::vector<std::string>, std::shared_ptr<const PatternAutomaton>> known;
-  const std::lock_guard<std::mutex> guard(mutex);
-  std::shared_ptr<const PatternAutomaton>& entry = known[patterns];
+  struct Known {
+    sfMutex mutex;
+    std::map<std::vector<std::string>, std::shared_ptr<const PatternAutomaton>> automata
+        SF_GUARDED_BY(mutex);
+  };
+  static Known known;
+  const sfGuard guard(known.mutex);
+  std::shared_ptr<const PatternAutomaton>& entry = known.automata[patterns];
   if (!entry) entry = std::make_shared<const PatternAutomaton>(patterns);
   return entry;
 }

@@ -2,11 +2,11 @@
 
 #include <cstddef>
 #include <map>
-#include <mutex>
 #include <new>
 #include <string_view>
 #include <utility>
 
+#include "HostFramework/Threads.h"
 #include "detection/UnicodeText.h"
 
 namespace textwizard {
@@ -18,13 +18,16 @@ constexpr std::size_t kCompilerRoom = std::size_t{1} << 20;
 // Compiled patterns are constant and shared by all matchers of the process: every worker has its
 // own matchers.
 std::shared_ptr<const icu::RegexPattern> SharedPattern(const std::string& regex) {
-  static std::mutex mutex;
-  static std::map<std::string, std::shared_ptr<const icu::RegexPattern>> known;
+  struct Known {
+    sfMutex mutex;
+    std::map<std::string, std::shared_ptr<const icu::RegexPattern>> patterns SF_GUARDED_BY(mutex);
+  };
+  static Known known;
   std::string utf8;
   const std::string key(ToUtf8(regex, utf8));
-  const std::lock_guard<std::mutex> guard(mutex);
-  const auto place = known.find(key);
-  if (place != known.end()) return place->second;
+  const sfGuard guard(known.mutex);
+  const auto place = known.patterns.find(key);
+  if (place != known.patterns.end()) return place->second;
   UErrorCode status = U_ZERO_ERROR;
   UParseError where;
   const icu::UnicodeString text = icu::UnicodeString::fromUTF8(key);
@@ -35,7 +38,7 @@ std::shared_ptr<const icu::RegexPattern> SharedPattern(const std::string& regex)
       icu::RegexPattern::compile(text, 0, where, status));
   CheckMemory(status);
   if (U_FAILURE(status)) pattern.reset();
-  known.emplace(key, pattern);
+  known.patterns.emplace(key, pattern);
   return pattern;
 }
 

@@ -1,30 +1,49 @@
-// The reader thread's side of the manager: one pass over the file into the ring of workers.
+#include "TxtWzMultiThreadMgr/RingReader.h"
+
 #include <algorithm>
 #include <new>
 
+#include "HostFramework/Text.h"
 #include "TxtWzMultiThreadMgr/PatientWait.h"
-#include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedManager.h"
 #include "reading/ImportSource.h"
 
 namespace textwizard {
 
-void QANT_TextWizardMultiThreadedManager::threadMain() {
-  if (fReaderState.load() == kReading) {
+RingReader::RingReader(const ImportSource& source, const WorkerPlan& plan, WorkerRing& ring)
+    : fSource(source),
+      fPlan(plan),
+      fRing(ring),
+      fReader(source.stream()),
+      fDecoder(source.settings().encoding) {
+  // The stream's copy may lack a file descriptor, which looks like an empty file later.
+  if (!fReader.SeekBegin()) fRing.fFailed.store(true);
+  fReader.SetStop(&fRing.fReaderState);
+}
+
+void RingReader::KeepNuls() {
+  fRole.Assume();
+  fReader.KeepNuls(&fNuls);
+}
+
+void RingReader::Run() {
+  fRole.Assume();
+  if (fRing.fReaderState.load() == WorkerRing::kReading) {
     ReadFirstRecord();
     WalkRing();
     // Whoever waits for a slot that will never be filled.
-    fStartSemaphore.post();
+    fRing.fStartSemaphore.post();
     for (const auto& worker : fWorkers) worker->Stop();
     for (const auto& worker : fWorkers) {
       for (PatientWait wait; !worker->exited();) wait.Pause();
     }
   }
-  RaiseReaderState(kEnded);
+  fRing.RaiseReaderState(WorkerRing::kEnded);
 }
 
-void QANT_TextWizardMultiThreadedManager::WalkRing() {
-  for (std::size_t slot = 0; fReaderState.load() == kReading; slot = (slot + 1) % fThreads.size()) {
-    TextDataIteratorThread* worker = fThreads[slot].load();
+void RingReader::WalkRing() {
+  for (std::size_t slot = 0; fRing.fReaderState.load() == WorkerRing::kReading;
+       slot = (slot + 1) % fRing.fThreads.size()) {
+    TextDataIteratorThread* worker = fRing.fThreads[slot].load();
     const bool isNew = !worker;
     if (isNew && fPending) worker = MakeWorker(slot);
     if (worker) {
@@ -36,32 +55,32 @@ void QANT_TextWizardMultiThreadedManager::WalkRing() {
       if (filled && SendBatch(*worker)) continue;
       worker->Stop();
     }
-    if (fInFlight == 0) RaiseReaderState(kStopping);
+    if (fInFlight == 0) fRing.RaiseReaderState(WorkerRing::kStopping);
   }
 }
 
-void QANT_TextWizardMultiThreadedManager::ReadFirstRecord() {
+void RingReader::ReadFirstRecord() {
   try {
     if (!fReader.SeekBegin()) return GiveUp();
     fReader.HandleByteOrderMark();
-    fMarkBytes = fReader.position();
+    fRing.fMarkBytes = fReader.position();
     const ImportSettings& settings = fSource.settings();
     fReader.SkipLines(settings.arrangement == kDelimitedCount ? 0 : 1, settings.firstCase);
-    fPreambleEnd = fReader.position();
+    fRing.fPreambleEnd = fReader.position();
   } catch (...) {
     return GiveUp();
   }
   ReadRecord();
 }
 
-void QANT_TextWizardMultiThreadedManager::ReadRecord() {
+void RingReader::ReadRecord() {
   try {
     fPending = fReader.Read(false);
     if (!fPending) {
       if (fReader.failed()) {
         GiveUp();
       } else {
-        fDataEnd = fReader.position();
+        fRing.fDataEnd = fReader.position();
       }
       return;
     }
@@ -73,7 +92,7 @@ void QANT_TextWizardMultiThreadedManager::ReadRecord() {
   }
 }
 
-TextDataIteratorThread* QANT_TextWizardMultiThreadedManager::MakeWorker(std::size_t slot) {
+TextDataIteratorThread* RingReader::MakeWorker(std::size_t slot) {
   TextDataIteratorThread* worker = nullptr;
   try {
     fWorkers.push_back(std::make_unique<TextDataIteratorThread>(fPlan, fRecord.size()));
@@ -90,12 +109,12 @@ TextDataIteratorThread* QANT_TextWizardMultiThreadedManager::MakeWorker(std::siz
   for (PatientWait wait; !worker->running();) wait.Pause();
   // A new worker is made for the record that it gets first.
   fOversize = fRecord.size() + 1 >= worker->textLimit();
-  fThreads[slot].store(worker);
-  fStartSemaphore.post();
+  fRing.fThreads[slot].store(worker);
+  fRing.fStartSemaphore.post();
   return worker;
 }
 
-bool QANT_TextWizardMultiThreadedManager::FillBatch(const TextDataIteratorThread& worker) {
+bool RingReader::FillBatch(const TextDataIteratorThread& worker) {
   const std::size_t room =
       fOversize ? std::max(worker.textLimit(), fRecord.size() + 2) : worker.textLimit();
   if (!fBatch.Begin(room)) {
@@ -104,8 +123,7 @@ bool QANT_TextWizardMultiThreadedManager::FillBatch(const TextDataIteratorThread
   }
   try {
     if (fPlan.keepsPlaces) fBatch.KeepPlaces();
-    const auto full = [this] { return fBatch.recordCount() >= fPlan.maxRecords; };
-    while (fPending && !full() && AppendPending()) {
+    while (fPending && fBatch.recordCount() < fPlan.maxRecords && AppendPending()) {
       fBatch.AppendRun(fReader, fPlan.maxRecords - fBatch.recordCount());
       ReadRecord();
     }
@@ -119,7 +137,7 @@ bool QANT_TextWizardMultiThreadedManager::FillBatch(const TextDataIteratorThread
   return true;
 }
 
-bool QANT_TextWizardMultiThreadedManager::AppendPending() {
+bool RingReader::AppendPending() {
   const std::size_t at = fBatch.text().size();
   if (!fBatch.Append(fRecord)) return false;
   if (!fPlan.keepsPlaces) return true;
@@ -132,15 +150,15 @@ bool QANT_TextWizardMultiThreadedManager::AppendPending() {
   return true;
 }
 
-bool QANT_TextWizardMultiThreadedManager::SendBatch(TextDataIteratorThread& worker) {
+bool RingReader::SendBatch(TextDataIteratorThread& worker) {
   TextDataIteratorThread::State state = worker.state();
   // The host's thread makes a slot available right after it has said that it is free.
   for (PatientWait wait; state == TextDataIteratorThread::kFreed; state = worker.state()) {
     wait.Pause();
   }
   const std::uint32_t records = fBatch.recordCount();
-  if (state == TextDataIteratorThread::kStopped || fReaderState.load() != kReading ||
-      !worker.SendBatch(fBatch)) {
+  if (state == TextDataIteratorThread::kStopped ||
+      fRing.fReaderState.load() != WorkerRing::kReading || !worker.SendBatch(fBatch)) {
     return false;
   }
   ++fInFlight;
@@ -148,8 +166,8 @@ bool QANT_TextWizardMultiThreadedManager::SendBatch(TextDataIteratorThread& work
   return true;
 }
 
-void QANT_TextWizardMultiThreadedManager::GiveUp() {
-  fFailed.store(true);
+void RingReader::GiveUp() {
+  fRing.fFailed.store(true);
   fPending = false;
 }
 

@@ -1,0 +1,72 @@
+// The reader's side of a pass: cuts the file into batches of records and fills the slots of the
+// ring with them, one after another. Makes the workers, and owns them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "HostFramework/Threads.h"
+#include "TxtWzMultiThreadMgr/RecordBatch.h"
+#include "TxtWzMultiThreadMgr/TextDataIteratorThread.h"
+#include "TxtWzMultiThreadMgr/WorkerPlan.h"
+#include "TxtWzMultiThreadMgr/WorkerRing.h"
+#include "reading/RecordDecoder.h"
+#include "reading/RecordReader.h"
+
+namespace textwizard {
+
+class ImportSource;
+
+class RingReader {
+ public:
+  // On the host's thread, as long as the reader thread does not run. Source, plan and ring outlive
+  // it; the plan is constant from Run on. The ring has failed when the file cannot be opened once
+  // more. Throws only when memory runs out.
+  RingReader(const ImportSource& source, const WorkerPlan& plan, WorkerRing& ring);
+  // The zero bytes that records lose are kept for the plan's places. Likewise.
+  void KeepNuls();
+
+  // The whole pass, on the reader thread, once; the workers have ended when it returns. Throws
+  // nothing.
+  void Run();
+
+ private:
+  void WalkRing() SF_REQUIRES(fRole);
+  void ReadFirstRecord() SF_REQUIRES(fRole);
+  // Reads the record that is to be added next; fPending tells whether there is one.
+  void ReadRecord() SF_REQUIRES(fRole);
+  // A worker for the slot, started; null, with the pass given up, when that is not possible.
+  TextDataIteratorThread* MakeWorker(std::size_t slot) SF_REQUIRES(fRole);
+  // Puts as many records as fit into fBatch, whose text is for `worker`; false when there is no
+  // memory for it.
+  bool FillBatch(const TextDataIteratorThread& worker) SF_REQUIRES(fRole);
+  bool AppendPending() SF_REQUIRES(fRole);
+  // Hands fBatch to the worker; false when that has been stopped.
+  bool SendBatch(TextDataIteratorThread& worker) SF_REQUIRES(fRole);
+  // The pass cannot go on: what has been read is delivered, then the host's thread reports it.
+  void GiveUp() SF_REQUIRES(fRole);
+
+  const ImportSource& fSource;
+  const WorkerPlan& fPlan;
+  WorkerRing& fRing;
+
+  // The reader thread's; whoever makes this object, before.
+  sfThreadRole fRole;
+  RecordReader fReader SF_GUARDED_BY(fRole);
+  RecordDecoder fDecoder SF_GUARDED_BY(fRole);
+  std::vector<std::unique_ptr<TextDataIteratorThread>> fWorkers SF_GUARDED_BY(fRole);
+  bool fPending SF_GUARDED_BY(fRole) = false;
+  std::string_view fRecord SF_GUARDED_BY(fRole);
+  // The pending record did not fit an empty batch: the next one is made for it.
+  bool fOversize SF_GUARDED_BY(fRole) = false;
+  // Read while its slot is still being converted.
+  RecordBatch fBatch SF_GUARDED_BY(fRole);
+  std::int64_t fCasesSent SF_GUARDED_BY(fRole) = 0;
+  std::size_t fInFlight SF_GUARDED_BY(fRole) = 0;
+  NulRuns fNuls SF_GUARDED_BY(fRole);
+};
+
+}  // namespace textwizard
