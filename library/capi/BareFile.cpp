@@ -17,11 +17,11 @@
 namespace library {
 namespace {
 
-std::unique_ptr<HostLease> Utf8Host() {
-  std::unique_ptr<HostLease> lease = HostLease::TakeUtf8();
-  if (lease != nullptr) return lease;
+std::unique_ptr<HostUse> Utf8Host() {
+  std::unique_ptr<HostUse> use = HostUse::ShareUtf8();
+  if (use != nullptr) return use;
   throw Failure{.status = TEXTWIZARD_BUSY,
-                .text = "an import lives that works in a code page; close it first"};
+                .text = "another import is being read in a code page, or opened; wait for it"};
 }
 
 std::string Dumped(const nlohmann::ordered_json& json) {
@@ -31,7 +31,7 @@ std::string Dumped(const nlohmann::ordered_json& json) {
 }  // namespace
 
 std::string SniffedFile(const std::string& path, const SniffSettings& settings) {
-  const std::unique_ptr<HostLease> lease = Utf8Host();
+  const std::unique_ptr<HostUse> host = Utf8Host();
   std::string problem;
   const auto source = FileSource::Open(path, &problem);
   if (source == nullptr) {
@@ -48,7 +48,7 @@ std::string PreviewedFile(const std::string& path, const std::string& encoding, 
     throw Failure{.status = TEXTWIZARD_USAGE,
                   .text = "records are counted from 1, and how many is not negative"};
   }
-  const std::unique_ptr<HostLease> lease = Utf8Host();
+  const std::unique_ptr<HostUse> host = Utf8Host();
   embedded::PipeSpools spools;
   const std::string opened = spools.PathOf(path);
   DACErrorResponse error;

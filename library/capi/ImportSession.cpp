@@ -11,6 +11,7 @@
 #include "library/import/FileKind.h"
 #include "library/outputs/DictionaryJson.h"
 #include "library/report/EvidenceJson.h"
+#include "library/sniff/SniffJson.h"
 
 namespace library {
 namespace {
@@ -26,40 +27,97 @@ WatchSettings SettingsOf(const SessionOptions& options) {
           .rejects = false,
           .evidence = true,
           .trail = false,
-          .keepStrayQualifiers = options.keepStrayQualifiers,
+          .keepStrayQualifiers = options.rewriting.keepStrayQualifiers,
           .nullTexts = HostTexts(options.nullTexts)};
 }
 
 Failure Usage(std::string text) { return {.status = TEXTWIZARD_USAGE, .text = std::move(text)}; }
 
+Failure HostIsBusy() {
+  return {.status = TEXTWIZARD_BUSY,
+          .text =
+              "another import is being opened, or read with another code page or decimal "
+              "character; wait until it is read"};
+}
+
 }  // namespace
 
 ImportSession::ImportSession(std::string text, SessionOptions options)
-    : text_(std::move(text)), options_(std::move(options)) {
-  std::string problem;
-  lease_ = HostLease::Take(options_.host, &problem);
-  if (lease_ == nullptr && !problem.empty()) throw Usage(problem);
-  if (lease_ == nullptr) {
-    throw Failure{.status = TEXTWIZARD_BUSY,
-                  .text =
-                      "another import lives with another code page or decimal character; "
-                      "close it first"};
+    : text_(std::move(text)),
+      options_(std::move(options)),
+      files_([this](std::int64_t read, std::int64_t all) { CountBytes(read, all); }) {
+  UseHost();
+  hostText_ = HostTexts({text_}).front();
+  Open({});
+  if (options_.integersOfCommand) columnOptions_.integers = WholeNumberFormats(import_->source());
+  fields_ = FieldsOf(import_->source(), columnOptions_);
+  use_.reset();
+}
+
+ImportSession::ImportSession(const std::string& path, BareImportSettings settings,
+                             SessionOptions options)
+    : options_(std::move(options)),
+      files_([this](std::int64_t read, std::int64_t all) { CountBytes(read, all); }) {
+  use_ = HostUse::Alone();
+  if (use_ == nullptr) throw HostIsBusy();
+  const BareImport found = Understand(path, std::move(settings));
+  options_.host = {.decimalComma = found.host.decimal == DecimalCharacter::kComma,
+                   .codePage = found.host.codePage,
+                   .localeCodePage = found.host.localeCodePage};
+  use_->NowShared(options_.host);
+  reading_ =
+      SniffJson(path, found.sniff).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  hostText_ = found.command;
+  text_ = Utf8Converter().ToUtf8(found.command);
+  options_.rewriting = found.rewriting;
+  ImportOptions opened;
+  opened.shownMark = found.shownMark;
+  opened.standIns = found.standIns;
+  Open(std::move(opened));
+  for (const BareColumn& column : found.columns) {
+    columnOptions_.labels.push_back(column.label);
+    columnOptions_.integers.push_back(options_.integersOfFile && column.type.wholeNumbers);
   }
-  Open();
+  columnOptions_.namesAsVariables = options_.namesAsVariables;
+  fields_ = FieldsOf(import_->source(), columnOptions_);
+  use_.reset();
 }
 
 ImportSession::~ImportSession() { Close(); }
 
-void ImportSession::Open() {
+void ImportSession::UseHost() {
+  std::string problem;
+  if (use_ == nullptr) use_ = HostUse::Share(options_.host, &problem);
+  if (use_ == nullptr && !problem.empty()) throw Usage(problem);
+  if (use_ == nullptr) throw HostIsBusy();
+}
+
+BareImport ImportSession::Understand(const std::string& path, BareImportSettings settings) {
+  settings.nulls = options_.nullTexts;
+  settings.threads = options_.workers;
+  settings.progress = [this](std::int64_t bytes, std::int64_t all) { CountBytes(bytes, all); };
+  const embedded::AttentionScope scope(cancelled_);
+  BareImport found;
+  std::string problem;
+  if (UnderstandFile(path, files_, settings, &found, &problem)) {
+    if (settings.sampleLines > 0) options_.integersOfFile = false;
+    found.rewriting.keepStrayQualifiers |= options_.rewriting.keepStrayQualifiers;
+    return found;
+  }
+  if (embedded::AttentionRequested()) throw Cancelled();
+  throw Failure{.status = TEXTWIZARD_FILE, .text = path + ": " + problem};
+}
+
+void ImportSession::Open(ImportOptions settings) {
+  utf8_.emplace();
   if (const std::string problems = embedded::CatalogueProblems(); !problems.empty()) {
     Tell(kMessageWarning, problems);
   }
-  hostText_ = HostTexts({text_}).front();
   embedded::CommandReader reader(hostText_);
   embedded::ParsedCommand command;
   if (!reader.Next(command)) throw Usage("the text holds no command");
   if (!command.ok) {
-    throw Failure{.text = std::string(utf8_.ToUtf8(command.error)),
+    throw Failure{.text = std::string(utf8_->ToUtf8(command.error)),
                   .line = command.line,
                   .column = command.column};
   }
@@ -68,9 +126,10 @@ void ImportSession::Open() {
   }
   outline_ = OutlineOf(command.tokens, hostText_);
   watch_.emplace(SettingsOf(options_));
-  ImportOptions settings;
   settings.workers = options_.workers;
   settings.watch = &*watch_;
+  settings.rewriting = options_.rewriting;
+  settings.files = &files_;
   ImportMessages& messages = *this;
   import_ = std::make_unique<CommandImport>(settings, messages);
   const embedded::AttentionScope scope(cancelled_);
@@ -84,12 +143,9 @@ void ImportSession::Open() {
       FailOpen(command);
   }
   if (const std::string advice = import_->fileAdvice(); !advice.empty()) {
-    Tell(kMessageWarning, std::string(utf8_.ToUtf8(advice)));
+    Tell(kMessageWarning, std::string(utf8_->ToUtf8(advice)));
   }
-  const QANT_DataSource& source = import_->source();
-  if (options_.integers) columnOptions_.integers = WholeNumberFormats(source);
-  fields_ = FieldsOf(source, columnOptions_);
-  variables_ = ReportVariablesOf(source);
+  variables_ = ReportVariablesOf(import_->source());
   undecodable_.BeginNextPass();
 }
 
@@ -98,17 +154,17 @@ void ImportSession::FailOpen(const embedded::ParsedCommand& command) {
   if (fileWayOut.empty()) fileWayOut = WhyNotOpened(outline_.DataFile());
   const CommandFault fault =
       FindFault(command.tokens, hostText_, {command.line, command.column, "GET DATA"}, fileWayOut);
-  Failure failure = FailureOf(std::string(utf8_.ToUtf8(fault.completion)));
+  Failure failure = FailureOf(std::string(utf8_->ToUtf8(fault.completion)));
   if (fault.place.line > 0) {
     failure.line = fault.place.line;
     failure.column = fault.place.column;
     failure.text += fmt::format("\nline {}, column {}: {}", failure.line, failure.column,
-                                utf8_.ToUtf8(fault.place.words));
+                                utf8_->ToUtf8(fault.place.words));
   }
   if (!fault.variable.empty()) {
-    failure.text += fmt::format("\nvariable {}", utf8_.ToUtf8(fault.variable));
+    failure.text += fmt::format("\nvariable {}", utf8_->ToUtf8(fault.variable));
   }
-  if (!fault.wayOut.empty()) failure.text += fmt::format("\n{}", utf8_.ToUtf8(fault.wayOut));
+  if (!fault.wayOut.empty()) failure.text += fmt::format("\n{}", utf8_->ToUtf8(fault.wayOut));
   throw failure;
 }
 
@@ -137,7 +193,7 @@ void ImportSession::Post(std::string_view hostText, int kind) {
     return;
   }
   if (UndecodableWarnings::IsOne(hostText) && !undecodable_.Take(hostText)) return;
-  std::string text(utf8_.ToUtf8(hostText));
+  std::string text(utf8_->ToUtf8(hostText));
   Tell(kind, text);
   if (kind == kMessageError) errors_.push_back(std::move(text));
 }
@@ -151,6 +207,10 @@ bool ImportSession::TellProgress(std::int64_t cases) {
   return !options_.progress || options_.progress(cases, -1, all > 0 ? all : -1);
 }
 
+void ImportSession::CountBytes(std::int64_t bytes, std::int64_t all) {
+  if (options_.progress && !options_.progress(0, bytes, all)) cancelled_ = true;
+}
+
 void ImportSession::CheckOpen() const {
   if (import_ == nullptr) throw Usage("the import was closed");
 }
@@ -159,6 +219,7 @@ std::uint64_t ImportSession::BeginPass() {
   const std::lock_guard guard(mutex_);
   CheckOpen();
   EndPass(pass_);
+  UseHost();
   import_->Restart();
   ready_.clear();
   failure_.reset();
@@ -175,7 +236,7 @@ std::uint64_t ImportSession::BeginPass() {
   watch_->Use(*columns_);
   watch_->Prepare(source, {.problems = {&*problemSink_}, .rejects = nullptr},
                   {.batches = true, .sampled = import_->isSampled()});
-  reading_ = true;
+  isReading_ = true;
   return ++pass_;
 }
 
@@ -183,7 +244,7 @@ bool ImportSession::Next(std::uint64_t pass, ColumnBatch* batch) {
   const std::lock_guard guard(mutex_);
   CheckOpen();
   if (pass != pass_) throw Usage("another reading of the same import has begun");
-  while (ready_.empty() && reading_) ReadOn();
+  while (ready_.empty() && isReading_) ReadOn();
   if (ready_.empty()) {
     if (failure_) throw *failure_;
     return false;
@@ -222,13 +283,14 @@ bool ImportSession::GoesOn(long long taken) {
 void ImportSession::Conclude(std::optional<Failure> failure) {
   // What is told of a pass is complete when its iterator is gone.
   if (failure) import_->Restart();
-  reading_ = false;
+  isReading_ = false;
   failure_ = std::move(failure);
   if (const std::string rest = undecodable_.Rest(); !rest.empty()) Tell(kMessageWarning, rest);
   undecodable_.BeginCommand();
   account_ = watch_->TakeAccount();
   account_->digest = digest_->digest();
   for (const Misfit& misfit : MisfitsOf(fields_, columns_->misfits())) problems_.Add(RowOf(misfit));
+  use_.reset();
 }
 
 std::optional<Failure> ImportSession::Objection() const {
@@ -248,14 +310,13 @@ void ImportSession::EndPass(std::uint64_t pass) {
   const std::lock_guard guard(mutex_);
   if (pass != pass_ || import_ == nullptr) return;
   ready_.clear();
-  if (reading_) Conclude(Usage("the reading was given up"));
+  if (isReading_) Conclude(Usage("the reading was given up"));
 }
 
 void ImportSession::Close() {
   const std::lock_guard guard(mutex_);
   EndPass(pass_);
   import_.reset();
-  lease_.reset();
 }
 
 std::vector<std::shared_ptr<const ColumnBatch>> ImportSession::Problems() {
@@ -266,6 +327,9 @@ std::vector<std::shared_ptr<const ColumnBatch>> ImportSession::Problems() {
 std::string ImportSession::Dictionary() {
   const std::lock_guard guard(mutex_);
   CheckOpen();
+  // Names are host text.
+  const bool used = use_ != nullptr;
+  UseHost();
   const DictionaryReport report{Ledger(), [this](std::size_t index) {
                                   const ImportEvidence* const evidence = watch_->EvidenceOf(index);
                                   return evidence == nullptr
@@ -275,6 +339,7 @@ std::string ImportSession::Dictionary() {
   KeptText json;
   WriteDictionary(import_->source(), outline_.DataFile(), account_ ? account_->cases : 0, json,
                   &report);
+  if (!used) use_.reset();
   json.text.pop_back();
   return json.text;
 }

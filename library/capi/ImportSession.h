@@ -16,6 +16,7 @@
 #include "library/capi/Failure.h"
 #include "library/capi/ProblemColumns.h"
 #include "library/columns/ColumnSink.h"
+#include "library/import/BareImport.h"
 #include "library/import/CommandImport.h"
 #include "library/import/CommandOutline.h"
 #include "library/import/HostSettings.h"
@@ -32,10 +33,14 @@ struct SessionOptions {
   HostSettings host;
   int workers = 0;
   std::vector<std::string> nullTexts = DefaultNullTexts();  // UTF-8
-  bool keepStrayQualifiers = false;
+  RewritingOptions rewriting{};
   std::int64_t problemLimit = 0;
   bool strict = false;
-  bool integers = false;
+  bool namesAsVariables = false;
+  // Whether numbers are whole: of a command those whose format has no decimals; of a file those
+  // that all its values say it of.
+  bool integersOfCommand = false;
+  bool integersOfFile = true;
   // Each may be empty. A message (UTF-8) and its kind; cases, and bytes so far and in all (-1 where
   // unknown): true goes on.
   std::function<void(int, const std::string&)> message;
@@ -48,13 +53,18 @@ class ImportSession : private ImportMessages, private CaseReceiver {
  public:
   // Runs the one command of `text` (UTF-8) until its dictionary is made.
   ImportSession(std::string text, SessionOptions options);
+  // Understands a bare file, and runs the command that this makes. The settings' null texts,
+  // threads and progress are those of the options.
+  ImportSession(const std::string& path, BareImportSettings settings, SessionOptions options);
   ~ImportSession() override;
   ImportSession(const ImportSession&) = delete;
   ImportSession& operator=(const ImportSession&) = delete;
 
   const std::vector<ColumnField>& fields() const { return fields_; }
-  // The command's text.
+  // The command's text (UTF-8).
   const std::string& command() const { return text_; }
+  // JSON: how a bare file was read; empty for a command.
+  const std::string& reading() const { return reading_; }
 
   // Begins a pass over the cases, which ends the one before. Its number.
   std::uint64_t BeginPass();
@@ -75,7 +85,8 @@ class ImportSession : private ImportMessages, private CaseReceiver {
   std::string Digest();
 
  private:
-  void Open();
+  void Open(ImportOptions settings);
+  BareImport Understand(const std::string& path, BareImportSettings settings);
   [[noreturn]] void FailOpen(const embedded::ParsedCommand& command);
   void ReadOn();
   // The pass has ended: `failure` is what the next call for a batch says; null where all is well.
@@ -86,23 +97,28 @@ class ImportSession : private ImportMessages, private CaseReceiver {
   // Of the errors that were posted, the last of which is completed.
   Failure FailureOf(const std::string& completion) const;
   void CheckOpen() const;
+  void UseHost();
   void Tell(int kind, const std::string& text);
   bool TellProgress(std::int64_t cases);
+  // Of a file that is understood or decompressed.
+  void CountBytes(std::int64_t bytes, std::int64_t all);
 
   void Post(std::string_view hostText, int kind) override;
   void Take(const OBS* /*obs*/) override {}
   bool GoesOn(long long taken) override;
 
-  const std::string text_;
-  const SessionOptions options_;
+  std::string text_;
+  std::string reading_;
+  SessionOptions options_;
   std::recursive_mutex mutex_;
   std::atomic<bool> cancelled_{false};
 
   // Guarded by mutex_. Each uses those before it.
-  std::unique_ptr<HostLease> lease_;
+  std::unique_ptr<HostUse> use_;  // null while nothing is read
+  InputFiles files_;
   std::string hostText_;  // the command in the host's encoding
   CommandOutline outline_;
-  Utf8Converter utf8_;
+  std::optional<Utf8Converter> utf8_;
   std::vector<std::string> errors_;  // UTF-8
   UndecodableWarnings undecodable_;
   std::optional<ImportWatch> watch_;
@@ -113,7 +129,7 @@ class ImportSession : private ImportMessages, private CaseReceiver {
 
   // Of the pass.
   std::uint64_t pass_ = 0;
-  bool reading_ = false;
+  bool isReading_ = false;
   std::optional<Failure> failure_;
   std::unique_ptr<ColumnSink> columns_;
   std::optional<DigestSink> digest_;

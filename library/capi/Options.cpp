@@ -36,6 +36,17 @@ Options Given(const Options* options) {
 
 std::string TextOrEmpty(const char* text) { return text == nullptr ? "" : text; }
 
+// The parts of a list with commas between.
+std::vector<std::string> Listed(const char* list) {
+  std::vector<std::string> parts;
+  for (std::string_view rest = list; !rest.empty();) {
+    const std::size_t comma = std::min(rest.find(','), rest.size());
+    parts.emplace_back(rest.substr(0, comma));
+    rest.remove_prefix(std::min(comma + 1, rest.size()));
+  }
+  return parts;
+}
+
 std::optional<std::string> TextIfGiven(const char* text) {
   return text == nullptr ? std::nullopt : std::optional<std::string>(text);
 }
@@ -59,11 +70,15 @@ SessionOptions SessionOptionsOf(const textwizard_options* options) {
   if (given.null_texts != nullptr) {
     session.nullTexts.assign(given.null_texts, given.null_texts + given.null_text_count);
   }
-  session.keepStrayQualifiers = given.keep_stray_qualifiers != 0;
+  session.rewriting = {.joinQuotedLines = given.join_quoted_lines != 0,
+                       .backslashEscapes = given.backslash_escapes != 0,
+                       .keepStrayQualifiers = given.keep_stray_qualifiers != 0};
   session.problemLimit =
       given.problem_limit == 0 ? kProblemLimit : std::max<std::int64_t>(given.problem_limit, 0);
   session.strict = given.strict != 0;
-  session.integers = given.integers > 0;
+  session.namesAsVariables = given.names_as_variables != 0;
+  session.integersOfCommand = given.integers > 0;
+  session.integersOfFile = given.integers >= 0;
   if (given.message != nullptr) {
     session.message = [message = given.message, context = given.context](int kind,
                                                                          const std::string& text) {
@@ -93,6 +108,29 @@ SniffSettings SniffSettingsOf(const textwizard_file_options* options) {
     std::string problem;
     settings.fixed = ParseCharacterRanges(given.fixed, &problem);
     if (!settings.fixed) Refuse(problem);
+  }
+  return settings;
+}
+
+char DecimalOf(const textwizard_options* options) { return Given(options).decimal; }
+
+BareImportSettings FileSettingsOf(const textwizard_file_options* options, char decimal) {
+  const textwizard_file_options given = Given(options);
+  BareImportSettings settings;
+  settings.sniff = SniffSettingsOf(options);
+  if (decimal != 0) {
+    settings.sniff.decimal = decimal == ',' ? DecimalCharacter::kComma : DecimalCharacter::kPoint;
+  }
+  settings.sniff.sampleLines.reset();
+  settings.sampleLines = given.sample_lines;
+  if (given.names != nullptr) settings.names = Listed(given.names);
+  if (given.types == nullptr) return settings;
+  for (const std::string& type : Listed(given.types)) {
+    const std::size_t equals = type.rfind('=');
+    if (equals == std::string::npos || equals == 0) {
+      Refuse(fmt::format("\"{}\" is no type: write types such as visited=EDATE10", type));
+    }
+    settings.types.emplace_back(type.substr(0, equals), type.substr(equals + 1));
   }
   return settings;
 }

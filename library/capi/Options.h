@@ -9,6 +9,10 @@ namespace library {
 
 // Null stands for all defaults. Throw Failure for a value that is none.
 SessionOptions SessionOptionsOf(const textwizard_options* options);
+// The decimal character that is given; 0 where none is.
+char DecimalOf(const textwizard_options* options);
+// `decimal`: that of the other struct; 0 where it is to be found.
+BareImportSettings FileSettingsOf(const textwizard_file_options* options, char decimal);
 SniffSettings SniffSettingsOf(const textwizard_file_options* options);
 
 }  // namespace library

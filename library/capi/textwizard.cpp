@@ -112,6 +112,22 @@ textwizard_status textwizard_open_command(const char* command, const textwizard_
   });
 }
 
+textwizard_status textwizard_open_file(const char* path,
+                                       const textwizard_file_options* file_options,
+                                       const textwizard_options* options,
+                                       textwizard_import** import, textwizard_error** error) {
+  return Guarded(error, [&] {
+    Require(path != nullptr, "path");
+    Require(import != nullptr, "import");
+    *import = nullptr;
+    auto opened = std::make_unique<textwizard_import>();
+    opened->session = std::make_shared<library::ImportSession>(
+        path, library::FileSettingsOf(file_options, library::DecimalOf(options)),
+        library::SessionOptionsOf(options));
+    *import = opened.release();
+  });
+}
+
 void textwizard_close(textwizard_import* import) {
   if (import == nullptr) return;
   Guarded(nullptr, [&] { import->session->Close(); });
@@ -157,6 +173,10 @@ const char* textwizard_command(textwizard_import* import) {
 const char* textwizard_dictionary(textwizard_import* import) {
   if (import == nullptr) return nullptr;
   return Text(import->dictionary, [&] { return import->session->Dictionary(); });
+}
+const char* textwizard_reading(textwizard_import* import) {
+  if (import == nullptr || import->session->reading().empty()) return nullptr;
+  return import->session->reading().c_str();
 }
 const char* textwizard_ledger(textwizard_import* import) {
   if (import == nullptr) return nullptr;

@@ -264,6 +264,88 @@ TEST_F(TextWizard, IsUsedFromCpp17) {
   EXPECT_EQ(RowsInCpp17("nothing"), -1);
 }
 
+// --- Bare files
+
+TEST_F(TextWizard, OpensABareFile) {
+  folder_.Write("bare.csv",
+                "Full name;Born;Children;Height\n"
+                "Ada Lovelace;1815-12-10;3;1,60\nAlan Turing;1912-06-23;0;1,78\n"
+                "Grace Hopper;1906-12-09;NA;1,68\n");
+  auto import = Import::OpenFile(folder_ / "bare.csv");
+  ASSERT_TRUE(import) << import.error().text();
+  auto schema = import->ReadSchema();
+  std::vector<std::string> columns;
+  for (std::int64_t i = 0; i < schema->get().n_children; ++i) {
+    columns.push_back(std::string(schema->get().children[i]->name) + ":" +
+                      schema->get().children[i]->format);
+  }
+  EXPECT_THAT(columns, ElementsAre("Full name:u", "Born:tdD", "Children:l", "Height:g"));
+  const auto rows = Rows(import->Cases());
+  ASSERT_EQ(rows.size(), 3U);
+  // 1906-12-09 is 23,034 days before 1970-01-01.
+  EXPECT_THAT(rows[2], ElementsAre("Grace Hopper", "-23034", "(null)", "1.68"));
+  EXPECT_TRUE(Rows(import->Problems()).empty());
+  EXPECT_EQ(nlohmann::json::parse(import->Reading())["delimiter"], ";");
+  EXPECT_THAT(import->Command(), StartsWith("GET DATA"));
+  EXPECT_EQ(import->Digest().size(), 32U);
+}
+
+TEST_F(TextWizard, TheCommandOfABareFileGivesTheSameCases) {
+  folder_.Write("bare.csv", "a,b\n1,x\n2,y\n");
+  auto bare = Import::OpenFile(folder_ / "bare.csv");
+  ASSERT_TRUE(bare) << bare.error().text();
+  const auto rows = Rows(bare->Cases());
+  const std::string digest = bare->Digest();
+  auto command = Import::OpenCommand(bare->Command());
+  ASSERT_TRUE(command) << command.error().text();
+  EXPECT_EQ(Rows(command->Cases()).size(), rows.size());
+  EXPECT_EQ(command->Digest(), digest);
+  EXPECT_EQ(command->Reading(), "");
+}
+
+TEST_F(TextWizard, SettingsOfABareFileAreTaken) {
+  folder_.Write("bare.csv", "1;2\n3;4\n");
+  auto file = Defaults<textwizard_file_options>();
+  file.header = -1;
+  file.names = "left,right";
+  file.types = "right=A4";
+  options_.integers = -1;
+  auto import = Import::OpenFile(folder_ / "bare.csv", &file, &options_);
+  ASSERT_TRUE(import) << import.error().text();
+  auto schema = import->ReadSchema();
+  EXPECT_STREQ(schema->get().children[0]->name, "left");
+  EXPECT_STREQ(schema->get().children[0]->format, "g");
+  EXPECT_STREQ(schema->get().children[1]->format, "u");
+  EXPECT_THAT(Rows(import->Cases()), ElementsAre(ElementsAre("1.0", "2"), ElementsAre("3.0", "4")));
+  file.types = "right";
+  EXPECT_EQ(Import::OpenFile(folder_ / "bare.csv", &file).error().status(), TEXTWIZARD_USAGE);
+}
+
+TEST_F(TextWizard, LineBreaksWithinQuotesStayInTheValues) {
+  folder_.Write("bare.csv", "id,text\n1,\"two\nlines\"\n2,one\n3,one\n4,one\n");
+  auto import = Import::OpenFile(folder_ / "bare.csv");
+  ASSERT_TRUE(import) << import.error().text();
+  const auto rows = Rows(import->Cases());
+  ASSERT_EQ(rows.size(), 4U);
+  EXPECT_EQ(rows[0][1], "two\nlines");
+  folder_.Write("data.csv", "1,\"two\nlines\"\n2,one\n");
+  options_.join_quoted_lines = 1;
+  auto command = Import::OpenCommand(Command("n F4.0 s A12"), &options_);
+  EXPECT_THAT(Rows(command->Cases()),
+              ElementsAre(ElementsAre("1.0", "two\nlines"), ElementsAre("2.0", "one")));
+}
+
+TEST_F(TextWizard, ABareFileThatIsNoneIsSaid) {
+  EXPECT_EQ(Import::OpenFile(folder_ / "none.csv").error().status(), TEXTWIZARD_FILE);
+  folder_.Write("picture.png", std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16));
+  const auto picture = Import::OpenFile(folder_ / "picture.png");
+  ASSERT_FALSE(picture);
+  EXPECT_THAT(picture.error().text(), HasSubstr("picture.png"));
+  // And the host is free again.
+  folder_.Write("bare.csv", "a,b\n1,x\n2,y\n");
+  EXPECT_TRUE(Import::OpenFile(folder_ / "bare.csv"));
+}
+
 // --- Failures
 
 TEST_F(TextWizard, ACommandThatFailsSaysNumberAndPlace) {
@@ -338,18 +420,24 @@ TEST_F(TextWizard, StrictFailsBehindTheLastCase) {
 
 // --- Settings of the process
 
-TEST_F(TextWizard, ImportsThatLiveTogetherAgreeOnTheHost) {
+TEST_F(TextWizard, ImportsThatAreReadTogetherAgreeOnTheHost) {
   folder_.Write("data.csv", "1,5;2\n");
   const std::string command = "GET DATA /TYPE=TXT /FILE='" + (folder_ / "data.csv") +
                               "' /DELIMITERS=';' /VARIABLES=n F8.2 m F8.2.";
   options_.decimal = ',';
   auto comma = Import::OpenCommand(command, &options_);
+  auto point = Import::OpenCommand(command);
   ASSERT_TRUE(comma);
-  EXPECT_THAT(Rows(comma->Cases()), ElementsAre(ElementsAre("1.5", "2.0")));
+  ASSERT_TRUE(point) << "nothing is being read";
+  auto reading = comma->Cases();
+  ASSERT_TRUE(reading);
+  EXPECT_EQ(point->Cases().error().status(), TEXTWIZARD_BUSY);
   EXPECT_EQ(Import::OpenCommand(command).error().status(), TEXTWIZARD_BUSY);
+  EXPECT_EQ(Import::OpenFile(folder_ / "data.csv").error().status(), TEXTWIZARD_BUSY);
   EXPECT_TRUE(Import::OpenCommand(command, &options_));
-  { const Import closed = std::move(*comma); }
-  EXPECT_TRUE(Import::OpenCommand(command));
+  EXPECT_THAT(RowsOf(*reading), ElementsAre(ElementsAre("1.5", "2.0")));
+  EXPECT_THAT(Rows(point->Cases()), ElementsAre(ElementsAre("(null)", "2.0")));
+  EXPECT_THAT(Rows(comma->Cases()), ElementsAre(ElementsAre("1.5", "2.0")));
 }
 
 TEST_F(TextWizard, TextsAreUtf8WhateverTheHostWorksIn) {

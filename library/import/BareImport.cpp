@@ -211,7 +211,7 @@ bool Understanding::FitGivenType(std::size_t column) {
   const std::uint32_t columnWidth =
       import_.types.columns[column].format.code == 0 ? 0 : cut_.cut.fields[column].width;
   const bool fixed = cut_.cut.settings.arrangement == textwizard::kFixedColumns;
-  ColumnType& type = import_.types.columns[column];
+  ChosenType& type = import_.types.columns[column];
   type = {};
   type.format = given.format;
   if (!given.hasWidth) {

@@ -39,7 +39,7 @@ struct BareColumn {
   // UTF-8; the label is the header's text, empty without one.
   std::string name;
   std::string label;
-  ColumnType type;
+  ChosenType type;
   bool typeGiven = false;
 };
 

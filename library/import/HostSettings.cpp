@@ -8,15 +8,16 @@
 namespace library {
 namespace {
 
-struct Leased {
+struct UsedHost {
   std::mutex mutex;
   // Guarded by the mutex.
-  int leases = 0;
+  int uses = 0;
+  bool isAlone = false;  // the one use is alone
   HostSettings settings;
 };
 
-Leased& TheHost() {
-  static Leased* const host = new Leased;
+UsedHost& TheHost() {
+  static UsedHost* const host = new UsedHost;
   return *host;
 }
 
@@ -43,35 +44,55 @@ bool SetHost(const HostSettings& settings, HostSetting* wrong, std::string* erro
   return true;
 }
 
-std::unique_ptr<HostLease> HostLease::Take(const HostSettings& settings, std::string* error) {
-  Leased& host = TheHost();
+std::unique_ptr<HostUse> HostUse::Take(const HostSettings& settings, bool alone,
+                                       std::string* error) {
+  UsedHost& host = TheHost();
   const std::lock_guard guard(host.mutex);
   error->clear();
-  if (host.leases > 0 && !(host.settings == settings)) return nullptr;
+  const bool free = host.uses == 0;
+  if (!free && (alone || host.isAlone || !(host.settings == settings))) return nullptr;
   HostSetting wrong{};
-  if (host.leases == 0 && !SetHost(settings, &wrong, error)) return nullptr;
-  std::unique_ptr<HostLease> lease(new HostLease);
+  if (free && !SetHost(settings, &wrong, error)) return nullptr;
+  std::unique_ptr<HostUse> use(new HostUse(alone));
   host.settings = settings;
-  ++host.leases;
-  return lease;
+  host.isAlone = alone;
+  ++host.uses;
+  return use;
 }
 
-std::unique_ptr<HostLease> HostLease::TakeUtf8() {
+std::unique_ptr<HostUse> HostUse::Share(const HostSettings& settings, std::string* error) {
+  return Take(settings, false, error);
+}
+
+std::unique_ptr<HostUse> HostUse::ShareUtf8() {
   HostSettings settings;
   {
-    Leased& host = TheHost();
+    UsedHost& host = TheHost();
     const std::lock_guard guard(host.mutex);
-    if (host.leases > 0) settings = host.settings;
+    if (host.uses > 0) settings = host.settings;
   }
   settings.codePage.clear();
   std::string error;
-  return Take(settings, &error);
+  return Take(settings, false, &error);
 }
 
-HostLease::~HostLease() {
-  Leased& host = TheHost();
+std::unique_ptr<HostUse> HostUse::Alone() {
+  std::string error;
+  return Take({}, true, &error);
+}
+
+void HostUse::NowShared(const HostSettings& settings) {
+  UsedHost& host = TheHost();
   const std::lock_guard guard(host.mutex);
-  --host.leases;
+  alone_ = host.isAlone = false;
+  host.settings = settings;
+}
+
+HostUse::~HostUse() {
+  UsedHost& host = TheHost();
+  const std::lock_guard guard(host.mutex);
+  --host.uses;
+  if (alone_) host.isAlone = false;
 }
 
 }  // namespace library

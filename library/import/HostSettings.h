@@ -19,22 +19,32 @@ enum class HostSetting { kCodePage, kLocaleCodePage };
 // nothing; then *wrong is whose it is, and *error says why (host text).
 bool SetHost(const HostSettings& settings, HostSetting* wrong, std::string* error);
 
-// The host in one state as long as somebody needs it.
-class HostLease {
+// The host in one state as long as somebody works with it.
+class HostUse {
  public:
-  // Null when others hold the host in another state (then *error is empty), or when a name names
-  // nothing. Any thread.
-  static std::unique_ptr<HostLease> Take(const HostSettings& settings, std::string* error);
-  // The host in UTF-8 mode, whatever its other settings are. Null when others hold it in a code
-  // page.
-  static std::unique_ptr<HostLease> TakeUtf8();
+  // Null when others work with the host in another state, or alone (then *error is empty), or when
+  // a name names nothing. Any thread.
+  static std::unique_ptr<HostUse> Share(const HostSettings& settings, std::string* error);
+  // The host in UTF-8 mode, whatever its other settings are. Null when others work with it in a
+  // code page, or alone.
+  static std::unique_ptr<HostUse> ShareUtf8();
+  // In UTF-8 mode, with a decimal point, for one who will set it otherwise. Null when others work
+  // with it.
+  static std::unique_ptr<HostUse> Alone();
   // Any thread.
-  ~HostLease();
-  HostLease(const HostLease&) = delete;
-  HostLease& operator=(const HostLease&) = delete;
+  ~HostUse();
+  HostUse(const HostUse&) = delete;
+  HostUse& operator=(const HostUse&) = delete;
+
+  // Who was alone has put the host into this state, and works on with others in it.
+  void NowShared(const HostSettings& settings);
 
  private:
-  HostLease() = default;
+  explicit HostUse(bool alone) : alone_(alone) {}
+  static std::unique_ptr<HostUse> Take(const HostSettings& settings, bool alone,
+                                       std::string* error);
+
+  bool alone_;
 };
 
 }  // namespace library

@@ -56,11 +56,11 @@ class Chooser {
   DayOrder OrderOf(const ColumnEvidence& column) const;
   std::vector<Reading> Candidates(const ColumnEvidence& column) const;
   bool MonthFirst(const ColumnEvidence& column) const;
-  ColumnType TypeOf(std::size_t index) const;
+  ChosenType TypeOf(std::size_t index) const;
   ChosenFormat FormatFor(Reading reading, const ColumnEvidence& column) const;
-  void RemarkText(const ColumnEvidence& column, Reading best, ColumnType* type) const;
-  void RemarkValues(const ColumnEvidence& column, Reading reading, ColumnType* type) const;
-  void Widen(std::size_t index, ColumnType* type) const;
+  void RemarkText(const ColumnEvidence& column, Reading best, ChosenType* type) const;
+  void RemarkValues(const ColumnEvidence& column, Reading reading, ChosenType* type) const;
+  void Widen(std::size_t index, ChosenType* type) const;
 
   const std::vector<ColumnEvidence>& columns_;
   const TypeSettings& settings_;
@@ -175,9 +175,9 @@ ChosenFormat Chooser::FormatFor(Reading reading, const ColumnEvidence& column) c
   return FitFormat(code, column, choice_.decimal);
 }
 
-ColumnType Chooser::TypeOf(std::size_t index) const {
+ChosenType Chooser::TypeOf(std::size_t index) const {
   const ColumnEvidence& column = columns_[index];
-  ColumnType type;
+  ChosenType type;
   std::optional<Reading> best;
   std::int64_t most = 0;
   for (const Reading reading : Candidates(column)) {
@@ -209,7 +209,7 @@ ColumnType Chooser::TypeOf(std::size_t index) const {
 }
 
 // Why a column is a text although most of its values are something else.
-void Chooser::RemarkText(const ColumnEvidence& column, Reading best, ColumnType* type) const {
+void Chooser::RemarkText(const ColumnEvidence& column, Reading best, ChosenType* type) const {
   const std::int64_t read = column.Read(best);
   const ChosenFormat other = FormatFor(best, column);
   if (!Enough(read, column.values())) {
@@ -223,7 +223,7 @@ void Chooser::RemarkText(const ColumnEvidence& column, Reading best, ColumnType*
   }
 }
 
-void Chooser::RemarkValues(const ColumnEvidence& column, Reading reading, ColumnType* type) const {
+void Chooser::RemarkValues(const ColumnEvidence& column, Reading reading, ChosenType* type) const {
   if (const Witness unread = column.Unread(reading); unread.count > 0) {
     type->remarks.push_back({ColumnRemark::kUnreadable, unread, std::nullopt});
   }
@@ -252,7 +252,7 @@ void Chooser::RemarkValues(const ColumnEvidence& column, Reading reading, Column
 }
 
 // A format that is narrower than its fixed column would cut it.
-void Chooser::Widen(std::size_t index, ColumnType* type) const {
+void Chooser::Widen(std::size_t index, ChosenType* type) const {
   if (index >= settings_.columnWidths.size()) return;
   const std::uint32_t width = settings_.columnWidths[index];
   if (type->format.code != kFormatA && width > kMaxNumberWidth) type->format = {kFormatA, 1, 0};

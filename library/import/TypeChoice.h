@@ -38,7 +38,7 @@ struct ColumnRemark {
   std::optional<ChosenFormat> other;
 };
 
-struct ColumnType {
+struct ChosenType {
   ChosenFormat format;
   // Every value that is read is a whole number within 2^53.
   bool wholeNumbers = false;
@@ -62,7 +62,7 @@ struct TypeChoice {
   std::size_t decimalColumn = 0;
   // Values that speak for the other one alone.
   std::int64_t decimalAgainst = 0;
-  std::vector<ColumnType> columns;
+  std::vector<ChosenType> columns;
 };
 
 // Chooses by counts: of the readings that a column's values have, the one that most have, where

@@ -2,7 +2,7 @@
  *
  *     textwizard_import* import = NULL;
  *     textwizard_error* error = NULL;
- *     if (textwizard_open_command(command, NULL, &import, &error) != TEXTWIZARD_OK) {
+ *     if (textwizard_open_file("data.csv", NULL, NULL, &import, &error) != TEXTWIZARD_OK) {
  *       fprintf(stderr, "%s\n", textwizard_error_text(error));
  *       textwizard_error_free(error);
  *       return 1;
@@ -21,8 +21,8 @@
  * Threads. An import is used by one thread at a time, but for textwizard_cancel, which any thread may
  * call. Conversion has threads of its own; callbacks come on the thread that called the function or
  * the stream. Settings of the host that the library brings along (code page, decimal character) are
- * the process's: imports that live at the same time must agree on them, else the later one fails with
- * TEXTWIZARD_BUSY. Opening imports is serialized.
+ * the process's: imports that are read at the same time must agree on them, and while a bare file is
+ * opened nothing else is read; else TEXTWIZARD_BUSY. Opening imports is serialized.
  */
 #ifndef TEXTWIZARD_TEXTWIZARD_H
 #define TEXTWIZARD_TEXTWIZARD_H
@@ -48,7 +48,7 @@ typedef enum textwizard_status {
   TEXTWIZARD_USAGE = 2,          /* an argument or a setting is wrong */
   TEXTWIZARD_FILE = 3,           /* a file cannot be read or written */
   TEXTWIZARD_NO_MEMORY = 4,
-  TEXTWIZARD_BUSY = 5,     /* another import lives with other settings of the process */
+  TEXTWIZARD_BUSY = 5,     /* another import is being read with other settings of the process */
   TEXTWIZARD_CANCELLED = 6 /* textwizard_cancel, or the progress callback wanted it */
 } textwizard_status;
 
@@ -77,7 +77,7 @@ typedef enum textwizard_message_kind {
 /* What goes for every import. */
 typedef struct textwizard_options {
   size_t size;
-  /* Of the host's text; null: UTF-8. */
+  /* Of the host's text; null: UTF-8. For a file these three are found. */
   const char* code_page;
   /* What ENCODING=LOCALE means; null: the locale's codeset. */
   const char* locale_code_page;
@@ -89,14 +89,21 @@ typedef struct textwizard_options {
      "nan", ".", "-". */
   const char* const* null_texts;
   size_t null_text_count;
-  /* 1: a qualifier inside an unqualified field is an ordinary character. */
+  /* 1: a line break inside a qualified field stays in the value; a backslash in one makes the next
+     character an ordinary one; a qualifier inside an unqualified field is an ordinary character. What
+     a file needs is found. */
+  int32_t join_quoted_lines;
+  int32_t backslash_escapes;
   int32_t keep_stray_qualifiers;
   /* Problems kept for textwizard_problems, at most; 0: 1,000,000; negative: none. */
   int64_t problem_limit;
   /* 1: a problem makes the import fail. */
   int32_t strict;
-  /* 1: every number whose format has no decimals is int64; a value that is not whole is missing and a
-     problem. */
+  /* 1: columns carry variables' names instead of the labels that a file gives them. */
+  int32_t names_as_variables;
+  /* Of a file: columns whose values are all whole and within 2^53 are int64, unless -1. Of a command: 1
+     makes every number int64 whose format has no decimals; a value that is not whole is missing then,
+     and a problem. */
   int32_t integers;
   /* A message; may be null. `text` is good during the call. */
   void (*message)(void* context, textwizard_message_kind kind, const char* text);
@@ -115,7 +122,9 @@ typedef struct textwizard_file_options {
   int64_t first_line;    /* where the data begins, from 1; 0: found */
   int32_t header;        /* 1: names stand above the data; -1: they do not; 0: found */
   const char* fixed;     /* columns such as "1-8,9-20" */
-  int64_t sample_lines;  /* only the first lines are looked at; 0: what it takes */
+  const char* types;     /* "visited=EDATE10,id=A12" */
+  const char* names;     /* "id,name,visited" */
+  int64_t sample_lines;  /* types from the first lines only; 0: from all */
 } textwizard_file_options;
 
 /* --- Imports */
@@ -127,6 +136,13 @@ TEXTWIZARD_API textwizard_status textwizard_open_command(const char* command,
                                                          const textwizard_options* options,
                                                          textwizard_import** import,
                                                          textwizard_error** error);
+/* Understands a bare file (compressed or not; "-": standard input), finds the types from the whole of
+   it and makes the command. `file_options` and `options` may be null. */
+TEXTWIZARD_API textwizard_status textwizard_open_file(const char* path,
+                                                      const textwizard_file_options* file_options,
+                                                      const textwizard_options* options,
+                                                      textwizard_import** import,
+                                                      textwizard_error** error);
 /* Ends the import; streams of it end with an error from then on and are still to be released. Null is
    accepted. */
 TEXTWIZARD_API void textwizard_close(textwizard_import* import);
@@ -154,6 +170,8 @@ TEXTWIZARD_API void textwizard_cancel(textwizard_import* import);
 TEXTWIZARD_API const char* textwizard_command(textwizard_import* import);
 /* JSON: file, cases, variables (with "evidence" of AUTO variables), and after a pass "ledger". */
 TEXTWIZARD_API const char* textwizard_dictionary(textwizard_import* import);
+/* JSON: how a bare file was read, as `textwizard sniff --json` says it; null for a command. */
+TEXTWIZARD_API const char* textwizard_reading(textwizard_import* import);
 /* JSON: the ledger of the latest pass; null before one ended. */
 TEXTWIZARD_API const char* textwizard_ledger(textwizard_import* import);
 /* The digest of the latest pass's cases, 32 hexadecimal digits; null before one ended. */

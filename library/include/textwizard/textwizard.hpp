@@ -1,7 +1,7 @@
 // The C interface with owners and results, for C++17 and later; header only. Nothing throws but
 // Result::value and std::bad_alloc.
 //
-//     auto import = textwizard::Import::OpenCommand("GET DATA /TYPE=TXT ...");
+//     auto import = textwizard::Import::OpenFile("data.csv");
 //     if (!import) { std::cerr << import.error().text(); return 1; }
 //     auto cases = import->Cases();
 //     while (cases) {
@@ -151,6 +151,17 @@ class Import {
     return Import(import);
   }
 
+  static Result<Import> OpenFile(const std::string& path,
+                                 const textwizard_file_options* file_options = nullptr,
+                                 const textwizard_options* options = nullptr) {
+    textwizard_import* import = nullptr;
+    textwizard_error* error = nullptr;
+    const textwizard_status status =
+        textwizard_open_file(path.c_str(), file_options, options, &import, &error);
+    if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+    return Import(import);
+  }
+
   Result<Schema> ReadSchema() {
     ArrowSchema schema{};
     textwizard_error* error = nullptr;
@@ -165,6 +176,7 @@ class Import {
   // Empty where there is none yet.
   std::string Command() const { return Text(textwizard_command(handle_.get())); }
   std::string Dictionary() const { return Text(textwizard_dictionary(handle_.get())); }
+  std::string Reading() const { return Text(textwizard_reading(handle_.get())); }
   std::string Ledger() const { return Text(textwizard_ledger(handle_.get())); }
   std::string Digest() const { return Text(textwizard_digest(handle_.get())); }
   // For the C functions; stays this object's.
