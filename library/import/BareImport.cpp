@@ -148,7 +148,11 @@ bool Understanding::Summarize(const RewritingOptions& rewriting, QuotePosition* 
     };
   }
   if (embedded::AttentionRequested()) return false;
-  if (!SummarizeFile(summary, &import_.summary, &problem_)) return false;
+  if (settings_.partBytes > 0) summary.partBytes = settings_.partBytes;
+  const bool read = settings_.summarize
+                        ? settings_.summarize(summary, rewriting, mark, &import_.summary, &problem_)
+                        : SummarizeFile(summary, &import_.summary, &problem_);
+  if (!read) return false;
   *totals = {};
   if (shown != nullptr && !shown->Totals(totals)) {
     problem_ = "reading the file failed";

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "library/import/BareCut.h"
+#include "library/import/FileSummary.h"
 #include "library/import/InputFiles.h"
 #include "library/import/StandIns.h"
 #include "library/import/TypeChoice.h"
@@ -31,6 +32,13 @@ struct BareImportSettings {
   double leastShare = 95.0;
   // 0: one a processor.
   int threads = 0;
+  // Bytes of the parts whose summaries are merged; 0: of any size.
+  std::int64_t partBytes = 0;
+  // Sums the data up instead of SummarizeFile; `rewriting` is how the file is shown meanwhile, with
+  // a mark of `shownMark` bytes that it lacks.
+  std::function<bool(const FileSummarySettings& data, const RewritingOptions& rewriting,
+                     std::int64_t shownMark, PartSummary* summary, std::string* problem)>
+      summarize;
   // Told now and then how many bytes of how many were read.
   std::function<void(std::int64_t bytes, std::int64_t size)> progress;
 };

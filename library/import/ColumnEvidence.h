@@ -103,6 +103,7 @@ class ColumnEvidence {
 
  private:
   friend class ColumnCounters;
+  friend struct EvidenceFields;
 
   // The steps of Count: a field's length; a value that is no null text, with its readings.
   void CountLength(std::string_view field, std::int64_t line);

@@ -99,6 +99,7 @@ class Summarizer : public sfThread {
              const QANT_FileStream& stream, Gathering& gathering, std::int64_t ahead)
       : sfThread(1),
         end_(settings.end),
+        beginsInLine_(settings.beginsInLine),
         reader_(stream, settings.cut, nulls, settings.standIns),
         gathering_(gathering),
         ahead_(ahead) {
@@ -114,7 +115,7 @@ class Summarizer : public sfThread {
         PartSummary summary;
         const std::int64_t from = gathering_.BeginOf(part);
         const std::int64_t to = std::min(end_, gathering_.BeginOf(part + 1));
-        if (!reader_.Summarize(from, to, part == 0, &summary)) {
+        if (!reader_.Summarize(from, to, part == 0 && !beginsInLine_, &summary)) {
           gathering_.GiveUp(kNotRead);
           return;
         }
@@ -127,6 +128,7 @@ class Summarizer : public sfThread {
 
  private:
   const std::int64_t end_;
+  const bool beginsInLine_;
   PartReader reader_;
   Gathering& gathering_;
   const std::int64_t ahead_;

@@ -17,9 +17,11 @@ struct FileSummarySettings {
   std::vector<std::string> nulls;
   // Those that the file is shown with; null where it is shown as it is.
   const StandIns* standIns = nullptr;
-  // The bytes that hold the data: from the beginning of a line to the end of one.
+  // The bytes that hold the data: the lines that begin in them. The line that `begin` lies in is
+  // one of them where it begins there, or unless `beginsInLine`.
   std::int64_t begin = 0;
   std::int64_t end = 0;
+  bool beginsInLine = false;
   // Physical lines in front of `begin`.
   std::int64_t linesBefore = 0;
   // Stops behind so many physical lines of the file; 0: reads them all.

@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "library/import/Controls.h"
+#include "library/parts/LineSeek.h"
 #include "reading/ByteScan.h"
 
 namespace library {
@@ -24,6 +25,7 @@ PartReader::PartReader(const QANT_FileStream& stream, const ColumnCut& cut,
       standIns_(standIns),
       fixed_(cut.settings.arrangement == textwizard::kFixedColumns),
       rules_(cut.settings),
+      stream_(stream),
       reader_(stream),
       decoder_(cut.settings.encoding),
       splitter_(rules_, textwizard::SplitUse::kReading, this),
@@ -37,20 +39,11 @@ PartReader::PartReader(const QANT_FileStream& stream, const ColumnCut& cut,
   decodes_ = Decodes(reader_, cut.settings.encoding);
 }
 
-// Stands where the first line of the stretch begins.
-bool PartReader::BeginAt(std::int64_t from, bool atStart) {
-  if (atStart) return reader_.SeekTo(from);
-  // From the unit before on: when that ends a line, the next one begins at `from`.
-  if (!reader_.SeekTo(from - (reader_.isUtf16() ? 2 : 1))) return false;
-  reader_.Read(true);
-  return !reader_.failed();
-}
-
 bool PartReader::Summarize(std::int64_t from, std::int64_t to, bool atStart, PartSummary* summary) {
   summary_ = summary;
   line_ = 1;
-  if (!BeginAt(from, atStart)) return false;
-  while (reader_.position() < to) {
+  const bool begins = atStart ? reader_.SeekTo(from) : SeekToLine(from, to, stream_, reader_);
+  while (begins && reader_.position() < to) {
     // Whole lines that lie in the stretch; then one that may go on behind it.
     TakeRun(
         static_cast<std::size_t>(std::min<std::int64_t>(to - reader_.position() + 1, kRunBytes)));
@@ -60,8 +53,12 @@ bool PartReader::Summarize(std::int64_t from, std::int64_t to, bool atStart, Par
     bytesRead_.fetch_add(reader_.position() - position, std::memory_order_relaxed);
   }
   summary->lines = line_ - 1;
+  // Line ends may have been counted along, or not.
+  for (const char text : {'\t', '\n', '\r'}) {
+    summary->controls[static_cast<unsigned char>(text)] = 0;
+  }
   summary->columns = counters_.Take();
-  return !reader_.failed();
+  return !reader_.failed() && !stream_.ReadFailed();
 }
 
 void PartReader::TakeRun(std::size_t room) {

@@ -38,7 +38,6 @@ class PartReader : private textwizard::UndecodableListener {
 
  private:
   void OnUndecodable(const textwizard::UndecodableRun&) override { undecodable_ = true; }
-  bool BeginAt(std::int64_t from, bool atStart);
   void TakeRun(std::size_t room);
   void TakeText(std::string_view text);
   void TakeLine(std::string_view line, bool marked);
@@ -52,6 +51,8 @@ class PartReader : private textwizard::UndecodableListener {
   const StandIns* const standIns_;
   const bool fixed_;
   const textwizard::FieldRules rules_;
+  // Looks for the first line.
+  QANT_FileStream stream_;
   textwizard::RecordReader reader_;
   textwizard::RecordDecoder decoder_;
   textwizard::FieldSplitter splitter_;

@@ -1,6 +1,6 @@
 #include "library/parts/LineCounter.h"
 
-#include "reading/ByteScan.h"
+#include "library/parts/LineSeek.h"
 
 namespace library {
 
@@ -56,37 +56,10 @@ std::int64_t LineCounter::UnitsOfRecord() {
   return values;
 }
 
-// Stands at the first line that begins at `from` or behind it; false when that is not before `to`,
-// or the file cannot be read.
-bool LineCounter::SeekToLine(std::int64_t from, std::int64_t to) {
-  const std::int64_t unit = unitBytes();
-  from += (from - markBytes_) % unit;
-  std::int64_t at = from - unit;
-  if (stream_.Seek(at, QANT_FileStream::kFromStart) != 0) return false;
-  // The unit that ends the line that `at` lies in.
-  while (at < to) {
-    const std::string_view block = stream_.Buffered();
-    if (block.size() < static_cast<std::size_t>(unit)) return false;
-    const std::size_t length =
-        unit == 2 ? textwizard::FindLineEnd16(block) : textwizard::FindLineEnd8(block);
-    at += static_cast<std::int64_t>(length);
-    const std::string_view rest = block.substr(length);
-    const bool isNul =
-        rest.starts_with(unit == 2 ? std::string_view("\0\0", 2) : std::string_view("\0", 1));
-    if (rest.size() >= static_cast<std::size_t>(unit) && !isNul) break;
-    if (rest.size() >= static_cast<std::size_t>(unit)) at += unit;
-    if (stream_.Seek(at, QANT_FileStream::kFromStart) != 0) return false;
-    if (at >= reader_.fileBytes() - unit + 1) return false;
-  }
-  if (at >= to || !reader_.SeekTo(at)) return false;
-  reader_.Read(true);
-  return reader_.position() < to && reader_.SeekTo(reader_.position());
-}
-
 bool LineCounter::Count(std::int64_t from, std::int64_t to, bool atStart, PartLines* lines) {
   lines->unitsPerCase = unitsPerCase_;
   if (from >= to) return true;
-  if (atStart ? !reader_.SeekTo(from) : !SeekToLine(from, to)) {
+  if (atStart ? !reader_.SeekTo(from) : !SeekToLine(from, to, stream_, reader_)) {
     return !stream_.ReadFailed() && !reader_.failed();
   }
   while (reader_.position() < to) {

@@ -55,7 +55,6 @@ class LineCounter {
   bool failed() const { return reader_.failed(); }
 
  private:
-  bool SeekToLine(std::int64_t from, std::int64_t to);
   std::int64_t UnitsOfRecord();
   bool LooksMarked() const;
 

@@ -159,6 +159,18 @@ TEST_P(APartedReading, OnOneThread) {
   ExpectSame(whole, Import(file, parts, 1000, true), "one thread");
 }
 
+// Units of two bytes lie in two blocks, line ends too.
+TEST_P(APartedReading, WhateverTheBlocks) {
+  const PartFile& file = GetParam();
+  const Outcome whole = Import(file, {}, 1000);
+  for (const std::size_t block : {1, 3, 16}) {
+    const embedded::ScopedBlockSize size(block);
+    PartOptions parts;
+    parts.partBytes = 29;
+    ExpectSame(whole, Import(file, parts, 1000), "blocks of " + std::to_string(block));
+  }
+}
+
 // Each part by itself: the digests and ledgers add up, and the problems follow one another.
 TEST_P(APartedReading, IsTheSumOfItsParts) {
   const PartFile& file = GetParam();
