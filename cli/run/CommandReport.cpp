@@ -130,16 +130,19 @@ std::string CommandReport::Explained() const {
   return text.empty() ? "no variable is AUTO: there is nothing to explain\n" : text;
 }
 
+std::vector<std::string> CommandReport::Warnings() const {
+  const auto evidenceOf = [this](std::size_t index) { return watch_.EvidenceOf(index); };
+  std::vector<std::string> warnings = library::WarningsOf(account_, variables_, evidenceOf);
+  for (const library::Misfit& misfit : misfits_) warnings.push_back(misfit.detail);
+  return warnings;
+}
+
 std::string CommandReport::Text(std::size_t terminalWidth) const {
   const bool clean = account_.problems.total() == 0;
   std::string text = clean ? "" : "\n";
   text += ProblemTable(account_.problems, variables_, terminalWidth);
   if (!clean) text += "\n";
-  const auto evidenceOf = [this](std::size_t index) { return watch_.EvidenceOf(index); };
-  for (const std::string& warning : library::WarningsOf(account_, variables_, evidenceOf)) {
-    text += "warning: " + warning + "\n";
-  }
-  for (const library::Misfit& misfit : misfits_) text += "warning: " + misfit.detail + "\n";
+  for (const std::string& warning : Warnings()) text += "warning: " + warning + "\n";
   return text + account_.ledger.Line() + "\n";
 }
 

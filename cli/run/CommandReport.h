@@ -59,7 +59,9 @@ class CommandReport {
 
   // What --explain shows: a few lines for each AUTO variable; empty when it was not asked for.
   std::string Explained() const;
-  // Problems, warnings and the ledger, for a terminal.
+  // What a person should know about an import that succeeded, a sentence each.
+  std::vector<std::string> Warnings() const;
+  // Problems, these warnings and the ledger, for a terminal.
   std::string Text(std::size_t terminalWidth) const;
   // "digest: HEX"; empty when none was asked for.
   std::string DigestLine() const;

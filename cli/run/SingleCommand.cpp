@@ -55,8 +55,8 @@ class Reader : public library::CaseReceiver {
 constexpr std::size_t kOtherBlockBytes = 65521;
 
 // The report is for the person who watches, and for the files that have a place for it.
-CommandReport::Wanted WantedOf(const RunOptions& options, bool shows) {
-  CommandReport::Wanted wanted{.evidence = shows || !options.dictionary.empty()};
+CommandReport::Wanted WantedOf(const RunOptions& options, bool warns) {
+  CommandReport::Wanted wanted{.evidence = warns || !options.dictionary.empty()};
   for (const CasesTarget& target : CasesTargets(options)) {
     if (!target.format) continue;
     wanted.evidence = wanted.evidence || library::HoldsMetadata(*target.format);
@@ -71,7 +71,7 @@ class SingleCommand {
       : context_(context),
         options_(context.options),
         outputs_(options_, number),
-        report_(options_.report, number, WantedOf(options_, shows())),
+        report_(options_.report, number, WantedOf(options_, !options_.quiet)),
         import_({.workers = options_.workers,
                  .seed = options_.seed,
                  .watch = &report_.watch(),
@@ -182,6 +182,9 @@ CommandEnd SingleCommand::ReadSource() {
     }
     context_.console.Print(Counts(import_.stats().cases, source.GetNVariables()));
     context_.console.Print(report_.Text(TerminalWidth(STDOUT_FILENO)));
+  } else if (!options_.quiet && allRead_) {
+    // Standard output is a file of data; what may be wrong with it is said all the same.
+    for (const std::string& warning : report_.Warnings()) context_.console.Warning(warning);
   }
   if (end == CommandEnd::kDone) {
     if (const std::string line = report_.DigestLine(); !line.empty()) context_.console.Print(line);

@@ -120,9 +120,11 @@ std::string OrderLine(const ImportWitness& one, const ImportWitness& other,
     case OrderVerdict::kNone:
       break;
     case OrderVerdict::kDecided:
-      return fmt::format("  {}: {}, decided by {}; {} could be either\n", question,
+      return fmt::format("  {}: {}, decided by {}{}\n", question,
                          order.firstWay ? oneWay : otherWay, at(*order.by),
-                         Count(either.count, "value"));
+                         either.count == 0
+                             ? std::string()
+                             : fmt::format("; {} could be either", Count(either.count, "value")));
     case OrderVerdict::kAmbiguous:
       return fmt::format("  {}: ambiguous, {} could be either, the first {}\n", question,
                          Count(either.count, "value"), at(either));

@@ -142,6 +142,14 @@ TEST_F(EvidenceJsonTest, APersonReadsTheSame) {
             "  longest: 10 bytes in line 2, \"12/31/2019\"\n");
 }
 
+TEST_F(EvidenceJsonTest, APersonReadsOfValuesOfBothWaysOnlyWhereThereAreSome) {
+  Of(Class::kDate) = {3, 2, "12/31/2019"};
+  evidence_.monthFirst = {3, 2, "12/31/2019"};
+  EXPECT_EQ(EvidenceText(evidence_, date_),
+            "visited: ADATE10, 100 % dates or times of 3 values\n"
+            "  day and month: month first, decided by \"12/31/2019\" in line 2\n");
+}
+
 TEST_F(EvidenceJsonTest, APersonReadsWhenThereIsNothing) {
   EXPECT_EQ(EvidenceText(evidence_, text_), "town: A12, no value in the file\n");
 }

@@ -51,21 +51,6 @@ bool HasDigit(std::string_view text) {
   return text.find_first_of("0123456789") != std::string_view::npos;
 }
 
-// A number without grouping whose only comma or point is the other decimal character's.
-bool ReadsWithOtherDecimal(std::string_view text) {
-  const char mine = static_cast<char>(iocvgetdecchar_());
-  const char other = mine == '.' ? ',' : '.';
-  const std::size_t at = text.find(other);
-  if (at == std::string_view::npos || text.find(other, at + 1) != std::string_view::npos ||
-      text.find(mine) != std::string_view::npos) {
-    return false;
-  }
-  std::string swapped(text);
-  swapped[at] = mine;
-  double value = 0;
-  return textwizard::ConvertNumber(swapped, textwizard::kFormatF, &value);
-}
-
 std::string_view WordOfNumber(std::int64_t count, std::string_view one, std::string_view many) {
   return count == 1 ? one : many;
 }
@@ -74,18 +59,37 @@ std::string_view WordOfNumber(std::int64_t count, std::string_view one, std::str
 
 std::vector<std::string_view> FormatsThatRead(std::string_view text, std::size_t most) {
   std::vector<std::string_view> names;
-  // Only names of days and months are values without a digit.
+  // Only names of days and months are values without a digit; fewer letters are no name that a
+  // person would write.
+  constexpr std::size_t kShortestName = 3;
   const bool digits = HasDigit(text);
+  const bool named = text.size() >= kShortestName;
   for (const Candidate& candidate : kCandidates) {
     if (names.size() == most) break;
     const bool isName =
         candidate.code == textwizard::kFormatWkday || candidate.code == textwizard::kFormatMonth;
     double value = 0;
-    if ((digits || isName) && textwizard::ConvertNumber(text, candidate.code, &value)) {
+    if ((isName ? named : digits) && textwizard::ConvertNumber(text, candidate.code, &value)) {
       names.push_back(candidate.name);
     }
   }
   return names;
+}
+
+std::string_view DecimalThatReads(std::string_view text) {
+  const bool commaReads = iocvgetdecchar_() == '.';
+  const char mine = commaReads ? '.' : ',';
+  const char other = commaReads ? ',' : '.';
+  const std::size_t at = text.find(other);
+  if (at == std::string_view::npos || text.find(other, at + 1) != std::string_view::npos ||
+      text.find(mine) != std::string_view::npos) {
+    return {};
+  }
+  std::string swapped(text);
+  swapped[at] = mine;
+  double value = 0;
+  if (!textwizard::ConvertNumber(swapped, textwizard::kFormatF, &value)) return {};
+  return commaReads ? "--decimal comma" : "--decimal point";
 }
 
 std::string_view ProblemDetail::Of(const ImportProblem& problem) {
@@ -137,10 +141,9 @@ void ProblemDetail::Unreadable(const ImportProblem& problem, const ReportVariabl
   auto out = std::back_inserter(sentence_);
   fmt::format_to(out, "{} cannot read this text, so the value is missing; ", variable.format);
   const std::vector<std::string_view> formats = FormatsThatRead(problem.text, 2);
-  if (ReadsWithOtherDecimal(problem.text)) {
-    const char mine = static_cast<char>(iocvgetdecchar_());
-    fmt::format_to(out, "--decimal {} would read it, if the {} is its decimal character",
-                   mine == '.' ? "comma" : "point", mine == '.' ? "comma" : "point");
+  if (const std::string_view option = DecimalThatReads(problem.text); !option.empty()) {
+    fmt::format_to(out, "{} would read it, if the {} is its decimal character", option,
+                   option.substr(option.find(' ') + 1));
   } else if (!formats.empty()) {
     fmt::format_to(out, "{}{}{} would read it", formats.front(), formats.size() > 1 ? " or " : "",
                    formats.size() > 1 ? formats.back() : "");

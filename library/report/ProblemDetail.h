@@ -15,6 +15,10 @@ namespace library {
 // At most `most`.
 std::vector<std::string_view> FormatsThatRead(std::string_view text, std::size_t most);
 
+// The way out where the host's other decimal character reads `text` (host text), a number without
+// grouping: "--decimal comma" or "--decimal point"; else empty.
+std::string_view DecimalThatReads(std::string_view text);
+
 // Makes the sentences. One thread; the variables outlive it.
 class ProblemDetail {
  public:

@@ -71,6 +71,9 @@ TEST_F(ProblemDetailTest, FormatsAreThoseWhoseReaderTakesTheText) {
   EXPECT_THAT(FormatsThatRead("2 q 2004", 1), ElementsAre("QYR8"));
   EXPECT_THAT(FormatsThatRead("abc", 5), IsEmpty());
   EXPECT_THAT(FormatsThatRead("", 5), IsEmpty());
+  // The tenth month, but no name that a person would write.
+  EXPECT_THAT(FormatsThatRead("x", 5), IsEmpty());
+  EXPECT_THAT(FormatsThatRead("oct", 5), ElementsAre("MONTH9"));
 }
 
 TEST_F(ProblemDetailTest, EveryKindSaysWhatHappenedAndWhatHelps) {

@@ -24,6 +24,12 @@ constexpr std::size_t kShownCharacters = 40;
 // 8-bit text with more NUL bytes than this share of it is none.
 constexpr double kWideShare = 0.25;
 
+// The string format that keeps texts of so many bytes.
+std::string StringFor(std::int64_t bytes) {
+  constexpr std::int64_t kWidest = textwizard::kMaxStringWidth;
+  return fmt::format("A{}", std::clamp<std::int64_t>(bytes, 1, kWidest));
+}
+
 std::string Percent(double share) {
   const double percent = 100 * share;
   return percent < 10 ? fmt::format("{:.1f} %", percent) : fmt::format("{:.0f} %", percent);
@@ -42,7 +48,7 @@ class Writer {
       DecimalComma(*evidence);
       LeadingZeros(*evidence);
     }
-    Rounded();
+    Rounded(evidence);
     ColumnEdge();
   }
 
@@ -69,10 +75,11 @@ class Writer {
   }
 
   void Unread(const ImportEvidence& evidence);
+  std::string WayOutFor(std::string_view text, const ImportEvidence& evidence) const;
   void DayAndMonth(const ImportEvidence& evidence);
   void DecimalComma(const ImportEvidence& evidence);
   void LeadingZeros(const ImportEvidence& evidence);
-  void Rounded();
+  void Rounded(const ImportEvidence* evidence);
   void ColumnEdge();
   void OpenQuotes();
   void Nuls();
@@ -89,33 +96,45 @@ void Writer::Unread(const ImportEvidence& evidence) {
   if (entry == nullptr || account_.cases == 0) return;
   const double share = static_cast<double>(entry->count) / static_cast<double>(account_.cases);
   if (share <= kToldShare) return;
-  // A format of the same kind of value that reads the text is the one a person would declare.
+  Say("{} of its values ({} of {}) are missing: AUTO chose {}, which cannot read them, the first "
+      "\"{}\" in line {}; {}",
+      Percent(share), entry->count, account_.cases, variable().format,
+      text_.Escaped(entry->firstText, kShownCharacters), entry->firstLine,
+      WayOutFor(entry->firstText, evidence));
+}
+
+// What would read `text`, or keep it.
+std::string Writer::WayOutFor(std::string_view text, const ImportEvidence& evidence) const {
+  if (const std::string_view option = DecimalThatReads(text); !option.empty()) {
+    return fmt::format("{} reads that one", option);
+  }
   std::string formats;
-  for (const std::string_view name : FormatsThatRead(entry->firstText, 3)) {
+  for (const std::string_view name : FormatsThatRead(text, 2)) {
     formats += fmt::format("{}{}", formats.empty() ? "" : " or ", name);
   }
-  const std::string wayOut =
-      formats.empty()
-          ? fmt::format("no format reads that one; declared as A{} it is kept",
-                        std::max<std::int64_t>(evidence.longest.count, 1))
-          : fmt::format("{} reads that one: declare the variable in place of AUTO", formats);
-  Say("{} of its values ({} of {}) were found to be {} by AUTO, which cannot read them, and are "
-      "missing, the first \"{}\" in line {}; {}",
-      Percent(share), entry->count, account_.cases, variable().format,
-      text_.Escaped(entry->firstText, kShownCharacters), entry->firstLine, wayOut);
+  return formats.empty()
+             ? fmt::format("no format reads that one: declare the variable as {} to keep it",
+                           StringFor(evidence.longest.count))
+             : fmt::format("{} reads that one: declare it in place of AUTO", formats);
 }
 
 void Writer::DayAndMonth(const ImportEvidence& evidence) {
-  // Years first are written by nobody with the day behind them.
-  const bool american = variable().formatType == textwizard::kFormatADate;
-  if (!american && variable().formatType != textwizard::kFormatEDate) return;
   const OrderEvidence order = OrderOf(evidence.dayFirst, evidence.monthFirst, evidence.eitherOrder);
+  const bool american = variable().formatType == textwizard::kFormatADate;
+  const bool mixed = order.verdict == OrderVerdict::kMixed;
+  if (variable().bytes > 0 && mixed && !evidence.layouts.empty()) {
+    Say("some of its dates are day first ({}), others month first ({}); it stays text ({})",
+        First(evidence.dayFirst), First(evidence.monthFirst), variable().format);
+    return;
+  }
+  // Years first are written by nobody with the day behind them.
+  if (!american && variable().formatType != textwizard::kFormatEDate) return;
   const char* read = american ? "month first" : "day first";
   if (order.verdict == OrderVerdict::kAmbiguous) {
     Say("all of its dates can be day first or month first, {}; they were read {} ({}): declare {} "
         "if they are the other",
         First(evidence.eitherOrder), read, variable().format, american ? "EDATE10" : "ADATE10");
-  } else if (order.verdict == OrderVerdict::kMixed) {
+  } else if (mixed) {
     Say("some of its dates are day first ({}), others month first ({}); all were read {} ({})",
         First(evidence.dayFirst), First(evidence.monthFirst), read, variable().format);
   }
@@ -126,8 +145,10 @@ void Writer::DecimalComma(const ImportEvidence& evidence) {
   if (winner == Class::kString || winner == Class::kDate) return;
   const OrderEvidence order =
       OrderOf(evidence.decimalComma, evidence.groupingComma, evidence.eitherComma);
-  const bool isDecimal = iocvgetdecchar_() == ',';
-  if (order.verdict == OrderVerdict::kAmbiguous) {
+  // Amounts have their own use of the comma, whatever the decimal character.
+  const bool isNumber = winner == Class::kNumber;
+  const bool isDecimal = isNumber ? iocvgetdecchar_() == ',' : winner == Class::kDot;
+  if (isNumber && order.verdict == OrderVerdict::kAmbiguous) {
     Say("its commas can be decimal characters or group digits, {}; they were read as {}: "
         "--decimal {} reads them as the other",
         First(evidence.eitherComma), isDecimal ? "decimal characters" : "grouping",
@@ -141,21 +162,25 @@ void Writer::DecimalComma(const ImportEvidence& evidence) {
 }
 
 void Writer::LeadingZeros(const ImportEvidence& evidence) {
-  if (evidence.leadingZeros.count == 0) return;
+  const std::int64_t count = evidence.leadingZeros.count;
+  if (count == 0) return;
   if (SharesOf(evidence, variable().formatType).winner != Class::kNumber) return;
-  Say("{} value{} with a zero that the number does not keep, {}; declared as A{} {} would",
-      evidence.leadingZeros.count, evidence.leadingZeros.count == 1 ? " begins" : "s begin",
-      First(evidence.leadingZeros), std::max<std::int64_t>(evidence.longest.count, 1),
-      evidence.leadingZeros.count == 1 ? "it" : "they");
+  Say("{} value{} with a zero that the number does not keep, {}: declare the variable as {} to "
+      "keep "
+      "{}",
+      count, count == 1 ? " begins" : "s begin", First(evidence.leadingZeros),
+      StringFor(evidence.longest.count), count == 1 ? "it" : "them");
 }
 
-void Writer::Rounded() {
+void Writer::Rounded(const ImportEvidence* evidence) {
   const ProblemLog::Entry* entry = account_.problems.Find(Kind::kRounded, index_);
   if (entry == nullptr) return;
-  Say("{} number{} more digits than a double keeps, the first \"{}\" in line {}; declared as A{} "
-      "every digit stays",
+  const auto first = static_cast<std::int64_t>(entry->firstText.size());
+  Say("{} number{} more digits than a double keeps, the first \"{}\" in line {}: declare the "
+      "variable as {} to keep every digit",
       entry->count, entry->count == 1 ? " has" : "s have",
-      text_.Escaped(entry->firstText, kShownCharacters), entry->firstLine, entry->firstText.size());
+      text_.Escaped(entry->firstText, kShownCharacters), entry->firstLine,
+      StringFor(evidence == nullptr ? first : std::max(first, evidence->longest.count)));
 }
 
 void Writer::ColumnEdge() {

@@ -14,6 +14,7 @@ namespace {
 
 using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -25,6 +26,7 @@ constexpr int kADate = 23;
 constexpr int kEDate = 38;
 constexpr int kSDate = 39;
 constexpr int kComma = 3;
+constexpr int kDollar = 4;
 
 ImportWitness Seen(std::int64_t count, std::int64_t line, std::string text) {
   return {count, line, std::move(text)};
@@ -74,16 +76,28 @@ TEST_F(WarningsTest, ValuesThatAutoFoundAndItsFormatCannotReadAreTold) {
   Unreadable(70, "31.12.2019");
   EXPECT_THAT(
       Warnings(),
-      ElementsAre(AllOf(StartsWith("v: 35 % of its values (70 of 200) were found to be "
-                                   "ADATE10 by AUTO"),
-                        HasSubstr("the first \"31.12.2019\" in line 2"), HasSubstr("EDATE10"))));
+      ElementsAre(
+          "v: 35 % of its values (70 of 200) are missing: AUTO chose ADATE10, which cannot "
+          "read them, the first \"31.12.2019\" in line 2; EDATE10 or DATE11 reads that one: "
+          "declare it in place of AUTO"));
 }
 
 TEST_F(WarningsTest, WithoutAFormatThatReadsThemAStringIsTheWayOut) {
   Auto("ADATE10", kADate, Class::kDate);
   Unreadable(3, "nonsense");
   EXPECT_THAT(Warnings(), ElementsAre(AllOf(HasSubstr("1.5 % of its values"),
-                                            HasSubstr("declared as A10 it is kept"))));
+                                            HasSubstr("declare the variable as A10 to keep it"))));
+}
+
+TEST_F(WarningsTest, NumbersOfTheOtherDecimalCharacterAreReadByThatOption) {
+  Auto("F3.1", kF, Class::kNumber).decimalComma = Seen(200, 1, "1,5");
+  Unreadable(200, "1,5");
+  EXPECT_THAT(Warnings(), ElementsAre(EndsWith("; --decimal comma reads that one")));
+  iocvsetdeccharcomma_();
+  Auto("F3.1", kF, Class::kNumber);
+  account_.problems = ProblemLog();
+  Unreadable(200, "1.5");
+  EXPECT_THAT(Warnings(), ElementsAre(EndsWith("; --decimal point reads that one")));
 }
 
 TEST_F(WarningsTest, OnePercentIsNotYetTold) {
@@ -126,13 +140,46 @@ TEST_F(WarningsTest, MixedDatesAreTold) {
                                 HasSubstr("month first (the first \"12/31/2020\" in line 11)"))));
 }
 
+TEST_F(WarningsTest, MixedDatesThatStayTextAreTold) {
+  ImportEvidence& mixed = Auto("A10", 1, Class::kString, 10);
+  mixed.dayFirst = Seen(3, 9, "31/12/2020");
+  mixed.monthFirst = Seen(5, 11, "12/31/2020");
+  // No date by any layout: numbers that only look like days and months.
+  EXPECT_THAT(Warnings(), IsEmpty());
+  mixed.layouts = {{"MM/dd/yyyy", "ADATE10", Seen(5, 11, "12/31/2020")}};
+  EXPECT_THAT(Warnings(), ElementsAre(EndsWith("(the first \"12/31/2020\" in line 11); it stays "
+                                               "text (A10)")));
+}
+
 TEST_F(WarningsTest, ACommaThatCanBeEitherIsTold) {
-  Auto("COMMA8", kComma, Class::kComma).eitherComma = Seen(200, 2, "1,234");
+  Auto("F5.3", kF, Class::kNumber).eitherComma = Seen(200, 2, "1,234");
   EXPECT_THAT(Warnings(),
               ElementsAre(AllOf(HasSubstr("read as grouping"), HasSubstr("--decimal comma"))));
   iocvsetdeccharcomma_();
   EXPECT_THAT(Warnings(), ElementsAre(AllOf(HasSubstr("read as decimal characters"),
                                             HasSubstr("--decimal point"))));
+}
+
+TEST_F(WarningsTest, CommasOfDollarsAreNeverDecimal) {
+  Auto("DOLLAR6", kDollar, Class::kDollar).eitherComma = Seen(200, 2, "$1,234");
+  EXPECT_THAT(Warnings(), IsEmpty());
+  iocvsetdeccharcomma_();
+  EXPECT_THAT(Warnings(), IsEmpty());
+}
+
+TEST_F(WarningsTest, CommasOfBothUsesAreTold) {
+  ImportEvidence& mixed = Auto("F7.2", kF, Class::kNumber);
+  mixed.decimalComma = Seen(3, 7, "1,5");
+  mixed.groupingComma = Seen(9, 4, "1,234,567");
+  EXPECT_THAT(Warnings(), ElementsAre("v: some of its commas are decimal characters (the first "
+                                      "\"1,5\" in line 7), others group digits (the first "
+                                      "\"1,234,567\" in line 4); all were read as grouping"));
+  // A format with a use of its own.
+  iocvsetdeccharcomma_();
+  ImportEvidence& amounts = Auto("COMMA8.2", kComma, Class::kComma);
+  amounts.decimalComma = Seen(1, 7, "1,5");
+  amounts.groupingComma = Seen(200, 4, "1,234.5");
+  EXPECT_THAT(Warnings(), ElementsAre(EndsWith("all were read as grouping")));
 }
 
 TEST_F(WarningsTest, CommasOfTextsAreNot) {
@@ -143,8 +190,8 @@ TEST_F(WarningsTest, CommasOfTextsAreNot) {
 TEST_F(WarningsTest, LeadingZerosThatANumberLosesAreTold) {
   Auto("F5", kF, Class::kNumber).leadingZeros = Seen(120, 2, "00501");
   EXPECT_THAT(Warnings(), ElementsAre("v: 120 values begin with a zero that the number does not "
-                                      "keep, the first \"00501\" in line 2; declared as A10 they "
-                                      "would"));
+                                      "keep, the first \"00501\" in line 2: declare the "
+                                      "variable as A10 to keep them"));
   Auto("A5", 1, Class::kString, 5).leadingZeros = Seen(120, 2, "00501");
   EXPECT_THAT(Warnings(), IsEmpty());
 }
@@ -153,8 +200,14 @@ TEST_F(WarningsTest, RoundedNumbersAreToldOfDeclaredVariablesToo) {
   Declare("F20", kF);
   account_.problems.Add(Problem(Kind::kRounded, 0, "1234567890123456789"));
   EXPECT_THAT(Warnings(), ElementsAre("v: 1 number has more digits than a double keeps, the first "
-                                      "\"1234567890123456789\" in line 2; declared as A19 every "
-                                      "digit stays"));
+                                      "\"1234567890123456789\" in line 2: declare the "
+                                      "variable as A19 to keep every digit"));
+}
+
+TEST_F(WarningsTest, TheStringThatKeepsEveryDigitHoldsTheLongestValue) {
+  Auto("F20", kF, Class::kNumber).longest = Seen(22, 9, "1234567890123456789012");
+  account_.problems.Add(Problem(Kind::kRounded, 0, "1234567890123456789"));
+  EXPECT_THAT(Warnings(), ElementsAre(HasSubstr("as A22 to keep every digit")));
 }
 
 TEST_F(WarningsTest, AColumnThatEveryTextOverrunsIsTold) {
