@@ -56,9 +56,7 @@ bool MakeQuoteRules(const textwizard::ImportSettings& settings, ByteOrderMark ma
   if (mark == ByteOrderMark::kUtf16LittleEndian) rules->units = FileUnits::kUtf16LittleEndian;
   if (mark == ByteOrderMark::kUtf16BigEndian) rules->units = FileUnits::kUtf16BigEndian;
   rules->markBytes = mark == ByteOrderMark::kNone ? 0 : mark == ByteOrderMark::kUtf8 ? 3 : 2;
-  // The reader of cases that run across lines leaves out one line more.
-  rules->linesBefore = settings.arrangement == textwizard::kDelimitedCount ? settings.firstCase
-                                                                           : settings.firstCase - 1;
+  rules->linesBefore = settings.firstCase - 1;
 
   const embedded::CodePage& page = FilePage(settings.encoding);
   const bool bytes = rules->units == FileUnits::kBytes;

@@ -49,13 +49,14 @@ TEST_F(RunRewriting, BothEnginesAndEveryWorkerCountAgree) {
     all.insert(all.end(), {"--workers", workers});
     const std::string out = Quiet(Import("q.csv"), all).out;
     if (first.empty()) first = out;
-    EXPECT_EQ(out, first);
+    // The difference of texts of so many lines takes more memory than there is.
+    EXPECT_TRUE(out == first) << workers << " workers";
   }
   // Cases of a fixed number of values are read on one thread.
   const std::string counted =
       "GET DATA /TYPE=TXT /FILE='q.csv' /DELCASE=VARIABLES 3 /DELIMITERS=',' /QUALIFIER='\"' "
-      "/VARIABLES=id F3 text A20 n F3.\n";
-  EXPECT_EQ(Quiet(counted, options).out, first);
+      "/FIRSTCASE=2 /VARIABLES=id F3 text A20 n F3.\n";
+  EXPECT_TRUE(Quiet(counted, options).out == first);
 }
 
 TEST_F(RunRewriting, WithoutAQualifierTheCommandFails) {
