@@ -1,7 +1,7 @@
 # `make run` imports an example and shows it; `make test` builds and runs every test. Both set up
 # the machine first.
 
-.PHONY: setup build run test coverage bench bench-units bench-build lint model clean
+.PHONY: setup build run install package test coverage bench bench-units bench-build lint model clean
 
 setup:
 	@tools/install-packages
@@ -12,6 +12,16 @@ build: setup
 
 run: build
 	build/release/bin/textwizard run examples/survey/survey.sps
+
+# Program, libraries, headers, manual pages and completions into PREFIX; below DESTDIR where a package
+# is made of it.
+PREFIX ?= /usr/local
+install: build
+	DESTDIR='$(DESTDIR)' cmake --install build/release --prefix '$(PREFIX)' --strip
+
+# Debian packages into build/release.
+package: build
+	cd build/release && cpack
 
 # The suites in which threads meet; the thread sanitizer runs these.
 threaded := TxtWzMultiThreadMgr host_data host_messages host_text host_threads wizard whole
