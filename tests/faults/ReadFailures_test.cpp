@@ -2,6 +2,7 @@
 // while cases are read: the command, or the pass, ends with one numbered error, and all cases until
 // then are those of a file that ends there.
 
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -220,19 +221,51 @@ TEST_F(LongFile, EveryCaseBeforeTheFaultIsDelivered) {
   }
 }
 
+// Destroyed while it waits for the file, an iterator does not read it to its end, and nothing reads
+// once it is gone.
 TEST_F(LongFile, AnIteratorWhoseStreamBlocksIsDestroyed) {
+  // 3,125 blocks, which would take minutes.
   const FaultyFile file(NumberedRecords(20000));
-  // The whole file would take minutes.
   const embedded::ScopedBlockSize block(64);
   const Import import("GET DATA /TYPE=TXT /FILE='faulty.txt' /DELIMITERS=',' /VARIABLES=n F9.0.");
-  file.faults->beforeRead = [](std::int64_t) { QANT_msleep(50); };
-  for (const Reading reading : {Reading::kChosen, Reading::kOneThread}) {
-    const embedded::CaseBuffer buffer(import.source());
-    for (int round = 0; round < 3; ++round) {
-      const auto iterator = import.MakeIterator(reading, buffer.obs());
-      if (round > 0) QANT_msleep(static_cast<unsigned>(40 * round));
+  const embedded::CaseBuffer buffer(import.source());
+  for (const int readsBefore : {0, 1, 3}) {
+    std::atomic<int> reads{0}, lateReads{0};
+    std::atomic<bool> alive{true};
+    sfSemaphore begun(0);
+    file.faults->beforeRead = [&](std::int64_t) {
+      if (!alive) ++lateReads;
+      ++reads;
+      begun.post();
+      QANT_msleep(50);
+    };
+    {
+      const auto iterator = import.MakeIterator(Reading::kChosen, buffer.obs());
+      for (int i = 0; i < readsBefore; ++i) begun.wait();
     }
+    alive = false;
+    EXPECT_GE(reads, readsBefore);
+    EXPECT_LT(reads, 100);
+    EXPECT_EQ(lateReads, 0);
+    file.faults->beforeRead = nullptr;
   }
+}
+
+// The iterator without threads reads in Next alone.
+TEST_F(LongFile, AnIteratorWithoutThreadsReadsNothingBeforeNext) {
+  const FaultyFile file(NumberedRecords(3));
+  const Import import("GET DATA /TYPE=TXT /FILE='faulty.txt' /DELIMITERS=',' /VARIABLES=n F9.0.");
+  const embedded::CaseBuffer buffer(import.source());
+  int reads = 0;
+  file.faults->beforeRead = [&](std::int64_t) { ++reads; };
+  {
+    const auto iterator = import.MakeIterator(Reading::kOneThread, buffer.obs());
+    iterator->Seek(1);
+  }
+  EXPECT_EQ(reads, 0);
+  const auto iterator = import.MakeIterator(Reading::kOneThread, buffer.obs());
+  EXPECT_TRUE(iterator->Next());
+  EXPECT_GT(reads, 0);
 }
 
 }  // namespace

@@ -14,8 +14,8 @@
 
 #include <gtest/gtest.h>
 
-#include "TreePaths.h"
 #include "library/testing/TestFolder.h"
+#include "tests/rules/TreeRoot.h"
 
 namespace {
 
@@ -36,8 +36,7 @@ bool IsTestOrBenchmark(const std::string& file) {
 }
 
 // The quoted includes of the sources below `folder`, with paths relative to `root`.
-std::vector<Include> Includes(const std::string& folder,
-                              const fs::path& root = TEXTWIZARD_SOURCE_DIR) {
+std::vector<Include> Includes(const std::string& folder, const fs::path& root = rules::TreeRoot()) {
   static const std::regex quoted("^\\s*#\\s*include\\s*\"([^\"]+)\"");
   std::vector<Include> found;
   for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
@@ -61,7 +60,7 @@ void ExpectAll(const std::vector<Include>& includes,
   }
 }
 
-const fs::path kComponent = fs::path(TEXTWIZARD_SOURCE_DIR) / "DataAccess/TextWizardDac";
+const fs::path kComponent = rules::TreeRoot() / "DataAccess/TextWizardDac";
 
 // The component's folders, the lowest level first.
 const std::vector<std::vector<std::string>> kLevels = {{"model"},

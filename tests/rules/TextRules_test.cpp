@@ -8,22 +8,34 @@
 
 #include <gtest/gtest.h>
 
-#include "TreePaths.h"
+#include "tests/rules/TreeRoot.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<fs::path> Sources() {
-  std::vector<fs::path> found;
-  for (const char* folder : {"HostFramework", "DataAccess", "cli", "tests", "bench", "fuzz"}) {
-    for (const auto& entry :
-         fs::recursive_directory_iterator(fs::path(TEXTWIZARD_SOURCE_DIR) / folder)) {
-      if (entry.path().extension() == ".cpp" || entry.path().extension() == ".h") {
-        found.push_back(entry.path());
-      }
+// What is built, fetched or the version control's.
+bool IsForeign(const fs::path& folder) {
+  const std::string name = folder.filename();
+  return name.starts_with('.') || name == "build" || name == "node_modules" ||
+         name == "__pycache__";
+}
+
+void AddSources(const fs::path& folder, std::vector<fs::path>& found) {
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    const std::string extension = entry.path().extension();
+    if (entry.is_directory()) {
+      if (!IsForeign(entry.path())) AddSources(entry.path(), found);
+    } else if (extension == ".cpp" || extension == ".h" || extension == ".py" ||
+               extension == ".js" || extension == ".mjs" || extension == ".R") {
+      found.push_back(entry.path());
     }
   }
+}
+
+std::vector<fs::path> Sources() {
+  std::vector<fs::path> found;
+  AddSources(rules::TreeRoot(), found);
   return found;
 }
 

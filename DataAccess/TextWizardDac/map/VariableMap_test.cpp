@@ -94,10 +94,25 @@ TEST(VariableMap, LongNamesAndFormatsTakeTheirRoom) {
             "Variable: " + longest + "   Type: Number  Format : F8         ");
 }
 
-TEST(VariableMap, WithoutAMonitorNothingIsWrittenAndNothingFails) {
-  TestImport import("", Delimited(","), {Number("A")});
+TEST(VariableMap, WithoutAMonitorAPassCountsAndItsReportIsNotMadeUpFor) {
+  ImportSettings settings = Delimited(",");
+  settings.mapRequested = true;
+  TestImport import("", settings, {Number("A")});
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  import.source().NotePassEnd(3, nullptr);
   EmitMapOutput(nullptr, import.source());
   ReportLogMessage(nullptr, "text");
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(import.source().RowCount(), 3);
+
+  KeptMessages messages;
+  import.source().NotePassEnd(3, &messages);
+  EXPECT_TRUE(messages.messages.empty()) << "no more cases than before";
+  import.source().NotePassEnd(4, &messages);
+  ASSERT_GT(messages.messages.size(), 2u);
+  EXPECT_EQ(messages.messages[2].text, "1 variables and 4 cases written.");
 }
 
 TEST(VariableMap, ALogLineGoesToTheMonitorAsItIs) {
