@@ -1,7 +1,8 @@
 # `make run` imports an example and shows it; `make test` builds and runs every test. Both set up
 # the machine first.
 
-.PHONY: setup build run install package test coverage bench bench-units bench-build lint model clean
+.PHONY: setup build run install package test coverage bench bench-units bench-build lint lint-all model
+.PHONY: clean
 
 setup:
 	@tools/install-packages
@@ -61,8 +62,13 @@ bench-build:
 	@tools/install-packages bench
 	cmake --preset bench >/dev/null && cmake --build --preset bench
 
+# Layout, the rules of the tree, clang's warnings and checks. `lint-all`: also the checks that take
+# long, on every unit.
 lint: setup
 	@tools/lint
+
+lint-all: setup
+	@tools/lint --all
 
 # The hand-off between the threads, in every order of their steps; some minutes.
 model: setup

@@ -1,4 +1,5 @@
-// Rules for every file of the tree: no left-overs in the code, no file that has outgrown its seam.
+// Rules for every file of the tree: no left-overs in the code, no file that has outgrown its seam,
+// and headers that say what they hold, are taken once and leave names in their namespaces.
 
 #include <filesystem>
 #include <fstream>
@@ -8,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "library/testing/TestFolder.h"
 #include "tests/rules/TreeRoot.h"
 
 namespace {
@@ -60,6 +62,49 @@ TEST(TextRules, NoFileHasMoreThanSixHundredLines) {
     for (std::string line; std::getline(text, line);) ++lines;
     EXPECT_LE(lines, 600) << path << " wants splitting";
   }
+}
+
+// What is wrong with the style of the header; empty when nothing is.
+std::string StyleFault(const fs::path& header) {
+  static const std::regex opens("^(using namespace|namespace *\\{)");
+  std::ifstream text(header);
+  std::string line;
+  std::getline(text, line);
+  if (!line.starts_with("// ")) return "does not begin with what it holds";
+  while (std::getline(text, line) && line.starts_with("//")) {
+  }
+  if (line != "#pragma once") return "has no #pragma once below that";
+  while (std::getline(text, line)) {
+    if (std::regex_search(line, opens)) return "gives whoever includes it: " + line;
+  }
+  return "";
+}
+
+TEST(TextRules, HeadersSayWhatTheyHoldAndAreTakenOnce) {
+  const fs::path ofC = rules::TreeRoot() / "library/include";
+  int headers = 0;
+  for (const fs::path& path : Sources()) {
+    if (path.extension() != ".h" || path.string().starts_with(ofC.string())) continue;
+    ++headers;
+    EXPECT_EQ(StyleFault(path), "") << path;
+  }
+  EXPECT_GT(headers, 100);
+}
+
+TEST(TextRules, APlantedFaultOfStyleIsSeen) {
+  const library::TestFolder folder;
+  const auto fault = [&folder](const std::string& text) {
+    folder.Write("Planted.h", text);
+    return StyleFault(folder.path() / "Planted.h");
+  };
+  EXPECT_EQ(fault("// What it holds.\n//\n#pragma once\nnamespace a {}\n"), "");
+  EXPECT_EQ(fault("#pragma once\n"), "does not begin with what it holds");
+  EXPECT_EQ(fault("// What it holds.\n#include <string>\n#pragma once\n"),
+            "has no #pragma once below that");
+  EXPECT_EQ(fault("// What it holds.\n#pragma once\nusing namespace std;\n"),
+            "gives whoever includes it: using namespace std;");
+  EXPECT_EQ(fault("// What it holds.\n#pragma once\nnamespace {\nint i;\n}\n"),
+            "gives whoever includes it: namespace {");
 }
 
 }  // namespace
