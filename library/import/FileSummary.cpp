@@ -162,6 +162,7 @@ bool Run(const FileSummarySettings& settings, PartSummary* summary, std::string*
   const int processors = settings.threads > 0 ? settings.threads : getLogicalCPUCount();
   const auto threads = static_cast<int>(std::min<std::int64_t>(processors, gathering.parts()));
   std::vector<std::unique_ptr<Summarizer>> summarizers;
+  summarizers.reserve(static_cast<std::size_t>(threads));
   for (int thread = 0; thread < threads; ++thread) {
     summarizers.push_back(
         std::make_unique<Summarizer>(bounded, nulls, stream, gathering, kPartsAhead * threads));

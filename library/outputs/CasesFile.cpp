@@ -40,10 +40,11 @@ std::size_t ThreadsOf(const CasesFileOptions& options) {
 }
 
 // The name that variable `index` has as a column.
-std::string ColumnName(const CasesFileOptions& options, std::size_t index, std::string variable) {
+std::string ColumnName(const CasesFileOptions& options, std::size_t index,
+                       const std::string& variable) {
   const bool labelled =
       !options.namesAsVariables && index < options.labels.size() && !options.labels[index].empty();
-  return labelled ? options.labels[index] : std::move(variable);
+  return labelled ? options.labels[index] : variable;
 }
 
 // CSV, TSV, JSON Lines.

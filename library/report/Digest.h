@@ -51,7 +51,6 @@ class CaseDigester {
   void AppendUtf8(std::string_view text);
 
   std::vector<Column> columns_;
-  std::size_t cells_ = 0;
   // Host text that is not UTF-8 is converted; null where it need not be.
   ConverterHandle converter_;
   std::string bytes_;

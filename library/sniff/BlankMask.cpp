@@ -153,7 +153,7 @@ std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::str
       rules.Add(line);
     }
   }
-  const auto add = [&](std::vector<CharacterRange> runs) {
+  const auto add = [&](const std::vector<CharacterRange>& runs) {
     if (runs.size() < 2 || runs.size() > kMostColumns) return;
     std::vector<CharacterRange> columns = Widened(body, runs);
     if (std::find(ways.begin(), ways.end(), columns) == ways.end()) ways.push_back(columns);

@@ -1,6 +1,6 @@
-/* The Arrow C data and stream interface: three public structs by which columns pass from one library
-   to another without a copy. They are the same wherever they are declared; whoever includes another
-   declaration first keeps it. C11 and C++. */
+/* The Arrow C data and stream interface: three public structs by which columns pass from one
+   library to another without a copy. They are the same wherever they are declared; whoever includes
+   another declaration first keeps it. C11 and C++. */
 #ifndef TEXTWIZARD_ARROW_C_H
 #define TEXTWIZARD_ARROW_C_H
 

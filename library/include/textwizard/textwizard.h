@@ -14,15 +14,16 @@
  *
  * Texts are UTF-8 and end with a zero byte unless a length is given; paths are bytes of the file
  * system. A struct whose first member is `size` may grow: set it to sizeof of the struct, and every
- * member that is zero has its default. Every function that can fail gives a status and, where `error`
- * is not null, sets *error to what happened; free it with textwizard_error_free. On success *error is
- * left alone. C11 and C++.
+ * member that is zero has its default. Every function that can fail gives a status and, where
+ * `error` is not null, sets *error to what happened; free it with textwizard_error_free. On success
+ * *error is left alone. C11 and C++.
  *
- * Threads. An import is used by one thread at a time, but for textwizard_cancel, which any thread may
- * call. Conversion has threads of its own; callbacks come on the thread that called the function or
- * the stream. Settings of the host that the library brings along (code page, decimal character) are
- * the process's: imports that are read at the same time must agree on them, and while a bare file is
- * opened nothing else is read; else TEXTWIZARD_BUSY. Opening imports is serialized.
+ * Threads. An import is used by one thread at a time, but for textwizard_cancel, which any thread
+ * may call. Conversion has threads of its own; callbacks come on the thread that called the
+ * function or the stream. Settings of the host that the library brings along (code page, decimal
+ * character) are the process's: imports that are read at the same time must agree on them, and
+ * while a bare file is opened nothing else is read; else TEXTWIZARD_BUSY. Opening imports is
+ * serialized.
  */
 #ifndef TEXTWIZARD_TEXTWIZARD_H
 #define TEXTWIZARD_TEXTWIZARD_H
@@ -85,13 +86,13 @@ typedef struct textwizard_options {
   char decimal;
   /* Conversion threads; 0: one per processor. */
   int32_t workers;
-  /* Texts that mean a missing number, besides the empty one; null: "NA", "N/A", "NULL", "null", "NaN",
-     "nan", ".", "-". */
+  /* Texts that mean a missing number, besides the empty one; null: "NA", "N/A", "NULL", "null",
+     "NaN", "nan", ".", "-". */
   const char* const* null_texts;
   size_t null_text_count;
   /* 1: a line break inside a qualified field stays in the value; a backslash in one makes the next
-     character an ordinary one; a qualifier inside an unqualified field is an ordinary character. What
-     a file needs is found. */
+     character an ordinary one; a qualifier inside an unqualified field is an ordinary character.
+     What a file needs is found. */
   int32_t join_quoted_lines;
   int32_t backslash_escapes;
   int32_t keep_stray_qualifiers;
@@ -101,13 +102,14 @@ typedef struct textwizard_options {
   int32_t strict;
   /* 1: columns carry variables' names instead of the labels that a file gives them. */
   int32_t names_as_variables;
-  /* Of a file: columns whose values are all whole and within 2^53 are int64, unless -1. Of a command: 1
-     makes every number int64 whose format has no decimals; a value that is not whole is missing then,
-     and a problem. */
+  /* Of a file: columns whose values are all whole and within 2^53 are int64, unless -1. Of a
+     command: 1 makes every number int64 whose format has no decimals; a value that is not whole is
+     missing then, and a problem. */
   int32_t integers;
   /* A message; may be null. `text` is good during the call. */
   void (*message)(void* context, textwizard_message_kind kind, const char* text);
-  /* Cases so far (while types are found: records that were looked at), bytes so far and bytes in all
+  /* Cases so far (while types are found: records that were looked at), bytes so far and bytes in
+     all
      (-1: unknown). Not 0 cancels. May be null. */
   int32_t (*progress)(void* context, int64_t cases, int64_t bytes, int64_t all_bytes);
   void* context;
@@ -131,33 +133,34 @@ typedef struct textwizard_file_options {
 
 typedef struct textwizard_import textwizard_import;
 
-/* Runs one GET DATA command: parses it, finds the types of AUTO variables. `options` may be null. */
+/* Runs one GET DATA command: parses it, finds the types of AUTO variables. `options` may be null.
+ */
 TEXTWIZARD_API textwizard_status textwizard_open_command(const char* command,
                                                          const textwizard_options* options,
                                                          textwizard_import** import,
                                                          textwizard_error** error);
-/* Understands a bare file (compressed or not; "-": standard input), finds the types from the whole of
-   it and makes the command. `file_options` and `options` may be null. */
+/* Understands a bare file (compressed or not; "-": standard input), finds the types from the whole
+   of it and makes the command. `file_options` and `options` may be null. */
 TEXTWIZARD_API textwizard_status textwizard_open_file(const char* path,
                                                       const textwizard_file_options* file_options,
                                                       const textwizard_options* options,
                                                       textwizard_import** import,
                                                       textwizard_error** error);
-/* Ends the import; streams of it end with an error from then on and are still to be released. Null is
-   accepted. */
+/* Ends the import; streams of it end with an error from then on and are still to be released. Null
+   is accepted. */
 TEXTWIZARD_API void textwizard_close(textwizard_import* import);
 
 /* The columns. Release *schema. */
 TEXTWIZARD_API textwizard_status textwizard_schema(textwizard_import* import,
                                                    struct ArrowSchema* schema,
                                                    textwizard_error** error);
-/* The cases from the first to the last, as batches of at most 65,536; reads while it is asked. One at a
-   time: a second one begins again and ends the first. Release *cases. */
+/* The cases from the first to the last, as batches of at most 65,536; reads while it is asked. One
+   at a time: a second one begins again and ends the first. Release *cases. */
 TEXTWIZARD_API textwizard_status textwizard_cases(textwizard_import* import,
                                                   struct ArrowArrayStream* cases,
                                                   textwizard_error** error);
-/* The problems of the latest pass that came to its end, or as far as it came: kind, case, line, byte,
-   variable, format, text, detail. Release *problems. */
+/* The problems of the latest pass that came to its end, or as far as it came: kind, case, line,
+   byte, variable, format, text, detail. Release *problems. */
 TEXTWIZARD_API textwizard_status textwizard_problems(textwizard_import* import,
                                                      struct ArrowArrayStream* problems,
                                                      textwizard_error** error);
@@ -183,8 +186,9 @@ TEXTWIZARD_API const char* textwizard_digest(textwizard_import* import);
 TEXTWIZARD_API textwizard_status textwizard_sniff(const char* path,
                                                   const textwizard_file_options* file_options,
                                                   char** json, textwizard_error** error);
-/* JSON: {"records":[{"line":n,"text":"...","cut":bool}...]}: `count` records from record `first` (from
-   1) on, as the import wizard sees them. `encoding`: a name of the wizard's; null: "UTF-8". */
+/* JSON: {"records":[{"line":n,"text":"...","cut":bool}...]}: `count` records from record `first`
+   (from 1) on, as the import wizard sees them. `encoding`: a name of the wizard's; null: "UTF-8".
+ */
 TEXTWIZARD_API textwizard_status textwizard_preview(const char* path, const char* encoding,
                                                     int64_t first, int64_t count, char** json,
                                                     textwizard_error** error);

@@ -69,10 +69,10 @@ format::SchemaElement Element(const ColumnField& field) {
   return element;
 }
 
-format::KeyValue Pair(std::string key, std::string value) {
+format::KeyValue Pair(std::string key, const std::string& value) {
   format::KeyValue pair;
   pair.key = std::move(key);
-  pair.__set_value(std::move(value));
+  pair.__set_value(value);
   return pair;
 }
 
@@ -126,7 +126,7 @@ void ParquetWriter::AppendOldestGroup() {
     Append(chunk.bytes);
     group.total_byte_size += description.total_uncompressed_size;
     compressed += description.total_compressed_size;
-    column.__set_meta_data(std::move(description));
+    column.__set_meta_data(description);
     group.columns.push_back(std::move(column));
   }
   group.__set_total_compressed_size(compressed);
