@@ -42,8 +42,8 @@ struct PartSummary {
   Witness unexpected;
   // Records with bytes that are no character.
   Witness undecodable;
-  // Control characters in the records (host text) but TAB, LF and CR, by number; where line ends may
-  // be joined.
+  // Control characters in the records (host text) but TAB, LF and CR, by number; where line ends
+  // may be joined.
   std::array<std::int64_t, 32> controls{};
   // Of the imported fields, in their order.
   std::vector<ColumnEvidence> columns;
