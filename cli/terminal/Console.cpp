@@ -39,7 +39,7 @@ Console::Console(const Settings& settings)
     : settings_(settings), onTerminal_(isatty(STDOUT_FILENO) != 0) {}
 
 Console::~Console() {
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   EraseProgress();
   WriteBuffer();
 }
@@ -51,7 +51,7 @@ void Console::Warning(std::string_view text) { Report("warning: ", text); }
 void Console::Note(std::string_view text) { Report("", text); }
 
 void Console::Report(std::string_view kind, std::string_view text) {
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   EraseProgress();
   // Both may be the same terminal: what was printed first is seen first.
   WriteBuffer();
@@ -61,7 +61,7 @@ void Console::Report(std::string_view kind, std::string_view text) {
 void Console::Log(std::string_view text) { Print(text); }
 
 void Console::Print(std::string_view text) {
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   EraseProgress();
   if (settings_.outputIsData) {
     WriteError(Line(text));
@@ -71,7 +71,7 @@ void Console::Print(std::string_view text) {
 }
 
 void Console::PrintResult(std::string_view line) {
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   EraseProgress();
   WriteOutput(line);
 }
@@ -88,7 +88,7 @@ void Console::WriteBuffer() {
 
 void Console::ShowProgress(std::string_view text) {
   if (!settings_.progress) return;
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   WriteBuffer();
   EraseProgress();
   // A line that reached the terminal's edge would go on in the next one and could not be erased.
@@ -97,7 +97,7 @@ void Console::ShowProgress(std::string_view text) {
 }
 
 void Console::ClearProgress() {
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   EraseProgress();
 }
 
@@ -109,7 +109,7 @@ void Console::EraseProgress() {
 }
 
 bool Console::Flush() {
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   EraseProgress();
   WriteBuffer();
   if (outputError_ == 0) return true;

@@ -3,9 +3,10 @@
 #pragma once
 
 #include <cstddef>
-#include <mutex>
 #include <string>
 #include <string_view>
+
+#include "HostFramework/Threads.h"
 
 namespace cli {
 
@@ -50,17 +51,19 @@ class Console {
   bool Flush();
 
  private:
-  void Report(std::string_view kind, std::string_view text);
-  void WriteOutput(std::string_view text);
-  void WriteBuffer();
-  void EraseProgress();
+  void Report(std::string_view kind, std::string_view text) SF_EXCLUDES(mutex_);
+  void WriteOutput(std::string_view text) SF_REQUIRES(mutex_);
+  void WriteBuffer() SF_REQUIRES(mutex_);
+  void EraseProgress() SF_REQUIRES(mutex_);
 
   const Settings settings_;
   const bool onTerminal_;
-  std::mutex mutex_;  // guards the streams and what follows
-  std::string buffer_;
-  int outputError_ = 0;  // of the first write to standard output that failed
-  bool progressShown_ = false;
+  // Held while either stream is written, too.
+  sfMutex mutex_;
+  std::string buffer_ SF_GUARDED_BY(mutex_);
+  // Of the first write to standard output that failed.
+  int outputError_ SF_GUARDED_BY(mutex_) = 0;
+  bool progressShown_ SF_GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace cli

@@ -6,7 +6,7 @@ namespace cli {
 
 void Job::Progress(const nlohmann::json& data) {
   {
-    const std::lock_guard guard(mutex_);
+    const sfGuard guard(mutex_);
     if (ended_) return;
     latest_ = {"progress", data.dump()};
     ++count_;
@@ -16,7 +16,7 @@ void Job::Progress(const nlohmann::json& data) {
 
 void Job::End(JobEvent event) {
   {
-    const std::lock_guard guard(mutex_);
+    const sfGuard guard(mutex_);
     if (ended_) return;
     latest_ = std::move(event);
     ++count_;
@@ -26,19 +26,20 @@ void Job::End(JobEvent event) {
 }
 
 std::optional<JobEvent> Job::Next(std::size_t* seen, std::chrono::milliseconds wait) {
-  std::unique_lock lock(mutex_);
-  if (!told_.wait_for(lock, wait, [&] { return count_ > *seen; })) return std::nullopt;
+  const sfGuard guard(mutex_);
+  const auto told = [this, seen]() SF_REQUIRES(mutex_) { return count_ > *seen; };
+  if (!told_.wait_for(mutex_, wait, told)) return std::nullopt;
   *seen = count_;
   return latest_;
 }
 
 bool Job::EndedAt(std::size_t seen) {
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   return ended_ && seen >= count_;
 }
 
 bool Job::ended() {
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   return ended_;
 }
 

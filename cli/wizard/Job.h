@@ -5,12 +5,13 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <nlohmann/json.hpp>
+
+#include "HostFramework/Threads.h"
 
 namespace cli {
 
@@ -46,12 +47,12 @@ class Job {
   void End(JobEvent event);
 
   std::atomic<bool> cancel_{false};
-  std::mutex mutex_;
-  std::condition_variable told_;
-  // Guarded by mutex_: how many there were, the latest of progress, and the last one.
-  std::size_t count_ = 0;
-  JobEvent latest_;
-  bool ended_ = false;
+  sfMutex mutex_;
+  std::condition_variable_any told_;
+  // How many there were; the latest of progress, and the last one.
+  std::size_t count_ SF_GUARDED_BY(mutex_) = 0;
+  JobEvent latest_ SF_GUARDED_BY(mutex_);
+  bool ended_ SF_GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace cli

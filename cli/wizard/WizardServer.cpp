@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 #include <httplib.h>
 
+#include "HostFramework/Threads.h"
 #include "cli/wizard/Assets.h"
 
 namespace cli {
@@ -63,13 +64,12 @@ struct WizardServer::Jobs {
     std::shared_ptr<Job> job;
     std::thread thread;
   };
-  std::mutex mutex;
-  // Guarded by mutex.
-  int last = 0;
-  std::map<int, Running> running;
+  sfMutex mutex;
+  int last SF_GUARDED_BY(mutex) = 0;
+  std::map<int, Running> running SF_GUARDED_BY(mutex);
 
   std::shared_ptr<Job> Find(int number) {
-    const std::lock_guard guard(mutex);
+    const sfGuard guard(mutex);
     const auto found = running.find(number);
     return found == running.end() ? nullptr : found->second.job;
   }
@@ -135,7 +135,7 @@ void WizardServer::Stop() {
   stopping_ = true;
   std::map<int, Jobs::Running> running;
   {
-    const std::lock_guard guard(jobs_->mutex);
+    const sfGuard guard(jobs_->mutex);
     running.swap(jobs_->running);
   }
   for (auto& [number, one] : running) one.job->Cancel();
@@ -277,7 +277,7 @@ void WizardServer::ServeEvents(const std::shared_ptr<Job>& job, httplib::Respons
 }
 
 int WizardServer::StartJob(std::function<void(Job&)> work) {
-  const std::lock_guard guard(jobs_->mutex);
+  const sfGuard guard(jobs_->mutex);
   if (stopping_) throw RequestRefused("The program is ending.");
   // Jobs that have ended keep their events for who follows them, but not their threads for ever.
   constexpr std::size_t kKept = 64;

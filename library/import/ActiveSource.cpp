@@ -1,21 +1,20 @@
 #include "library/import/ActiveSource.h"
 
-#include <mutex>
-
 #include <fmt/format.h>
 
+#include "HostFramework/Threads.h"
 #include "entry/CommandEntry.h"
 
 namespace library {
 namespace {
 
 // Guards the host's list of sources.
-std::mutex sources;
+sfMutex sources;
 
 }  // namespace
 
 ActiveSource::ActiveSource(DACAdapterBase& adapter) {
-  const std::lock_guard guard(sources);
+  const sfGuard guard(sources);
   if (!ProcessDACSyntax(&adapter)) return;
   ServerDataManager& manager = *ServerDataManager::GetInstance();
   QANT_DataSource* const made = manager.Find("");
@@ -28,7 +27,7 @@ ActiveSource::ActiveSource(DACAdapterBase& adapter) {
 }
 
 ActiveSource::~ActiveSource() {
-  const std::lock_guard guard(sources);
+  const sfGuard guard(sources);
   ServerDataManager::GetInstance()->Remove(Name().c_str());
 }
 

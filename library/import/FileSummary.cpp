@@ -6,7 +6,6 @@
 #include <condition_variable>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
@@ -42,12 +41,12 @@ class Gathering {
   // The next part that nobody has taken; -1 when there is none or the work is given up. Waits
   // while too many parts before it are missing.
   std::int64_t Take(std::int64_t ahead) {
-    std::unique_lock<std::mutex> lock(mutex_);
-    room_.wait(lock, [&] { return stop_.load() != 0 || taken_ < gathered_ + ahead; });
+    const sfGuard guard(mutex_);
+    while (stop_.load() == 0 && taken_ >= gathered_ + ahead) room_.wait(mutex_);
     return stop_.load() != 0 || taken_ == parts_ ? -1 : taken_++;
   }
   void Give(std::int64_t part, PartSummary summary) {
-    const std::lock_guard<std::mutex> guard(mutex_);
+    const sfGuard guard(mutex_);
     waiting_.emplace(part, std::move(summary));
     for (auto next = waiting_.begin(); next != waiting_.end() && next->first == gathered_;
          next = waiting_.begin()) {
@@ -60,20 +59,21 @@ class Gathering {
   }
   // Nothing more is taken; `problem` says why unless another one was there before.
   void GiveUp(const char* problem) {
-    const std::lock_guard<std::mutex> guard(mutex_);
+    const sfGuard guard(mutex_);
     if (stop_.exchange(1) == 0) problem_ = problem;
     room_.notify_all();
     done_.notify_all();
   }
   // Waits some time for the end; true when all parts are gathered or it was given up.
   bool WaitForEnd() {
-    std::unique_lock<std::mutex> lock(mutex_);
-    return done_.wait_for(lock, kPatience,
-                          [&] { return stop_.load() != 0 || gathered_ == parts_; });
+    const sfGuard guard(mutex_);
+    const auto ended = [this]()
+                           SF_REQUIRES(mutex_) { return stop_.load() != 0 || gathered_ == parts_; };
+    return done_.wait_for(mutex_, kPatience, ended);
   }
   const std::atomic<std::int32_t>* stop() const { return &stop_; }
   const char* problem() {
-    const std::lock_guard<std::mutex> guard(mutex_);
+    const sfGuard guard(mutex_);
     return problem_;
   }
 
@@ -81,15 +81,14 @@ class Gathering {
   const std::int64_t begin_;
   const std::int64_t partBytes_;
   const std::int64_t parts_;
-  std::mutex mutex_;
-  std::condition_variable room_;
-  std::condition_variable done_;
-  // Guarded by mutex_:
-  PartSummary* const summary_;
-  std::map<std::int64_t, PartSummary> waiting_;
-  std::int64_t taken_ = 0;
-  std::int64_t gathered_ = 0;
-  const char* problem_ = nullptr;
+  sfMutex mutex_;
+  std::condition_variable_any room_;
+  std::condition_variable_any done_;
+  PartSummary* const summary_ SF_PT_GUARDED_BY(mutex_);
+  std::map<std::int64_t, PartSummary> waiting_ SF_GUARDED_BY(mutex_);
+  std::int64_t taken_ SF_GUARDED_BY(mutex_) = 0;
+  std::int64_t gathered_ SF_GUARDED_BY(mutex_) = 0;
+  const char* problem_ SF_GUARDED_BY(mutex_) = nullptr;
   std::atomic<std::int32_t> stop_{0};
 };
 

@@ -54,7 +54,7 @@ bool QuoteIndex::Find(std::int64_t offset, StreamDevice& file, QuotePosition* po
   const auto wanted = static_cast<std::size_t>(offset / spacing_);
   std::int64_t from = 0;
   {
-    const std::lock_guard<std::mutex> guard(mutex_);
+    const sfGuard guard(mutex_);
     while (places_.size() <= wanted) {
       const auto last = static_cast<std::int64_t>(places_.size()) - 1;
       QuotePosition next = places_.back();
@@ -71,7 +71,7 @@ bool QuoteIndex::Find(std::int64_t offset, StreamDevice& file, QuotePosition* po
 
 void QuoteIndex::Note(std::int64_t offset, const QuotePosition& position) {
   if (offset % spacing_ != 0) return;
-  const std::lock_guard<std::mutex> guard(mutex_);
+  const sfGuard guard(mutex_);
   if (static_cast<std::int64_t>(places_.size()) * spacing_ == offset) places_.push_back(position);
 }
 

@@ -4,10 +4,10 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "HostFramework/Threads.h"
 #include "HostFramework/embedded/data/StreamDevice.h"
 #include "library/import/QuoteRewriter.h"
 
@@ -31,8 +31,9 @@ class QuoteIndex {
  private:
   const QuoteRewriter rewriter_;
   const std::int64_t spacing_;
-  std::mutex mutex_;
-  std::vector<QuotePosition> places_;  // guarded by mutex_: i is in front of i x spacing_ bytes
+  sfMutex mutex_;
+  // Place i is in front of i x spacing_ bytes.
+  std::vector<QuotePosition> places_ SF_GUARDED_BY(mutex_);
 };
 
 // Shows a file's bytes rewritten. Same size, same offsets.

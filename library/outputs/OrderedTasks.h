@@ -6,11 +6,13 @@
 #include <deque>
 #include <functional>
 #include <future>
-#include <mutex>
+#include <optional>
 #include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "HostFramework/Threads.h"
 
 namespace library {
 
@@ -33,7 +35,7 @@ class OrderedTasks {
   // Waits for the tasks that have begun; the others are dropped.
   ~OrderedTasks() {
     {
-      const std::lock_guard guard(mutex_);
+      const sfGuard guard(mutex_);
       ended_ = true;
     }
     added_.notify_all();
@@ -44,7 +46,7 @@ class OrderedTasks {
     std::packaged_task<Result()> packaged(std::move(task));
     results_.push_back(packaged.get_future());
     {
-      const std::lock_guard guard(mutex_);
+      const sfGuard guard(mutex_);
       waiting_.push_back(std::move(packaged));
     }
     added_.notify_one();
@@ -61,31 +63,37 @@ class OrderedTasks {
   }
 
  private:
+  using Task = std::packaged_task<Result()>;
+
   bool RunOne() {
-    if (waiting_.empty()) return false;
-    std::packaged_task<Result()> task = std::move(waiting_.front());
-    waiting_.pop_front();
-    task();
-    return true;
+    std::optional<Task> task;
+    {
+      const sfGuard guard(mutex_);
+      task = NextTask();
+    }
+    if (task) (*task)();
+    return task.has_value();
   }
   void Work() {
-    std::unique_lock lock(mutex_);
-    while (true) {
-      added_.wait(lock, [this] { return ended_ || !waiting_.empty(); });
-      if (ended_) return;
-      std::packaged_task<Result()> task = std::move(waiting_.front());
-      waiting_.pop_front();
-      lock.unlock();
-      task();
-      lock.lock();
-    }
+    while (std::optional<Task> task = AwaitTask()) (*task)();
+  }
+  // Nothing once no more tasks are to be done.
+  std::optional<Task> AwaitTask() {
+    const sfGuard guard(mutex_);
+    while (!ended_ && waiting_.empty()) added_.wait(mutex_);
+    return ended_ ? std::nullopt : NextTask();
+  }
+  std::optional<Task> NextTask() SF_REQUIRES(mutex_) {
+    if (waiting_.empty()) return std::nullopt;
+    std::optional<Task> task = std::move(waiting_.front());
+    waiting_.pop_front();
+    return task;
   }
 
-  std::mutex mutex_;
-  std::condition_variable added_;
-  // Guarded by mutex_.
-  std::deque<std::packaged_task<Result()>> waiting_;
-  bool ended_ = false;
+  sfMutex mutex_;
+  std::condition_variable_any added_;
+  std::deque<Task> waiting_ SF_GUARDED_BY(mutex_);
+  bool ended_ SF_GUARDED_BY(mutex_) = false;
 
   std::deque<std::future<Result>> results_;
   std::vector<std::thread> threads_;

@@ -127,7 +127,7 @@ std::unique_ptr<CasePart> DigestSink::Make(const OBS* cases, std::size_t count,
                                            std::int64_t firstCase) const {
   std::unique_ptr<CaseDigester> digester;
   {
-    const std::lock_guard guard(mutex_);
+    const sfGuard guard(mutex_);
     if (!idle_.empty()) {
       digester = std::move(idle_.back());
       idle_.pop_back();
@@ -142,7 +142,7 @@ std::unique_ptr<CasePart> DigestSink::Make(const OBS* cases, std::size_t count,
     part->sum += digester->Of(cases + index * cells, number);
   }
 
-  const std::lock_guard guard(mutex_);
+  const sfGuard guard(mutex_);
   idle_.push_back(std::move(digester));
   return part;
 }

@@ -4,12 +4,12 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Text.h"
+#include "HostFramework/Threads.h"
 #include "library/outputs/CaseSink.h"
 
 namespace library {
@@ -73,9 +73,9 @@ class DigestSink : public CaseSink {
  private:
   const QANT_DataSource& source_;
   Digest digest_;
-  mutable std::mutex mutex_;
-  // Those that no thread works with; guarded by mutex_.
-  mutable std::vector<std::unique_ptr<CaseDigester>> idle_;
+  mutable sfMutex mutex_;
+  // Those that no thread works with.
+  mutable std::vector<std::unique_ptr<CaseDigester>> idle_ SF_GUARDED_BY(mutex_);
 };
 
 }  // namespace library
