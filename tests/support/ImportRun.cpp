@@ -99,7 +99,19 @@ std::unique_ptr<QANT_InputCaseIterator> Import::MakeIterator(Reading reading, OB
   return std::make_unique<textwizard::QANT_TextWizardIterator>(*source_, obs);
 }
 
+void Import::ReadOn(QANT_InputCaseIterator& iterator, const OBS* obs, std::size_t most,
+                    Pass& pass) const {
+  const auto* const cells = reinterpret_cast<const char*>(obs);
+  for (; pass.cases < most && iterator.Next(); ++pass.cases) {
+    pass.bytes.append(cells, source_->GetObsAreaSize());
+  }
+}
+
 Pass Import::Read(Reading reading, std::size_t most) const {
+  return ReadWithLeap(reading, most, most);
+}
+
+Pass Import::ReadWithLeap(Reading reading, std::size_t from, std::size_t to) const {
   Pass pass;
   const embedded::CaseBuffer buffer(*source_);
   pass.noMemory = buffer.obs() == nullptr;
@@ -109,9 +121,9 @@ Pass Import::Read(Reading reading, std::size_t most) const {
   pass.noIterator = !iterator;
   if (pass.noIterator) return pass;
   iterator->SetErrorMonitor(&monitor);
-  const auto* const cells = reinterpret_cast<const char*>(buffer.obs());
-  for (; pass.cases < most && iterator->Next(); ++pass.cases) {
-    pass.bytes.append(cells, source_->GetObsAreaSize());
+  ReadOn(*iterator, buffer.obs(), from, pass);
+  if (from < to && iterator->Seek(static_cast<long long>(to))) {
+    ReadOn(*iterator, buffer.obs(), SIZE_MAX, pass);
   }
   pass.messages = monitor.messages();
   pass.rowCount = source_->RowCount();

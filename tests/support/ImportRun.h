@@ -84,8 +84,14 @@ class Import {
   std::unique_ptr<QANT_InputCaseIterator> MakeIterator(Reading reading, OBS* obs) const;
   // A pass to the end of the data, or over the first `most` cases.
   Pass Read(Reading reading, std::size_t most = SIZE_MAX) const;
+  // A pass to the end of the data that goes from case `from` on to case `to`, not before it, both
+  // counted from 0: those between are not delivered.
+  Pass ReadWithLeap(Reading reading, std::size_t from, std::size_t to) const;
 
  private:
+  // Reads on by `iterator` until the pass has so many cases.
+  void ReadOn(QANT_InputCaseIterator& iterator, const OBS* obs, std::size_t most, Pass& pass) const;
+
   Messages messages_;
   std::string name_;
   std::unique_ptr<embedded::Adapter> adapter_;
