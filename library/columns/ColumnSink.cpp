@@ -47,9 +47,17 @@ void ColumnSink::Take(std::unique_ptr<CasePart> part) {
 
 void ColumnSink::HandOver() {
   const auto next = batch_.firstCase + static_cast<std::int64_t>(batch_.cases);
-  take_(std::move(batch_));
+  ColumnBatch full = std::move(batch_);
   batch_ = {};
   batch_.firstCase = next;
+  // The next batch takes as much memory: buffers that grow step by step are copied again and again.
+  batch_.columns.resize(full.columns.size());
+  for (std::size_t i = 0; i < full.columns.size(); ++i) {
+    batch_.columns[i].validity.Reserve(full.columns[i].validity.size());
+    batch_.columns[i].values.Reserve(full.columns[i].values.size());
+    batch_.columns[i].text.Reserve(full.columns[i].text.size());
+  }
+  take_(std::move(full));
 }
 
 void ColumnSink::Finish() {
