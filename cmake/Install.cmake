@@ -48,6 +48,8 @@ install(FILES ${manuals}/completion/_textwizard COMPONENT textwizard
 install(FILES ${manuals}/completion/textwizard.fish COMPONENT textwizard
   DESTINATION share/fish/vendor_completions.d)
 
+# `python` installs its package by itself.
+
 # `make package`: Debian packages.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME textwizard)
@@ -60,7 +62,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
-set(CPACK_COMPONENTS_ALL textwizard libtextwizard1 libtextwizard-dev)
+set(CPACK_COMPONENTS_ALL textwizard libtextwizard1 libtextwizard-dev python3-textwizard)
 foreach(component ${CPACK_COMPONENTS_ALL})
   string(TOUPPER ${component} upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${component})
@@ -70,7 +72,13 @@ set(CPACK_COMPONENT_TEXTWIZARD_DEPENDS libtextwizard1)
 set(CPACK_COMPONENT_LIBTEXTWIZARD1_DESCRIPTION "Imports text data files: the shared libraries")
 set(CPACK_COMPONENT_LIBTEXTWIZARD-DEV_DESCRIPTION "Imports text data files: headers for developers")
 set(CPACK_COMPONENT_LIBTEXTWIZARD-DEV_DEPENDS libtextwizard1)
+set(CPACK_COMPONENT_PYTHON3-TEXTWIZARD_DESCRIPTION "Imports text data files: the Python package")
+set(CPACK_COMPONENT_PYTHON3-TEXTWIZARD_DEPENDS libtextwizard1)
+set(CPACK_DEBIAN_PYTHON3-TEXTWIZARD_PACKAGE_DEPENDS
+  "python3 (>= 3.11), python3 (<< 3.12), python3-numpy")
+set(CPACK_DEBIAN_PYTHON3-TEXTWIZARD_PACKAGE_RECOMMENDS python3-pandas)
 set(CPACK_DEBIAN_TEXTWIZARD_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_LIBTEXTWIZARD1_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_LIBTEXTWIZARD-DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_PYTHON3-TEXTWIZARD_PACKAGE_SECTION python)
 include(CPack)

@@ -1,6 +1,6 @@
 // An installation in a folder of its own: the program, two projects outside the tree that find the
-// libraries by pkg-config and by CMake, the examples of the documentation; all of it while the
-// source tree is out of reach where the system lets a test do that.
+// libraries by pkg-config and by CMake, a Python script, the examples of the documentation; all of
+// it while the source tree is out of reach where the system lets a test do that.
 
 #include <array>
 #include <cstdio>
@@ -126,6 +126,17 @@ TEST_F(Installed, AProjectFindsTheLibraryByCMake) {
   // The host that the documentation shows, with a file that is no ASCII.
   EXPECT_EQ(Away("built/host lib/libTextWizardDac.so survey.csv"),
             " Ada                  36\n Zo\xC3\xAB                 .\n Bob                  7\n");
+}
+
+TEST_F(Installed, PythonFindsThePackage) {
+  prefix_->Write("script.py",
+                 "import sys, textwizard\n"
+                 "table = textwizard.read(sys.argv[1])\n"
+                 "print(textwizard.__file__, table.shape, table.to_pandas()['age'].sum())\n");
+  const std::string run = "PYTHONPATH=lib/python3/dist-packages /usr/bin/python3 script.py ";
+  EXPECT_EQ(Away(run + "survey.csv"),
+            In("lib/python3/dist-packages/textwizard/__init__.py") + " (3, 2) 43\n");
+  EXPECT_THAT(Away(run + "none.csv"), HasSubstr("textwizard._errors.FileError: none.csv"));
 }
 
 TEST_F(Installed, TheFirstExampleOfTheDocumentationCompilesAndRuns) {

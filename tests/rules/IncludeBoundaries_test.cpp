@@ -179,4 +179,10 @@ TEST(IncludeBoundaries, TheProgramSeesTheLibraryAndTheHost) {
   });
 }
 
+TEST(IncludeBoundaries, ThePythonModuleSeesOnlyTheCInterface) {
+  ExpectAll(Includes("python"), [](const Include& include) {
+    return include.target.starts_with("native/") || include.target.starts_with("textwizard/");
+  });
+}
+
 }  // namespace

@@ -1,0 +1,61 @@
+"""What an import gives."""
+from __future__ import annotations
+
+import json
+from typing import Any
+
+from . import _native
+from ._columns import Columns
+
+
+class Table(Columns):
+    """The cases of an import as columns, and what was found out on the way.
+
+    It holds all cases in memory, as Arrow columns.
+    """
+
+    def __init__(self, imported: _native.Imported) -> None:
+        super().__init__(imported.cases)
+        self._problems = Columns(imported.problems)
+        self._command = imported.command
+        self._dictionary = imported.dictionary
+        self._reading = imported.reading
+        self._digest = imported.digest
+
+    @property
+    def command(self) -> str:
+        """The GET DATA command that gives these cases; of a bare file it was made."""
+        return self._command
+
+    @property
+    def problems(self) -> Columns:
+        """Values and records that did not fit, a row each: kind, case and line (from 1), byte (from
+        0), variable, format, text and detail."""
+        return self._problems
+
+    @property
+    def dictionary(self) -> dict[str, Any]:
+        """The file, the cases, the variables with formats, widths and, where types were found, the
+        evidence, and the ledger."""
+        return json.loads(self._dictionary)
+
+    @property
+    def evidence(self) -> dict[str, Any]:
+        """What types were found from, by variable; variables with a given type have none."""
+        return {variable["name"]: variable["evidence"]
+                for variable in self.dictionary["variables"] if "evidence" in variable}
+
+    @property
+    def ledger(self) -> dict[str, Any]:
+        """Where every byte, record and cell of the file went."""
+        return self.dictionary["ledger"]
+
+    @property
+    def reading(self) -> dict[str, Any]:
+        """How a bare file was understood, as ``sniff`` gives it; empty for a command."""
+        return json.loads(self._reading) if self._reading else {}
+
+    @property
+    def digest(self) -> str:
+        """Of the cases: 32 hexadecimal digits, the same for the same cases on any machine."""
+        return self._digest
