@@ -11,8 +11,10 @@ build: setup
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release
 
+# The import of a bare file, and then the command that it printed.
 run: build
-	build/release/bin/textwizard run examples/survey/survey.sps
+	build/release/bin/textwizard import examples/survey/survey.csv --command build/survey.sps | tee build/survey.txt
+	PATH="$(CURDIR)/build/release/bin:$$PATH" sh -c "$$(grep '^textwizard run ' build/survey.txt)"
 
 # Program, libraries, headers, manual pages and completions into PREFIX; below DESTDIR where a package
 # is made of it.

@@ -14,6 +14,7 @@
 #include "cli/Preview.h"
 #include "cli/Sniff.h"
 #include "cli/Version.h"
+#include "cli/import/ImportSubcommand.h"
 #include "cli/run/RunSubcommand.h"
 
 namespace cli {
@@ -22,6 +23,7 @@ namespace {
 constexpr int kOptionColumn = 32;
 
 constexpr char kExamples[] = R"(Examples:
+  textwizard import data.csv
   textwizard run import.sps
   textwizard run import.sps --cases cases.csv
   textwizard run --help
@@ -63,11 +65,12 @@ int ReportWrongUsage(const CLI::App& program, const CLI::ParseError& error) {
 // Registers the subcommands, parses the arguments and runs the subcommand they name.
 int ParseAndRun(int argc, char** argv) {
   int status = kExitSuccess;
-  CLI::App program("Imports text data files by GET DATA commands.", "textwizard");
+  CLI::App program("Imports text data files, bare or by GET DATA commands.", "textwizard");
   program.set_version_flag("--version", std::string("textwizard ") + Version());
   program.get_formatter()->column_width(kOptionColumn);
   program.footer(kExamples);
   program.require_subcommand(1);
+  AddImport(program, &status);
   AddRun(program, &status);
   AddPreview(program, &status);
   AddSniff(program, &status);

@@ -38,7 +38,9 @@ std::string NameOf(const std::string& name) {
 class InputFiles {
  public:
   InputFiles(const RunOptions& options, const std::vector<ListedCommand>& commands) {
-    if (options.commandFile != kStandardInput) Add(options.commandFile, "the command file");
+    if (!options.commandFile.empty() && options.commandFile != kStandardInput) {
+      Add(options.commandFile, "the command file");
+    }
     for (std::size_t index = 0; index < commands.size(); ++index) {
       const std::string& file = commands[index].dataFile;
       if (file.empty() || file == kStandardInput) continue;
@@ -153,8 +155,8 @@ std::string NameForCommand(const std::string& name, int number) {
 bool WritesStandardOutput(const RunOptions& options) {
   const auto isStandard = [](const std::string& name) { return name == kStandardOutput; };
   return isStandard(options.cases) || isStandard(options.dictionary) ||
-         isStandard(options.messages) || isStandard(options.report.problems) ||
-         isStandard(options.report.rejects) ||
+         isStandard(options.messages) || isStandard(options.commandOutput) ||
+         isStandard(options.report.problems) || isStandard(options.report.rejects) ||
          std::any_of(options.outputs.begin(), options.outputs.end(), isStandard);
 }
 
@@ -182,6 +184,7 @@ std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedComma
   if (std::string what = WhatIsWrong(options.report); !what.empty()) return what;
   outputs.push_back({"--dictionary", options.dictionary});
   outputs.push_back({"--messages", options.messages, false});
+  outputs.push_back({"--command", options.commandOutput});
   outputs.push_back({"--problems", options.report.problems});
   outputs.push_back({"--rejects", options.report.rejects});
   return Overwritten(outputs, options, commands);

@@ -22,6 +22,7 @@ struct RunOptions {
   std::string cases;
   std::string dictionary;
   std::string messages;
+  std::string commandOutput;                  // of an import: the command it made
   std::optional<library::CaseFormat> format;  // else by the ending of `cases`
   std::vector<std::string> outputs;           // of cases, too; the format by each ending
   library::ArrowBody arrowBody = library::ArrowBody::kPlain;

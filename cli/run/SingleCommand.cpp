@@ -13,6 +13,7 @@
 #include "cli/run/CommandReport.h"
 #include "cli/terminal/ImportTables.h"
 #include "cli/terminal/Progress.h"
+#include "cli/terminal/VisibleText.h"
 #include "library/import/Advice.h"
 #include "library/import/ColumnEdgeCheck.h"
 #include "library/import/CommandFault.h"
@@ -76,7 +77,9 @@ class SingleCommand {
                  .seed = options_.seed,
                  .watch = &report_.watch(),
                  .rewriting = RewritingOf(options_),
-                 .shownMark = options_.byteOrderMark},
+                 .shownMark = options_.byteOrderMark,
+                 .standIns = context.found != nullptr ? context.found->standIns : std::nullopt,
+                 .files = context.found != nullptr ? &context.found->files : nullptr},
                 context.messages) {}
 
   CommandEnd Run(const embedded::ParsedCommand& command);
@@ -140,6 +143,11 @@ library::CommandFault SingleCommand::FaultOf(const embedded::ParsedCommand& comm
 void SingleCommand::Advise(const std::string& advice,
                            const library::OutlinedSubcommand* subcommand) {
   if (advice.empty()) return;
+  if (context_.found != nullptr) {
+    // Nobody has written the command: it has no place.
+    context_.messages.Post(advice, kMessageWarning);
+    return;
+  }
   const library::CommandPlace place = subcommand ? subcommand->place : library::CommandPlace();
   context_.messages.Post(
       fmt::format("{}, line {}, column {}: {}", CommandFileName(options_.commandFile), place.line,
@@ -165,8 +173,9 @@ CommandEnd SingleCommand::OpenOutputs() {
 
 CommandEnd SingleCommand::ReadSource() {
   const QANT_DataSource& source = import_.source();
-  const std::size_t width = TerminalWidth(STDOUT_FILENO);
-  if (shows()) context_.console.Print(VariableTable(source, width) + "\n");
+  const bool typed = context_.found != nullptr;
+  const std::size_t width = typed ? ScreenWidth(STDOUT_FILENO) : TerminalWidth(STDOUT_FILENO);
+  if (shows() && !typed) context_.console.Print(VariableTable(source, width) + "\n");
   std::string error;
   if (!report_.Begin(source, import_.isSampled(), outputs_.problemTables(), &error))
     return Fail("--rejects: " + error);
@@ -174,14 +183,20 @@ CommandEnd SingleCommand::ReadSource() {
     context_.console.Print(shows() ? text + "\n" : text);
   }
 
-  FirstCases firstCases(source, options_.values, shows() ? options_.show : 0, width);
+  FirstCases firstCases(source, options_.values, shows() ? options_.show : 0, width,
+                        typed ? FirstCases::Layout::kTyped : FirstCases::Layout::kPlain);
   const CommandEnd end = ReadCases(firstCases);
   if (shows() && (end != CommandEnd::kFailed || allRead_)) {
     if (const std::string table = firstCases.Text(); !table.empty()) {
       context_.console.Print(table + "\n");
     }
     context_.console.Print(Counts(import_.stats().cases, source.GetNVariables()));
-    context_.console.Print(report_.Text(TerminalWidth(STDOUT_FILENO)));
+    if (typed) {
+      for (const std::string& remark : context_.found->remarks) {
+        context_.console.Print(WrappedText(VisibleText(remark), width));
+      }
+    }
+    context_.console.Print(report_.Text(width));
   } else if (!options_.quiet && allRead_) {
     // Standard output is a file of data; what may be wrong with it is said all the same.
     for (const std::string& warning : report_.Warnings()) context_.console.Warning(warning);
@@ -260,6 +275,10 @@ CommandEnd SingleCommand::Publish() {
 void SingleCommand::AdviseOnCases(library::ColumnEdgeCheck& edges) {
   if (import_.casesRead() > 0) {
     Advise(edges.Advice(import_.casesRead()), outline_.Find("FILE"));
+    return;
+  }
+  if (context_.found != nullptr) {
+    Advise("there is no data in it: no case was read", nullptr);
     return;
   }
   const library::OutlinedSubcommand* firstCase = outline_.Find("FIRSTCASE");

@@ -1,13 +1,18 @@
 // One command of a run: its import, its outputs, and what a person is shown of it.
 #pragma once
 
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "cli/run/MessageSink.h"
 #include "cli/run/RunOptions.h"
 #include "cli/terminal/Console.h"
 #include "library/import/ImportStats.h"
+#include "library/import/InputFiles.h"
+#include "library/import/StandIns.h"
 
 namespace cli {
 
@@ -24,6 +29,14 @@ struct RunContext {
   std::string_view text;  // of the command file
   Console& console;
   MessageSink& messages;
+  // Of an import that found its command itself; null for a command that a person gave.
+  struct Found {
+    library::InputFiles& files;
+    std::optional<library::StandIns> standIns;
+    // What there is to say about its columns, a line each.
+    std::vector<std::string> remarks;
+  };
+  const Found* found = nullptr;
 };
 
 // Runs `command`, number `number` (from 1) of its file: the messages, the dictionary, all cases.

@@ -13,6 +13,7 @@ namespace cli {
 namespace {
 
 constexpr std::size_t kWidthElsewhere = 100;
+constexpr std::size_t kScreenWidth = 80;
 // Of standard output that is no terminal, before it is handed on.
 constexpr std::size_t kBufferedBytes = std::size_t{64} * 1024;
 
@@ -29,11 +30,19 @@ std::string Line(std::string_view text) {
 
 }  // namespace
 
-std::size_t TerminalWidth(int descriptor) {
+namespace {
+
+std::size_t WidthOr(int descriptor, std::size_t elsewhere) {
   struct winsize size {};
   const bool known = ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-  return known ? size.ws_col : kWidthElsewhere;
+  return known ? size.ws_col : elsewhere;
 }
+
+}  // namespace
+
+std::size_t TerminalWidth(int descriptor) { return WidthOr(descriptor, kWidthElsewhere); }
+
+std::size_t ScreenWidth(int descriptor) { return WidthOr(descriptor, kScreenWidth); }
 
 Console::Console(const Settings& settings)
     : settings_(settings), onTerminal_(isatty(STDOUT_FILENO) != 0) {}

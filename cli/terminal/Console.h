@@ -12,6 +12,8 @@ namespace cli {
 
 // Columns of the terminal that is open as `descriptor`; a fixed number where none is.
 std::size_t TerminalWidth(int descriptor);
+// The same for what has to fit everywhere: 80 where there is none.
+std::size_t ScreenWidth(int descriptor);
 
 // Texts are UTF-8. Any thread. Once the user has asked to interrupt, what nobody takes at once is
 // dropped.

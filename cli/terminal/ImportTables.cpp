@@ -75,19 +75,31 @@ std::string VariableTable(const QANT_DataSource& source, std::size_t terminalWid
 }
 
 FirstCases::FirstCases(const QANT_DataSource& source, library::ValueStyle style, long long limit,
-                       std::size_t terminalWidth)
+                       std::size_t terminalWidth, Layout layout)
     : limit_(limit),
+      layout_(layout),
       cells_(source.GetObsAreaSize() / sizeof(OBS)),
       terminalWidth_(terminalWidth),
       variables_(source.GetNVariables()),
       columns_(library::ColumnsOf(source, style)) {
   // A column takes one character and its gap at the least.
-  columns_.resize(std::min(columns_.size(), terminalWidth / (1 + TerminalTable::kGap) + 1));
+  const std::size_t most = terminalWidth / (1 + TerminalTable::kGap) + 1;
+  std::vector<std::string> formats;
+  for (std::size_t index = 0; index < columns_.size(); ++index) {
+    const bool seen = index < most || (layout == Layout::kTyped && index + most >= columns_.size());
+    if (seen) formats.push_back(library::FormatName(source.GetVariable(index)->GetFormat()));
+  }
+  if (columns_.size() > formats.size()) {
+    unseen_ = columns_.size() - formats.size();
+    columns_.erase(columns_.begin() + static_cast<std::ptrdiff_t>(most),
+                   columns_.begin() + static_cast<std::ptrdiff_t>(most + unseen_));
+  }
   for (const library::CaseColumn& column : columns_) {
     table_.AddColumn(column.name, column.kind == library::ValueKind::kString
                                       ? TerminalTable::Align::kLeft
                                       : TerminalTable::Align::kRight);
   }
+  if (layout == Layout::kTyped) table_.AddRow({formats.begin(), formats.end()});
 }
 
 // Cases that are to be shown.
@@ -125,8 +137,9 @@ void FirstCases::Keep(const OBS* obs) {
 }
 
 std::string FirstCases::Text() const {
-  if (taken_ == 0 || columns_.empty()) return {};
+  if ((taken_ == 0 && layout_ == Layout::kPlain) || columns_.empty()) return {};
   std::size_t shown = 0;
+  if (layout_ == Layout::kTyped) return table_.TextOfEnds(terminalWidth_, unseen_, &shown);
   const std::string text = table_.Text(terminalWidth_, &shown);
   return text + MoreVariables(variables_ - shown, "--cases", terminalWidth_);
 }

@@ -25,8 +25,12 @@ std::string Counts(long long cases, std::size_t variables);
 // Keeps the text of the first cases, no more columns of them than a terminal can show.
 class FirstCases : public library::CaseSink {
  public:
+  enum class Layout : std::uint8_t {
+    kPlain,  // as many of the first columns as fit
+    kTyped,  // formats under the names; where not all columns fit, the first and the last ones
+  };
   FirstCases(const QANT_DataSource& source, library::ValueStyle style, long long limit,
-             std::size_t terminalWidth);
+             std::size_t terminalWidth, Layout layout = Layout::kPlain);
 
   // False where no case is to be shown.
   bool wanted() const { return limit_ > 0; }
@@ -42,10 +46,13 @@ class FirstCases : public library::CaseSink {
   void Keep(const OBS* obs);
 
   const long long limit_;
+  const Layout layout_;
   const std::size_t cells_;  // of a case
   long long taken_ = 0;
   std::size_t terminalWidth_;
   std::size_t variables_;
+  // Variables between the columns that are kept and not shown.
+  std::size_t unseen_ = 0;
   std::vector<library::CaseColumn> columns_;
   TerminalTable table_;
   library::Utf8Converter hostText_;

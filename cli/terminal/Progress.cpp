@@ -53,6 +53,16 @@ void Progress::Tick(long long cases) {
                    std::chrono::duration<double>(now - start_).count()));
 }
 
+void StageProgress::Tick(long long bytes, long long fileBytes) {
+  if (!console_.showsProgress()) return;
+  const auto now = std::chrono::steady_clock::now();
+  if (now - shown_ < kInterval) return;
+  shown_ = now;
+  console_.ShowProgress(fmt::format("{}: {:.1f} of {:.1f} MB", stage_,
+                                    static_cast<double>(bytes) / kMegabyte,
+                                    static_cast<double>(fileBytes) / kMegabyte));
+}
+
 std::string ProgressText(long long cases, long long bytesRead, long long fileBytes,
                          double seconds) {
   std::string text = fmt::format("{} case{}", cases, cases == 1 ? "" : "s");

@@ -51,4 +51,49 @@ std::string TerminalTable::Text(std::size_t width, std::size_t* shown) const {
   return text;
 }
 
+std::size_t TerminalTable::WidthOf(const Column& column, std::size_t widest) {
+  return column.align == Align::kLeft ? std::min(column.width, widest) : column.width;
+}
+
+std::string TerminalTable::TextOfEnds(std::size_t width, std::size_t unseen,
+                                      std::size_t* shown) const {
+  constexpr std::size_t kEndWidest = 20;
+  for (const std::size_t widest : {kWidestCell, kEndWidest, kNarrowestText}) {
+    std::size_t used = 0;
+    for (const Column& column : columns_) used += WidthOf(column, widest) + kGap;
+    if (unseen > 0 || used > width + kGap) continue;
+    TerminalTable narrowed = *this;
+    for (Column& column : narrowed.columns_) column.width = WidthOf(column, widest);
+    return narrowed.Text(width, shown);
+  }
+  const std::string most = std::to_string(columns_.size() + unseen) + " more";
+  std::size_t left = width > most.size() ? width - most.size() : 0;
+  // Two columns from the front, one from the back, as long as they fit.
+  std::size_t front = 0;
+  std::size_t back = 0;
+  while (front + back < columns_.size()) {
+    const bool isLast = (front + back) % 3 == 2;
+    const Column& column = isLast ? columns_[columns_.size() - 1 - back] : columns_[front];
+    const std::size_t needed = WidthOf(column, kEndWidest) + kGap;
+    if (needed > left && front > 0) break;
+    left -= std::min(needed, left);
+    ++(isLast ? back : front);
+  }
+  TerminalTable ends;
+  const auto add = [&](std::size_t index) {
+    ends.columns_.push_back(columns_[index]);
+    ends.columns_.back().width = WidthOf(columns_[index], kEndWidest);
+  };
+  for (std::size_t index = 0; index < front; ++index) add(index);
+  if (const std::size_t more = columns_.size() - front - back + unseen; more > 0) {
+    ends.AddColumn(std::to_string(more) + " more", Align::kRight);
+    if (!columns_.empty()) ends.columns_.back().cells.resize(columns_.front().cells.size());
+  }
+  for (std::size_t index = columns_.size() - back; index < columns_.size(); ++index) add(index);
+  std::size_t all = 0;
+  const std::string text = ends.Text(width, &all);
+  *shown = front + back;
+  return text;
+}
+
 }  // namespace cli

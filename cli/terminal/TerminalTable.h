@@ -23,6 +23,10 @@ class TerminalTable {
   // column. *shown becomes the number of columns that are there.
   std::string Text(std::size_t width, std::size_t* shown) const;
 
+  // The same with the first and the last columns where not all fit, texts narrowed first, and a
+  // column between them that says how many are not shown besides `unseen` others. *shown as above.
+  std::string TextOfEnds(std::size_t width, std::size_t unseen, std::size_t* shown) const;
+
   static constexpr std::size_t kWidestCell = 40;
   // A column of texts is not narrowed below this.
   static constexpr std::size_t kNarrowestText = 12;
@@ -37,6 +41,8 @@ class TerminalTable {
     std::vector<std::string> cells;  // the title, then a cell a row
   };
   static void AddCell(Column& column, std::string_view text);
+  // The width of a column whose text is narrowed to `widest`.
+  static std::size_t WidthOf(const Column& column, std::size_t widest);
 
   std::vector<Column> columns_;
 };

@@ -108,6 +108,46 @@ TEST(TerminalTable, ControlCharactersAreVisible) {
   EXPECT_EQ(table.Text(80, &shown), "s\na\\tb\\x1B[31m\n");
 }
 
+// Ten columns of numbers, four wide each.
+TerminalTable TenColumns() {
+  TerminalTable table;
+  for (int column = 1; column <= 10; ++column) {
+    table.AddColumn("n" + std::to_string(column), Align::kRight);
+  }
+  table.AddRow(std::vector<std::string_view>(10, "1234"));
+  return table;
+}
+
+TEST(TerminalTable, OfEndsAllColumnsAreShownWhereTheyFit) {
+  std::size_t shown = 0;
+  EXPECT_EQ(TenColumns().TextOfEnds(58, 0, &shown), TenColumns().Text(58, &shown));
+  EXPECT_EQ(shown, 10U);
+}
+
+TEST(TerminalTable, OfEndsTheFirstAndTheLastColumnsAreShownAndHowManyAreBetween) {
+  std::size_t shown = 0;
+  EXPECT_EQ(TenColumns().TextOfEnds(37, 0, &shown),
+            "  n1    n2    n3    n4  5 more   n10\n1234  1234  1234  1234          1234\n");
+  EXPECT_EQ(shown, 5U);
+  EXPECT_EQ(TenColumns().TextOfEnds(57, 0, &shown),
+            "  n1    n2    n3    n4    n5    n6  2 more    n9   n10\n"
+            "1234  1234  1234  1234  1234  1234          1234  1234\n");
+  // Others were never added.
+  const std::string text = TenColumns().TextOfEnds(60, 90, &shown);
+  EXPECT_NE(text.find(std::to_string(100 - shown) + " more"), std::string::npos) << text;
+}
+
+TEST(TerminalTable, OfEndsTextsAreNarrowedBeforeColumnsAreLeftOut) {
+  TerminalTable table;
+  table.AddColumn("a", Align::kLeft);
+  table.AddColumn("n", Align::kRight);
+  table.AddRow({std::string(40, 'x'), "1"});
+  std::size_t shown = 0;
+  EXPECT_EQ(table.TextOfEnds(30, 0, &shown),
+            "a                     n\n" + std::string(19, 'x') + "\xE2\x80\xA6  1\n");
+  EXPECT_EQ(shown, 2U);
+}
+
 TEST(TerminalTable, WithoutColumnsThereIsNoText) {
   const TerminalTable table;
   std::size_t shown = 7;

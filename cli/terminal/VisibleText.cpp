@@ -163,4 +163,24 @@ std::size_t DisplayWidth(std::string_view visible) {
   return count.columns();
 }
 
+std::string WrappedText(std::string_view visible, std::size_t width) {
+  constexpr std::string_view kIndent = "  ";
+  std::string text;
+  std::string line;
+  while (!visible.empty()) {
+    const std::size_t blank = std::min(visible.find(' '), visible.size());
+    const std::string_view word = visible.substr(0, blank);
+    visible.remove_prefix(std::min(blank + 1, visible.size()));
+    if (line.empty()) {
+      line = word;
+    } else if (DisplayWidth(line) + 1 + DisplayWidth(word) <= width) {
+      line.append(1, ' ').append(word);
+    } else {
+      text += line + "\n";
+      line.assign(kIndent).append(word);
+    }
+  }
+  return text + line + "\n";
+}
+
 }  // namespace cli

@@ -96,5 +96,12 @@ TEST(VisibleText, InvisibleCharactersOfAllKindsAreSpelledOut) {
   EXPECT_EQ(VisibleText("\u0600"), "\u0600");
 }
 
+TEST(WrappedText, BreaksAtBlanks) {
+  EXPECT_EQ(WrappedText("one two three", 20), "one two three\n");
+  EXPECT_EQ(WrappedText("one two three", 7), "one two\n  three\n");
+  EXPECT_EQ(WrappedText("one enormously two", 6), "one\n  enormously\n  two\n");
+  EXPECT_EQ(WrappedText("", 6), "\n");
+}
+
 }  // namespace
 }  // namespace cli

@@ -315,7 +315,7 @@ bool Understanding::Run() {
     return false;
   }
   if (import_.columns.empty()) {
-    problem_ = "there is nothing to import in it";
+    problem_ = import_.sniff.fileSize == 0 ? "it is empty" : "it holds nothing but blank lines";
     return false;
   }
   if (cut_.cut.settings.arrangement == textwizard::kFixedColumns) {

@@ -1,0 +1,80 @@
+#include "library/import/RemarkText.h"
+
+#include <fmt/format.h>
+
+#include "library/import/CommandText.h"
+
+namespace library {
+namespace {
+
+using textwizard::kFormatADate;
+using textwizard::kFormatEDate;
+
+// "3 values" and the first of them.
+std::string Values(const Witness& values) {
+  return fmt::format("{} value{}", values.count, values.count == 1 ? "" : "s");
+}
+std::string First(const Witness& values) {
+  return fmt::format("{} in line {}", values.text, values.line);
+}
+
+std::string Wish(const BareColumn& column, const ChosenFormat& format) {
+  return fmt::format("--types {}={}", column.name, FormatText(format));
+}
+
+std::string TextOf(const BareColumn& column, const ColumnRemark& remark) {
+  const std::string wish = remark.other ? Wish(column, *remark.other) : "";
+  switch (remark.kind) {
+    case ColumnRemark::kUnreadable:
+      return fmt::format("{} that {} cannot read, first {}; missing", Values(remark.values),
+                         FormatText(column.type.format), First(remark.values));
+    case ColumnRemark::kMixed:
+      return fmt::format("a text, because of {}; {} makes {} missing", First(remark.values), wish,
+                         Values(remark.values));
+    case ColumnRemark::kLeadingZeros:
+      return fmt::format("a text that keeps leading zeros, first {}; {} for a number",
+                         First(remark.values), wish);
+    case ColumnRemark::kLostDigits:
+      return fmt::format("a text that keeps all digits, first {}; {} for a number",
+                         First(remark.values), wish);
+    case ColumnRemark::kDayOrMonth:
+      return fmt::format("ambiguous, read {} first: {}; {} for the other",
+                         column.type.format.code == kFormatADate ? "month" : "day",
+                         First(remark.values), wish);
+    case ColumnRemark::kDecimalOrGroup:
+      return fmt::format(
+          "ambiguous, {} may have a decimal or a grouping character; {} for the other",
+          First(remark.values), wish);
+    case ColumnRemark::kTooLong:
+      return fmt::format("a text of {} bytes in line {}, longer than a string can be; cut",
+                         remark.values.count, remark.values.line);
+  }
+  return {};
+}
+
+// Why days or months come first, where values say it.
+std::string Order(const BareColumn& column, const ColumnEvidence& evidence) {
+  const bool dayFirst = column.type.format.code == kFormatEDate;
+  if ((!dayFirst && column.type.format.code != kFormatADate) || column.typeGiven) return {};
+  const Witness seen = dayFirst ? evidence.Only(Reading::kDayMonthYear, Reading::kMonthDayYear)
+                                : evidence.Only(Reading::kMonthDayYear, Reading::kDayMonthYear);
+  if (seen.line == 0) return {};
+  return fmt::format("{} first: {}", dayFirst ? "day" : "month", First(seen));
+}
+
+}  // namespace
+
+std::vector<std::string> RemarksOf(const BareImport& import) {
+  std::vector<std::string> remarks;
+  for (std::size_t index = 0; index < import.columns.size(); ++index) {
+    const BareColumn& column = import.columns[index];
+    const auto add = [&](const std::string& text) {
+      if (!text.empty()) remarks.push_back(column.name + ": " + text);
+    };
+    add(Order(column, import.summary.columns[index]));
+    for (const ColumnRemark& remark : column.type.remarks) add(TextOf(column, remark));
+  }
+  return remarks;
+}
+
+}  // namespace library
