@@ -11,15 +11,16 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
+#include "HostFramework/embedded/values/testing/ValueInputTesting.h"
 #include "model/MessageText.h"
 #include "tests/differential/ChosenEncoding.h"
 #include "tests/differential/NaiveImport.h"
@@ -51,19 +52,6 @@ struct Tried {
   std::size_t foundNumbers = 0;
   // Cases that were leapt over.
   std::size_t leapt = 0;
-};
-
-// The host as it is without settings, once the test of an import is over.
-class ScopedHost {
- public:
-  ScopedHost() = default;
-  ~ScopedHost() {
-    embedded::SetCodePage(nullptr);
-    embedded::SetLocaleCodePage(nullptr);
-    iocvsetdecchardot_();
-  }
-  ScopedHost(const ScopedHost&) = delete;
-  ScopedHost& operator=(const ScopedHost&) = delete;
 };
 
 // Lets the types of every other variable of a delimited import be found.
@@ -126,7 +114,8 @@ std::string LeapDifference(const whole::Import& command, std::size_t from, std::
 }
 
 void Compare(std::uint64_t seed, Tried& tried) {
-  const ScopedHost host;
+  // Puts it back as it is without settings.
+  const embedded::InCodePage host(nullptr);
   naive::RandomImport import = naive::MakeRandomImport(seed, kPath);
   std::mt19937_64 random(seed);
   const bool findsTypes = random() % 3 == 0 && import.settings.lines != naive::Lines::kFixed;
@@ -141,7 +130,7 @@ void Compare(std::uint64_t seed, Tried& tried) {
   const naive::HostText& text = isEncoded ? encoding.text() : utf8;
   tried.locale += import.command.find("LOCALE") != std::string::npos ? 1 : 0;
   const bool comma = random() % 3 == 0;
-  if (comma) iocvsetdeccharcomma_();
+  const auto decimalComma = comma ? std::make_unique<embedded::DecimalComma>() : nullptr;
   tried.decimalComma += comma ? 1 : 0;
   SCOPED_TRACE("seed " + std::to_string(seed) + (comma ? ", decimal comma\n" : "\n") +
                import.command + "\n" + testing::PrintToString(import.bytes));

@@ -125,14 +125,14 @@ TEST_P(ReadFailures, AnEndedPassStaysEndedAndSaysNoMore) {
   for (const Reading reading : {Reading::kChosen, Reading::kOneThread}) {
     const embedded::CaseBuffer buffer(import.source());
     const auto iterator = import.MakeIterator(reading, buffer.obs());
-    MessageKeeper monitor;
+    textwizard::MessageKeeper monitor;
     iterator->SetErrorMonitor(&monitor);
     while (iterator->Next()) {
     }
     const long long cases = iterator->Tell();
     for (int again = 0; again < 3; ++again) EXPECT_FALSE(iterator->Next());
     EXPECT_EQ(iterator->Tell(), cases);
-    EXPECT_EQ(Texts(monitor.messages(), kMessageError).size(), 1u);
+    EXPECT_EQ(Texts(MessagesOf(monitor), kMessageError).size(), 1u);
   }
 }
 

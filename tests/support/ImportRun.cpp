@@ -49,6 +49,12 @@ std::vector<std::string> Texts(const Messages& messages, int kind) {
   return texts;
 }
 
+Messages MessagesOf(const textwizard::MessageKeeper& keeper) {
+  Messages messages;
+  for (const ErrorText& message : keeper.messages) messages.push_back({message.kind, message.text});
+  return messages;
+}
+
 Import::Import(std::string_view command, int workers, ImportObserver* observer) {
   static int number = 0;
   embedded::CommandReader reader(command);
@@ -116,7 +122,7 @@ Pass Import::ReadWithLeap(Reading reading, std::size_t from, std::size_t to) con
   const embedded::CaseBuffer buffer(*source_);
   pass.noMemory = buffer.obs() == nullptr;
   if (pass.noMemory) return pass;
-  MessageKeeper monitor;
+  textwizard::MessageKeeper monitor;
   const auto iterator = MakeIterator(reading, buffer.obs());
   pass.noIterator = !iterator;
   if (pass.noIterator) return pass;
@@ -125,7 +131,7 @@ Pass Import::ReadWithLeap(Reading reading, std::size_t from, std::size_t to) con
   if (from < to && iterator->Seek(static_cast<long long>(to))) {
     ReadOn(*iterator, buffer.obs(), SIZE_MAX, pass);
   }
-  pass.messages = monitor.messages();
+  pass.messages = MessagesOf(monitor);
   pass.rowCount = source_->RowCount();
   return pass;
 }

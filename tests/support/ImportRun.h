@@ -13,6 +13,7 @@
 #include "HostFramework/ImportObserver.h"
 #include "HostFramework/Messages.h"
 #include "HostFramework/embedded/command/Adapter.h"
+#include "model/testing/MessageKeeper.h"
 #include "source/QANT_TextWizardSrc.h"
 
 namespace whole {
@@ -49,18 +50,8 @@ struct Pass {
   bool operator==(const Pass&) const = default;
 };
 
-// Keeps what an iterator reports. One thread.
-class MessageKeeper : public ErrorMonitor {
- public:
-  void Report(const ErrorText& message) override {
-    messages_.push_back({message.kind, message.text});
-  }
-  void AttentionCheck(bool* attention) override { *attention = false; }
-  const Messages& messages() const { return messages_; }
-
- private:
-  Messages messages_;
-};
+// What an iterator reported to the keeper.
+Messages MessagesOf(const textwizard::MessageKeeper& keeper);
 
 // A command that was run, and its data source while this lives. One thread makes and destroys all
 // of them; passes over different ones may run at once.

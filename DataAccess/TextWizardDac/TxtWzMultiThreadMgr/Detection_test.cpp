@@ -169,19 +169,19 @@ TEST(MultiThreadedDetection, SmallestPatternKeyWinsWhateverTheOrderOfTheFile) {
 }
 
 TEST(MultiThreadedDetection, FewerThanAThousandCasesReportTheEndOnly) {
-  TestAdapter adapter;
+  KeepingAdapter adapter;
   const DataFile file(FiveDigits(999));
   Detection detection({kFormatAuto});
   EXPECT_EQ(detection.Run(file, 2, CommaSettings(), &adapter), 999);
-  EXPECT_EQ(TestAdapter::Texts(kMessageProgress), std::vector<std::string>{"4294967295"});
+  EXPECT_EQ(KeepingAdapter::Texts(kMessageProgress), std::vector<std::string>{"4294967295"});
 }
 
 TEST(MultiThreadedDetection, ProgressIsReportedBatchByBatchInThousands) {
-  TestAdapter adapter;
+  KeepingAdapter adapter;
   const DataFile file(FiveDigits(50000));
   Detection detection({kFormatAuto});
   EXPECT_EQ(detection.Run(file, 2, CommaSettings(), &adapter), 50000);
-  EXPECT_EQ(TestAdapter::Texts(kMessageProgress),
+  EXPECT_EQ(KeepingAdapter::Texts(kMessageProgress),
             (std::vector<std::string>{"20000", "41000", "50000", "4294967295"}));
 }
 
@@ -192,7 +192,7 @@ TEST(MultiThreadedDetection, WithoutAnAdapterItRunsToTheEnd) {
 }
 
 TEST(MultiThreadedDetection, InterruptKeepsWhatWasCounted) {
-  TestAdapter adapter;
+  KeepingAdapter adapter;
   const DataFile file(FiveDigits(50000));
   Detection detection({kFormatAuto});
   embedded::RequestAttention();
@@ -200,7 +200,7 @@ TEST(MultiThreadedDetection, InterruptKeepsWhatWasCounted) {
   EXPECT_EQ(detection.Run(file, 2, CommaSettings(), &adapter), 20834);
   embedded::ClearAttention();
   EXPECT_EQ(detection[0].numericCount, 20833u);
-  EXPECT_EQ(TestAdapter::Texts(kMessageProgress),
+  EXPECT_EQ(KeepingAdapter::Texts(kMessageProgress),
             (std::vector<std::string>{"20000", "4294967295"}));
 }
 
@@ -224,7 +224,7 @@ TEST(MultiThreadedDetection, StartingLinesAreNotExamined) {
 }
 
 TEST(MultiThreadedDetection, WarningsComeInTheOrderOfTheFile) {
-  TestAdapter adapter;
+  KeepingAdapter adapter;
   ImportSettings settings = CommaSettings();
   settings.encoding = kEncodingNone;
   std::string text;
@@ -236,11 +236,11 @@ TEST(MultiThreadedDetection, WarningsComeInTheOrderOfTheFile) {
     if (i % 5000 == 0) expected.push_back(UndecodableWarning(i, 2).text);
   }
   for (const int workers : {2, 8}) {
-    TestAdapter::Messages().clear();
+    KeepingAdapter::Messages().clear();
     const DataFile file(text);
     Detection detection({kFormatAuto});
     EXPECT_EQ(detection.Run(file, workers, settings, &adapter), 40000);
-    EXPECT_EQ(TestAdapter::Texts(kMessageWarning), expected);
+    EXPECT_EQ(KeepingAdapter::Texts(kMessageWarning), expected);
   }
 }
 

@@ -34,7 +34,7 @@ void ExpectFailureAfter(std::size_t cases, const DataFile& file, int workers) {
   source->SetFileSpec(file.path().c_str());
   CaseBuffer buffer(*source);
   QANT_TextWizardMultiThreadedIterator iterator(*source, buffer.obs(), false);
-  RecordingMonitor monitor;
+  MessageKeeper monitor;
   iterator.SetErrorMonitor(&monitor);
   for (std::size_t i = 1; i <= cases; ++i) {
     ASSERT_TRUE(iterator.Next()) << i;
@@ -189,7 +189,7 @@ TEST(Faults, ProcessOutOfDescriptors) {
   ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
   std::vector<int> taken;
   for (int next; (next = open("/dev/null", O_RDONLY)) >= 0;) taken.push_back(next);
-  RecordingMonitor monitor;
+  MessageKeeper monitor;
   bool delivered = true;
   {
     const std::unique_ptr<QANT_InputCaseIterator> iterator(source->MakeIterator(buffer.obs()));

@@ -86,7 +86,7 @@ TEST(Lifecycle, DetectionAtTheEnd) {
 
 TEST(Lifecycle, DetectionInterrupted) {
   const DataFile file(NumberedLines(1, 100000));
-  TestAdapter adapter;
+  KeepingAdapter adapter;
   embedded::RequestAttention();
   const int rounds = Rounds() / 10;
   for (int round = 0; round < rounds; ++round) {

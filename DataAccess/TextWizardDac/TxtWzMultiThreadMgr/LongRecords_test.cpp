@@ -38,7 +38,7 @@ void ExpectAllCases(std::size_t length, const Where& where, int workers) {
       MakeSource(file.path(), workers, {{kFormatF, 8}, {kFormatA, 8}}, CommaSettings());
   CaseBuffer buffer(*source);
   QANT_TextWizardMultiThreadedIterator iterator(*source, buffer.obs(), false);
-  RecordingMonitor monitor;
+  MessageKeeper monitor;
   iterator.SetErrorMonitor(&monitor);
   for (int i = 1; i <= number; ++i) {
     ASSERT_TRUE(iterator.Next()) << i;

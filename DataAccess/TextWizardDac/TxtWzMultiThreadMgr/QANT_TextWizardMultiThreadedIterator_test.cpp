@@ -314,7 +314,7 @@ TEST(MultiThreadedIterator, MapIsWrittenAfterTheFirstCompletePassOnly) {
   settings.mapRequested = true;
   const auto source = MakeSource(file.path(), 2, Numbers(1), settings);
   CaseBuffer buffer(*source);
-  RecordingMonitor monitor;
+  MessageKeeper monitor;
   {
     QANT_TextWizardMultiThreadedIterator iterator(*source, buffer.obs(), false);
     iterator.SetErrorMonitor(&monitor);

@@ -10,7 +10,7 @@ namespace textwizard {
 namespace {
 
 TEST(CompactHeader, OneCaseALine) {
-  TestAdapter adapter;
+  PathAdapter adapter;
   TxtWzParser parser("DL\n2 3 0\n,;\nfile='my data.txt'\nrest", &adapter);
   const std::unique_ptr<TxtWzExecFile> plan = parser.ParseFileType();
   ASSERT_TRUE(dynamic_cast<TxtWzDlmLines*>(plan.get()));
@@ -24,7 +24,7 @@ TEST(CompactHeader, OneCaseALine) {
 }
 
 TEST(CompactHeader, CasesByVariableCountAndTheFirstCases) {
-  TestAdapter adapter;
+  PathAdapter adapter;
   TxtWzParser parser("dc 1 4 1 100\n\t\nFILE=data.txt\n", &adapter);
   const std::unique_ptr<TxtWzExecFile> plan = parser.ParseFileType();
   ASSERT_TRUE(dynamic_cast<TxtWzDlmCount*>(plan.get()));

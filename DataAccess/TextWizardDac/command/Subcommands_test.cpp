@@ -8,7 +8,7 @@ namespace textwizard {
 namespace {
 
 TEST(File, QuotedAndUnquotedPathsAreTold) {
-  TestAdapter adapter;
+  PathAdapter adapter;
   const std::string rest = " /DELIMITERS=\",\" /VARIABLES= a F8.2";
   EXPECT_EQ(Parse("FILE=\"my data.txt\"" + rest, &adapter).file, "quoted:my data.txt");
   EXPECT_EQ(Parse("FILE='my \"data\".txt'" + rest, &adapter).file, "quoted:my \"data\".txt");
@@ -17,7 +17,7 @@ TEST(File, QuotedAndUnquotedPathsAreTold) {
 }
 
 TEST(File, OnlyTheFileGoesThroughTheAdapter) {
-  TestAdapter adapter;
+  PathAdapter adapter;
   const Outcome outcome =
       Parse("FILE=x /DELIMITERS=\";\" /QUALIFIER='\"' /VARIABLES= a F8.2", &adapter);
   ASSERT_TRUE(outcome.plan) << outcome.error;

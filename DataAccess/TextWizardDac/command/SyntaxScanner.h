@@ -58,8 +58,10 @@ class SyntaxScanner {
   // The next word as a number.
   double ParseNumber();
 
-  // A value in quotes at `p`, with its quotes: up to the last quote of the kind that it opens with
-  // in the whole text. Empty, and nothing is read, when `p` is not at a quote or no other follows.
+  // --- For a host that scans a text of its own; the parser takes its literals as the host quotes
+  // them A value in quotes at `p`, with its quotes: up to the last quote of the kind that it opens
+  // with in the whole text. Empty, and nothing is read, when `p` is not at a quote or no other
+  // follows.
   static std::string_view GetDelimiters(const char*& p);
   // Takes the quotes off a value that opens with one; it ends at the next quote of the same kind.
   static void StripQuotes(std::string& value);

@@ -53,6 +53,7 @@ class TxtWzParser {
 
   // The plan of the command; null after posting an error.
   std::unique_ptr<TxtWzExecFile> ParseToExecutor();
+  // For a host that keeps imports in the compact form; commands never have it.
   // The plan of the compact header: a type word, numbers, the delimiters' line and the file name.
   // Null for an unknown type word; posts nothing. The number of variables that the header announces
   // is then variableCounter().

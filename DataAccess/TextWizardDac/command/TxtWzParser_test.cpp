@@ -124,7 +124,7 @@ TEST(Verify, TheFirstErrorEndsTheCommand) {
 }
 
 TEST(Plan, OfOneCaseALine) {
-  TestAdapter adapter;
+  PathAdapter adapter;
   const Outcome outcome = Parse(
       "FILE=\"d\" /ENCODING=UTF8 /DELCASE=LINE /DELIMITERS=\";\" /QUALIFIER=\"'\" /FIRSTCASE=2 "
       "/IMPORTCASE=FIRST 9 /LEADINGSPACES IGNORE=YES /DATATYPEMIN PERCENTAGE=80 /MAP "
@@ -133,7 +133,7 @@ TEST(Plan, OfOneCaseALine) {
   ASSERT_TRUE(outcome.plan) << outcome.error;
   EXPECT_TRUE(dynamic_cast<TxtWzDlmLines*>(outcome.plan.get()));
   EXPECT_EQ(outcome.plan->fileName(), "quoted:d");
-  EXPECT_EQ(outcome.plan->errorMonitorHandle, &TestAdapter::Ignore);
+  EXPECT_EQ(outcome.plan->errorMonitorHandle, &PathAdapter::Ignore);
   EXPECT_EQ(outcome.plan->errorContext, &adapter);
   const ImportSettings& settings = outcome.Settings();
   EXPECT_EQ(settings.arrangement, kDelimitedLines);

@@ -13,6 +13,7 @@
 #include "HostFramework/DataSource.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "model/MessageText.h"
+#include "model/testing/TestAdapter.h"
 #include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard {
@@ -132,12 +133,11 @@ void Collect(const char* text, int kind) {
   if (onMessage) onMessage();
 }
 
-class TestAdapter : public DACAdapterBase {
+class TokenAdapter : public TestAdapter {
  public:
-  explicit TestAdapter(std::vector<Token> tokens) : tokens_(std::move(tokens)) {}
+  explicit TokenAdapter(std::vector<Token> tokens) : tokens_(std::move(tokens)) {}
   DACTokenSource* GetTokenSource() override { return &tokens_; }
   ErrorCallback GetErrorCallback() override { return &Collect; }
-  void* GetAdapterContext() override { return nullptr; }
   const std::string& ConvertFilePath(std::string& result, const std::string& input, bool) override {
     if (onPath) onPath();
     return result = input;
@@ -193,7 +193,7 @@ class ProcessDACSyntaxTest : public testing::Test {
   }
 
   bool Run(std::vector<Token> tokens) {
-    adapter_ = std::make_unique<TestAdapter>(std::move(tokens));
+    adapter_ = std::make_unique<TokenAdapter>(std::move(tokens));
     return ProcessDACSyntax(adapter_.get());
   }
 
@@ -211,7 +211,7 @@ class ProcessDACSyntaxTest : public testing::Test {
   }
 
   std::string path_;
-  std::unique_ptr<TestAdapter> adapter_;
+  std::unique_ptr<TokenAdapter> adapter_;
 };
 
 TEST_F(ProcessDACSyntaxTest, RegistersTheSourceOfAGoodCommand) {
@@ -327,14 +327,14 @@ TEST_F(ProcessDACSyntaxTest, WhateverTheBuildingThrowsIsMessage2269) {
                                             [] { throw "text"; }};
   for (const auto& thrower : throwers) {
     reported.clear();
-    TestAdapter adapter(Command());
+    TokenAdapter adapter(Command());
     adapter.onParameter = thrower;
     ExpectFailure(ProcessDACSyntax(&adapter), 2269, path_.c_str());
   }
 }
 
 TEST_F(ProcessDACSyntaxTest, WhatTheHostThrowsElsewhereDoesNotEscape) {
-  TestAdapter adapter(Command());
+  TokenAdapter adapter(Command());
   adapter.onPath = [] { throw std::bad_alloc(); };
   ExpectFailure(ProcessDACSyntax(&adapter), 2269, nullptr);
 }

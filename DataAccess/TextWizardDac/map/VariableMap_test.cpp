@@ -15,13 +15,13 @@ using namespace testing_support;
 Strings Map(const std::vector<TxtWzVar>& variables, std::int64_t cases = 0) {
   TestImport import("", Delimited(","), variables);
   import.source().NotePassEnd(cases, nullptr);
-  KeptMessages messages;
+  MessageKeeper messages;
   EmitMapOutput(&messages, import.source());
   for (const ErrorText& message : messages.messages) {
     EXPECT_EQ(message.kind, kMessageLog);
     EXPECT_EQ(message.value, 0);
   }
-  return messages.TextsOf(kMessageLog);
+  return messages.Texts(kMessageLog);
 }
 
 // The line of one variable.
@@ -107,7 +107,7 @@ TEST(VariableMap, WithoutAMonitorAPassCountsAndItsReportIsNotMadeUpFor) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_EQ(import.source().RowCount(), 3);
 
-  KeptMessages messages;
+  MessageKeeper messages;
   import.source().NotePassEnd(3, &messages);
   EXPECT_TRUE(messages.messages.empty()) << "no more cases than before";
   import.source().NotePassEnd(4, &messages);
@@ -116,7 +116,7 @@ TEST(VariableMap, WithoutAMonitorAPassCountsAndItsReportIsNotMadeUpFor) {
 }
 
 TEST(VariableMap, ALogLineGoesToTheMonitorAsItIs) {
-  KeptMessages messages;
+  MessageKeeper messages;
   ReportLogMessage(&messages, "100% of %s");
   ASSERT_EQ(messages.messages.size(), 1u);
   EXPECT_EQ(messages.messages[0].text, "100% of %s");

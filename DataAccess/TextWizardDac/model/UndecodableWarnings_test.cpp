@@ -10,20 +10,10 @@
 #include "HostFramework/embedded/messages/Catalogue.h"
 #include "HostFramework/embedded/text/testing/TextTest.h"
 #include "model/MessageText.h"
+#include "model/testing/MessageKeeper.h"
 
 namespace textwizard {
 namespace {
-
-class Kept : public ErrorMonitor {
- public:
-  void Report(const ErrorText& message) override {
-    EXPECT_EQ(message.kind, kMessageWarning);
-    EXPECT_EQ(message.value, 0);
-    texts.push_back(message.text);
-  }
-  void AttentionCheck(bool* attention) override { *attention = false; }
-  std::vector<std::string> texts;
-};
 
 struct Place {
   std::int64_t caseNumber;
@@ -33,7 +23,7 @@ struct Place {
 
 void ExpectWarnings(const std::vector<Place>& places) {
   UndecodableWarnings warnings;
-  Kept kept;
+  MessageKeeper kept;
   std::vector<std::string> expected;
   for (const Place& place : places) {
     warnings.Report(kept, place.caseNumber, place.position, place.count);
@@ -41,7 +31,9 @@ void ExpectWarnings(const std::vector<Place>& places) {
       expected.push_back(UndecodableWarning(place.caseNumber, place.position + i).text);
     }
   }
-  EXPECT_EQ(kept.texts, expected);
+  EXPECT_EQ(kept.Texts(kMessageWarning), expected);
+  EXPECT_EQ(kept.messages.size(), expected.size());
+  for (const ErrorText& message : kept.messages) EXPECT_EQ(message.value, 0);
 }
 
 const std::vector<Place> kPlaces = {{1, 0, 1},

@@ -103,6 +103,7 @@ void QANT_TextWizardIterator::Position() {
   }
   if (requestedCase_ == currentCase_) return;
   std::int64_t position = 0;
+  // Of a line, which may be within a case (docs/decisions.md).
   if (!index_.GetPos(requestedCase_, &currentCase_, &position)) return;
   DropRecord();
   reader_.SeekTo(position);

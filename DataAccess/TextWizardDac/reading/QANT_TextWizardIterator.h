@@ -82,7 +82,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   bool ProcessDlmLines();
   bool ProcessDlmCount();
   bool ProcessFixedLines();
-  // Read the text of one case for dictionary building; kEndOfDataText at the end of the data.
+  // Read the text of one case for dictionary building; kEndOfDataText at the end of the data. Of
+  // lines a copy is for a host that keeps it: detection asks NextLine.
   std::string ProcessDlmLinesBuffer();
   // The same text, valid until the next record is read.
   std::string_view NextLine();

@@ -227,15 +227,15 @@ TEST(TextWizardIterator, AMapIsWrittenAfterTheFirstWholePassOnly) {
   ImportSettings settings = Delimited(",");
   settings.mapRequested = true;
   TestImport import("1\nx\n", settings, {Number("A")});
-  KeptMessages first;
+  MessageKeeper first;
   EXPECT_EQ(import.Cases(&first).size(), 2u);
-  const Strings lines = first.TextsOf(kMessageLog);
+  const Strings lines = first.Texts(kMessageLog);
   ASSERT_EQ(lines.size(), 5u);
   EXPECT_EQ(lines[2], "1 variables and 2 cases written.");
   EXPECT_EQ(lines[3],
             "Variable: A                  Type: Number  Format : F8         "
             "One or more values were set to system-missing.");
-  KeptMessages second;
+  MessageKeeper second;
   EXPECT_EQ(import.Cases(&second).size(), 2u);
   EXPECT_TRUE(second.messages.empty());
 }
@@ -284,7 +284,7 @@ TEST(TextWizardIterator, AReadErrorIsPostedOnceAndEndsTheDataWithoutACount) {
   const auto faults = std::make_shared<embedded::StreamFaults>();
   TestImport import(kThreeCases, Delimited(","), {Number("A")}, faults);
   faults->failAt = 4;
-  KeptMessages messages;
+  MessageKeeper messages;
   QANT_TextWizardIterator iterator(import.source(), import.obs());
   iterator.SetErrorMonitor(&messages);
   EXPECT_EQ(NextCase(iterator, import), "1");
@@ -311,16 +311,16 @@ TEST(TextWizardIterator, AFileThatCannotBeOpenedAgainIsAReadError) {
   const auto faults = std::make_shared<embedded::StreamFaults>();
   TestImport import(kThreeCases, Delimited(","), {Number("A")}, faults);
   faults->duplicatesLeft = 0;
-  KeptMessages messages;
+  MessageKeeper messages;
   EXPECT_TRUE(import.Cases(&messages).empty());
-  EXPECT_EQ(messages.TextsOf(kMessageError).size(), 1u);
+  EXPECT_EQ(messages.Texts(kMessageError).size(), 1u);
 }
 
 TEST(TextWizardIterator, UndecodableBytesAreWarnedOfWithCaseAndPosition) {
   TestImport import("a,b\nc,d\xFF\n\xFE,e\n", Delimited(","), {String("A", 4), String("B", 4)});
-  KeptMessages messages;
+  MessageKeeper messages;
   EXPECT_EQ(import.Cases(&messages).size(), 3u);
-  const Strings warnings = messages.TextsOf(kMessageWarning);
+  const Strings warnings = messages.Texts(kMessageWarning);
   ASSERT_EQ(warnings.size(), 2u);
   const auto warning = [](int caseNumber, int position) {
     char text[256];
@@ -355,10 +355,10 @@ TEST(TextWizardIterator, ALogLineGoesToItsOwnMonitor) {
   TestImport import("", Delimited(","), {Number("A")});
   QANT_TextWizardIterator iterator(import.source(), import.obs());
   iterator.ReportLogMessage("nobody hears");
-  KeptMessages messages;
+  MessageKeeper messages;
   iterator.SetErrorMonitor(&messages);
   iterator.ReportLogMessage("line");
-  EXPECT_EQ(messages.TextsOf(kMessageLog), Strings{"line"});
+  EXPECT_EQ(messages.Texts(kMessageLog), Strings{"line"});
 }
 
 TEST(TextWizardIterator, AnImportWithoutValuesOrLinesHasNoCases) {

@@ -115,7 +115,7 @@ TEST(TextWizardSrc, TheMapIsWrittenWhenAPassFoundMoreCasesThanAnyBefore) {
   ImportSettings settings = Delimited(",");
   settings.mapRequested = true;
   TestImport import("", settings, {Number("A")});
-  KeptMessages messages;
+  MessageKeeper messages;
   import.source().NotePassEnd(0, &messages);
   EXPECT_EQ(messages.messages.size(), 5u);
   import.source().NotePassEnd(0, &messages);

@@ -4,23 +4,16 @@
 #include <string>
 #include <vector>
 
-#include "HostFramework/DACAdapter.h"
 #include "HostFramework/Messages.h"
+#include "model/testing/TestAdapter.h"
 
 namespace textwizard::engine_test {
 
 // One at a time.
-class TestAdapter : public DACAdapterBase {
+class KeepingAdapter : public TestAdapter {
  public:
-  TestAdapter() { Messages().clear(); }
-  DACTokenSource* GetTokenSource() override { return nullptr; }
+  KeepingAdapter() { Messages().clear(); }
   ErrorCallback GetErrorCallback() override { return &Keep; }
-  void* GetAdapterContext() override { return nullptr; }
-  const std::string& ConvertFilePath(std::string& result, const std::string& input, bool) override {
-    return result = input;
-  }
-  int GetSourceParamA() override { return 0; }
-  int GetSourceParamB() override { return 0; }
 
   struct Message {
     std::string text;

@@ -18,6 +18,7 @@
 #include "model/FormatCode.h"
 #include "model/ImportSettings.h"
 #include "model/TxtWzVar.h"
+#include "model/testing/MessageKeeper.h"
 #include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard::engine_test {
@@ -85,23 +86,6 @@ inline std::unique_ptr<QANT_TextWizardSrc> MakeSource(const std::string& path, i
   return source;
 }
 
-// Keeps every message.
-class RecordingMonitor : public ErrorMonitor {
- public:
-  void Report(const ErrorText& message) override { messages.push_back(message); }
-  void AttentionCheck(bool* attention) override { *attention = false; }
-
-  std::vector<std::string> Texts(std::uint8_t kind) const {
-    std::vector<std::string> texts;
-    for (const ErrorText& message : messages) {
-      if (message.kind == kind) texts.push_back(message.text);
-    }
-    return texts;
-  }
-
-  std::vector<ErrorText> messages;
-};
-
 // A case buffer for `source`.
 class CaseBuffer {
  public:
@@ -138,7 +122,7 @@ struct Pass {
 
 inline Pass ReadAll(const QANT_TextWizardSrc& source, QANT_InputCaseIterator& iterator,
                     const CaseBuffer& buffer) {
-  RecordingMonitor monitor;
+  MessageKeeper monitor;
   iterator.SetErrorMonitor(&monitor);
   Pass pass;
   while (iterator.Next()) pass.cases.push_back(buffer.Bytes());

@@ -7,9 +7,10 @@
 #include <string>
 
 #include "HostFramework/Messages.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "command/TxtWzParser.h"
 #include "model/MessageText.h"
+#include "model/testing/TestAdapter.h"
 
 namespace textwizard {
 
@@ -20,29 +21,17 @@ class Utf8Host : public testing::Environment {
 };
 inline testing::Environment* const kUtf8Host = testing::AddGlobalTestEnvironment(new Utf8Host);
 
-// Puts the host in another code page for as long as it lives.
-class InCodePage {
- public:
-  explicit InCodePage(const char* page) { EXPECT_TRUE(embedded::SetCodePage(page)); }
-  ~InCodePage() { embedded::SetCodePage(nullptr); }
-  InCodePage(const InCodePage&) = delete;
-  InCodePage& operator=(const InCodePage&) = delete;
-};
+using embedded::InCodePage;
 
-// An adapter that notes how the path was converted and hands out recognisable handles.
-class TestAdapter : public DACAdapterBase {
+// An adapter that notes how the path was converted and hands out a recognisable handle.
+class PathAdapter : public TestAdapter {
  public:
-  DACTokenSource* GetTokenSource() override { return nullptr; }
-  ErrorCallback GetErrorCallback() override { return &Ignore; }
   void* GetAdapterContext() override { return this; }
   const std::string& ConvertFilePath(std::string& result, const std::string& input,
                                      bool unquoted) override {
     result = (unquoted ? "plain:" : "quoted:") + input;
     return result;
   }
-  int GetSourceParamA() override { return 0; }
-  int GetSourceParamB() override { return 0; }
-  static void Ignore(const char*, int) {}
 };
 
 struct Outcome {

@@ -14,27 +14,13 @@
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "model/FormatCode.h"
+#include "model/testing/MessageKeeper.h"
 #include "reading/QANT_TextWizardIterator.h"
 #include "source/QANT_TextWizardSrc.h"
 
 namespace textwizard::testing_support {
 
 inline constexpr const char* kPath = "data.txt";
-
-// Keeps every message.
-class KeptMessages : public ErrorMonitor {
- public:
-  void Report(const ErrorText& message) override { messages.push_back(message); }
-  void AttentionCheck(bool* attention) override { *attention = false; }
-  std::vector<std::string> TextsOf(int kind) const {
-    std::vector<std::string> texts;
-    for (const ErrorText& message : messages) {
-      if (message.kind == kind) texts.push_back(message.text);
-    }
-    return texts;
-  }
-  std::vector<ErrorText> messages;
-};
 
 inline TxtWzVar MakeVar(const char* name, std::uint32_t format, std::uint32_t width,
                         std::int32_t decimals = 0) {
