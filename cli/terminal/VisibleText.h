@@ -19,8 +19,8 @@ std::string VisibleText(std::string_view text, std::size_t columns = std::string
 // what joins the character before it.
 std::size_t DisplayWidth(std::string_view visible);
 
-// A visible text in lines of at most `width` columns, broken at blanks, each with a line feed; those
-// behind the first are indented. A longer word has a line of its own.
+// A visible text in lines of at most `width` columns, broken at blanks, each with a line feed;
+// those behind the first are indented. A longer word has a line of its own.
 std::string WrappedText(std::string_view visible, std::size_t width);
 
 }  // namespace cli
