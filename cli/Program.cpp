@@ -16,6 +16,8 @@
 #include "cli/Version.h"
 #include "cli/import/ImportSubcommand.h"
 #include "cli/run/RunSubcommand.h"
+#include "cli/wizard/WizardSubcommand.h"
+#include "cli/wizard/work/Worker.h"
 
 namespace cli {
 namespace {
@@ -29,6 +31,7 @@ constexpr char kExamples[] = R"(Examples:
   textwizard run --help
   textwizard preview survey.csv
   textwizard sniff survey.csv
+  textwizard wizard survey.csv
 )";
 
 // Gives each standard stream that was closed a descriptor on which it fails, so that no file which
@@ -74,6 +77,8 @@ int ParseAndRun(int argc, char** argv) {
   AddRun(program, &status);
   AddPreview(program, &status);
   AddSniff(program, &status);
+  AddWizard(program, &status);
+  AddWizardWorker(program, &status);
   try {
     program.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

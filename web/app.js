@@ -18,6 +18,7 @@ export const state = {
   rawFirst: 1,
   head: null, // cases of the head
   types: null, // columns, growing
+  options: [], // of `textwizard run`, that go with the command
   final: false,
   job: null, // of the types, or of the import
   result: null,
@@ -84,7 +85,7 @@ async function readTypes(now) {
     if (now !== round) return;
     state.types = answer.columns;
     state.final = final;
-    if (answer.command && document.activeElement !== byId('command')) setCommand(answer.command);
+    if (answer.command) setCommand(answer.command, answer.options);
     steps[3]();
     steps[4]();
   };
@@ -131,8 +132,8 @@ async function refresh(what) {
     state.raw = records.records;
     state.head = head.cases;
     state.encodings = others.encodings;
-    state.types = sniffed.reading.columns;
-    if (sniffed.command) setCommand(sniffed.command);
+    state.types = head.columns;
+    setCommand(head.command, head.options);
     render();
     await readTypes(now);
   } catch (error) {
@@ -177,13 +178,13 @@ export async function showRawFrom(first) {
   }
 }
 
-export async function startImport(outputs, options) {
+export async function startImport(outputs, replace) {
   const now = restart();
   Object.assign(state, { importing: true, result: null, problems: null });
   alertText('alert', null);
   render();
   try {
-    const { job } = await ask('api/import', { command: byId('command').value, outputs, options });
+    const { job } = await ask('api/import', { command: byId('command').value, options: state.options, outputs, replace });
     state.job = job;
     const done = await follow(job, (progress) => showProgress(progress, 'Importing'));
     state.result = done === null ? { cancelled: true } : done;
@@ -209,7 +210,8 @@ export async function loadProblems(variable, offset, job = state.problems?.job) 
 
 let saidCommand = '';
 
-function setCommand(text) {
+function setCommand(text, options) {
+  state.options = options;
   const area = byId('command');
   const edited = area.value !== saidCommand;
   saidCommand = text;
@@ -233,7 +235,7 @@ byId('revert').addEventListener('click', () => {
 });
 byId('apply').addEventListener('click', async () => {
   try {
-    const answer = await ask('api/command', { command: byId('command').value });
+    const answer = await ask('api/command', { command: byId('command').value, options: state.options });
     alertText('command-error', null);
     saidCommand = byId('command').value;
     commandEdited();

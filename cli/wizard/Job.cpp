@@ -8,10 +8,20 @@ void Job::Progress(const nlohmann::json& data) {
   {
     const sfGuard guard(mutex_);
     if (ended_) return;
-    latest_ = {"progress", data.dump()};
+    latest_ = {"progress", TextOf(data)};
     ++count_;
   }
   told_.notify_all();
+}
+
+void Job::Keep(std::shared_ptr<const JobResult> result) {
+  const sfGuard guard(mutex_);
+  result_ = std::move(result);
+}
+
+std::shared_ptr<const JobResult> Job::result() {
+  const sfGuard guard(mutex_);
+  return result_;
 }
 
 void Job::End(JobEvent event) {

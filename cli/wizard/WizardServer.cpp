@@ -256,9 +256,11 @@ void WizardServer::ServeJob(const std::string& rest, const httplib::Request& req
     job->Cancel();
     return response.set_content("{}", "application/json");
   }
-  const nlohmann::json answer =
-      service_.AboutJob(number, name, nlohmann::json::parse(request.body));
-  response.set_content(answer.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace),
+  const auto result = job->result();
+  const auto answer =
+      result ? result->Answer(name, nlohmann::json::parse(request.body)) : std::nullopt;
+  if (!answer) return Refuse(response, 404, "There is no such request.");
+  response.set_content(answer->dump(-1, ' ', false, nlohmann::json::error_handler_t::replace),
                        "application/json");
 }
 

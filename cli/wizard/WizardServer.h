@@ -39,8 +39,8 @@ class RequestRefused : public std::runtime_error {
 // {"error": {...}} as the page understands it.
 nlohmann::json ErrorJson(const RequestRefused& error);
 
-// What the server does for the page. Answer and Work are called on the server's threads, several at
-// the same time; each may throw RequestRefused.
+// What the server does for the page. Called on the server's threads, several at the same time; each
+// may throw RequestRefused.
 class WizardService {
  public:
   virtual ~WizardService() = default;
@@ -50,8 +50,6 @@ class WizardService {
   // The work of the request `name` ("types", "import"), which goes on behind its answer; null when
   // it knows none of that name. The work ends the job, or throws.
   virtual std::function<void(Job&)> Work(std::string_view name, const nlohmann::json& body) = 0;
-  // Answers a question about a job's result.
-  virtual nlohmann::json AboutJob(int job, std::string_view name, const nlohmann::json& body) = 0;
 };
 
 // Listens on the loopback interface only. Made, started and stopped by one thread.

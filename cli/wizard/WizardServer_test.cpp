@@ -14,6 +14,15 @@ namespace {
 
 using nlohmann::json;
 
+// Knows one question.
+class EchoResult : public JobResult {
+ public:
+  std::optional<json> Answer(std::string_view name, const json& question) const override {
+    if (name != "problems") return std::nullopt;
+    return json{{"name", name}, {"question", question}};
+  }
+};
+
 // Answers what it was asked.
 class EchoService : public WizardService {
  public:
@@ -26,6 +35,7 @@ class EchoService : public WizardService {
     if (name == "count") {
       return [to = body.at("to").get<int>()](Job& job) {
         for (int i = 1; i <= to; ++i) job.Progress({{"at", i}});
+        job.Keep(std::make_shared<EchoResult>());
         job.Done({{"counted", to}});
       };
     }
@@ -37,9 +47,6 @@ class EchoService : public WizardService {
     }
     if (name == "fail") return [](Job&) { throw RequestRefused("could not"); };
     return nullptr;
-  }
-  json AboutJob(int job, std::string_view name, const json&) override {
-    return {{"job", job}, {"name", name}};
   }
 };
 
@@ -284,8 +291,9 @@ TEST_F(WizardServerTest, AJobTellsItsEventsAndItsEnd) {
       Get("/api/jobs/" + std::to_string(job) + "/events", "Cookie: " + cookie_ + "\r\n");
   EXPECT_NE(events.find("text/event-stream"), std::string::npos);
   EXPECT_NE(events.find("event: done\ndata: {\"counted\":5}"), std::string::npos) << events;
-  EXPECT_EQ(Body(Post("/api/jobs/" + std::to_string(job) + "/problems", "{}")).at("name"),
-            "problems");
+  const std::string about = "/api/jobs/" + std::to_string(job);
+  EXPECT_EQ(Body(Post(about + "/problems", R"({"offset":3})")).at("question").at("offset"), 3);
+  EXPECT_EQ(Status(Post(about + "/secrets", "{}")), 404);
 }
 
 TEST_F(WizardServerTest, AJobCanBeCancelledAndAFailureIsTold) {
@@ -299,6 +307,7 @@ TEST_F(WizardServerTest, AJobCanBeCancelledAndAFailureIsTold) {
   const int failing = Body(Post("/api/fail", "{}")).at("job");
   EXPECT_NE(Get("/api/jobs/" + std::to_string(failing) + "/events", cookie).find("could not"),
             std::string::npos);
+  EXPECT_EQ(Status(Post("/api/jobs/" + std::to_string(failing) + "/problems", "{}")), 404);
   EXPECT_EQ(Status(Get("/api/jobs/99/events", cookie)), 404);
   EXPECT_EQ(Status(Get("/api/jobs/-1/events", cookie)), 404);
   EXPECT_EQ(Status(Get("/api/jobs/99999999999999999999/events", cookie)), 404);

@@ -41,6 +41,7 @@ class Understanding {
   bool Summarize(const RewritingOptions& rewriting, QuotePosition* totals);
   bool SettleRewriting(const QuotePosition& totals);
   bool Clashes(const QuotePosition& totals) const;
+  bool SetTypes();
   bool ChooseFormats();
   bool FitGivenType(std::size_t column);
   void RestoreTexts();
@@ -69,13 +70,13 @@ bool Understanding::Look() {
   const std::unique_ptr<FileSource> source = FileSource::Open(path_, &problem_);
   if (source == nullptr) return false;
   SniffSettings sniff = settings_.sniff;
-  if (settings_.sampleLines > 0) sniff.sampleLines = settings_.sampleLines;
+  if (settings_.sampleLines > 0 && !settings_.firstLook) sniff.sampleLines = settings_.sampleLines;
   return Sniff(*source, sniff, &import_.sniff, &problem_);
 }
 
 bool Understanding::NameColumns() {
   for (const SniffColumn& column : import_.sniff.columns) {
-    import_.columns.push_back({column.name, column.label, {}, false});
+    import_.columns.push_back({column.name, column.label, {}, false, false});
   }
   if (!settings_.names.empty() && settings_.names.size() != import_.columns.size()) {
     problem_ = fmt::format("{} name{} for {} column{}", settings_.names.size(),
@@ -113,6 +114,8 @@ bool Understanding::ReadGivenTypes() {
       problem_ = fmt::format("there is no column {}", name);
       return false;
     }
+    found->skipped = text == "X" || text == "x";
+    if (found->skipped) continue;
     GivenFormat format;
     if (!ReadGivenFormat(text, &format, &problem_)) return false;
     given_[static_cast<std::size_t>(found - import_.columns.begin())] = format;
@@ -147,14 +150,24 @@ bool Understanding::Summarize(const RewritingOptions& rewriting, QuotePosition* 
       settings_.progress(bytes, summary.end - summary.begin);
     };
   }
+  if (settings_.grown) {
+    summary.grown = [&](const PartSummary& soFar) {
+      import_.summary = soFar;
+      if (!SetTypes()) return;
+      RestoreTexts();
+      settings_.grown(import_);
+    };
+  }
   if (embedded::AttentionRequested()) return false;
   if (settings_.partBytes > 0) summary.partBytes = settings_.partBytes;
+  PartSummary whole;
   const bool read = settings_.summarize
-                        ? settings_.summarize(summary, rewriting, mark, &import_.summary, &problem_)
-                        : SummarizeFile(summary, &import_.summary, &problem_);
+                        ? settings_.summarize(summary, rewriting, mark, &whole, &problem_)
+                        : SummarizeFile(summary, &whole, &problem_);
   if (!read) return false;
+  import_.summary = std::move(whole);
   *totals = {};
-  if (shown != nullptr && !shown->Totals(totals)) {
+  if (shown != nullptr && !settings_.firstLook && !shown->Totals(totals)) {
     problem_ = "reading the file failed";
     return false;
   }
@@ -174,7 +187,7 @@ bool Understanding::Clashes(const QuotePosition& totals) const {
 // What of the rewriting the file needs, once it was read with it.
 bool Understanding::SettleRewriting(const QuotePosition& totals) {
   RewritingOptions& rewriting = cut_.rewriting;
-  if (rewriting.RewritesBytes()) {
+  if (rewriting.RewritesBytes() && !settings_.firstLook) {
     if (!rewriting.backslashEscapes && totals.joinedLines == 0) rewriting.joinQuotedLines = false;
     if (totals.strays == 0) rewriting.keepStrayQualifiers = false;
   }
@@ -194,7 +207,7 @@ bool Understanding::ReadData() {
     cut_.rewriting.joinQuotedLines = false;
     if (!Summarize(cut_.rewriting, &totals)) return false;
   }
-  if (cut_.rewriting.RewritesBytes() && Clashes(totals)) {
+  if (cut_.rewriting.RewritesBytes() && !settings_.firstLook && Clashes(totals)) {
     ControlSet held;
     for (std::size_t i = 0; i < held.size(); ++i) held[i] = import_.summary.controls[i] > 0;
     const std::optional<StandIns> others = ChooseStandIns(held);
@@ -230,7 +243,8 @@ bool Understanding::FitGivenType(std::size_t column) {
   return true;
 }
 
-bool Understanding::ChooseFormats() {
+// Chooses the columns' types by the summary.
+bool Understanding::SetTypes() {
   const bool fixed = cut_.cut.settings.arrangement == textwizard::kFixedColumns;
   TypeSettings types;
   types.leastShare = settings_.leastShare;
@@ -254,6 +268,11 @@ bool Understanding::ChooseFormats() {
   for (std::size_t i = 0; i < import_.columns.size(); ++i) {
     import_.columns[i].type = import_.types.columns[i];
   }
+  return true;
+}
+
+bool Understanding::ChooseFormats() {
+  if (!SetTypes()) return false;
   import_.host = cut_.host;
   import_.host.decimal = import_.types.decimal;
   return SetHost(import_.host, &problem_);
@@ -302,8 +321,11 @@ bool Understanding::WriteCommand() {
       variable.format = import_.columns[column].type.format;
       variable.from = field.start;
       variable.to = field.start + field.width - 1;
+      variable.skipped = import_.columns[column].skipped;
       ++column;
     }
+    // Of fixed columns those are named that are wanted.
+    if (variable.skipped && command.import.arrangement == textwizard::kFixedColumns) continue;
     command.variables.push_back(std::move(variable));
   }
   import_.command = CommandText(command);

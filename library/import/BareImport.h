@@ -18,16 +18,23 @@
 
 namespace library {
 
+struct BareImport;
+
 struct BareImportSettings {
   SniffSettings sniff;
   // Of all columns, or none: names given instead of found (UTF-8).
   std::vector<std::string> names;
   // Formats given instead of found, by name: "F8.2", "ADATE"; without a width they fit the values.
+  // "X" leaves the column out.
   std::vector<std::pair<std::string, std::string>> types;
   // Texts that mean a missing number.
   std::vector<std::string> nulls;
   // Types from the first lines only; 0: from all.
   std::int64_t sampleLines = 0;
+  // A first look: nothing but the sample's lines is read of the data, so that this takes the same
+  // time for every size. What only the whole file shows is left open: quotes that run on, stand-ins
+  // that occur. How the file is built is found as if all of it were read.
+  bool firstLook = false;
   // Share of a column's values that its format has to read, in percent.
   double leastShare = 95.0;
   // 0: one a processor.
@@ -41,6 +48,9 @@ struct BareImportSettings {
       summarize;
   // Told now and then how many bytes of how many were read.
   std::function<void(std::int64_t bytes, std::int64_t size)> progress;
+  // Told now and then, while all values are read: the columns, their types and the summary as the
+  // first lines of the data have them.
+  std::function<void(const BareImport& soFar)> grown;
 };
 
 struct BareColumn {
@@ -49,6 +59,8 @@ struct BareColumn {
   std::string label;
   ChosenType type;
   bool typeGiven = false;
+  // Left out of the import.
+  bool skipped = false;
 };
 
 struct BareImport {

@@ -303,6 +303,53 @@ TEST_F(ABareImport, TypesOfASampleAreOfItsLinesOnly) {
   EXPECT_EQ(Cases().size(), 4U) << "all cases are read";
 }
 
+TEST_F(ABareImport, AFirstLookReadsTheSampleAndSniffsTheWhole) {
+  std::string text = "id,note\n";
+  for (int i = 0; i < 300; ++i) text += std::to_string(i % 10) + ",\"a b\"\n";
+  text += "1234567,\"two\nlines\"\n";
+  settings_.firstLook = true;
+  settings_.sampleLines = 50;
+  ASSERT_TRUE(Understand(text)) << problem_;
+  EXPECT_EQ(FormatText(import_.columns[0].type.format), "F1");
+  EXPECT_EQ(import_.summary.records, 49);
+  EXPECT_EQ(import_.sniff.lineBreaksInQuotes.count, 1);
+  EXPECT_TRUE(import_.rewriting.joinQuotedLines);
+}
+
+TEST_F(ABareImport, ASkippedColumnIsCountedAndLeftOut) {
+  settings_.types = {{"b", "X"}};
+  ASSERT_TRUE(Understand("a,b,c\n1,x,3\n4,y,6\n")) << problem_;
+  EXPECT_TRUE(import_.columns[1].skipped);
+  EXPECT_EQ(import_.summary.columns[1].values(), 2);
+  EXPECT_THAT(import_.command, HasSubstr("a F1\n    b X1\n    c F1."));
+  EXPECT_THAT(Cases(), ElementsAre(ElementsAre("1", "3"), ElementsAre("4", "6")));
+}
+
+TEST_F(ABareImport, ASkippedFixedColumnIsNotNamed) {
+  settings_.sniff.fixed = {{1, 2}, {3, 5}, {6, 7}};
+  settings_.names = {"a", "b", "c"};
+  settings_.types = {{"b", "x"}};
+  ASSERT_TRUE(Understand("12abc34\n56def78\n")) << problem_;
+  EXPECT_THAT(import_.command, Not(HasSubstr(" b ")));
+  EXPECT_THAT(Cases(), ElementsAre(ElementsAre("12", "34"), ElementsAre("56", "78")));
+}
+
+TEST_F(ABareImport, TellsWhatItKnowsSoFar) {
+  std::string text = "id,name\n";
+  for (int i = 0; text.size() < (std::size_t{24} << 20); ++i) {
+    text += std::to_string(i) + ",some name that is rather long\n";
+  }
+  std::int64_t told = 0;
+  settings_.grown = [&](const BareImport& soFar) {
+    EXPECT_GT(soFar.summary.records, told);
+    told = soFar.summary.records;
+    EXPECT_EQ(soFar.columns.size(), 2U);
+    EXPECT_EQ(FormatText(soFar.columns[1].type.format), "A29");
+  };
+  ASSERT_TRUE(Understand(text)) << problem_;
+  EXPECT_GE(import_.summary.records, told);
+}
+
 TEST_F(ABareImport, NullTextsAreGiven) {
   settings_.nulls = {"-99", "none"};
   ASSERT_TRUE(Understand("id,x\n1,5\n2,-99\n3,none\n4,7\n")) << problem_;

@@ -73,10 +73,10 @@ void AppendVariables(const CommandSettings& settings, std::string* text) {
   std::string line;
   for (const CommandVariable& variable : settings.variables) {
     if (variable.skipped) {
-      std::string name;
-      do {
+      std::string name = variable.name;
+      while (name.empty() || (name != variable.name && taken.count(name) > 0)) {
         name = fmt::format("SKIPPED_{}", ++skipped);
-      } while (taken.count(name) > 0);
+      }
       line = name + " X1";
     } else if (fixed) {
       line = fmt::format("{} {}-{} {}", variable.name, variable.from, variable.to,

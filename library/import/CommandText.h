@@ -14,7 +14,7 @@ struct CommandVariable {
   // Host text; a name that the host accepts.
   std::string name;
   ChosenFormat format;
-  // A field that is passed over: name and format play no part.
+  // A field that is passed over, of that name, or of one that nobody has where it is empty.
   bool skipped = false;
   // Fixed columns: bytes of the record, from 0, both ends included.
   std::uint32_t from = 0;

@@ -71,6 +71,14 @@ class Gathering {
                            SF_REQUIRES(mutex_) { return stop_.load() != 0 || gathered_ == parts_; };
     return done_.wait_for(mutex_, kPatience, ended);
   }
+  // Copies what is gathered, unless it is what the latest call copied.
+  bool Look(PartSummary* soFar) {
+    const sfGuard guard(mutex_);
+    if (gathered_ == looked_) return false;
+    looked_ = gathered_;
+    *soFar = *summary_;
+    return true;
+  }
   const std::atomic<std::int32_t>* stop() const { return &stop_; }
   const char* problem() {
     const sfGuard guard(mutex_);
@@ -88,6 +96,7 @@ class Gathering {
   std::map<std::int64_t, PartSummary> waiting_ SF_GUARDED_BY(mutex_);
   std::int64_t taken_ SF_GUARDED_BY(mutex_) = 0;
   std::int64_t gathered_ SF_GUARDED_BY(mutex_) = 0;
+  std::int64_t looked_ SF_GUARDED_BY(mutex_) = 0;
   const char* problem_ SF_GUARDED_BY(mutex_) = nullptr;
   std::atomic<std::int32_t> stop_{0};
 };
@@ -177,6 +186,8 @@ bool Run(const FileSummarySettings& settings, PartSummary* summary, std::string*
     std::int64_t bytes = 0;
     for (const auto& summarizer : summarizers) bytes += summarizer->bytesRead();
     if (settings.progress) settings.progress(bytes);
+    PartSummary soFar;
+    if (settings.grown && gathering.Look(&soFar)) settings.grown(soFar);
   }
   summarizers.clear();
   if (gathering.problem() == nullptr) return true;

@@ -32,6 +32,9 @@ struct FileSummarySettings {
   std::int64_t partBytes = std::int64_t{4} << 20;
   // Told now and then, on the caller's thread, how many bytes were read.
   std::function<void(std::int64_t bytes)> progress;
+  // Told now and then, on the caller's thread, what the parts come to that were read one behind the
+  // other from the first on; not when that has not changed.
+  std::function<void(const PartSummary& soFar)> grown;
 };
 
 // Sums the data up; lines are those of the file. The same for any number of threads and size of

@@ -69,6 +69,11 @@ class ProgramTest : public testing::Test {
     return {StatusOf(waited), streams_.Text("out"), streams_.Text("err")};
   }
 
+  // What a program that still runs has printed so far.
+  std::string Printed() const {
+    return std::filesystem::exists(streams_ / "out") ? streams_.Text("out") : std::string();
+  }
+
   Ended Run(const std::vector<std::string>& arguments, const std::string& input = "") const {
     return Wait(Start(arguments, input));
   }

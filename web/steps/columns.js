@@ -87,7 +87,7 @@ export function showColumns() {
   const columns = state.types.slice(0, mostColumns);
   const left = state.types.length - columns.length;
   fill(byId('columns-body'),
-    el('p', { class: 'quiet', id: 'types-state' }, state.final ? 'Types are final: the whole file was read.' : 'Types of the head of the file; the whole file is being read.'),
+    el('p', { class: 'quiet', id: 'types-state', data: { final: state.final } }, state.final ? 'Types are final: the whole file was read.' : 'Types of the head of the file; the whole file is being read.'),
     el('datalist', { id: 'formats' }, formats.map((format) => el('option', { value: format }))),
     el('div', { class: 'scroll', tabindex: '0', role: 'region', 'aria-label': 'Columns and first cases' },
       el('table', { class: 'cases' },
