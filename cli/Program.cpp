@@ -15,6 +15,7 @@
 #include "cli/Sniff.h"
 #include "cli/Version.h"
 #include "cli/import/ImportSubcommand.h"
+#include "cli/parts/PartSubcommands.h"
 #include "cli/run/RunSubcommand.h"
 #include "cli/wizard/WizardSubcommand.h"
 #include "cli/wizard/work/Worker.h"
@@ -75,6 +76,7 @@ int ParseAndRun(int argc, char** argv) {
   program.require_subcommand(1);
   AddImport(program, &status);
   AddRun(program, &status);
+  AddMerge(program, &status);
   AddPreview(program, &status);
   AddSniff(program, &status);
   AddWizard(program, &status);

@@ -115,6 +115,7 @@ int FileImport::Understand() {
   library::BareImportSettings settings = options_.settings;
   settings.nulls = run_.report.nullTexts;
   settings.threads = run_.workers;
+  settings.partBytes = run_.parts.partBytes;
   StageProgress progress(console_, "finding types");
   settings.progress = [&](std::int64_t bytes, std::int64_t size) { progress.Tick(bytes, size); };
   std::string problem;

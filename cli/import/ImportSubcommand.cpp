@@ -7,6 +7,7 @@
 
 #include "cli/import/FileImport.h"
 #include "cli/import/ImportOptions.h"
+#include "cli/parts/PartSubcommands.h"
 #include "cli/run/SharedOptions.h"
 #include "library/sniff/CharacterRanges.h"
 
@@ -124,6 +125,27 @@ void AddColumnOptions(CLI::App& command, const Options& options) {
       ->group(kGroup);
 }
 
+// The file, or one of the steps by which several import it.
+int Import(const Options& options, RunOptions run, const PartStep& step) {
+  const bool isPart = run.parts.single.has_value();
+  if (isPart) {
+    if (run.commandOutput.empty()) throw CLI::RequiredError("--command, which --part reads,");
+    if (!options->file.empty()) {
+      throw CLI::ValidationError("FILE", "the command of --part names it");
+    }
+    run.commandFile = run.commandOutput;
+    run.commandOutput.clear();
+    return RunPart(run);
+  }
+  if (options->file.empty()) throw CLI::RequiredError("FILE");
+  if (step.summarized.count == 0) return ImportFile(*options);
+  if (options->settings.sampleLines > 0) {
+    throw CLI::ValidationError("--parts",
+                               "the summary of a part is of all its lines, not of --sample");
+  }
+  return SummarizePart(*options, step);
+}
+
 }  // namespace
 
 void AddImport(CLI::App& program, int* status) {
@@ -132,9 +154,10 @@ void AddImport(CLI::App& program, int* status) {
   // Shares the life of the whole.
   const std::shared_ptr<RunOptions> run(options, &options->run);
 
+  const auto step = std::make_shared<PartStep>();
+
   import->add_option("FILE", options->file, "The data, also compressed; - is standard input")
-      ->type_name("FILE|-")
-      ->required();
+      ->type_name("FILE|-");
   AddOutputOptions(*import, run);
   import->add_option("--command", run->commandOutput, "Write the GET DATA command")
       ->type_name("FILE|-")
@@ -148,13 +171,19 @@ void AddImport(CLI::App& program, int* status) {
       ->type_name("labels|variables")
       ->check(CLI::IsMember({"labels", "variables"}).description(""))
       ->group("Outputs");
-AddFileOptions(*import, options);
-AddColumnOptions(*import, options);
+AddBareFileOptions(*import, options);
 AddDisplayOptions(*import, run);
+AddSummaryOptions(*import, run, step);
+AddPartOptions(*import, run);
 import->footer(kExamples);
-  import->callback([options, status] { *status = ImportFile(*options);
+  import->callback([options, run, step, status] { *status = Import(options, *run, *step);
   }  // namespace cli
 );
+}
+
+void AddBareFileOptions(CLI::App& command, const std::shared_ptr<ImportOptions>& options) {
+  AddFileOptions(command, options);
+  AddColumnOptions(command, options);
 }
 
 }  // namespace cli

@@ -26,6 +26,15 @@ std::vector<std::string> Listed(const std::string& list) {
 
 }  // namespace
 
+void AddNullTexts(CLI::App& command, ReportOptions& options) {
+  command
+      .add_option_function<std::string>(
+          "--null", [&options](const std::string& list) { options.nullTexts = Listed(list); },
+          "Texts that mean a missing number (default: NA,N/A,NULL,null,NaN,nan,.,-)")
+      ->type_name("TEXT,...")
+      ->group("Reading");
+}
+
 void AddReportOptions(CLI::App& command, ReportOptions& options) {
   command
       .add_option("--problems", options.problems,
@@ -66,12 +75,7 @@ void AddReportOptions(CLI::App& command, ReportOptions& options) {
       .add_flag("--verify", options.verify,
                 "Read twice, in different ways, and compare cases, problems and ledger")
       ->group("Problems");
-  command
-      .add_option_function<std::string>(
-          "--null", [&options](const std::string& list) { options.nullTexts = Listed(list); },
-          "Texts that mean a missing number (default: NA,N/A,NULL,null,NaN,nan,.,-)")
-      ->type_name("TEXT,...")
-      ->group("Reading");
+  AddNullTexts(command, options);
   command
       .add_flag("--keep-stray-qualifiers", options.keepStrayQualifiers,
                 "A qualifier inside an unqualified field is a character of it")

@@ -35,6 +35,8 @@ struct ReportOptions {
 
 // Adds the options to `command`; parsing fills `options`, which outlives it.
 void AddReportOptions(CLI::App& command, ReportOptions& options);
+// One of them: --null.
+void AddNullTexts(CLI::App& command, ReportOptions& options);
 
 // The format of the problems: what was asked for, or the one that the file's ending names; CSV for
 // standard output. Nothing when the ending names none.

@@ -11,6 +11,7 @@
 #include "library/import/RewritingOptions.h"
 #include "library/outputs/CaseWriter.h"
 #include "library/outputs/CasesFile.h"
+#include "library/parts/PartOptions.h"
 
 namespace cli {
 
@@ -42,6 +43,9 @@ struct RunOptions {
   std::string byteOrderMark;  // shown to the component where the file lacks it
   int workers = 0;            // 0: one per processor
   std::optional<unsigned> seed;
+  // Part after part, or one part alone; then summaries (files) of what stands before it.
+  library::PartOptions parts = {};
+  std::vector<std::string> before = {};
 
   // What is shown.
   long long show = 10;

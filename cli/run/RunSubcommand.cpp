@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/run/CommandFileRunner.h"
+#include "cli/parts/PartSubcommands.h"
 #include "cli/run/RunOptions.h"
 #include "cli/run/SharedOptions.h"
 
@@ -81,8 +81,9 @@ void AddRun(CLI::App& program, int* status) {
       ->group("Reading");
 
   AddDisplayOptions(*run, options);
+  AddPartOptions(*run, options);
   run->footer(kExamples);
-  run->callback([options, status] { *status = RunCommandFile(*options); });
+  run->callback([options, status] { *status = RunPart(*options); });
 }
 
 }  // namespace cli

@@ -79,7 +79,8 @@ class SingleCommand {
                  .rewriting = RewritingOf(options_),
                  .shownMark = options_.byteOrderMark,
                  .standIns = context.found != nullptr ? context.found->standIns : std::nullopt,
-                 .files = context.found != nullptr ? &context.found->files : nullptr},
+                 .files = context.found != nullptr ? &context.found->files : nullptr,
+                 .parts = options_.parts},
                 context.messages) {}
 
   CommandEnd Run(const embedded::ParsedCommand& command);
@@ -217,7 +218,10 @@ CommandEnd SingleCommand::ReadCases(FirstCases& firstCases) {
     read = import_.Read(reader);
   }
   context_.messages.EndCommand();
-  if (read == ImportEnd::kDone) AdviseOnCases(edges);
+  if (const std::string why = import_.uncut(); !why.empty()) {
+    context_.messages.Post("the cases are read as one part: " + why, kMessageWarning);
+  }
+  if (read == ImportEnd::kDone && !options_.parts.single) AdviseOnCases(edges);
   writeSeconds_ = report_.watch().sinkSeconds();
   if (read == ImportEnd::kDone) report_.Add(outputs_.End());
   report_.End();

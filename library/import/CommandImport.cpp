@@ -103,7 +103,14 @@ ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
     if (restoring_) observer = restoring_.get();
     std::optional<ScopedStretches> stretches;
     if (options_.parts.cuts()) {
-      parted_ = std::make_unique<PartedReading>(options_.parts, observer);
+      PartOptions parts = options_.parts;
+      if (parts.single) {
+        // The mark that is shown stands in front of the file's first byte.
+        const auto mark = static_cast<std::int64_t>(options_.shownMark.size());
+        PartRange& range = parts.single->range;
+        range = {range.from == 0 ? 0 : range.from + mark, range.to + mark};
+      }
+      parted_ = std::make_unique<PartedReading>(parts, observer);
       observer = &parted_->observer();
       stretches.emplace(parted_->view());
     }

@@ -198,6 +198,10 @@ bool PlanPart(const QANT_FileStream& stream, const textwizard::ImportSettings& s
     *problem = "cases of no values, or of more than 65,536 lines or values, are not read in parts";
     return false;
   }
+  if (before != nullptr && before->unitsPerCase != units) {
+    *problem = "what stands before the part was counted by cases of another number of lines";
+    return false;
+  }
   return Planning(stream, settings, units).RunSingle(part, before, plan, problem);
 }
 
