@@ -11,7 +11,7 @@ const formats = ['F8.2', 'COMMA10.2', 'DOT10.2', 'DOLLAR10.2', 'PCT6.1', 'E10.3'
 const isText = (format) => /^A\d/.test(format ?? '');
 
 function quality(column) {
-  const parts = [['read', 'read'], ['empty', 'empty'], ['unreadable', 'unreadable'], ['cut', 'cut']];
+  const parts = [['read', 'read'], ['empty', 'empty'], ['null', 'null'], ['unreadable', 'unreadable']];
   const all = parts.reduce((sum, [key]) => sum + (column[key] ?? 0), 0);
   if (!all) return null;
   const said = parts.filter(([key]) => column[key]).map(([key, name]) => `${count(column[key])} ${name}`).join(', ');
@@ -19,7 +19,21 @@ function quality(column) {
     el('div', { class: 'quality', role: 'img', 'aria-label': said, title: said },
       parts.filter(([key]) => column[key]).map(([key]) => el('span', { class: key, style: `flex-grow:${column[key]}` }))),
     el('div', { class: 'small' }, said),
-    column.offending ? el('div', { class: 'small bad-value' }, `line ${count(column.offending.line)}: `, el('bdi', {}, ...visible(column.offending.text))) : null);
+    column.offending ? el('div', { class: 'small bad-value' }, `line ${count(column.offending.line)}: `, el('bdi', {}, ...visible(column.offending.text))) : null,
+    column.longest ? el('div', { class: 'small bad-value' }, `cut: line ${count(column.longest.line)} has ${count(column.longest.count)} bytes`) : null);
+}
+
+const remarkTexts = {
+  mixed: 'Most values are of one type, but not enough: text. ',
+  'leading zeros': 'Text, because a number would lose leading zeros. ',
+  'lost digits': 'Text, because a number would lose digits. ',
+  'too long': 'Longer than the longest string. ',
+};
+
+function remarks(column) {
+  return (column.remarks ?? []).filter(({ kind }) => kind in remarkTexts).map((remark) => el('div', { class: 'small' }, remarkTexts[remark.kind],
+    `Line ${count(remark.line)}: `, el('bdi', {}, ...visible(remark.text)), ' ',
+    remark.other ? el('button', { type: 'button', class: 'link', on: { click: () => setType(column.name, remark.other) } }, `Read as ${remark.other}`) : null));
 }
 
 function question(column) {
@@ -69,7 +83,7 @@ function head(column, number) {
     el('label', { class: 'small' }, el('input', {
       type: 'checkbox', id: `skip-${number}`, checked: skipped, on: { change: (event) => setType(column.name, event.target.checked ? 'X' : undefined) },
     }), 'skip'),
-    quality(column), question(column));
+    quality(column), question(column), remarks(column));
 }
 
 function cell(value, column, record) {
@@ -96,5 +110,6 @@ export function showColumns() {
         el('tbody', {}, (state.head ?? []).map((record) => el('tr', {},
           el('th', { scope: 'row' }, record.line),
           record.cells.slice(0, mostColumns).map((value, number) => cell(value, columns[number] ?? {}, record))))))),
+    el('p', { class: 'cell-line', id: 'cell-line' }, 'The line of a cell stands here.'),
     left > 0 ? el('p', { class: 'quiet' }, `${count(left)} more columns are not shown; the command has them.`) : null);
 }

@@ -33,16 +33,21 @@ function row(record) {
     ? pieces(record.text, [{ from: marked.from, to: marked.to, class: 'marked' }]) : visible(record.text);
   return el('tr', { data: { role, line: record.line } },
     el('th', { scope: 'row' }, record.line),
-    el('td', { class: 'raw', dir: 'auto' }, ...text, record.cut ? el('em', { class: 'quiet' }, ' … (cut)') : null),
+    el('td', { class: 'raw', dir: 'auto', title: `Data begins in line ${record.line}`, on: { click: () => { if (getSelection().isCollapsed) useAsFirst(record.line); } } }, ...text, record.cut ? el('em', { class: 'quiet' }, ' … (cut)') : null),
     el('td', { class: 'quiet' }, roleNames[role]),
     el('td', { class: 'row nowrap' },
       el('button', { type: 'button', id: `first-${record.line}`, 'aria-label': `Data begins in line ${record.line}`, on: { click: () => useAsFirst(record.line) } }, 'Data'),
       el('button', { type: 'button', id: `names-${record.line}`, 'aria-label': `Line ${record.line} has the names`, on: { click: () => useAsNames(record.line) } }, 'Names')));
 }
 
-// Marks characters of a raw line, or none.
+// Marks characters of a raw line, or none; the line stands below the table of cases, too.
 export function markRaw(place) {
   marked = place;
+  const shown = byId('cell-line');
+  const found = place && state.raw?.find(({ line }) => line === place.line);
+  if (shown && found) {
+    shown.replaceChildren(`Line ${place.line}: `, el('bdi', { class: 'raw' }, ...pieces(found.text, [{ from: place.from, to: place.to, class: 'marked' }])));
+  }
   const body = byId('raw-lines');
   if (!body || !state.raw) return;
   for (const line of body.rows) {
@@ -75,7 +80,7 @@ export function showLines() {
       el('span', { class: 'evidence' }, settings?.first_line?.evidence ?? '')),
     el('div', { class: 'scroll', tabindex: '0', role: 'region', 'aria-label': 'Lines of the file' },
       el('table', { class: 'lines' },
-        el('caption', { class: 'quiet' }, 'The file as it is: press “Data” where the data begins, “Names” on the line that has the names.'),
+        el('caption', { class: 'quiet' }, 'The file as it is: click the line in which the data begins, or press “Names” on the line that has the names.'),
         el('thead', {}, el('tr', {}, ['Line', 'Text', 'Use', 'Set'].map((title) => el('th', { scope: 'col' }, title)))),
         el('tbody', { id: 'raw-lines' }, state.raw.map(row)))),
     el('p', { class: 'row' },

@@ -3,8 +3,10 @@ import { loadProblems, startImport, state } from '../app.js';
 import { byId, count, el, fill } from '../dom.js';
 import { visible } from '../text.js';
 
-const kinds = ['csv', 'tsv', 'jsonl', 'arrow', 'parquet', 'sqlite'];
-let chosen = new Set(['csv']);
+const kinds = ['csv', 'tsv', 'jsonl', 'arrow', 'parquet', 'sqlite', 'sps'];
+const kindNames = { sps: 'sps (the command)' };
+let chosen = new Set(['csv', 'sps']);
+let replace = false;
 let name = '';
 
 function form() {
@@ -13,7 +15,7 @@ function form() {
     on: {
       submit: (event) => {
         event.preventDefault();
-        startImport([...chosen].map((kind) => `${base}.${kind}`), {});
+        startImport([...chosen].map((kind) => `${name || base}.${kind}`), replace);
       },
     },
   },
@@ -29,7 +31,8 @@ function form() {
             else chosen.delete(kind);
           },
         },
-      }), kind)))),
+      }), kindNames[kind] ?? kind))),
+    el('label', {}, el('input', { type: 'checkbox', id: 'replace', checked: replace, on: { change: (event) => { replace = event.target.checked; } } }), 'replace files of these names')),
   el('p', {}, el('button', { id: 'import', class: 'main', disabled: state.importing || !state.path }, state.importing ? 'Importing…' : 'Import')));
 }
 
