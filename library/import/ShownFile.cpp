@@ -2,8 +2,11 @@
 
 #include <array>
 #include <limits>
+#include <optional>
 #include <utility>
+#include <vector>
 
+#include "HostFramework/Threads.h"
 #include "library/import/Controls.h"
 
 namespace library {
@@ -44,6 +47,61 @@ std::optional<StandIns> Choose(StreamDevice& file, FileUnits units, std::string*
   return chosen;
 }
 
+// The files that are shown, which all streams of the process open through one opener.
+class ShownPaths {
+ public:
+  // How a path is shown.
+  struct View {
+    const void* owner;
+    std::string path;
+    std::string mark;
+    std::shared_ptr<QuoteIndex> index;
+  };
+
+  static ShownPaths& Instance() {
+    static ShownPaths paths;
+    return paths;
+  }
+  void Add(View view) {
+    const sfGuard guard(mutex_);
+    if (views_.empty()) {
+      before_ =
+          embedded::SetStreamDeviceOpener([](const char* path) { return Instance().Open(path); });
+    }
+    views_.push_back(std::move(view));
+  }
+  void Remove(const void* owner) {
+    const sfGuard guard(mutex_);
+    std::erase_if(views_, [owner](const View& view) { return view.owner == owner; });
+    if (views_.empty()) embedded::SetStreamDeviceOpener(std::exchange(before_, nullptr));
+  }
+  std::unique_ptr<StreamDevice> Open(const char* path) {
+    embedded::StreamDeviceOpener before;
+    std::optional<View> shown;
+    {
+      const sfGuard guard(mutex_);
+      before = before_;
+      for (const View& view : views_) {
+        if (view.path == path) shown = view;
+      }
+    }
+    std::unique_ptr<StreamDevice> device = before ? before(path) : embedded::OpenPosixDevice(path);
+    if (!device || !shown) return device;
+    if (!shown->mark.empty()) {
+      device = std::make_unique<MarkedDevice>(std::move(device), shown->mark);
+    }
+    if (shown->index) {
+      device = std::make_unique<RewritingDevice>(std::move(device), std::move(shown->index));
+    }
+    return device;
+  }
+
+ private:
+  sfMutex mutex_;
+  std::vector<View> views_ SF_GUARDED_BY(mutex_);
+  embedded::StreamDeviceOpener before_ SF_GUARDED_BY(mutex_);
+};
+
 }  // namespace
 
 ShownFile::ShownFile(std::string path, std::string mark)
@@ -53,12 +111,11 @@ std::unique_ptr<ShownFile> ShownFile::Show(const Settings& settings,
                                            const textwizard::ImportSettings& import,
                                            std::string* problem) {
   std::unique_ptr<ShownFile> shown(new ShownFile(settings.path, settings.mark));
-  ShownFile* const file = shown.get();
-  file->before_ =
-      embedded::SetStreamDeviceOpener([file](const char* path) { return file->Open(path); });
+  ShownPaths& paths = ShownPaths::Instance();
+  paths.Add({shown.get(), settings.path, settings.mark, nullptr});
   if (!settings.rewriting.RewritesBytes()) return shown;
 
-  std::unique_ptr<StreamDevice> device = file->Open(settings.path.c_str());
+  std::unique_ptr<StreamDevice> device = paths.Open(settings.path.c_str());
   if (!device) {
     *problem = "the file cannot be opened";
     return nullptr;
@@ -69,20 +126,13 @@ std::unique_ptr<ShownFile> ShownFile::Show(const Settings& settings,
       settings.standIns ? settings.standIns : Choose(*device, rules.units, problem);
   if (!standIns) return nullptr;
   auto index = std::make_shared<QuoteIndex>(QuoteRewriter(std::move(rules), *standIns));
-  file->joined_ = std::make_unique<JoinedLines>(std::move(device), index);
-  file->index_ = std::move(index);
+  shown->joined_ = std::make_unique<JoinedLines>(std::move(device), index);
+  shown->index_ = index;
+  paths.Add({shown.get(), settings.path, settings.mark, std::move(index)});
   return shown;
 }
 
-ShownFile::~ShownFile() { embedded::SetStreamDeviceOpener(std::move(before_)); }
-
-std::unique_ptr<StreamDevice> ShownFile::Open(const char* path) const {
-  std::unique_ptr<StreamDevice> device = before_ ? before_(path) : embedded::OpenPosixDevice(path);
-  if (!device || path != path_) return device;
-  if (!mark_.empty()) device = std::make_unique<MarkedDevice>(std::move(device), mark_);
-  if (index_) device = std::make_unique<RewritingDevice>(std::move(device), index_);
-  return device;
-}
+ShownFile::~ShownFile() { ShownPaths::Instance().Remove(this); }
 
 bool ShownFile::Totals(QuotePosition* totals) const {
   *totals = {};

@@ -14,7 +14,8 @@
 
 namespace library {
 
-// Of these there is one at a time for a path. Made and destroyed on the host's thread.
+// Several may live at the same time, of different paths; of one path the last one counts. Made and
+// destroyed on any thread.
 class ShownFile {
  public:
   struct Settings {
@@ -59,11 +60,9 @@ class ShownFile {
 
  private:
   ShownFile(std::string path, std::string mark);
-  std::unique_ptr<embedded::StreamDevice> Open(const char* path) const;
 
   const std::string path_;
   const std::string mark_;
-  embedded::StreamDeviceOpener before_;
   std::shared_ptr<QuoteIndex> index_;
   std::unique_ptr<JoinedLines> joined_;
 };

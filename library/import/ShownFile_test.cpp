@@ -68,6 +68,27 @@ TEST_F(ShownFileTest, OnlyStreamsOfItsPathAreChangedAndOnlyWhileItLives) {
   EXPECT_EQ(ReadAll(kPath), text);
 }
 
+TEST_F(ShownFileTest, SeveralLiveAndEndInAnyOrder) {
+  const std::string text = "1,\"a\nb\"\n";
+  const std::string joined =
+      "1,\"a\x01"
+      "b\"\n";
+  const embedded::ScopedMemoryFiles files({{kPath, text}, {"other.txt", text}});
+  auto first = Show({.path = kPath, .rewriting = kJoin});
+  auto second = Show({.path = "other.txt", .rewriting = kJoin});
+  EXPECT_EQ(ReadAll(kPath), joined);
+  EXPECT_EQ(ReadAll("other.txt"), joined);
+  first.reset();
+  EXPECT_EQ(ReadAll(kPath), text);
+  EXPECT_EQ(ReadAll("other.txt"), joined);
+  first = Show({.path = kPath, .rewriting = kJoin});
+  second.reset();
+  EXPECT_EQ(ReadAll(kPath), joined);
+  EXPECT_EQ(ReadAll("other.txt"), text);
+  first.reset();
+  EXPECT_EQ(ReadAll(kPath), text);
+}
+
 TEST_F(ShownFileTest, StandInsAreCharactersThatTheFileDoesNotHold) {
   const embedded::ScopedMemoryFiles files(kPath, "\x01,\"a\n\x02\"\n");
   const auto shown = Show({.path = kPath, .rewriting = kJoin});
