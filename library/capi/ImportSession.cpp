@@ -96,7 +96,7 @@ BareImport ImportSession::Understand(const std::string& path, BareImportSettings
   settings.nulls = options_.nullTexts;
   settings.threads = options_.workers;
   settings.progress = [this](std::int64_t bytes, std::int64_t all) { CountBytes(bytes, all); };
-  const embedded::AttentionScope scope(cancelled_);
+  const embedded::AttentionScope scope(cancelled_, [this] { LookAround(); });
   BareImport found;
   std::string problem;
   if (UnderstandFile(path, files_, settings, &found, &problem)) {
@@ -132,7 +132,7 @@ void ImportSession::Open(ImportOptions settings) {
   settings.files = &files_;
   ImportMessages& messages = *this;
   import_ = std::make_unique<CommandImport>(settings, messages);
-  const embedded::AttentionScope scope(cancelled_);
+  const embedded::AttentionScope scope(cancelled_, [this] { LookAround(); });
   switch (import_->Open(command.tokens)) {
     case ImportEnd::kDone:
       break;
@@ -204,11 +204,20 @@ void ImportSession::Tell(int kind, const std::string& text) {
 
 bool ImportSession::TellProgress(std::int64_t cases) {
   const std::int64_t all = import_ == nullptr ? -1 : import_->stats().bytes;
-  return !options_.progress || options_.progress(cases, -1, all > 0 ? all : -1);
+  return Tell({.cases = cases, .bytes = -1, .allBytes = all > 0 ? all : -1});
 }
 
 void ImportSession::CountBytes(std::int64_t bytes, std::int64_t all) {
-  if (options_.progress && !options_.progress(0, bytes, all)) cancelled_ = true;
+  if (!Tell({.cases = 0, .bytes = bytes, .allBytes = all})) cancelled_ = true;
+}
+
+bool ImportSession::Tell(const Progress& progress) {
+  told_ = progress;
+  return !options_.progress || options_.progress(progress.cases, progress.bytes, progress.allBytes);
+}
+
+void ImportSession::LookAround() {
+  if (!Tell(told_)) cancelled_ = true;
 }
 
 void ImportSession::CheckOpen() const {

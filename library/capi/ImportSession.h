@@ -102,6 +102,16 @@ class ImportSession : private ImportMessages, private CaseReceiver {
   bool TellProgress(std::int64_t cases);
   // Of a file that is understood or decompressed.
   void CountBytes(std::int64_t bytes, std::int64_t all);
+  struct Progress {
+    std::int64_t cases = 0;
+    std::int64_t bytes = -1;
+    std::int64_t allBytes = -1;
+  };
+  // False where it shall end.
+  bool Tell(const Progress& progress);
+  // Tells what was told before: a caller that wants to stop is asked also while nothing goes on, as
+  // when a pipe is waited for.
+  void LookAround();
 
   void Post(std::string_view hostText, int kind) override;
   void Take(const OBS* /*obs*/) override {}
@@ -112,6 +122,7 @@ class ImportSession : private ImportMessages, private CaseReceiver {
   SessionOptions options_;
   std::recursive_mutex mutex_;
   std::atomic<bool> cancelled_{false};
+  Progress told_;  // by the thread that opens or reads
 
   // Guarded by mutex_. Each uses those before it.
   std::unique_ptr<HostUse> use_;  // null while nothing is read

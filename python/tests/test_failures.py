@@ -176,25 +176,53 @@ def test_other_threads_run_while_an_import_reads(tmp_path):
 
 def test_ctrl_c_ends_an_import(tmp_path):
     """The signal comes once the import has opened the pipe, so this thread is inside of the library;
-    Python's handler has to run there."""
+    Python's handler has to run there, before all is read that would come."""
     pipe = tmp_path / "pipe"
     os.mkfifo(pipe)
+    is_closed = False
 
     def fill():
+        nonlocal is_closed
         try:
             with open(pipe, "wb", buffering=0) as out:
                 os.kill(os.getpid(), signal.SIGINT)
-                for _ in range(20):
+                for _ in range(400):
                     out.write(b"12345678,abcdefgh\n" * 50_000)
         except BrokenPipeError:
-            pass
+            is_closed = True
 
     writer = threading.Thread(target=fill)
     writer.start()
     with pytest.raises(KeyboardInterrupt):
         textwizard.run(command("n F8.0 s A8", pipe))
     writer.join()
+    assert is_closed
     # And the next import works.
     path = tmp_path / "data.csv"
     path.write_text("1,a\n")
     assert len(textwizard.run(command("n F8.0 s A8", path))) == 1
+
+
+def test_progress_can_end_an_import_that_waits_for_a_pipe(tmp_path):
+    pipe = tmp_path / "pipe"
+    os.mkfifo(pipe)
+    is_closed = False
+
+    def fill():
+        nonlocal is_closed
+        try:
+            with open(pipe, "wb", buffering=0) as out:
+                for _ in range(400):
+                    out.write(b"12345678,abcdefgh\n" * 50_000)
+        except BrokenPipeError:
+            is_closed = True
+
+    def stop(*_):
+        raise LookupError("enough")
+
+    writer = threading.Thread(target=fill)
+    writer.start()
+    with pytest.raises(LookupError, match="enough"):
+        textwizard.read(pipe, progress=stop)
+    writer.join()
+    assert is_closed

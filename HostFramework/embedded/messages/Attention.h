@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 
 namespace embedded {
 
@@ -16,14 +17,21 @@ bool AttentionRequested();
 // other thread is. Scopes nest; the inner one counts.
 class AttentionScope {
  public:
-  // The flag outlives the scope; any thread may set it.
-  explicit AttentionScope(const std::atomic<bool>& wanted);
+  // The flag outlives the scope; any thread may set it. `look`, if there is one, is called whenever
+  // this thread asks, before the flag is read: for those who learn of the wish only on this thread.
+  // It throws nothing.
+  explicit AttentionScope(const std::atomic<bool>& wanted, std::function<void()> look = {});
   ~AttentionScope();
   AttentionScope(const AttentionScope&) = delete;
   AttentionScope& operator=(const AttentionScope&) = delete;
 
+  // What the question is answered by.
+  bool IsWanted() const;
+
  private:
-  const std::atomic<bool>* const before_;
+  const std::atomic<bool>& wanted_;
+  const std::function<void()> look_;
+  const AttentionScope* const before_;
 };
 
 }  // namespace embedded

@@ -43,5 +43,18 @@ TEST(Attention, AScopeIsForItsThreadAndItsTime) {
   EXPECT_FALSE(AttentionRequested());
 }
 
+TEST(Attention, AScopeMayLookBeforeItAnswers) {
+  std::atomic<bool> wanted{false};
+  int looks = 0;
+  {
+    const AttentionScope scope(wanted, [&] { wanted = ++looks == 2; });
+    EXPECT_FALSE(AttentionRequested());
+    EXPECT_TRUE(AttentionRequested());
+    EXPECT_FALSE(RequestedOnAnotherThread());
+    EXPECT_EQ(looks, 2);
+  }
+  EXPECT_FALSE(AttentionRequested());
+}
+
 }  // namespace
 }  // namespace embedded
