@@ -12,7 +12,7 @@ export function el(name, properties = {}, ...children) {
       Object.assign(element.dataset, value);
     } else if (key === 'class') {
       element.className = value;
-    } else if (key.includes('-') || key === 'role' || key === 'for' || key === 'scope' || key === 'colspan' || key === 'list') {
+    } else if (key.includes('-') || key === 'role' || key === 'for' || key === 'scope' || key === 'colspan' || key === 'list' || key === 'tabindex') {
       element.setAttribute(key, value);
     } else {
       element[key] = value;
