@@ -102,7 +102,7 @@ int FileImport::Failed(const std::string& problem) {
 // Where the file is not what its name says.
 std::string FileImport::FileText() {
   const library::InputFiles::Input& input = files_.Open(options_.file);
-  const std::string name = options_.file == "-" ? "standard input" : options_.file;
+  std::string name = options_.file == "-" ? "standard input" : options_.file;
   if (input.compression == library::Compression::kNone) return name;
   return fmt::format("{} ({})", name, library::CompressionName(input.compression));
 }

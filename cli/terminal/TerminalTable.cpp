@@ -91,7 +91,7 @@ std::string TerminalTable::TextOfEnds(std::size_t width, std::size_t unseen,
   }
   for (std::size_t index = columns_.size() - back; index < columns_.size(); ++index) add(index);
   std::size_t all = 0;
-  const std::string text = ends.Text(width, &all);
+  std::string text = ends.Text(width, &all);
   *shown = front + back;
   return text;
 }

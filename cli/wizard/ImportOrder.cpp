@@ -29,7 +29,7 @@ const std::map<std::string_view, int> kReadingOptions = {{"--decimal", 1},
 bool IsCommandFile(const std::string& output) { return output.ends_with(".sps"); }
 
 std::vector<std::string> CheckedOptions(const json& options) {
-  const auto words = options.get<std::vector<std::string>>();
+  auto words = options.get<std::vector<std::string>>();
   for (std::size_t i = 0; i < words.size(); ++i) {
     const auto known = kReadingOptions.find(words[i]);
     if (known == kReadingOptions.end()) {

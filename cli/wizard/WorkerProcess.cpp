@@ -73,6 +73,7 @@ WorkerProcess::WorkerProcess(const Settings& settings) {
   std::vector<std::string> words = {settings.program};
   words.insert(words.end(), settings.arguments.begin(), settings.arguments.end());
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const int code = posix_spawn(&process_, settings.program.c_str(), &actions.actions, nullptr,

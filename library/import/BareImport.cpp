@@ -107,9 +107,9 @@ bool Understanding::NameColumns() {
 bool Understanding::ReadGivenTypes() {
   given_.resize(import_.columns.size());
   for (const auto& [name, text] : settings_.types) {
-    const auto found =
-        std::find_if(import_.columns.begin(), import_.columns.end(),
-                     [&](const BareColumn& column) { return Upper(column.name) == Upper(name); });
+    const auto found = std::find_if(
+        import_.columns.begin(), import_.columns.end(),
+        [wanted = Upper(name)](const BareColumn& column) { return Upper(column.name) == wanted; });
     if (found == import_.columns.end()) {
       problem_ = fmt::format("there is no column {}", name);
       return false;

@@ -56,7 +56,7 @@ class TextCasesFile final : public CasesFile {
   CaseSink& Begin(const QANT_DataSource& source, const CasesFileOptions& options) override {
     std::vector<CaseColumn> columns = ColumnsOf(source, options.values);
     for (std::size_t i = 0; i < columns.size(); ++i) {
-      columns[i].name = ColumnName(options, i, std::move(columns[i].name));
+      columns[i].name = ColumnName(options, i, columns[i].name);
     }
     sink_ = std::make_unique<TextSink>(MakeWriter(std::move(columns)), CellsOf(source), file());
     return *sink_;

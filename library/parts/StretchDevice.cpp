@@ -46,7 +46,7 @@ std::int64_t StretchDevice::SizeOfCopy(std::int64_t opened) const {
   return shown_.end < 0 ? opened : shown_.headBytes() + shown_.end - shown_.begin;
 }
 
-ScopedStretches::ScopedStretches(std::shared_ptr<const StretchView> view) {
+ScopedStretches::ScopedStretches(const std::shared_ptr<const StretchView>& view) {
   before_ = embedded::SetStreamDeviceOpener({});
   embedded::SetStreamDeviceOpener([open = before_, view](const char* path) {
     std::unique_ptr<StreamDevice> file = open ? open(path) : embedded::OpenPosixDevice(path);

@@ -71,7 +71,7 @@ class StretchDevice : public embedded::StreamDevice {
 // thread.
 class ScopedStretches {
  public:
-  explicit ScopedStretches(std::shared_ptr<const StretchView> view);
+  explicit ScopedStretches(const std::shared_ptr<const StretchView>& view);
   ~ScopedStretches();
   ScopedStretches(const ScopedStretches&) = delete;
   ScopedStretches& operator=(const ScopedStretches&) = delete;

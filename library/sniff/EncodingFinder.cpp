@@ -209,6 +209,7 @@ EncodingAnswer ByLikelihood(const SampleBytes& sample) {
   pairs.Add(high);
   std::vector<Candidate> candidates;
   const std::vector<CodePageScore> pages = ScoreCodePages(pairs);
+  candidates.reserve(pages.size());
   for (const CodePageScore& page : pages) candidates.push_back({page.name, page.likelihood, true});
   for (const MultiByteScore& score : ScoreMultiByte(high)) {
     candidates.push_back({score.name, score.likelihood, false});
