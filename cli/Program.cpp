@@ -18,7 +18,7 @@
 #include "cli/parts/PartSubcommands.h"
 #include "cli/run/RunSubcommand.h"
 #include "cli/wizard/WizardSubcommand.h"
-#include "cli/wizard/work/Worker.h"
+#include "cli/wizard/worker/Worker.h"
 
 namespace cli {
 namespace {

@@ -10,7 +10,7 @@
 #include "cli/run/CommandFile.h"
 #include "cli/wizard/ImportWork.h"
 #include "cli/wizard/WorkerProcess.h"
-#include "cli/wizard/work/Worker.h"
+#include "cli/wizard/worker/Worker.h"
 
 namespace cli {
 namespace {

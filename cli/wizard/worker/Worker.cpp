@@ -1,4 +1,4 @@
-#include "cli/wizard/work/Worker.h"
+#include "cli/wizard/worker/Worker.h"
 
 #include <csignal>
 #include <cstdio>
@@ -14,12 +14,12 @@
 #include "cli/ExitStatus.h"
 #include "cli/terminal/Interrupt.h"
 #include "cli/wizard/WizardServer.h"
-#include "cli/wizard/work/Decodings.h"
-#include "cli/wizard/work/EditedCommand.h"
-#include "cli/wizard/work/FileReading.h"
-#include "cli/wizard/work/HeadCases.h"
-#include "cli/wizard/work/RawRecords.h"
-#include "cli/wizard/work/WholeTypes.h"
+#include "cli/wizard/worker/Decodings.h"
+#include "cli/wizard/worker/EditedCommand.h"
+#include "cli/wizard/worker/FileReading.h"
+#include "cli/wizard/worker/HeadCases.h"
+#include "cli/wizard/worker/RawRecords.h"
+#include "cli/wizard/worker/WholeTypes.h"
 
 namespace cli {
 namespace {

@@ -1,4 +1,4 @@
-#include "cli/wizard/work/ColumnReport.h"
+#include "cli/wizard/worker/ColumnReport.h"
 
 #include <optional>
 

@@ -1,4 +1,4 @@
-#include "cli/wizard/work/EditedCommand.h"
+#include "cli/wizard/worker/EditedCommand.h"
 
 #include <algorithm>
 #include <string>
@@ -9,7 +9,7 @@
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "cli/wizard/WizardServer.h"
-#include "cli/wizard/work/PageSettings.h"
+#include "cli/wizard/worker/PageSettings.h"
 #include "library/import/CommandFault.h"
 #include "library/import/CommandReading.h"
 #include "library/outputs/Utf8Converter.h"

@@ -1,4 +1,4 @@
-#include "cli/wizard/work/HeadCases.h"
+#include "cli/wizard/worker/HeadCases.h"
 
 #include <algorithm>
 #include <optional>
@@ -9,8 +9,8 @@
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "cli/wizard/WizardServer.h"
-#include "cli/wizard/work/ColumnReport.h"
-#include "cli/wizard/work/PageSettings.h"
+#include "cli/wizard/worker/ColumnReport.h"
+#include "cli/wizard/worker/PageSettings.h"
 #include "library/import/BareImport.h"
 #include "library/import/CommandImport.h"
 #include "library/import/FieldPlaces.h"

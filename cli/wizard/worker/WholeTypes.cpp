@@ -1,11 +1,11 @@
-#include "cli/wizard/work/WholeTypes.h"
+#include "cli/wizard/worker/WholeTypes.h"
 
 #include <chrono>
 #include <string>
 
 #include "cli/wizard/WizardServer.h"
-#include "cli/wizard/work/ColumnReport.h"
-#include "cli/wizard/work/PageSettings.h"
+#include "cli/wizard/worker/ColumnReport.h"
+#include "cli/wizard/worker/PageSettings.h"
 #include "library/import/BareImport.h"
 #include "library/import/RunLine.h"
 #include "library/outputs/Utf8Converter.h"

@@ -1,4 +1,4 @@
-#include "cli/wizard/work/RawRecords.h"
+#include "cli/wizard/worker/RawRecords.h"
 
 #include <algorithm>
 #include <chrono>

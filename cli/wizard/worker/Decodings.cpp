@@ -1,4 +1,4 @@
-#include "cli/wizard/work/Decodings.h"
+#include "cli/wizard/worker/Decodings.h"
 
 #include <algorithm>
 #include <deque>

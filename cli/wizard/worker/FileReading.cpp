@@ -1,11 +1,11 @@
-#include "cli/wizard/work/FileReading.h"
+#include "cli/wizard/worker/FileReading.h"
 
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include "cli/wizard/WizardServer.h"
-#include "cli/wizard/work/PageSettings.h"
+#include "cli/wizard/worker/PageSettings.h"
 #include "library/import/InputFiles.h"
 #include "library/sniff/SniffJson.h"
 #include "library/sniff/Sniffer.h"

@@ -1,4 +1,4 @@
-#include "cli/wizard/work/PageSettings.h"
+#include "cli/wizard/worker/PageSettings.h"
 
 #include <charconv>
 #include <string_view>
