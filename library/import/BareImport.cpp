@@ -1,18 +1,14 @@
 #include "library/import/BareImport.h"
 
 #include <algorithm>
-#include <set>
 
 #include <fmt/format.h>
 
 #include "HostFramework/FileStream.h"
-#include "HostFramework/Names.h"
-#include "HostFramework/Text.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "library/import/CommandText.h"
 #include "library/import/FileSummary.h"
 #include "library/import/FixedPage.h"
-#include "library/import/GivenFormat.h"
 #include "library/import/ShownFile.h"
 #include "library/outputs/Utf8Converter.h"
 #include "library/sniff/Sniffer.h"
@@ -22,8 +18,6 @@ namespace {
 
 // A field that goes on over so many lines is rather one whose closing quote is missing.
 constexpr std::int64_t kLongestField = 1000;
-
-std::string Upper(std::string name) { return QANTMBstrupr_A(name.data()); }
 
 class Understanding {
  public:
@@ -35,17 +29,14 @@ class Understanding {
 
  private:
   bool Look();
-  bool NameColumns();
-  bool ReadGivenTypes();
+  bool NameAll();
   bool ReadData();
   bool Summarize(const RewritingOptions& rewriting, QuotePosition* totals);
   bool SettleRewriting(const QuotePosition& totals);
   bool Clashes(const QuotePosition& totals) const;
-  bool SetTypes();
+  void SetTypes();
   bool ChooseFormats();
-  bool FitGivenType(std::size_t column);
   void RestoreTexts();
-  bool WriteCommand();
 
   const std::string& name_;
   InputFiles& files_;
@@ -55,7 +46,7 @@ class Understanding {
 
   std::string path_;
   BareCut cut_;
-  std::vector<std::optional<GivenFormat>> given_;
+  GivenFormats given_;
   StandIns standIns_;
 };
 
@@ -67,6 +58,10 @@ bool Understanding::Look() {
     return false;
   }
   path_ = input.path;
+  if (settings_.sniffed != nullptr) {
+    import_.sniff = *settings_.sniffed;
+    return true;
+  }
   const std::unique_ptr<FileSource> source = FileSource::Open(path_, &problem_);
   if (source == nullptr) return false;
   SniffSettings sniff = settings_.sniff;
@@ -74,54 +69,12 @@ bool Understanding::Look() {
   return Sniff(*source, sniff, &import_.sniff, &problem_);
 }
 
-bool Understanding::NameColumns() {
+bool Understanding::NameAll() {
   for (const SniffColumn& column : import_.sniff.columns) {
     import_.columns.push_back({column.name, column.label, {}, false, false});
   }
-  if (!settings_.names.empty() && settings_.names.size() != import_.columns.size()) {
-    problem_ = fmt::format("{} name{} for {} column{}", settings_.names.size(),
-                           settings_.names.size() == 1 ? " is given" : "s are given",
-                           import_.columns.size(), import_.columns.size() == 1 ? "" : "s");
-    return false;
-  }
-  std::vector<std::string> names;
-  std::set<std::string> taken;
-  for (std::size_t i = 0; i < import_.columns.size(); ++i) {
-    const bool given = !settings_.names.empty();
-    std::string name = given ? settings_.names[i] : import_.columns[i].name;
-    if (given && ValidateQANTName(name.c_str()) != 0) {
-      problem_ = fmt::format("{} cannot be the name of a variable", name);
-      return false;
-    }
-    if (given && !taken.insert(Upper(name)).second) {
-      problem_ = fmt::format("the name {} is given twice", name);
-      return false;
-    }
-    names.push_back(std::move(name));
-  }
-  AvoidKeywords(&names);
-  for (std::size_t i = 0; i < names.size(); ++i) import_.columns[i].name = std::move(names[i]);
-  return true;
-}
-
-bool Understanding::ReadGivenTypes() {
-  given_.resize(import_.columns.size());
-  for (const auto& [name, text] : settings_.types) {
-    const auto found = std::find_if(
-        import_.columns.begin(), import_.columns.end(),
-        [wanted = Upper(name)](const BareColumn& column) { return Upper(column.name) == wanted; });
-    if (found == import_.columns.end()) {
-      problem_ = fmt::format("there is no column {}", name);
-      return false;
-    }
-    found->skipped = text == "X" || text == "x";
-    if (found->skipped) continue;
-    GivenFormat format;
-    if (!ReadGivenFormat(text, &format, &problem_)) return false;
-    given_[static_cast<std::size_t>(found - import_.columns.begin())] = format;
-    found->typeGiven = true;
-  }
-  return true;
+  return NameColumns(settings_.names, &import_.columns, &problem_) &&
+         ReadGivenTypes(settings_.types, &import_.columns, &given_, &problem_);
 }
 
 // Reads all values once, the file shown with such rewriting.
@@ -153,7 +106,7 @@ bool Understanding::Summarize(const RewritingOptions& rewriting, QuotePosition* 
   if (settings_.grown) {
     summary.grown = [&](const PartSummary& soFar) {
       import_.summary = soFar;
-      if (!SetTypes()) return;
+      SetTypes();
       RestoreTexts();
       settings_.grown(import_);
     };
@@ -223,28 +176,8 @@ bool Understanding::ReadData() {
   return SettleRewriting(totals);
 }
 
-bool Understanding::FitGivenType(std::size_t column) {
-  const GivenFormat& given = *given_[column];
-  const std::uint32_t columnWidth =
-      import_.types.columns[column].format.code == 0 ? 0 : cut_.cut.fields[column].width;
-  const bool fixed = cut_.cut.settings.arrangement == textwizard::kFixedColumns;
-  ChosenType& type = import_.types.columns[column];
-  type = {};
-  type.format = given.format;
-  if (!given.hasWidth) {
-    type.format =
-        FitFormat(given.format.code, import_.summary.columns[column], import_.types.decimal);
-    if (fixed) type.format.width = std::max(type.format.width, std::min(columnWidth, given.most));
-  }
-  const std::optional<Reading> reading = ReadingOf(type.format.code, import_.types.decimal);
-  if (!reading) return true;
-  const Witness unread = import_.summary.columns[column].Unread(*reading);
-  if (unread.count > 0) type.remarks.push_back({ColumnRemark::kUnreadable, unread, std::nullopt});
-  return true;
-}
-
 // Chooses the columns' types by the summary.
-bool Understanding::SetTypes() {
+void Understanding::SetTypes() {
   const bool fixed = cut_.cut.settings.arrangement == textwizard::kFixedColumns;
   TypeSettings types;
   types.leastShare = settings_.leastShare;
@@ -261,18 +194,12 @@ bool Understanding::SetTypes() {
       types.columnWidths.push_back(width);
     }
   }
-  import_.types = ChooseTypes(import_.summary.columns, types);
-  for (std::size_t i = 0; i < given_.size(); ++i) {
-    if (given_[i] && !FitGivenType(i)) return false;
-  }
-  for (std::size_t i = 0; i < import_.columns.size(); ++i) {
-    import_.columns[i].type = import_.types.columns[i];
-  }
-  return true;
+  import_.types = ChooseColumnTypes(import_.summary.columns, types, given_, &import_.columns);
 }
 
 bool Understanding::ChooseFormats() {
-  if (!SetTypes()) return false;
+  SetTypes();
+  import_.cut = cut_.cut;
   import_.host = cut_.host;
   import_.host.decimal = import_.types.decimal;
   return SetHost(import_.host, &problem_);
@@ -297,43 +224,8 @@ void Understanding::RestoreTexts() {
   restore(import_.summary.undecodable);
 }
 
-bool Understanding::WriteCommand() {
-  if (!CanNameFile(name_)) {
-    problem_ = "a command cannot name a file with quotes of both kinds; rename it";
-    return false;
-  }
-  CommandSettings command;
-  command.file = name_;
-  command.import = cut_.cut.settings;
-  if (import_.sniff.footerLines > 0 && settings_.sampleLines == 0) {
-    command.import.importMode = textwizard::kImportFirst;
-    command.import.caseLimit = import_.summary.records;
-  }
-  std::size_t column = 0;
-  for (const ColumnCut::Field& field : cut_.cut.fields) {
-    CommandVariable variable;
-    variable.skipped = !field.imported;
-    if (field.imported) {
-      if (!HostTextOf(import_.columns[column].name, &variable.name)) {
-        // No character of the name is in the code page.
-        variable.name = fmt::format("V{}", column + 1);
-      }
-      variable.format = import_.columns[column].type.format;
-      variable.from = field.start;
-      variable.to = field.start + field.width - 1;
-      variable.skipped = import_.columns[column].skipped;
-      ++column;
-    }
-    // Of fixed columns those are named that are wanted.
-    if (variable.skipped && command.import.arrangement == textwizard::kFixedColumns) continue;
-    command.variables.push_back(std::move(variable));
-  }
-  import_.command = CommandText(command);
-  return true;
-}
-
 bool Understanding::Run() {
-  if (!Look() || !CutOf(import_.sniff, &cut_, &problem_) || !NameColumns() || !ReadGivenTypes()) {
+  if (!Look() || !CutOf(import_.sniff, &cut_, &problem_) || !NameAll()) {
     return false;
   }
   if (import_.columns.empty()) {
@@ -345,10 +237,45 @@ bool Understanding::Run() {
   }
   if (!SetHost(cut_.host, &problem_) || !ReadData() || !ChooseFormats()) return false;
   RestoreTexts();
-  return WriteCommand();
+  return MakeCommand(name_, settings_.sampleLines > 0, &import_, &problem_);
 }
 
 }  // namespace
+
+bool MakeCommand(const std::string& name, bool sampled, BareImport* import, std::string* problem) {
+  if (!CanNameFile(name)) {
+    *problem = "a command cannot name a file with quotes of both kinds; rename it";
+    return false;
+  }
+  CommandSettings command;
+  command.file = name;
+  command.import = import->cut.settings;
+  if (import->sniff.footerLines > 0 && !sampled) {
+    command.import.importMode = textwizard::kImportFirst;
+    command.import.caseLimit = import->summary.records;
+  }
+  std::size_t column = 0;
+  for (const ColumnCut::Field& field : import->cut.fields) {
+    CommandVariable variable;
+    variable.skipped = !field.imported;
+    if (field.imported) {
+      if (!HostTextOf(import->columns[column].name, &variable.name)) {
+        // No character of the name is in the code page.
+        variable.name = fmt::format("V{}", column + 1);
+      }
+      variable.format = import->columns[column].type.format;
+      variable.from = field.start;
+      variable.to = field.start + field.width - 1;
+      variable.skipped = import->columns[column].skipped;
+      ++column;
+    }
+    // Of fixed columns those are named that are wanted.
+    if (variable.skipped && command.import.arrangement == textwizard::kFixedColumns) continue;
+    command.variables.push_back(std::move(variable));
+  }
+  import->command = CommandText(command);
+  return true;
+}
 
 bool UnderstandFile(const std::string& name, InputFiles& files, const BareImportSettings& settings,
                     BareImport* import, std::string* problem) {

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "library/import/BareColumns.h"
 #include "library/import/BareCut.h"
 #include "library/import/FileSummary.h"
 #include "library/import/InputFiles.h"
@@ -22,6 +23,8 @@ struct BareImport;
 
 struct BareImportSettings {
   SniffSettings sniff;
+  // How the file is built, where somebody has found that already; null: it is found.
+  const SniffResult* sniffed = nullptr;
   // Of all columns, or none: names given instead of found (UTF-8).
   std::vector<std::string> names;
   // Formats given instead of found, by name: "F8.2", "ADATE"; without a width they fit the values.
@@ -53,18 +56,10 @@ struct BareImportSettings {
   std::function<void(const BareImport& soFar)> grown;
 };
 
-struct BareColumn {
-  // UTF-8; the label is the header's text, empty without one.
-  std::string name;
-  std::string label;
-  ChosenType type;
-  bool typeGiven = false;
-  // Left out of the import.
-  bool skipped = false;
-};
-
 struct BareImport {
   SniffResult sniff;
+  // How its lines are cut.
+  ColumnCut cut;
   HostNeeds host;
   // How the file has to be shown to the component.
   RewritingOptions rewriting;
@@ -87,5 +82,10 @@ struct BareImport {
 // UTF-8 mode before. Host's thread.
 bool UnderstandFile(const std::string& name, InputFiles& files, const BareImportSettings& settings,
                     BareImport* import, std::string* problem);
+
+// The command that imports the file `name` with the columns of `import`, as they are by now.
+// `sampled`: types come from a sample, so that nobody knows how many records there are. The host is
+// that of the import. False when a command cannot name the file; *problem is then a sentence.
+bool MakeCommand(const std::string& name, bool sampled, BareImport* import, std::string* problem);
 
 }  // namespace library
