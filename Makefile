@@ -36,6 +36,7 @@ space := $(empty) $(empty)
 # sanitizers, and what has threads under the thread sanitizer.
 test: setup
 	@tools/install-readers
+	@tools/install-browser
 	cmake --preset dev >/dev/null && cmake --build --preset dev
 	cmake --preset tsan >/dev/null && cmake --build --preset tsan --target $(threaded_tests)
 	cmake --preset asan-ubsan >/dev/null && cmake --build --preset asan-ubsan

@@ -164,6 +164,8 @@ export function change(settings) {
     delete state.given.names;
     delete state.given.types;
   }
+  state.final = false;
+  render();
   refreshSoon('encoding' in settings ? 'all' : 'fields');
 }
 

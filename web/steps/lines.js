@@ -66,7 +66,7 @@ export function showLines() {
     el('div', { class: 'setting' },
       el('label', { for: 'first-line' }, 'Data begins in line'),
       el('input', {
-        id: 'first-line', type: 'number', min: 1, value: reading.first_data_line,
+        id: 'first-line', type: 'number', min: 1, value: state.given.first_line ?? reading.first_data_line,
         on: { change: (event) => change({ first_line: event.target.value ? Number(event.target.value) : undefined }) },
       }),
       el('label', { for: 'header' }, 'Names'),
