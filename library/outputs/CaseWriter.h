@@ -1,7 +1,11 @@
 // Cases as lines of text, and what their writers share.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "HostFramework/DataSource.h"
@@ -29,9 +33,33 @@ struct CaseColumn {
 std::vector<CaseColumn> ColumnsOf(const QANT_DataSource& source, ValueStyle style);
 
 // The value of a number's column.
-double NumberAt(const OBS* obs, const CaseColumn& column);
+inline double NumberAt(const OBS* obs, const CaseColumn& column) {
+  double value = 0;
+  std::memcpy(&value, obs[column.cell].bytes, sizeof value);
+  return value;
+}
 // The text of a string's column (host text) without the blanks that pad it. A view into the case.
-std::string_view StringAt(const OBS* obs, const CaseColumn& column);
+inline std::string_view StringAt(const OBS* obs, const CaseColumn& column) {
+  const char* text = reinterpret_cast<const char*>(obs[column.cell].bytes);
+  std::size_t length = column.bytes;
+  // A short text in a wide variable is mostly padding: drop eight blanks at a time.
+  constexpr std::uint64_t kBlanks = 0x2020202020202020U;
+  while (length >= sizeof kBlanks) {
+    std::uint64_t last = 0;
+    std::memcpy(&last, text + length - sizeof last, sizeof last);
+    if (last != kBlanks) break;
+    length -= sizeof last;
+  }
+  while (length > 0 && text[length - 1] == ' ') --length;
+  return {text, length};
+}
+
+// The same of a narrow column with the blanks, which whoever copies it drops.
+inline std::string_view ShortStringAt(const OBS* obs, const CaseColumn& column) {
+  constexpr std::size_t kNarrow = 64;
+  if (column.bytes > kNarrow) return StringAt(obs, column);
+  return {reinterpret_cast<const char*>(obs[column.cell].bytes), column.bytes};
+}
 
 // Writes the cases of one source as text (UTF-8). Allocates nothing per case. Any thread, several
 // at the same time, each with a converter of its own.

@@ -1,5 +1,10 @@
 #include "library/outputs/CaseWriter.h"
 
+#include <random>
+#include <string>
+#include <string_view>
+#include <utility>
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -71,6 +76,52 @@ TEST(CaseWriter, AnEmptyFieldAloneOnItsLineIsQuoted) {
   number.Number("only");
   EXPECT_EQ(Written(CaseFormat::kCsv, number, {TestCase(number), TestCase(number).Set(0, 1)}),
             "only\n\"\"\n1\n");
+}
+
+// A text of bytes that writers look at, and of others, each word of it in turn.
+std::string RandomText(std::mt19937_64& random, std::size_t most) {
+  static constexpr std::string_view kBytes = "ab  \",\t\\\n\x1F\x7F\xC3\xA9,";
+  const bool plain = random() % 2 == 0;
+  std::string text;
+  for (std::size_t length = random() % (most + 1); length > 0; --length) {
+    text += plain && random() % 16 != 0 ? static_cast<char>('a' + random() % 26)
+                                        : kBytes[random() % kBytes.size()];
+  }
+  return text;
+}
+
+std::string_view WithoutPadding(std::string_view text) {
+  return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+TEST(CaseWriter, StringsOfAnyWidthAreWrittenByTheirRules) {
+  ASSERT_TRUE(embedded::SetCodePage(nullptr));
+  std::mt19937_64 random(17);
+  for (int round = 0; round < 4000; ++round) {
+    TestSource source;
+    const std::size_t width = 1 + random() % 90;
+    source.String("s", static_cast<int>(width)).String("t", 8);
+    const std::string text = RandomText(random, width);
+    // Broken characters are another test's.
+    Utf8Converter utf8;
+    if (utf8.ToUtf8(text) != text) continue;
+    const std::string shown(WithoutPadding(text));
+    const TestCase one = TestCase(source).Set(0, text).Set(1, "x");
+    for (const auto& [format, separator] :
+         {std::pair(CaseFormat::kCsv, ','), std::pair(CaseFormat::kTsv, '\t')}) {
+      std::string expected = shown;
+      if (shown.find_first_of(std::string("\"\r\n") + separator) != std::string::npos) {
+        expected = "\"";
+        for (const char character : shown) expected.append(character == '"' ? 2 : 1, character);
+        expected += '"';
+      }
+      ASSERT_EQ(Written(format, source, {one}),
+                std::string("s") + separator + "t\n" + expected + separator + "x\n");
+    }
+    const std::string line = Written(CaseFormat::kJsonLines, source, {one});
+    ASSERT_EQ(nlohmann::json::parse(line)["s"].get<std::string>(), shown);
+    ASSERT_EQ(nlohmann::json::parse(line)["t"].get<std::string>(), "x");
+  }
 }
 
 TEST(CaseWriter, StringsLoseTheBlanksThatPadThem) {

@@ -1,10 +1,12 @@
 #include "library/outputs/ValueText.h"
 
+#include <array>
+#include <bit>
 #include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <limits>
+#include <cstring>
 #include <string_view>
 
 #include "HostFramework/Calendar.h"
@@ -17,10 +19,55 @@ constexpr double kLongestTime = 1e15;
 constexpr double kPlainFrom = 1e-4;
 constexpr double kPlainBelow = 1e16;
 
+// "00" to "99".
+constexpr auto kTwoDigits = [] {
+  std::array<char, 200> digits{};
+  for (std::size_t number = 0; number < 100; ++number) {
+    digits[2 * number] = static_cast<char>('0' + number / 10);
+    digits[2 * number + 1] = static_cast<char>('0' + number % 10);
+  }
+  return digits;
+}();
+
 char* WriteTwoDigits(char* out, std::uint32_t number) {
-  *out++ = static_cast<char>('0' + number / 10);
-  *out++ = static_cast<char>('0' + number % 10);
-  return out;
+  std::memcpy(out, kTwoDigits.data() + std::size_t{2} * number, 2);
+  return out + 2;
+}
+
+// Eight digits of a number below 1e8, a byte each, the first one lowest.
+std::uint64_t EightDigits(std::uint32_t number) {
+  // Halves of four digits, then quarters of two, then digits, all at once.
+  const std::uint64_t fours = number / 10000 | std::uint64_t{number % 10000} << 32U;
+  const std::uint64_t hundreds = ((fours * 10486) >> 20U) & 0x0000007F0000007FU;
+  const std::uint64_t twos = hundreds | (fours - 100 * hundreds) << 16U;
+  const std::uint64_t tens = ((twos * 103) >> 10U) & 0x000F000F000F000FU;
+  return tens | (twos - 10 * tens) << 8U;
+}
+
+constexpr std::uint64_t kZeros = 0x3030303030303030U;
+constexpr std::uint32_t kEightDigits = 100000000;
+
+char* WriteEightDigits(char* out, std::uint32_t number) {
+  const std::uint64_t digits = EightDigits(number) + kZeros;
+  std::memcpy(out, &digits, sizeof digits);
+  return out + sizeof digits;
+}
+
+// Writes a whole number as std::to_chars does, without a decision on its length where it is short.
+// There is room for 8 bytes more.
+char* WriteWhole(char* out, std::uint64_t number) {
+  if (number >= std::uint64_t{kEightDigits} * kEightDigits) {
+    return std::to_chars(out, out + kValueTextRoom / 2, number).ptr;
+  }
+  const auto last = static_cast<std::uint32_t>(number % kEightDigits);
+  const auto first = static_cast<std::uint32_t>(number / kEightDigits);
+  const std::uint64_t digits = EightDigits(first != 0 ? first : last);
+  // The last digit stands also when it is 0.
+  const auto zeros = static_cast<unsigned>(std::countr_zero(digits | 1ULL << 56U)) / 8;
+  const std::uint64_t text = (digits + kZeros) >> (8 * zeros);
+  std::memcpy(out, &text, sizeof text);
+  out += sizeof text - zeros;
+  return first != 0 ? WriteEightDigits(out, last) : out;
 }
 
 // Writes the day of a moment inside the calendar as yyyy-mm-dd.
@@ -43,12 +90,13 @@ struct Seconds {
 };
 
 Seconds Split(double value, char (&buffer)[kValueTextRoom]) {
+  const auto whole = static_cast<std::int64_t>(value);
+  if (static_cast<double>(whole) == value) return {whole, {}};
   const auto result =
       std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed);
   const std::string_view text(buffer, static_cast<std::size_t>(result.ptr - buffer));
   const std::size_t point = text.find('.');
-  return {static_cast<std::int64_t>(value),
-          point == std::string_view::npos ? std::string_view() : text.substr(point + 1)};
+  return {whole, point == std::string_view::npos ? std::string_view() : text.substr(point + 1)};
 }
 
 char* WriteFraction(char* out, std::string_view fraction) {
@@ -89,11 +137,27 @@ bool InCalendar(double value) {
   return value >= kBegin && value < kEnd;
 }
 
-}  // namespace
-
-bool IsMissing(double value) {
-  return !(value > kSystemMissing && value <= std::numeric_limits<double>::max());
+// Writes a number that is not whole, from kPlainFrom on, and has few decimals, as most numbers;
+// null when it has more. The digits are those of std::to_chars, many times faster: a whole number
+// of millionths that divided by a million gives the double also reads back to it, since the
+// division is rounded as reading is. No other one does, as long as there are so few that
+// neighbouring doubles lie far closer together than millionths; and so the zeros at its end are all
+// that a shorter text lacks.
+char* WriteFewDecimals(char* out, double size) {
+  constexpr std::uint64_t kMillion = 1000000;
+  constexpr double kBelow = 1e9;
+  if (size >= kBelow) return nullptr;
+  const auto millionths = static_cast<std::uint64_t>(size * kMillion + 0.5);
+  if (static_cast<double>(millionths) / kMillion != size) return nullptr;
+  out = WriteWhole(out, millionths / kMillion);
+  *out++ = '.';
+  const std::uint64_t digits = EightDigits(static_cast<std::uint32_t>(millionths % kMillion * 100));
+  const std::uint64_t text = digits + kZeros;
+  std::memcpy(out, &text, sizeof text);
+  return out + sizeof text - static_cast<std::size_t>(std::countl_zero(digits)) / 8;
 }
+
+}  // namespace
 
 char* WriteNumber(char* out, double value) {
   char* const end = out + kValueTextRoom;
@@ -103,9 +167,15 @@ char* WriteNumber(char* out, double value) {
     // Whole numbers are most numbers, and integer conversion is several times faster. A negative
     // zero keeps its sign only as a double.
     if (static_cast<double>(whole) == value && (whole != 0 || !std::signbit(value))) {
-      return std::to_chars(out, end, whole).ptr;
+      *out = '-';
+      return WriteWhole(out + (whole < 0 ? 1 : 0), static_cast<std::uint64_t>(size));
     }
-    if (size >= kPlainFrom) return std::to_chars(out, end, value, std::chars_format::fixed).ptr;
+    if (size >= kPlainFrom) {
+      *out = '-';
+      char* const plain = WriteFewDecimals(out + (value < 0 ? 1 : 0), size);
+      if (plain != nullptr) return plain;
+      return std::to_chars(out, end, value, std::chars_format::fixed).ptr;
+    }
   }
   return std::to_chars(out, end, value).ptr;
 }

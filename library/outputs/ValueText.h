@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 
+#include "HostFramework/DataSource.h"
 #include "library/outputs/FormatName.h"
 
 namespace library {
@@ -11,7 +13,9 @@ namespace library {
 inline constexpr std::size_t kValueTextRoom = 512;
 
 // True for the system-missing value and for what is no finite number.
-bool IsMissing(double value);
+inline bool IsMissing(double value) {
+  return !(value > kSystemMissing && value <= std::numeric_limits<double>::max());
+}
 
 // Writes the fewest digits that read back to the same double, and returns the end of the text.
 // Plain digits from 0.0001 to below 1e16, where a person reads them best; beyond, an exponent or

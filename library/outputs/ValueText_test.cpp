@@ -66,6 +66,39 @@ TEST(ValueText, EveryDoubleReadsBackToItself) {
   }
 }
 
+// What WriteNumber promises, by the library's conversions alone.
+std::string NumberByTheLibrary(double value) {
+  char text[kValueTextRoom];
+  const double size = std::fabs(value);
+  const bool plain = size < 1e16 && (size >= 1e-4 || value == 0);
+  const auto end = plain ? std::to_chars(text, text + sizeof text, value, std::chars_format::fixed)
+                         : std::to_chars(text, text + sizeof text, value);
+  return {text, end.ptr};
+}
+
+TEST(ValueText, WrittenDecimalsHaveTheFewestDigits) {
+  std::mt19937_64 random(11);
+  for (int count = 0; count < 300000; ++count) {
+    // Numbers as files have them: up to 17 digits, of which some are decimals.
+    const std::uint64_t bound = static_cast<std::uint64_t>(std::pow(10, random() % 18));
+    const double scale = std::pow(10.0, static_cast<double>(random() % 10));
+    double value = static_cast<double>(random() % bound) / scale;
+    if (random() % 2 == 0) value = -value;
+    // And their neighbours, which have no short text.
+    if (random() % 8 == 0) value = std::nextafter(value, 1e300);
+    ASSERT_EQ(Number(value), NumberByTheLibrary(value));
+  }
+}
+
+TEST(ValueText, DigitsAreWrittenUpToTheLastPowerOfTen) {
+  for (double power = 1; power < 1e19; power *= 10) {
+    for (const double value : {power - 1, power, power + 1, power * 5 + 0.5, power / 1e6 + 1e-6}) {
+      EXPECT_EQ(Number(value), NumberByTheLibrary(value));
+      EXPECT_EQ(Number(-value), NumberByTheLibrary(-value));
+    }
+  }
+}
+
 TEST(ValueText, DatesAreDays) {
   EXPECT_EQ(Value(86400, ValueKind::kDate), "1582-10-15");
   EXPECT_EQ(Value(12219379200, ValueKind::kDate), "1970-01-01");
