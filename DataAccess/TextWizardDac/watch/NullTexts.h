@@ -30,8 +30,9 @@ class NullTexts {
 
   // The field is one of the texts, blanks around it aside. Allocates nothing.
   bool Holds(std::string_view field) const {
-    return !field.empty() && lengths_[static_cast<unsigned char>(field.front())] != 0 &&
-           IsOne(WithoutBlanks(field));
+    if (field.empty() || lengths_[static_cast<unsigned char>(field.front())] == 0) return false;
+    const std::string_view bare = WithoutBlanks(field);
+    return !bare.empty() && HoldsBare(bare);
   }
   // The same of a field that has text and no blanks around it.
   bool HoldsBare(std::string_view text) const {
