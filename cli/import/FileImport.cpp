@@ -134,6 +134,7 @@ void FileImport::SetRunOptions() {
   run_.report.keepStrayQualifiers = import_.rewriting.keepStrayQualifiers;
   run_.byteOrderMark = import_.shownMark;
   for (const library::BareColumn& column : import_.columns) {
+    if (column.skipped) continue;
     run_.labels.push_back(column.label);
     // Values that nobody has looked at may be anything.
     run_.integerVariables.push_back(column.type.wholeNumbers && options_.settings.sampleLines == 0);

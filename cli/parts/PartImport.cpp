@@ -16,6 +16,7 @@
 #include "library/import/RunLine.h"
 #include "library/outputs/OutputFile.h"
 #include "library/parts/BareParts.h"
+#include "library/parts/SummaryMerge.h"
 
 namespace cli {
 namespace {
@@ -73,26 +74,18 @@ int RunPart(RunOptions options) {
   if (options.before.empty()) return RunCommandFile(options);
   library::FilePartSummary before;
   std::string problem;
-  library::FileState state;
-  const library::PartRange& part = options.parts.single->range;
-  if (ReadSummaries(options.before, &before, &problem)) {
-    if (before.range.from != 0 || before.range.to != part.from) {
-      problem = fmt::format("--before is of bytes {}-{}, and the part begins at byte {}",
-                            before.range.from, before.range.to, part.from);
-    } else if (!library::GetFileState(before.file, &state) || state != before.state) {
-      problem = fmt::format("{}: the file changed since it was summed up", before.file);
-    }
+  library::RewritingOptions rewriting;
+  if (ReadSummaries(options.before, &before, &problem) &&
+      !library::PutBefore(before, &*options.parts.single, &rewriting, &problem)) {
+    problem = "--before: " + problem;
   }
   if (!problem.empty()) {
     std::fprintf(stderr, "error: %s\n", problem.c_str());
     return kExitCommandFailed;
   }
-  options.parts.single->before = before.lines;
-  // So its lines were counted.
-  options.joinQuotedLines = options.joinQuotedLines || before.rewriting.joinQuotedLines;
-  options.backslashEscapes = options.backslashEscapes || before.rewriting.backslashEscapes;
-  options.report.keepStrayQualifiers =
-      options.report.keepStrayQualifiers || before.rewriting.keepStrayQualifiers;
+  options.joinQuotedLines |= rewriting.joinQuotedLines;
+  options.backslashEscapes |= rewriting.backslashEscapes;
+  options.report.keepStrayQualifiers |= rewriting.keepStrayQualifiers;
   return RunCommandFile(options);
 }
 

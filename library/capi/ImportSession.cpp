@@ -1,15 +1,18 @@
 #include "library/capi/ImportSession.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "HostFramework/embedded/messages/Attention.h"
 #include "HostFramework/embedded/messages/Catalogue.h"
+#include "library/import/ColumnReport.h"
 #include "library/import/CommandFault.h"
 #include "library/import/FileKind.h"
 #include "library/outputs/DictionaryJson.h"
+#include "library/parts/BareParts.h"
 #include "library/report/EvidenceJson.h"
 #include "library/sniff/SniffJson.h"
 
@@ -51,36 +54,94 @@ ImportSession::ImportSession(std::string text, SessionOptions options)
   Open({});
   if (options_.integersOfCommand) columnOptions_.integers = WholeNumberFormats(import_->source());
   fields_ = FieldsOf(import_->source(), columnOptions_);
+  recipe_.file = std::string(utf8_->ToUtf8(outline_.DataFile()));
+  if (FileState state; GetFileState(recipe_.file, &state)) recipe_.state = state;
+  CompleteRecipe({});
   use_.reset();
 }
 
-ImportSession::ImportSession(const std::string& path, BareImportSettings settings,
+ImportSession::ImportSession(const BareSource& source, BareImportSettings settings,
                              SessionOptions options)
     : options_(std::move(options)),
       files_([this](std::int64_t read, std::int64_t all) { CountBytes(read, all); }) {
+  if (options_.part) {
+    throw Usage(
+        "a part of a bare file is read by the file's recipe or command: types come from all of it");
+  }
   use_ = HostUse::Alone();
   if (use_ == nullptr) throw HostIsBusy();
-  const BareImport found = Understand(path, std::move(settings));
+  recipe_.file = source.path;
+  if (FileState state; GetFileState(source.path, &state)) recipe_.state = state;
+  const BareImport found = Understand(source, std::move(settings));
   options_.host = {.decimalComma = found.host.decimal == DecimalCharacter::kComma,
                    .codePage = found.host.codePage,
                    .localeCodePage = found.host.localeCodePage};
   use_->NowShared(options_.host);
-  reading_ =
-      SniffJson(path, found.sniff).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  reading_ = SniffJson(source.path, found.sniff)
+                 .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
   hostText_ = found.command;
   text_ = Utf8Converter().ToUtf8(found.command);
   options_.rewriting = found.rewriting;
   ImportOptions opened;
   opened.shownMark = found.shownMark;
   opened.standIns = found.standIns;
-  Open(std::move(opened));
-  for (const BareColumn& column : found.columns) {
+  Open(opened);
+  const nlohmann::json evidence = FoundEvidence(found);
+  for (std::size_t i = 0; i < found.columns.size(); ++i) {
+    const BareColumn& column = found.columns[i];
+    if (column.skipped) continue;
+    evidence_.push_back(evidence[i].dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
     columnOptions_.labels.push_back(column.label);
     columnOptions_.integers.push_back(options_.integersOfFile && column.type.wholeNumbers);
   }
   columnOptions_.namesAsVariables = options_.namesAsVariables;
   fields_ = FieldsOf(import_->source(), columnOptions_);
+  CompleteRecipe(opened);
   use_.reset();
+}
+
+ImportSession::ImportSession(const ImportRecipe& recipe, SessionOptions options)
+    : text_(recipe.command),
+      recipe_(recipe),
+      checksState_(true),
+      options_(std::move(options)),
+      files_([this](std::int64_t read, std::int64_t all) { CountBytes(read, all); }) {
+  options_.host = recipe.host;
+  options_.nullTexts = recipe.nullTexts;
+  options_.rewriting = recipe.rewriting;
+  if (const std::optional<Failure> changed = Changed()) throw *changed;
+  UseHost();
+  hostText_ = HostTexts({text_}).front();
+  ImportOptions opened;
+  opened.shownMark = recipe.shownMark;
+  opened.standIns = recipe.standIns;
+  Open(std::move(opened));
+  columnOptions_.labels = recipe.labels;
+  columnOptions_.integers = recipe.integers;
+  columnOptions_.namesAsVariables = recipe.namesAsVariables;
+  fields_ = FieldsOf(import_->source(), columnOptions_);
+  use_.reset();
+}
+
+void ImportSession::CompleteRecipe(const ImportOptions& opened) {
+  recipe_.command = text_;
+  recipe_.host = options_.host;
+  recipe_.rewriting = options_.rewriting;
+  recipe_.shownMark = opened.shownMark;
+  recipe_.standIns = opened.standIns;
+  recipe_.nullTexts = options_.nullTexts;
+  recipe_.labels = columnOptions_.labels;
+  recipe_.integers = columnOptions_.integers;
+  recipe_.namesAsVariables = columnOptions_.namesAsVariables;
+}
+
+std::optional<Failure> ImportSession::Changed() const {
+  FileState state;
+  if (!checksState_ || !recipe_.state) return std::nullopt;
+  if (GetFileState(recipe_.file, &state) && state == *recipe_.state) return std::nullopt;
+  return Failure{
+      .status = TEXTWIZARD_FILE,
+      .text = recipe_.file + ": the file changed since its types were found; begin again"};
 }
 
 ImportSession::~ImportSession() { Close(); }
@@ -92,20 +153,24 @@ void ImportSession::UseHost() {
   if (use_ == nullptr) throw HostIsBusy();
 }
 
-BareImport ImportSession::Understand(const std::string& path, BareImportSettings settings) {
+BareImport ImportSession::Understand(const BareSource& source, BareImportSettings settings) {
   settings.nulls = options_.nullTexts;
   settings.threads = options_.workers;
   settings.progress = [this](std::int64_t bytes, std::int64_t all) { CountBytes(bytes, all); };
   const embedded::AttentionScope scope(cancelled_, [this] { LookAround(); });
   BareImport found;
   std::string problem;
-  if (UnderstandFile(path, files_, settings, &found, &problem)) {
+  const bool understood =
+      source.summary == nullptr
+          ? UnderstandFile(source.path, files_, settings, &found, &problem)
+          : UnderstandParts(*source.summary, files_, settings, &found, &problem);
+  if (understood) {
     if (settings.sampleLines > 0) options_.integersOfFile = false;
     found.rewriting.keepStrayQualifiers |= options_.rewriting.keepStrayQualifiers;
     return found;
   }
   if (embedded::AttentionRequested()) throw Cancelled();
-  throw Failure{.status = TEXTWIZARD_FILE, .text = path + ": " + problem};
+  throw Failure{.status = TEXTWIZARD_FILE, .text = source.path + ": " + problem};
 }
 
 void ImportSession::Open(ImportOptions settings) {
@@ -130,6 +195,7 @@ void ImportSession::Open(ImportOptions settings) {
   settings.watch = &*watch_;
   settings.rewriting = options_.rewriting;
   settings.files = &files_;
+  settings.parts.single = options_.part;
   ImportMessages& messages = *this;
   import_ = std::make_unique<CommandImport>(settings, messages);
   const embedded::AttentionScope scope(cancelled_, [this] { LookAround(); });
@@ -203,8 +269,10 @@ void ImportSession::Tell(int kind, const std::string& text) {
 }
 
 bool ImportSession::TellProgress(std::int64_t cases) {
-  const std::int64_t all = import_ == nullptr ? -1 : import_->stats().bytes;
-  return Tell({.cases = cases, .bytes = -1, .allBytes = all > 0 ? all : -1});
+  const std::int64_t all = import_ == nullptr ? 0 : import_->stats().bytes;
+  const bool reads = isReading_ && watch_;
+  return Tell(
+      {.cases = cases, .bytes = reads ? watch_->bytes() : -1, .allBytes = all > 0 ? all : -1});
 }
 
 void ImportSession::CountBytes(std::int64_t bytes, std::int64_t all) {
@@ -224,8 +292,7 @@ void ImportSession::CheckOpen() const {
   if (import_ == nullptr) throw Usage("the import was closed");
 }
 
-std::uint64_t ImportSession::BeginPass() {
-  const std::lock_guard guard(mutex_);
+void ImportSession::PreparePass() {
   CheckOpen();
   EndPass(pass_);
   UseHost();
@@ -233,20 +300,80 @@ std::uint64_t ImportSession::BeginPass() {
   ready_.clear();
   failure_.reset();
   errors_.clear();
-  const QANT_DataSource& source = import_->source();
+  columns_.reset();
+}
+
+std::uint64_t ImportSession::BeginPass() {
+  const std::lock_guard guard(mutex_);
+  PreparePass();
   columns_ = std::make_unique<ColumnSink>(
-      fields_, source.GetObsAreaSize() / sizeof(OBS),
+      fields_, import_->source().GetObsAreaSize() / sizeof(OBS),
       [this](ColumnBatch batch) { ready_.push_back(std::move(batch)); });
+  StartPass(*columns_, [this](const ProblemRow& row) { problems_.Add(row); });
+  return pass_;
+}
+
+void ImportSession::StartPass(CaseSink& sink, std::function<void(const ProblemRow&)> problem) {
+  const QANT_DataSource& source = import_->source();
   problems_ = {};
-  problemSink_.emplace(variables_, options_.problemLimit,
-                       [this](const ProblemRow& row) { problems_.Add(row); });
+  problemSink_.emplace(variables_, options_.problemLimit, std::move(problem));
   watch_->UseNone();
   watch_->Use(digest_.emplace(source));
-  watch_->Use(*columns_);
+  watch_->Use(sink);
   watch_->Prepare(source, {.problems = {&*problemSink_}, .rejects = nullptr},
                   {.batches = true, .sampled = import_->isSampled()});
+  sink_ = &sink;
   isReading_ = true;
-  return ++pass_;
+  ++pass_;
+}
+
+void ImportSession::WriteCases(const std::string& target, CaseFormat format, ArrowBody arrowBody) {
+  const std::lock_guard guard(mutex_);
+  PreparePass();
+  std::string error;
+  file_ = CasesFile::Open(target, format, &error);
+  if (file_ == nullptr) throw Failure{.status = TEXTWIZARD_FILE, .text = error};
+  CasesFileOptions options = columnOptions_;
+  options.arrowBody = arrowBody;
+  options.threads = options_.workers;
+  try {
+    StartPass(file_->Begin(import_->source(), options), [this](const ProblemRow& row) {
+      problems_.Add(row);
+      file_->AddProblem(row);
+    });
+    while (isReading_) {
+      ReadOn();
+      if (isReading_ && !file_->file().ok()) {
+        Conclude(Failure{.status = TEXTWIZARD_FILE, .text = file_->file().error()});
+      }
+    }
+    if (!failure_) FinishFile();
+  } catch (const std::runtime_error& refused) {
+    // What the format cannot hold.
+    failure_ = Failure{.text = target + ": " + refused.what()};
+  }
+  if (!file_->file().ok()) {
+    failure_ = Failure{.status = TEXTWIZARD_FILE, .text = file_->file().error()};
+  }
+  file_.reset();
+  use_.reset();
+  if (failure_) throw *failure_;
+}
+
+// All cases were taken: the file gets its end and its name.
+void ImportSession::FinishFile() {
+  for (const Misfit& misfit : PassMisfits()) file_->AddProblem(RowOf(misfit));
+  std::vector<std::pair<std::string, std::string>> metadata;
+  if (HoldsMetadata(file_->format())) {
+    metadata = {{"textwizard.dictionary", Dictionary()}, {"textwizard.ledger", Ledger()}};
+  }
+  file_->Finish(metadata);
+  OutputFile& output = file_->file();
+  if (output.Finish()) output.Publish();
+}
+
+std::vector<Misfit> ImportSession::PassMisfits() const {
+  return file_ != nullptr ? file_->Misfits() : MisfitsOf(fields_, columns_->misfits());
 }
 
 bool ImportSession::Next(std::uint64_t pass, ColumnBatch* batch) {
@@ -279,14 +406,15 @@ void ImportSession::ReadOn() {
     case ImportEnd::kDone:
       break;
   }
-  columns_->Finish();
+  sink_->Finish();
   Conclude(std::nullopt);
-  failure_ = Objection();
+  if (!failure_) failure_ = Objection();
 }
 
 bool ImportSession::GoesOn(long long taken) {
   if (!TellProgress(taken)) cancelled_ = true;
-  return !cancelled_ && ready_.empty();
+  const bool canWrite = file_ == nullptr || file_->file().ok();
+  return !cancelled_ && canWrite && ready_.empty();
 }
 
 void ImportSession::Conclude(std::optional<Failure> failure) {
@@ -294,11 +422,15 @@ void ImportSession::Conclude(std::optional<Failure> failure) {
   if (failure) import_->Restart();
   isReading_ = false;
   failure_ = std::move(failure);
+  if (!failure_ || failure_->status == TEXTWIZARD_COMMAND_FAILED) {
+    // Whatever else came of it.
+    if (std::optional<Failure> changed = Changed()) failure_ = std::move(changed);
+  }
   if (const std::string rest = undecodable_.Rest(); !rest.empty()) Tell(kMessageWarning, rest);
   undecodable_.BeginCommand();
   account_ = watch_->TakeAccount();
   account_->digest = digest_->digest();
-  for (const Misfit& misfit : MisfitsOf(fields_, columns_->misfits())) problems_.Add(RowOf(misfit));
+  for (const Misfit& misfit : PassMisfits()) problems_.Add(RowOf(misfit));
   use_.reset();
 }
 
@@ -310,7 +442,7 @@ std::optional<Failure> ImportSession::Objection() const {
   if (const std::string problems = InShort(account_->problems); !problems.empty()) {
     return Failure{.text = "strict: " + problems};
   }
-  const std::vector<Misfit> misfits = MisfitsOf(fields_, columns_->misfits());
+  const std::vector<Misfit> misfits = PassMisfits();
   if (misfits.empty()) return std::nullopt;
   return Failure{.text = "strict: " + misfits.front().detail};
 }
@@ -320,6 +452,11 @@ void ImportSession::EndPass(std::uint64_t pass) {
   if (pass != pass_ || import_ == nullptr) return;
   ready_.clear();
   if (isReading_) Conclude(Usage("the reading was given up"));
+}
+
+std::optional<Failure> ImportSession::PassFailure() {
+  const std::lock_guard guard(mutex_);
+  return failure_;
 }
 
 void ImportSession::Close() {
@@ -333,18 +470,19 @@ std::vector<std::shared_ptr<const ColumnBatch>> ImportSession::Problems() {
   return problems_.Batches();
 }
 
+std::string ImportSession::EvidenceOf(std::size_t variable) const {
+  if (variable < evidence_.size()) return evidence_[variable];
+  const ImportEvidence* const evidence = watch_->EvidenceOf(variable);
+  return evidence == nullptr ? std::string() : EvidenceJson(*evidence, variables_[variable]).dump();
+}
+
 std::string ImportSession::Dictionary() {
   const std::lock_guard guard(mutex_);
   CheckOpen();
   // Names are host text.
   const bool used = use_ != nullptr;
   UseHost();
-  const DictionaryReport report{Ledger(), [this](std::size_t index) {
-                                  const ImportEvidence* const evidence = watch_->EvidenceOf(index);
-                                  return evidence == nullptr
-                                             ? std::string()
-                                             : EvidenceJson(*evidence, variables_[index]).dump();
-                                }};
+  const DictionaryReport report{Ledger(), [this](std::size_t index) { return EvidenceOf(index); }};
   KeptText json;
   WriteDictionary(import_->source(), outline_.DataFile(), account_ ? account_->cases : 0, json,
                   &report);

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "library/capi/Failure.h"
+#include "library/capi/ImportRecipe.h"
 #include "library/capi/ProblemColumns.h"
 #include "library/columns/ColumnSink.h"
 #include "library/import/BareImport.h"
@@ -22,7 +23,10 @@
 #include "library/import/HostSettings.h"
 #include "library/import/UndecodableWarnings.h"
 #include "library/outputs/CasesFile.h"
+#include "library/outputs/Misfits.h"
 #include "library/outputs/Utf8Converter.h"
+#include "library/parts/PartOptions.h"
+#include "library/parts/SummaryFile.h"
 #include "library/report/Digest.h"
 #include "library/report/ImportWatch.h"
 #include "library/report/ProblemRows.h"
@@ -45,6 +49,15 @@ struct SessionOptions {
   // unknown): true goes on.
   std::function<void(int, const std::string&)> message;
   std::function<bool(std::int64_t, std::int64_t, std::int64_t)> progress;
+  // One part of the data file alone.
+  std::optional<PartOptions::Single> part = std::nullopt;
+};
+
+// What an import of a bare file was found from, beside the file: the merged summary of its parts,
+// where there is one.
+struct BareSource {
+  std::string path;
+  const FilePartSummary* summary = nullptr;
 };
 
 // Every operation throws Failure and std::bad_alloc. The operations of one object wait for one
@@ -55,7 +68,9 @@ class ImportSession : private ImportMessages, private CaseReceiver {
   ImportSession(std::string text, SessionOptions options);
   // Understands a bare file, and runs the command that this makes. The settings' null texts,
   // threads and progress are those of the options.
-  ImportSession(const std::string& path, BareImportSettings settings, SessionOptions options);
+  ImportSession(const BareSource& source, BareImportSettings settings, SessionOptions options);
+  // Runs the command of a recipe, whose settings replace those of the options.
+  ImportSession(const ImportRecipe& recipe, SessionOptions options);
   ~ImportSession() override;
   ImportSession(const ImportSession&) = delete;
   ImportSession& operator=(const ImportSession&) = delete;
@@ -65,6 +80,8 @@ class ImportSession : private ImportMessages, private CaseReceiver {
   const std::string& command() const { return text_; }
   // JSON: how a bare file was read; empty for a command.
   const std::string& reading() const { return reading_; }
+  // What makes another session as this one, but for the part.
+  const ImportRecipe& recipe() const { return recipe_; }
 
   // Begins a pass over the cases, which ends the one before. Its number.
   std::uint64_t BeginPass();
@@ -72,6 +89,11 @@ class ImportSession : private ImportMessages, private CaseReceiver {
   bool Next(std::uint64_t pass, ColumnBatch* batch);
   // Gives up the pass where it is; nothing where another one began.
   void EndPass(std::uint64_t pass);
+  // A pass that writes all cases to a file, in place of batches. What is not complete leaves no
+  // file.
+  void WriteCases(const std::string& target, CaseFormat format, ArrowBody arrowBody);
+  // What the latest pass failed with; nothing where it did not.
+  std::optional<Failure> PassFailure();
   // Ends the import: from now on there are no cases.
   void Close();
   // Stops the pass that runs, or the next one, at its next check. Any thread.
@@ -86,9 +108,20 @@ class ImportSession : private ImportMessages, private CaseReceiver {
 
  private:
   void Open(ImportOptions settings);
-  BareImport Understand(const std::string& path, BareImportSettings settings);
+  BareImport Understand(const BareSource& source, BareImportSettings settings);
+  // What of the recipe is known once the import is open, which was opened with `opened`.
+  void CompleteRecipe(const ImportOptions& opened);
+  // That the file is not as it was when the recipe was made; nothing where it is.
+  std::optional<Failure> Changed() const;
+  std::string EvidenceOf(std::size_t variable) const;
+  // Ends the pass before.
+  void PreparePass();
+  // A pass begins whose cases go to `sink`.
+  void StartPass(CaseSink& sink, std::function<void(const ProblemRow&)> problem);
+  std::vector<Misfit> PassMisfits() const;
   [[noreturn]] void FailOpen(const embedded::ParsedCommand& command);
   void ReadOn();
+  void FinishFile();
   // The pass has ended: `failure` is what the next call for a batch says; null where all is well.
   void Conclude(std::optional<Failure> failure);
   // What makes a pass fail that was read to its end.
@@ -119,6 +152,8 @@ class ImportSession : private ImportMessages, private CaseReceiver {
 
   std::string text_;
   std::string reading_;
+  ImportRecipe recipe_;
+  bool checksState_ = false;  // the recipe is another session's
   SessionOptions options_;
   std::recursive_mutex mutex_;
   std::atomic<bool> cancelled_{false};
@@ -137,12 +172,17 @@ class ImportSession : private ImportMessages, private CaseReceiver {
   CasesFileOptions columnOptions_;
   std::vector<ColumnField> fields_;
   ReportVariables variables_;
+  // JSON, of a bare file's variables.
+  std::vector<std::string> evidence_;
 
   // Of the pass.
   std::uint64_t pass_ = 0;
   bool isReading_ = false;
   std::optional<Failure> failure_;
+  // One of the two takes the cases.
   std::unique_ptr<ColumnSink> columns_;
+  std::unique_ptr<CasesFile> file_;
+  CaseSink* sink_ = nullptr;
   std::optional<DigestSink> digest_;
   ProblemColumns problems_;
   std::optional<ProblemRowSink> problemSink_;

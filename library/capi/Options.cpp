@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "library/capi/PartWork.h"
+#include "library/parts/SummaryMerge.h"
 #include "library/sniff/CharacterRanges.h"
 
 namespace library {
@@ -51,7 +53,34 @@ std::optional<std::string> TextIfGiven(const char* text) {
   return text == nullptr ? std::nullopt : std::optional<std::string>(text);
 }
 
+PartOptions::Single PartOf(const textwizard_part& part, RewritingOptions& rewriting) {
+  const textwizard_part given = Given(&part);
+  if (given.from < 0 || given.to <= given.from) {
+    Refuse(fmt::format("a part of bytes {} to {} is empty: a part begins before it ends",
+                       given.from, given.to));
+  }
+  PartOptions::Single single;
+  single.range = {given.from, given.to};
+  if (given.before == nullptr) return single;
+  std::string problem;
+  const FilePartSummary before =
+      SummaryFrom({static_cast<const char*>(given.before), given.before_size});
+  if (!PutBefore(before, &single, &rewriting, &problem)) Refuse(problem);
+  return single;
+}
+
 }  // namespace
+
+WriteSettings WriteSettingsOf(const char* path, const textwizard_write_options* options) {
+  const textwizard_write_options given = Given(options);
+  const auto format =
+      given.format == nullptr ? CaseFormatOfFile(path) : CaseFormatNamed(given.format);
+  if (!format) {
+    Refuse(fmt::format("\"{}\" names no format of cases: they are {}",
+                       given.format == nullptr ? path : given.format, CaseFormatNames()));
+  }
+  return {*format, given.arrow_lz4 != 0 ? ArrowBody::kLz4 : ArrowBody::kPlain};
+}
 
 SessionOptions SessionOptionsOf(const textwizard_options* options) {
   const textwizard_options given = Given(options);
@@ -79,6 +108,7 @@ SessionOptions SessionOptionsOf(const textwizard_options* options) {
   session.namesAsVariables = given.names_as_variables != 0;
   session.integersOfCommand = given.integers > 0;
   session.integersOfFile = given.integers >= 0;
+  if (given.part != nullptr) session.part = PartOf(*given.part, session.rewriting);
   if (given.message != nullptr) {
     session.message = [message = given.message, context = given.context](int kind,
                                                                          const std::string& text) {

@@ -13,6 +13,12 @@ SessionOptions SessionOptionsOf(const textwizard_options* options);
 char DecimalOf(const textwizard_options* options);
 // `decimal`: that of the other struct; 0 where it is to be found.
 BareImportSettings FileSettingsOf(const textwizard_file_options* options, char decimal);
+struct WriteSettings {
+  CaseFormat format;
+  ArrowBody arrowBody;
+};
+// `path`: whose ending names the format that is not given.
+WriteSettings WriteSettingsOf(const char* path, const textwizard_write_options* options);
 SniffSettings SniffSettingsOf(const textwizard_file_options* options);
 
 }  // namespace library

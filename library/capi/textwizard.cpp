@@ -3,75 +3,22 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <exception>
 #include <memory>
 #include <new>
 #include <string>
-#include <utility>
 
 #include "TextWizardVersion.h"
 #include "library/capi/BareFile.h"
-#include "library/capi/Failure.h"
-#include "library/capi/ImportSession.h"
+#include "library/capi/Calls.h"
 #include "library/capi/Options.h"
 #include "library/capi/Streams.h"
 #include "library/columns/ArrowExport.h"
 
-struct textwizard_import {
-  std::shared_ptr<library::ImportSession> session;
-  // What functions gave to the user.
-  std::string command;
-  std::string dictionary;
-  std::string ledger;
-  std::string digest;
-};
-
 namespace {
 
-using library::Failure;
-
-void Give(textwizard_error** error, const Failure& failure) noexcept {
-  if (error == nullptr) return;
-  try {
-    *error = new textwizard_error(failure);
-  } catch (const std::bad_alloc&) {
-    // The status says it.
-    *error = nullptr;
-  }
-}
-
-template <class Work>
-textwizard_status Guarded(textwizard_error** error, Work work) noexcept {
-  Failure failure;
-  try {
-    work();
-    return TEXTWIZARD_OK;
-  } catch (Failure& thrown) {
-    failure = std::move(thrown);
-  } catch (const std::bad_alloc&) {
-    failure.status = TEXTWIZARD_NO_MEMORY;
-    failure.text = "no memory";
-  } catch (const std::exception&) {
-    failure.text = "internal error";
-  }
-  Give(error, failure);
-  return failure.status;
-}
-
-// The text of a function that cannot fail; null where there is none.
-template <class Work>
-const char* Text(std::string& kept, Work work) noexcept {
-  try {
-    kept = work();
-    return kept.empty() ? nullptr : kept.c_str();
-  } catch (...) {
-    return nullptr;
-  }
-}
-
-void Require(bool given, const char* what) {
-  if (!given) throw Failure{.status = TEXTWIZARD_USAGE, .text = std::string(what) + " is null"};
-}
+using library::Guarded;
+using library::Require;
+using library::Text;
 
 // A copy that the user frees.
 char* Copied(const std::string& text) {
@@ -122,7 +69,8 @@ textwizard_status textwizard_open_file(const char* path,
     *import = nullptr;
     auto opened = std::make_unique<textwizard_import>();
     opened->session = std::make_shared<library::ImportSession>(
-        path, library::FileSettingsOf(file_options, library::DecimalOf(options)),
+        library::BareSource{path},
+        library::FileSettingsOf(file_options, library::DecimalOf(options)),
         library::SessionOptionsOf(options));
     *import = opened.release();
   });
@@ -159,6 +107,24 @@ textwizard_status textwizard_problems(textwizard_import* import, struct ArrowArr
     Require(import != nullptr, "import");
     Require(problems != nullptr, "problems");
     library::ExportProblems(*import->session, problems);
+  });
+}
+
+textwizard_status textwizard_write_cases(textwizard_import* import, const char* path,
+                                         const textwizard_write_options* options,
+                                         textwizard_error** error) {
+  return Guarded(error, [&] {
+    Require(import != nullptr, "import");
+    Require(path != nullptr, "path");
+    const library::WriteSettings settings = library::WriteSettingsOf(path, options);
+    import->session->WriteCases(path, settings.format, settings.arrowBody);
+  });
+}
+
+textwizard_status textwizard_pass_error(textwizard_import* import, textwizard_error** error) {
+  return Guarded(error, [&] {
+    Require(import != nullptr, "import");
+    if (const auto failure = import->session->PassFailure()) throw *failure;
   });
 }
 

@@ -61,6 +61,7 @@ void ImportWatch::OnEvidence(std::size_t variable, const ImportEvidence& evidenc
 void ImportWatch::OnPassBegin() {
   account_ = {};
   cases_ = 0;
+  bytes_ = 0;
   gathered_.clear();
   gatheredCases_ = 0;
   failure_ = nullptr;
@@ -134,6 +135,7 @@ void ImportWatch::Drop() {
 void ImportWatch::OnSpan(const ImportSpan& span) {
   const bool isHead = span.kind == ImportSpan::kMark || span.kind == ImportSpan::kPreamble;
   if (isHead && outputs_.rejects != nullptr) outputs_.rejects->CopyHead(span.offset + span.bytes);
+  if (span.kind != ImportSpan::kUnread) bytes_ += span.bytes;
   account_.ledger.AddSpan(span);
 }
 

@@ -76,6 +76,8 @@ class ImportWatch final : public ImportObserver {
 
   // Cases that were handed to sinks, or kept, so far.
   std::int64_t cases() const { return cases_; }
+  // Bytes of the file that the cases so far, and what lies between them, account for.
+  std::int64_t bytes() const { return bytes_; }
   // Time that the host's thread spent with the sinks.
   double sinkSeconds() const { return sinkSeconds_; }
   // A sink could not take its cases: nobody gets more, and the pass should be given up.
@@ -153,6 +155,7 @@ class ImportWatch final : public ImportObserver {
   Mode mode_;
   HeldCase held_;
   std::int64_t cases_ = 0;
+  std::int64_t bytes_ = 0;
   // Kept cases that wait for the sinks.
   std::vector<OBS> gathered_;
   std::size_t gatheredCases_ = 0;

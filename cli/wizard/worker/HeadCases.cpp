@@ -9,9 +9,9 @@
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "cli/wizard/WizardServer.h"
-#include "cli/wizard/worker/ColumnReport.h"
 #include "cli/wizard/worker/PageSettings.h"
 #include "library/import/BareImport.h"
+#include "library/import/ColumnReport.h"
 #include "library/import/CommandImport.h"
 #include "library/import/FieldPlaces.h"
 #include "library/import/RunLine.h"
@@ -140,7 +140,7 @@ json HeadCases(const json& body) {
   const std::vector<library::PlacedRecord> records =
       library::PlaceFields(running.source(), import, count);
   return {{"cases", CasesJson(import, values, records)},
-          {"columns", ColumnReport(import, false)},
+          {"columns", library::ColumnReport(import, false)},
           {"command", std::string(library::Utf8Converter().ToUtf8(import.command))},
           {"options", library::RunOptionsFor(import, settings.nulls)}};
 }

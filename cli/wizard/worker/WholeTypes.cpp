@@ -4,9 +4,9 @@
 #include <string>
 
 #include "cli/wizard/WizardServer.h"
-#include "cli/wizard/worker/ColumnReport.h"
 #include "cli/wizard/worker/PageSettings.h"
 #include "library/import/BareImport.h"
+#include "library/import/ColumnReport.h"
 #include "library/import/RunLine.h"
 #include "library/outputs/Utf8Converter.h"
 
@@ -36,7 +36,7 @@ json WholeTypes(const json& body, const std::function<void(const json&)>& progre
     progress({{"bytes", bytes},
               {"all_bytes", allBytes},
               {"cases", soFar.summary.records},
-              {"columns", ColumnReport(soFar, false)}});
+              {"columns", library::ColumnReport(soFar, false)}});
   };
   library::InputFiles files;
   library::BareImport import;
@@ -47,7 +47,7 @@ json WholeTypes(const json& body, const std::function<void(const json&)>& progre
   return {{"bytes", allBytes},
           {"all_bytes", allBytes},
           {"cases", import.summary.records},
-          {"columns", ColumnReport(import, true)},
+          {"columns", library::ColumnReport(import, true)},
           {"command", std::string(library::Utf8Converter().ToUtf8(import.command))},
           {"options", library::RunOptionsFor(import, settings.nulls)}};
 }

@@ -75,6 +75,17 @@ typedef enum textwizard_message_kind {
   TEXTWIZARD_LOG = 3
 } textwizard_message_kind;
 
+/* A part of a data file: a range of bytes. It owns the lines that begin in it. */
+typedef struct textwizard_part {
+  size_t size;
+  int64_t from; /* the first byte, from 0; of a compressed file of its decompressed bytes */
+  int64_t to;   /* the byte behind the last one */
+  /* What stands before the part: a summary of it (textwizard_merge_summaries). Null: the file is
+     read up to the part, to count its lines. */
+  const void* before;
+  size_t before_size; /* in bytes */
+} textwizard_part;
+
 /* What goes for every import. */
 typedef struct textwizard_options {
   size_t size;
@@ -109,10 +120,11 @@ typedef struct textwizard_options {
   /* A message; may be null. `text` is good during the call. */
   void (*message)(void* context, textwizard_message_kind kind, const char* text);
   /* Cases so far (while types are found: records that were looked at), bytes so far and bytes in
-     all
-     (-1: unknown). Not 0 cancels. May be null. */
+     all (-1: unknown). Not 0 cancels. May be null. */
   int32_t (*progress)(void* context, int64_t cases, int64_t bytes, int64_t all_bytes);
   void* context;
+  /* One part of the data file alone, of a command or a recipe; null: all of it. */
+  const textwizard_part* part;
 } textwizard_options;
 
 /* What is given instead of found about a bare file. */
@@ -159,6 +171,21 @@ TEXTWIZARD_API textwizard_status textwizard_schema(textwizard_import* import,
 TEXTWIZARD_API textwizard_status textwizard_cases(textwizard_import* import,
                                                   struct ArrowArrayStream* cases,
                                                   textwizard_error** error);
+typedef struct textwizard_write_options {
+  size_t size;
+  const char* format; /* csv, tsv, jsonl, arrow, parquet, sqlite; null: as the path ends */
+  int32_t arrow_lz4;  /* 1: batches of an Arrow file are compressed by LZ4 */
+} textwizard_write_options;
+/* Reads the cases, from the first to the last, into a file, which gets its name when it is complete
+   and replaces what has that name; what fails leaves no file. `options` may be null. A stream of
+   the import ends. */
+TEXTWIZARD_API textwizard_status textwizard_write_cases(textwizard_import* import, const char* path,
+                                                        const textwizard_write_options* options,
+                                                        textwizard_error** error);
+/* What the latest pass failed with, which its stream can say as a text only, as number and text:
+   the status and *error of that. TEXTWIZARD_OK where it did not fail. */
+TEXTWIZARD_API textwizard_status textwizard_pass_error(textwizard_import* import,
+                                                       textwizard_error** error);
 /* The problems of the latest pass that came to its end, or as far as it came: kind, case, line,
    byte, variable, format, text, detail. Release *problems. */
 TEXTWIZARD_API textwizard_status textwizard_problems(textwizard_import* import,
@@ -179,6 +206,47 @@ TEXTWIZARD_API const char* textwizard_reading(textwizard_import* import);
 TEXTWIZARD_API const char* textwizard_ledger(textwizard_import* import);
 /* The digest of the latest pass's cases, 32 hexadecimal digits; null before one ended. */
 TEXTWIZARD_API const char* textwizard_digest(textwizard_import* import);
+
+/* --- Parts: one import by several processes or machines that see the file. Each sums up its part;
+   one merges the summaries, opens the import that they make, and gives its recipe to all; each
+   reads the cases of its part with it. The cases, their numbers, problems, ledgers and digests of
+   the parts are, or add up to, those of one import of the whole. */
+
+/* Sums up part `number` (from 1) of `count` even parts of a bare file: some kilobytes that do not
+   grow with the part. Everybody gives the same options. Free *summary with textwizard_bytes_free.
+   Of the options workers, null_texts, progress and decimal count. Nothing else is opened or read in
+   the process meanwhile; else TEXTWIZARD_BUSY. */
+TEXTWIZARD_API textwizard_status textwizard_summarize_part(
+    const char* path, int64_t number, int64_t count, const textwizard_file_options* file_options,
+    const textwizard_options* options, void** summary, size_t* size, textwizard_error** error);
+/* Merges `count` summaries, in any order, of parts that follow one another; in any grouping the
+   same. `lines_only` 1: only what `before` of a textwizard_part needs. Free *merged with
+   textwizard_bytes_free. */
+TEXTWIZARD_API textwizard_status textwizard_merge_summaries(const void* const* summaries,
+                                                            const size_t* sizes, size_t count,
+                                                            int32_t lines_only, void** merged,
+                                                            size_t* size, textwizard_error** error);
+/* JSON: file, file_bytes and modified (its size, and nanoseconds since 1970, when it was summed
+   up), data_bytes (decompressed), from and to (the bytes summed up), lines, records, columns. Free
+   *json with textwizard_text_free. */
+TEXTWIZARD_API textwizard_status textwizard_summary_json(const void* summary, size_t size,
+                                                         char** json, textwizard_error** error);
+/* As textwizard_open_file of the file whose parts are all in the summary, which is not read again
+   for its types. The options are those of the summaries. Fails where the file has changed. */
+TEXTWIZARD_API textwizard_status textwizard_open_summary(
+    const void* summary, size_t size, const textwizard_file_options* file_options,
+    const textwizard_options* options, textwizard_import** import, textwizard_error** error);
+/* What textwizard_open_recipe makes the same import of, anywhere: the command and all that goes
+   with it (JSON, whose members may change). Good until the next call or textwizard_close. */
+TEXTWIZARD_API const char* textwizard_recipe(textwizard_import* import);
+/* The import of a recipe, or the part of it that the options name. Of the options workers,
+   problem_limit, strict, message, progress and part count. Fails, and so do its passes
+   (TEXTWIZARD_FILE), where the file is not as it was when the recipe was made. */
+TEXTWIZARD_API textwizard_status textwizard_open_recipe(const char* recipe,
+                                                        const textwizard_options* options,
+                                                        textwizard_import** import,
+                                                        textwizard_error** error);
+TEXTWIZARD_API void textwizard_bytes_free(void* bytes);
 
 /* --- Without an import. Free the texts with textwizard_text_free. */
 

@@ -17,6 +17,7 @@
 #include <string>
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "textwizard/textwizard.h"
 
@@ -138,6 +139,61 @@ class Stream : public Owned<ArrowArrayStream> {
   }
 };
 
+// What one look at a part of a file says; or at several parts that follow one another.
+class Summary {
+ public:
+  // Of part `number` (from 1) of `count` of a file.
+  static Result<Summary> OfPart(const std::string& path, std::int64_t number, std::int64_t count,
+                                const textwizard_file_options* file_options = nullptr,
+                                const textwizard_options* options = nullptr) {
+    void* bytes = nullptr;
+    std::size_t size = 0;
+    textwizard_error* error = nullptr;
+    const textwizard_status status = textwizard_summarize_part(
+        path.c_str(), number, count, file_options, options, &bytes, &size, &error);
+    return Made(status, bytes, size, error);
+  }
+  // `linesOnly`: what `before` of a textwizard_part needs.
+  static Result<Summary> Merge(const std::vector<Summary>& summaries, bool linesOnly = false) {
+    std::vector<const void*> bytes;
+    std::vector<std::size_t> sizes;
+    for (const Summary& summary : summaries) {
+      bytes.push_back(summary.bytes().data());
+      sizes.push_back(summary.bytes().size());
+    }
+    void* merged = nullptr;
+    std::size_t size = 0;
+    textwizard_error* error = nullptr;
+    const textwizard_status status = textwizard_merge_summaries(
+        bytes.data(), sizes.data(), bytes.size(), linesOnly ? 1 : 0, &merged, &size, &error);
+    return Made(status, merged, size, error);
+  }
+  explicit Summary(std::string bytes) : bytes_(std::move(bytes)) {}
+
+  // To be sent or kept.
+  const std::string& bytes() const { return bytes_; }
+  // What textwizard_summary_json gives.
+  Result<std::string> Json() const {
+    char* json = nullptr;
+    textwizard_error* error = nullptr;
+    const textwizard_status status =
+        textwizard_summary_json(bytes_.data(), bytes_.size(), &json, &error);
+    if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+    const std::unique_ptr<char, void (*)(char*)> owned(json, textwizard_text_free);
+    return std::string(json);
+  }
+
+ private:
+  static Result<Summary> Made(textwizard_status status, void* bytes, std::size_t size,
+                              textwizard_error* error) {
+    if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+    const std::unique_ptr<void, void (*)(void*)> owned(bytes, textwizard_bytes_free);
+    return Summary(std::string(static_cast<const char*>(bytes), size));
+  }
+
+  std::string bytes_;
+};
+
 // An import. Its streams may outlive it, and end with an error then.
 class Import {
  public:
@@ -162,6 +218,28 @@ class Import {
     return Import(import);
   }
 
+  // Of a file all of whose parts are in the summary.
+  static Result<Import> OpenSummary(const Summary& summary,
+                                    const textwizard_file_options* file_options = nullptr,
+                                    const textwizard_options* options = nullptr) {
+    textwizard_import* import = nullptr;
+    textwizard_error* error = nullptr;
+    const textwizard_status status = textwizard_open_summary(
+        summary.bytes().data(), summary.bytes().size(), file_options, options, &import, &error);
+    if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+    return Import(import);
+  }
+
+  static Result<Import> OpenRecipe(const std::string& recipe,
+                                   const textwizard_options* options = nullptr) {
+    textwizard_import* import = nullptr;
+    textwizard_error* error = nullptr;
+    const textwizard_status status =
+        textwizard_open_recipe(recipe.c_str(), options, &import, &error);
+    if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+    return Import(import);
+  }
+
   Result<Schema> ReadSchema() {
     ArrowSchema schema{};
     textwizard_error* error = nullptr;
@@ -171,6 +249,19 @@ class Import {
   }
   Result<Stream> Cases() { return Opened(textwizard_cases); }
   Result<Stream> Problems() { return Opened(textwizard_problems); }
+  // Reads the cases into a file. An error of status TEXTWIZARD_OK where all is well.
+  Error WriteCases(const std::string& path, const textwizard_write_options* options = nullptr) {
+    textwizard_error* error = nullptr;
+    const textwizard_status status =
+        textwizard_write_cases(handle_.get(), path.c_str(), options, &error);
+    return Outcome(status, error);
+  }
+  // What the latest pass failed with; of status TEXTWIZARD_OK where it did not.
+  Error PassError() {
+    textwizard_error* error = nullptr;
+    const textwizard_status status = textwizard_pass_error(handle_.get(), &error);
+    return Outcome(status, error);
+  }
   void Cancel() { textwizard_cancel(handle_.get()); }
 
   // Empty where there is none yet.
@@ -178,6 +269,7 @@ class Import {
   std::string Dictionary() const { return Text(textwizard_dictionary(handle_.get())); }
   std::string Reading() const { return Text(textwizard_reading(handle_.get())); }
   std::string Ledger() const { return Text(textwizard_ledger(handle_.get())); }
+  std::string Recipe() const { return Text(textwizard_recipe(handle_.get())); }
   std::string Digest() const { return Text(textwizard_digest(handle_.get())); }
   // For the C functions; stays this object's.
   textwizard_import* handle() const { return handle_.get(); }
@@ -187,6 +279,10 @@ class Import {
     void operator()(textwizard_import* import) const { textwizard_close(import); }
   };
   explicit Import(textwizard_import* import) : handle_(import) {}
+  static Error Outcome(textwizard_status status, textwizard_error* error) {
+    if (status == TEXTWIZARD_OK) return {TEXTWIZARD_OK, ""};
+    return Error::Take(status, error);
+  }
   static std::string Text(const char* text) { return text == nullptr ? std::string() : text; }
   Result<Stream> Opened(textwizard_status (*open)(textwizard_import*, ArrowArrayStream*,
                                                   textwizard_error**)) {

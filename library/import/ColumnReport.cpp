@@ -1,30 +1,29 @@
-#include "cli/wizard/worker/ColumnReport.h"
+#include "library/import/ColumnReport.h"
 
+#include <algorithm>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
 
 #include "library/import/CommandText.h"
 #include "library/import/GivenFormat.h"
+#include "library/outputs/Utf8Converter.h"
 
-namespace cli {
+namespace library {
 namespace {
 
-using library::BareColumn;
-using library::BareImport;
-using library::ColumnEvidence;
-using library::ColumnRemark;
-using library::Reading;
-using library::Witness;
 using nlohmann::json;
 
 json WitnessJson(const Witness& witness) {
   return {{"count", witness.count}, {"line", witness.line}, {"text", witness.text}};
 }
 
-void CountValues(const BareColumn& column, const ColumnEvidence& evidence,
-                 library::DecimalCharacter decimal, json* report) {
+void CountValues(const BareColumn& column, const ColumnEvidence& evidence, DecimalCharacter decimal,
+                 json* report) {
   json& told = *report;
   told["empty"] = evidence.empties();
-  const library::ChosenFormat& format = column.type.format;
+  const ChosenFormat& format = column.type.format;
   if (format.code == textwizard::kFormatA) {
     // Null texts are texts like others.
     told["read"] = evidence.values() + evidence.nulls().count;
@@ -34,7 +33,7 @@ void CountValues(const BareColumn& column, const ColumnEvidence& evidence,
     return;
   }
   told["null"] = evidence.nulls().count;
-  const std::optional<Reading> reading = library::ReadingOf(format.code, decimal);
+  const std::optional<Reading> reading = ReadingOf(format.code, decimal);
   if (!reading) return;
   const Witness unread = evidence.Unread(*reading);
   told["read"] = evidence.values() - unread.count;
@@ -58,7 +57,7 @@ void TellDayMonth(const BareColumn& column, const ColumnEvidence& evidence, Read
   }
   for (const ColumnRemark& remark : column.type.remarks) {
     if (remark.kind == ColumnRemark::kDayOrMonth && remark.other) {
-      told["other"] = library::FormatText(*remark.other);
+      told["other"] = FormatText(*remark.other);
     }
   }
   if (!told.contains("other")) told["other"] = dayFirst ? "ADATE10" : "EDATE10";
@@ -66,7 +65,7 @@ void TellDayMonth(const BareColumn& column, const ColumnEvidence& evidence, Read
 }
 
 void TellDecimal(const BareImport& import, std::size_t index, json* report) {
-  const bool comma = import.types.decimal == library::DecimalCharacter::kComma;
+  const bool comma = import.types.decimal == DecimalCharacter::kComma;
   const char* const other = comma ? "point" : "comma";
   const Witness& witness = import.types.decimalWitness;
   if (witness.line > 0 && import.types.decimalColumn == index) {
@@ -103,6 +102,65 @@ const char* NameOf(ColumnRemark::Kind kind) {
   return nullptr;  // told by a member of its own
 }
 
+// Texts of the summary as the file means them, in UTF-8.
+class ShownTexts {
+ public:
+  explicit ShownTexts(const BareImport& import) {
+    if (import.standIns) restorer_.emplace(*import.standIns);
+  }
+  std::string Of(const Witness& witness) {
+    const std::string_view text =
+        restorer_ ? restorer_->Restore(witness.text, room_) : std::string_view(witness.text);
+    return std::string(utf8_.ToUtf8(text));
+  }
+
+ private:
+  std::optional<TextRestorer> restorer_;
+  Utf8Converter utf8_;
+  std::string room_;
+};
+
+// The format that would be chosen by a reading; nothing where another reading has that format.
+std::optional<ChosenFormat> FormatBy(Reading reading, const BareColumn& column,
+                                     const ColumnEvidence& evidence, DecimalCharacter decimal) {
+  if (ReadingOf(column.type.format.code, decimal) == reading) return column.type.format;
+  std::uint32_t code = FormatOf(reading);
+  if (ReadingOf(textwizard::kFormatF, decimal) == reading) code = textwizard::kFormatF;
+  if (reading == Reading::kDayMonthYear && evidence.namedMonths() == 0) {
+    code = textwizard::kFormatEDate;
+  }
+  if (ReadingOf(code, decimal) != reading) return std::nullopt;
+  return FitFormat(code, evidence, decimal);
+}
+
+json Candidates(const BareColumn& column, const ColumnEvidence& evidence, DecimalCharacter decimal,
+                ShownTexts& texts) {
+  struct Candidate {
+    std::int64_t read;
+    json told;
+  };
+  std::vector<Candidate> found;
+  for (std::size_t index = 0; index < kReadings; ++index) {
+    const auto reading = static_cast<Reading>(index);
+    const std::int64_t read = evidence.Read(reading);
+    const auto format = FormatBy(reading, column, evidence, decimal);
+    if (read == 0 || !format) continue;
+    const Witness unread = evidence.Unread(reading);
+    json told = {{"format", FormatText(*format)}, {"read", read}, {"unread", unread.count}};
+    if (unread.count > 0) {
+      told["line"] = unread.line;
+      told["text"] = texts.Of(unread);
+    }
+    found.push_back({read, std::move(told)});
+  }
+  std::stable_sort(found.begin(), found.end(), [](const Candidate& left, const Candidate& right) {
+    return left.read > right.read;
+  });
+  json list = json::array();
+  for (Candidate& candidate : found) list.push_back(std::move(candidate.told));
+  return list;
+}
+
 }  // namespace
 
 json ColumnReport(const BareImport& import, bool final) {
@@ -113,14 +171,14 @@ json ColumnReport(const BareImport& import, bool final) {
                    {"label", column.label},
                    {"final", final},
                    {"given", column.typeGiven || column.skipped},
-                   {"format", column.skipped ? "X" : library::FormatText(column.type.format)}};
+                   {"format", column.skipped ? "X" : FormatText(column.type.format)}};
     if (i < import.sniff.columns.size() && import.sniff.columns[i].range.to != 0) {
       report["from"] = import.sniff.columns[i].range.from;
       report["to"] = import.sniff.columns[i].range.to;
     }
     const ColumnEvidence& evidence = import.summary.columns[i];
     CountValues(column, evidence, import.types.decimal, &report);
-    if (const auto reading = library::ReadingOf(column.type.format.code, import.types.decimal)) {
+    if (const auto reading = ReadingOf(column.type.format.code, import.types.decimal)) {
       TellDayMonth(column, evidence, *reading, &report);
     }
     TellDecimal(import, i, &report);
@@ -130,7 +188,7 @@ json ColumnReport(const BareImport& import, bool final) {
       if (kind == nullptr) continue;
       json one = WitnessJson(remark.values);
       one["kind"] = kind;
-      if (remark.other) one["other"] = library::FormatText(*remark.other);
+      if (remark.other) one["other"] = FormatText(*remark.other);
       if (remark.kind == ColumnRemark::kUnreadable)
         report["offending"] = WitnessJson(remark.values);
       remarks.push_back(one);
@@ -141,4 +199,22 @@ json ColumnReport(const BareImport& import, bool final) {
   return columns;
 }
 
-}  // namespace cli
+json FoundEvidence(const BareImport& import) {
+  ShownTexts texts(import);
+  json columns = ColumnReport(import, true);
+  for (std::size_t i = 0; i < import.columns.size(); ++i) {
+    const ColumnEvidence& evidence = import.summary.columns[i];
+    json& told = columns[i];
+    for (const char* known : {"name", "label", "final", "format", "offending"}) told.erase(known);
+    told["values"] = evidence.values();
+    told["candidates"] = Candidates(import.columns[i], evidence, import.types.decimal, texts);
+    if (evidence.longest().line > 0) {
+      told["longest"] = {{"bytes", evidence.longest().count},
+                         {"line", evidence.longest().line},
+                         {"text", texts.Of(evidence.longest())}};
+    }
+  }
+  return columns;
+}
+
+}  // namespace library

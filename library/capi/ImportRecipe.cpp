@@ -1,0 +1,90 @@
+#include "library/capi/ImportRecipe.h"
+
+#include <nlohmann/json.hpp>
+
+#include "library/capi/Failure.h"
+
+namespace library {
+namespace {
+
+using nlohmann::json;
+
+constexpr int kVersion = 1;
+
+// Bytes of any kind as numbers.
+json BytesJson(const std::string& bytes) {
+  json list = json::array();
+  for (const char byte : bytes) list.push_back(static_cast<unsigned char>(byte));
+  return list;
+}
+
+std::string BytesOf(const json& list) {
+  std::string bytes;
+  for (const json& byte : list) bytes += static_cast<char>(byte.get<std::uint8_t>());
+  return bytes;
+}
+
+}  // namespace
+
+std::string RecipeText(const ImportRecipe& recipe) {
+  json text = {{"textwizard_recipe", kVersion},
+               {"command", recipe.command},
+               {"decimal_comma", recipe.host.decimalComma},
+               {"code_page", recipe.host.codePage},
+               {"locale_code_page", recipe.host.localeCodePage},
+               {"join_quoted_lines", recipe.rewriting.joinQuotedLines},
+               {"backslash_escapes", recipe.rewriting.backslashEscapes},
+               {"keep_stray_qualifiers", recipe.rewriting.keepStrayQualifiers},
+               {"mark", BytesJson(recipe.shownMark)},
+               {"stand_ins", nullptr},
+               {"null_texts", recipe.nullTexts},
+               {"labels", recipe.labels},
+               {"integers", recipe.integers},
+               {"names_as_variables", recipe.namesAsVariables},
+               {"file", BytesJson(recipe.file)},
+               {"state", nullptr}};
+  if (recipe.standIns) {
+    text["stand_ins"] = BytesJson(
+        {recipe.standIns->lineFeed, recipe.standIns->carriageReturn, recipe.standIns->nothing});
+  }
+  if (recipe.state) text["state"] = {recipe.state->bytes, recipe.state->modified};
+  return text.dump(-1, ' ', true, json::error_handler_t::replace);
+}
+
+ImportRecipe ReadRecipe(const std::string& text) {
+  try {
+    const json read = json::parse(text);
+    ImportRecipe recipe;
+    if (read.at("textwizard_recipe") != kVersion) {
+      throw Failure{.status = TEXTWIZARD_USAGE,
+                    .text = "the recipe is of another version of the library: make it again"};
+    }
+    read.at("command").get_to(recipe.command);
+    read.at("decimal_comma").get_to(recipe.host.decimalComma);
+    read.at("code_page").get_to(recipe.host.codePage);
+    read.at("locale_code_page").get_to(recipe.host.localeCodePage);
+    read.at("join_quoted_lines").get_to(recipe.rewriting.joinQuotedLines);
+    read.at("backslash_escapes").get_to(recipe.rewriting.backslashEscapes);
+    read.at("keep_stray_qualifiers").get_to(recipe.rewriting.keepStrayQualifiers);
+    recipe.shownMark = BytesOf(read.at("mark"));
+    if (const json& standIns = read.at("stand_ins"); !standIns.is_null()) {
+      const std::string bytes = BytesOf(standIns);
+      recipe.standIns = StandIns{bytes.at(0), bytes.at(1), bytes.at(2)};
+    }
+    read.at("null_texts").get_to(recipe.nullTexts);
+    read.at("labels").get_to(recipe.labels);
+    read.at("integers").get_to(recipe.integers);
+    read.at("names_as_variables").get_to(recipe.namesAsVariables);
+    recipe.file = BytesOf(read.at("file"));
+    if (const json& state = read.at("state"); !state.is_null()) {
+      recipe.state = FileState{state.at(0).get<std::int64_t>(), state.at(1).get<std::int64_t>()};
+    }
+    return recipe;
+  } catch (const json::exception&) {
+  } catch (const std::out_of_range&) {
+  }
+  throw Failure{.status = TEXTWIZARD_USAGE,
+                .text = "the text is no recipe: give what textwizard_recipe gave"};
+}
+
+}  // namespace library

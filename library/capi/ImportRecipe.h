@@ -1,0 +1,39 @@
+// What another process needs to read the cases of an import as this one would.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "library/import/HostSettings.h"
+#include "library/import/RewritingOptions.h"
+#include "library/import/StandIns.h"
+#include "library/parts/SummaryFile.h"
+
+namespace library {
+
+// The command (UTF-8) with all that the command language has no words for. Texts that name bytes of
+// the file system are such bytes.
+struct ImportRecipe {
+  std::string command;
+  HostSettings host;
+  RewritingOptions rewriting{};
+  std::string shownMark;
+  std::optional<StandIns> standIns;
+  std::vector<std::string> nullTexts;  // UTF-8
+  // Of the columns, in their order; each may be empty.
+  std::vector<std::string> labels;
+  std::vector<bool> integers;
+  bool namesAsVariables = false;
+  // The data file, and how it was; nothing where it keeps no bytes (a pipe).
+  std::string file;
+  std::optional<FileState> state;
+};
+
+// JSON in one line, of ASCII alone.
+std::string RecipeText(const ImportRecipe& recipe);
+// Throws Failure (TEXTWIZARD_USAGE) for a text that is none, or one of another version.
+ImportRecipe ReadRecipe(const std::string& text);
+
+}  // namespace library
