@@ -137,6 +137,7 @@ json Candidates(const BareColumn& column, const ColumnEvidence& evidence, Decima
                 ShownTexts& texts) {
   struct Candidate {
     std::int64_t read;
+    bool isChosen;
     json told;
   };
   std::vector<Candidate> found;
@@ -151,10 +152,10 @@ json Candidates(const BareColumn& column, const ColumnEvidence& evidence, Decima
       told["line"] = unread.line;
       told["text"] = texts.Of(unread);
     }
-    found.push_back({read, std::move(told)});
+    found.push_back({read, *format == column.type.format, std::move(told)});
   }
   std::stable_sort(found.begin(), found.end(), [](const Candidate& left, const Candidate& right) {
-    return left.read > right.read;
+    return std::pair(left.read, left.isChosen) > std::pair(right.read, right.isChosen);
   });
   json list = json::array();
   for (Candidate& candidate : found) list.push_back(std::move(candidate.told));

@@ -16,8 +16,8 @@ nlohmann::json ColumnReport(const BareImport& import, bool final);
 // What the format of each column was found from, skipped ones included: what ColumnReport says of
 // it but for what a dictionary has anyway, and `values` (neither empty nor a null text) and
 // `candidates`: of every way to read them that one value at least has, its format, the values that
-// it reads (`read`) and does not (`unread`, with `line` and `text` of the first), most first. While
-// the host is as the import has set it.
+// it reads (`read`) and does not (`unread`, with `line` and `text` of the first), most first, of
+// equal ones the chosen first. While the host is as the import has set it.
 nlohmann::json FoundEvidence(const BareImport& import);
 
 }  // namespace library

@@ -4,13 +4,13 @@
 
 #include "native/Columns.h"
 #include "native/NumpyColumns.h"
-#include "native/Reading.h"
+#include "native/OpenImport.h"
 
 namespace {
 
 namespace py = pybind11;
 using python::Columns;
-using python::Imported;
+using python::OpenImport;
 
 // The package makes the exception, so that its classes are ordinary ones.
 void Raise(const python::ImportError& thrown) {
@@ -61,22 +61,33 @@ PYBIND11_MODULE(_native, module) {
       .def("array", &Columns::ArrayCapsule)
       .def("stream", &Columns::StreamCapsule);
 
-  const auto columnsOf = [](std::shared_ptr<const Columns> Imported::*columns) {
-    return [columns](const Imported& imported) {
-      return std::const_pointer_cast<Columns>(imported.*columns);
+  const auto columnsBy = [](std::shared_ptr<const Columns> (OpenImport::*columns)()) {
+    return [columns](OpenImport& import) {
+      return std::const_pointer_cast<Columns>((import.*columns)());
     };
   };
-  py::class_<Imported>(module, "Imported")
-      .def_property_readonly("cases", columnsOf(&Imported::cases))
-      .def_property_readonly("problems", columnsOf(&Imported::problems))
-      .def_readonly("command", &Imported::command)
-      .def_readonly("dictionary", &Imported::dictionary)
-      .def_readonly("reading", &Imported::reading)
-      .def_readonly("digest", &Imported::digest)
-      .def_readonly("warnings", &Imported::warnings);
+  py::class_<OpenImport>(module, "Import")
+      .def("no_cases", columnsBy(&OpenImport::NoCases))
+      .def("next", columnsBy(&OpenImport::Next))
+      .def("all_cases", columnsBy(&OpenImport::AllCases))
+      .def("problems", columnsBy(&OpenImport::Problems))
+      .def("write", &OpenImport::Write)
+      .def("command", &OpenImport::Command)
+      .def("dictionary", &OpenImport::Dictionary)
+      .def("reading", &OpenImport::Reading)
+      .def("ledger", &OpenImport::Ledger)
+      .def("digest", &OpenImport::Digest)
+      .def("recipe", &OpenImport::Recipe)
+      .def("take_warnings", &OpenImport::TakeWarnings)
+      .def("close", &OpenImport::Close);
 
-  module.def("read_file", &python::ReadFile);
-  module.def("run_command", &python::RunCommand);
+  module.def("open_file", &OpenImport::OfFile);
+  module.def("open_command", &OpenImport::OfCommand);
+  module.def("open_summary", &OpenImport::OfSummary);
+  module.def("open_recipe", &OpenImport::OfRecipe);
+  module.def("summarize_part", &python::SummarizePart);
+  module.def("merge_summaries", &python::MergeSummaries);
+  module.def("summary_json", &python::SummaryJson);
   module.def("sniff_file", &python::SniffFile);
   module.def("version", &textwizard_version);
 }

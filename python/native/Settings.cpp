@@ -1,6 +1,7 @@
 #include "native/Settings.h"
 
 #include <limits>
+#include <tuple>
 
 namespace python {
 namespace {
@@ -91,6 +92,17 @@ textwizard_options Settings::Import(const py::dict& given) {
   options.strict = Whole<std::int32_t>(given, "strict");
   options.names_as_variables = Whole<std::int32_t>(given, "names_as_variables");
   options.integers = Whole<std::int32_t>(given, "integers");
+  if (const py::object part = Given(given, "part"); !part.is_none()) {
+    const auto [from, to, before] = part.cast<std::tuple<std::int64_t, std::int64_t, py::bytes>>();
+    part_ = {};
+    part_.size = sizeof part_;
+    part_.from = from;
+    part_.to = to;
+    const std::string& kept = texts_.emplace_back(before);
+    part_.before = kept.empty() ? nullptr : kept.data();
+    part_.before_size = kept.size();
+    options.part = &part_;
+  }
   return options;
 }
 

@@ -21,6 +21,8 @@ class Settings {
   Settings& operator=(const Settings&) = delete;
 
   textwizard_file_options File(const pybind11::dict& given);
+  // Also "part": where it begins and ends, and the summary of what stands before, which may be
+  // empty.
   textwizard_options Import(const pybind11::dict& given);
 
  private:
@@ -28,6 +30,7 @@ class Settings {
 
   std::deque<std::string> texts_;
   std::vector<const char*> nullTexts_;
+  textwizard_part part_{};
 };
 
 }  // namespace python

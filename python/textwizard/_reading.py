@@ -7,9 +7,10 @@ import os
 import tempfile
 import warnings as _warnings
 from collections.abc import Callable, Iterable, Iterator, Mapping
-from typing import IO, Any, Optional, Union
+from typing import IO, Any, Optional, TypedDict, Union, Unpack
 
 from . import _native
+from ._batches import Batches
 from ._errors import ImportWarning, SettingError
 from ._table import Table
 
@@ -19,30 +20,53 @@ Progress = Callable[[int, int, int], object]
 _COPIED_AT_ONCE = 1 << 20
 
 
-def read(
-    path: Source,
-    *,
-    encoding: Optional[str] = None,
-    delimiter: Optional[str] = None,
-    qualifier: Optional[str] = None,
-    first_line: Optional[int] = None,
-    header: Optional[bool] = None,
-    fixed: Optional[str] = None,
-    types: Union[Mapping[str, str], str, None] = None,
-    names: Union[Iterable[str], str, None] = None,
-    sample_lines: Optional[int] = None,
-    decimal: Optional[str] = None,
-    null_texts: Optional[Iterable[str]] = None,
-    join_quoted_lines: Optional[bool] = None,
-    backslash_escapes: Optional[bool] = None,
-    keep_stray_qualifiers: Optional[bool] = None,
-    names_as_variables: Optional[bool] = None,
-    integers: Optional[bool] = None,
-    strict: Optional[bool] = None,
-    problem_limit: Optional[int] = None,
-    workers: Optional[int] = None,
-    progress: Optional[Progress] = None,
-) -> Table:
+class ImportSettings(TypedDict, total=False):
+    """What ``read``, ``run`` and ``batches`` have in common; their docstrings explain it."""
+
+    decimal: Optional[str]
+    null_texts: Optional[Iterable[str]]
+    join_quoted_lines: Optional[bool]
+    backslash_escapes: Optional[bool]
+    keep_stray_qualifiers: Optional[bool]
+    integers: Optional[bool]
+    strict: Optional[bool]
+    problem_limit: Optional[int]
+    workers: Optional[int]
+    progress: Optional[Progress]
+
+
+class SniffSettings(TypedDict, total=False):
+    """What ``sniff`` takes; the docstring of ``read`` explains it."""
+
+    encoding: Optional[str]
+    delimiter: Optional[str]
+    qualifier: Optional[str]
+    first_line: Optional[int]
+    header: Optional[bool]
+    fixed: Optional[str]
+    sample_lines: Optional[int]
+
+
+class ReadSettings(SniffSettings, ImportSettings, total=False):
+    """What ``read`` takes."""
+
+    types: Union[Mapping[str, str], str, None]
+    names: Union[Iterable[str], str, None]
+    names_as_variables: Optional[bool]
+
+
+class RunSettings(ImportSettings, total=False):
+    """What ``run`` takes."""
+
+    code_page: Optional[str]
+    locale_code_page: Optional[str]
+
+
+# Those that describe the file; the others are of the import.
+_OF_FILE = frozenset({*SniffSettings.__annotations__, "types", "names"})
+
+
+def read(path: Source, **settings: Unpack[ReadSettings]) -> Table:
     """Reads a text file, compressed or not, that nobody has described.
 
     How it is cut is found from its beginning, the columns' types from all of it; what is given is not
@@ -83,37 +107,12 @@ def read(
     The GIL is free while it reads; imports of several threads take turns. Ctrl-C ends it. What it
     warns of is an ``ImportWarning``.
     """
-    file_options = {
-        "encoding": encoding, "delimiter": delimiter, "qualifier": qualifier,
-        "first_line": first_line, "header": _one_or_minus_one(header), "fixed": fixed,
-        "types": _types(types), "names": _listed(names), "sample_lines": sample_lines,
-    }
-    options = {
-        "decimal": decimal, "null_texts": null_texts, "join_quoted_lines": join_quoted_lines,
-        "backslash_escapes": backslash_escapes, "keep_stray_qualifiers": keep_stray_qualifiers,
-        "names_as_variables": names_as_variables, "integers": _one_or_minus_one(integers),
-        "strict": strict, "problem_limit": problem_limit, "workers": workers,
-    }
+    file_options, options, progress = split(settings, ReadSettings)
     with _as_path(path, file_options) as name:
-        return _table(_native.read_file(name, file_options, options, progress))
+        return _table(_native.open_file(name, file_options, options, progress))
 
 
-def run(
-    command: Union[str, "os.PathLike[str]"],
-    *,
-    code_page: Optional[str] = None,
-    locale_code_page: Optional[str] = None,
-    decimal: Optional[str] = None,
-    null_texts: Optional[Iterable[str]] = None,
-    join_quoted_lines: Optional[bool] = None,
-    backslash_escapes: Optional[bool] = None,
-    keep_stray_qualifiers: Optional[bool] = None,
-    integers: Optional[bool] = None,
-    strict: Optional[bool] = None,
-    problem_limit: Optional[int] = None,
-    workers: Optional[int] = None,
-    progress: Optional[Progress] = None,
-) -> Table:
+def run(command: Union[str, "os.PathLike[str]"], **settings: Unpack[RunSettings]) -> Table:
     """Runs one GET DATA command.
 
     Args:
@@ -123,10 +122,61 @@ def run(
         decimal: the host's decimal character, "." (the default) or ",".
         integers: numbers whose format has no decimals become int64; a value that is not whole is
             missing then, and a problem.
+        null_texts, join_quoted_lines, backslash_escapes, keep_stray_qualifiers, strict,
+            problem_limit, workers, progress: as ``read`` has them.
 
-    The others, and what is raised, are those of ``read``; a ``CommandError`` has the number of the
-    message, and line and column of what is wrong in the command. Bytes of ``progress`` are -1.
+    What is raised is as with ``read``; a ``CommandError`` has the number of the message, and line and
+    column of what is wrong in the command.
     """
+    _, options, progress = split(settings, RunSettings)
+    return _table(_native.open_command(_command_text(command), options, progress))
+
+
+def batches(path: Source, **settings: Unpack[ReadSettings]) -> Batches:
+    """Reads as ``read`` does, but holds one batch of at most 65,536 cases at a time: for files that
+    are larger than the memory.
+
+    The file is understood when this returns; its cases are read while they are iterated over. The
+    arguments, and what is raised, are those of ``read``; the types need one pass over the file before
+    the first batch comes. While a reading is open, other imports of the process can be opened only
+    where they agree on the decimal character, and bare files not at all (``BusyError``).
+    """
+    file_options, options, progress = split(settings, ReadSettings)
+    with contextlib.ExitStack() as copy:
+        name = copy.enter_context(_as_path(path, file_options))
+        opened = _native.open_file(name, file_options, options, progress)
+        _warn(opened, 3)
+        return Batches(opened, copy.pop_all())
+
+
+def sniff(path: Source, **settings: Unpack[SniffSettings]) -> dict[str, Any]:
+    """How a text file is built: encoding, line ends, delimiter, qualifier, where data begins, names,
+    each with what speaks for it. Reads its beginning only.
+
+    The arguments are those of ``read``: ``encoding``, ``delimiter``, ``qualifier``, ``first_line``,
+    ``header``, ``fixed``, ``sample_lines``; and so are ``FileError`` and ``SettingError``.
+    """
+    file_options, _, _ = split(settings, SniffSettings)
+    with _as_path(path, file_options) as name:
+        return json.loads(_native.sniff_file(name, file_options))
+
+
+def split(settings: Mapping[str, Any],
+          known: type) -> tuple[dict[str, Any], dict[str, Any], Optional[Progress]]:
+    """The options of the file, those of the import, and the progress function, as the module takes
+    them. Raises TypeError for a name that is none of ``known``, a TypedDict."""
+    file_options: dict[str, Any] = {}
+    options: dict[str, Any] = {}
+    for name, value in settings.items():
+        if name not in known.__annotations__:
+            raise TypeError(f"there is no setting {name!r}; there are "
+                            f"{', '.join(known.__annotations__)}")
+        target = file_options if name in _OF_FILE else options
+        target[name] = _AS_C_SAYS_IT.get(name, _as_it_is)(value)
+    return file_options, options, options.pop("progress", None)
+
+
+def _command_text(command: Union[str, "os.PathLike[str]"]) -> str:
     if isinstance(command, os.PathLike):
         with open(command, encoding="utf-8-sig", newline="") as file:
             command = file.read()
@@ -134,45 +184,23 @@ def run(
         raise TypeError(f"a command is a text, not {type(command).__name__}")
     if "\0" in command:
         raise SettingError("the command has a character of code 0")
-    options = {
-        "code_page": code_page, "locale_code_page": locale_code_page, "decimal": decimal,
-        "null_texts": null_texts, "join_quoted_lines": join_quoted_lines,
-        "backslash_escapes": backslash_escapes, "keep_stray_qualifiers": keep_stray_qualifiers,
-        "integers": _one_or_minus_one(integers), "strict": strict,
-        "problem_limit": problem_limit, "workers": workers,
-    }
-    return _table(_native.run_command(command, options, progress))
+    return command
 
 
-def sniff(
-    path: Source,
-    *,
-    encoding: Optional[str] = None,
-    delimiter: Optional[str] = None,
-    qualifier: Optional[str] = None,
-    first_line: Optional[int] = None,
-    header: Optional[bool] = None,
-    fixed: Optional[str] = None,
-    sample_lines: Optional[int] = None,
-) -> dict[str, Any]:
-    """How a text file is built: encoding, line ends, delimiter, qualifier, where data begins, names,
-    each with what speaks for it. Reads its beginning only.
-
-    The arguments are those of ``read``, and so are ``FileError`` and ``SettingError``.
-    """
-    file_options = {
-        "encoding": encoding, "delimiter": delimiter, "qualifier": qualifier,
-        "first_line": first_line, "header": _one_or_minus_one(header), "fixed": fixed,
-        "sample_lines": sample_lines,
-    }
-    with _as_path(path, file_options) as name:
-        return json.loads(_native.sniff_file(name, file_options))
+def _warn(opened: _native.Import, depth: int) -> None:
+    for text in opened.take_warnings():
+        _warnings.warn(text, ImportWarning, stacklevel=depth + 1)
 
 
-def _table(imported: _native.Imported) -> Table:
-    for text in imported.warnings:
-        _warnings.warn(text, ImportWarning, stacklevel=3)
-    return Table(imported)
+def _table(opened: _native.Import) -> Table:
+    table = Table(opened, opened.all_cases())
+    _warn(opened, 3)
+    opened.close()
+    return table
+
+
+def _as_it_is(value: Any) -> Any:
+    return value
 
 
 def _one_or_minus_one(wanted: Optional[bool]) -> Optional[int]:
@@ -194,6 +222,10 @@ def _types(types: Union[Mapping[str, str], str, None]) -> Optional[str]:
     if types is None or isinstance(types, str):
         return types
     return _listed(f"{name}={kind}" for name, kind in types.items())
+
+
+_AS_C_SAYS_IT: dict[str, Callable[[Any], Any]] = {
+    "header": _one_or_minus_one, "integers": _one_or_minus_one, "types": _types, "names": _listed}
 
 
 @contextlib.contextmanager

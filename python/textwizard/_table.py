@@ -14,13 +14,13 @@ class Table(Columns):
     It holds all cases in memory, as Arrow columns.
     """
 
-    def __init__(self, imported: _native.Imported) -> None:
-        super().__init__(imported.cases)
-        self._problems = Columns(imported.problems)
-        self._command = imported.command
-        self._dictionary = imported.dictionary
-        self._reading = imported.reading
-        self._digest = imported.digest
+    def __init__(self, opened: _native.Import, cases: _native.Columns) -> None:
+        super().__init__(cases)
+        self._problems = Columns(opened.problems())
+        self._command = opened.command()
+        self._dictionary = opened.dictionary()
+        self._reading = opened.reading()
+        self._digest = opened.digest()
 
     @property
     def command(self) -> str:
@@ -41,7 +41,8 @@ class Table(Columns):
 
     @property
     def evidence(self) -> dict[str, Any]:
-        """What types were found from, by variable; variables with a given type have none."""
+        """What types were found from, by variable: counts, the first value with its line, and what
+        else the column could be. Of a command, AUTO variables have it."""
         return {variable["name"]: variable["evidence"]
                 for variable in self.dictionary["variables"] if "evidence" in variable}
 
