@@ -1,7 +1,8 @@
 """Whole imports against the floor and against other readers, on generated files.
 
     python3 run_benchmarks.py --bin FOLDER [--rounds N] [--megabytes N] [--kinds KIND,...]
-                              [--line-ends KIND,...] [--longest SECONDS] --report FILE
+                              [--line-ends KIND,...] [--ways SECTION,...] [--longest SECONDS]
+                              --report FILE
 
 Every contestant reads every file once a round, one after the other, so that what disturbs the
 machine disturbs all of them. All must agree on the rows and on a checksum of the first column;
@@ -12,13 +13,13 @@ import argparse
 import json
 import os
 import pathlib
-import signal
 import subprocess
 import sys
-import threading
 from dataclasses import dataclass, field
 
 import report
+import ways
+from process import Failed, run
 
 PEERS = pathlib.Path(__file__).parent / "peers"
 THREADS = len(os.sched_getaffinity(0))
@@ -53,29 +54,6 @@ class DataFile:
     @property
     def megabytes(self):
         return self.path.stat().st_size / 1e6
-
-
-class Failed(Exception):
-    pass
-
-
-def run(command, longest=None):
-    """Standard output and peak memory in bytes of a program, which is ended after some seconds."""
-    try:
-        process = subprocess.Popen([str(word) for word in command], stdout=subprocess.PIPE)
-    except FileNotFoundError as error:
-        raise Failed("not installed") from error
-    alarm = threading.Timer(longest or threading.TIMEOUT_MAX, os.kill,
-                            (process.pid, signal.SIGKILL))
-    alarm.start()
-    output = process.stdout.read().decode()
-    _, status, usage = os.wait4(process.pid, 0)
-    in_time = alarm.is_alive()
-    alarm.cancel()
-    process.returncode = os.waitstatus_to_exitcode(status)
-    if process.returncode != 0:
-        raise Failed("could not be run" if in_time else f"took over {longest} s")
-    return output, usage.ru_maxrss * 1024
 
 
 def sum_first_column(lines, is_text):
@@ -165,7 +143,7 @@ def take_turn(contestant, file, longest):
         return
     who = f"{contestant.name} {contestant.mode}".strip()
     try:
-        output, peak = run(contestant.command, longest)
+        output, usage = run(contestant.command, longest)
     except Failed as failure:
         print(f"{who} on {file.kind}: {failure}", file=sys.stderr)
         if contestant.name in ("floor", "TextWizard"):
@@ -173,6 +151,7 @@ def take_turn(contestant, file, longest):
         contestant.failure = str(failure)
         return
     said = json.loads(output)
+    peak = usage.ru_maxrss * 1024
     if contestant.name == "floor":
         contestant.seconds.append(said["seconds"])
     elif contestant.name == "TextWizard":
@@ -226,16 +205,19 @@ def main():
     parser.add_argument("--bin", type=pathlib.Path, required=True, help="folder of the programs")
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--megabytes", type=int, default=200, help="size of every file")
-    parser.add_argument("--kinds", default="mixed,numeric,strings,wide")
+    parser.add_argument("--kinds", default="mixed,numeric,strings,wide,short")
     parser.add_argument("--line-ends", default="short,mixed",
                         help="kinds that are also read with CR LF and CR")
+    parser.add_argument("--ways", default=",".join(ways.SECTIONS),
+                        help="what is compared with a plain reading of the same rows")
     parser.add_argument("--longest", type=int, default=900,
                         help="seconds after which a reader is left out")
     parser.add_argument("--report", type=pathlib.Path, required=True)
     options = parser.parse_args()
     measured = [measure(options, kind) for kind in options.kinds.split(",") if kind]
     line_ends = [measure_line_ends(options, kind) for kind in options.line_ends.split(",") if kind]
-    text = report.markdown(options, THREADS, measured, line_ends)
+    compared = ways.measure(options, generate(options, "mixed", options.megabytes), PEERS, THREADS)
+    text = report.markdown(options, THREADS, measured, line_ends, compared)
     print(text)
     report.write(options.report, text)
 
