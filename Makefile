@@ -48,7 +48,7 @@ test: setup
 coverage: setup
 	@tools/measure-coverage
 
-# Whole imports against the floor and other readers, into docs/benchmarks.md; ends in some twenty
+# Whole imports against the floor and other readers, into docs/benchmarks.md; ends in some forty
 # minutes. `bench-units`: bytes a second of each stage of an import.
 ROUNDS ?= 3
 MEGABYTES ?= 200

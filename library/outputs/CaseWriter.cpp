@@ -1,5 +1,7 @@
 #include "library/outputs/CaseWriter.h"
 
+#include "library/outputs/CellText.h"
+
 namespace library {
 
 std::vector<CaseColumn> ColumnsOf(const QANT_DataSource& source, ValueStyle style) {
@@ -14,6 +16,15 @@ std::vector<CaseColumn> ColumnsOf(const QANT_DataSource& source, ValueStyle styl
                        static_cast<std::size_t>(variable.GetType()), kind});
   }
   return columns;
+}
+
+std::vector<std::size_t> RoomOf(const std::vector<CaseColumn>& columns, std::size_t more) {
+  std::vector<std::size_t> rooms((columns.size() + kColumnsAtOnce - 1) / kColumnsAtOnce);
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const bool isString = columns[i].kind == ValueKind::kString;
+    rooms[i / kColumnsAtOnce] += more + (isString ? CellRoom(columns[i].bytes) : kValueTextRoom);
+  }
+  return rooms;
 }
 
 }  // namespace library

@@ -61,6 +61,14 @@ inline std::string_view ShortStringAt(const OBS* obs, const CaseColumn& column) 
   return {reinterpret_cast<const char*>(obs[column.cell].bytes), column.bytes};
 }
 
+// Columns are written some at a time into room that is made for all of them, so that nobody looks
+// after the text's end for every value.
+inline constexpr std::size_t kColumnsAtOnce = 16;
+
+// For each such group of columns, the room that their values need where no text is longer written
+// than it is, `more` bytes around each included.
+std::vector<std::size_t> RoomOf(const std::vector<CaseColumn>& columns, std::size_t more);
+
 // Writes the cases of one source as text (UTF-8). Allocates nothing per case. Any thread, several
 // at the same time, each with a converter of its own.
 class CaseWriter {

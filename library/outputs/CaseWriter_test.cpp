@@ -1,9 +1,12 @@
 #include "library/outputs/CaseWriter.h"
 
+#include <charconv>
+#include <iterator>
 #include <random>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -121,6 +124,60 @@ TEST(CaseWriter, StringsOfAnyWidthAreWrittenByTheirRules) {
     const std::string line = Written(CaseFormat::kJsonLines, source, {one});
     ASSERT_EQ(nlohmann::json::parse(line)["s"].get<std::string>(), shown);
     ASSERT_EQ(nlohmann::json::parse(line)["t"].get<std::string>(), "x");
+  }
+}
+
+TEST(CaseWriter, ManyColumnsStandOneBehindTheOther) {
+  ASSERT_TRUE(embedded::SetCodePage(nullptr));
+  std::mt19937_64 random(23);
+  for (int round = 0; round < 200; ++round) {
+    TestSource source;
+    const std::size_t columns = 2 + random() % 60;
+    std::vector<bool> isText(columns);
+    for (std::size_t i = 0; i < columns; ++i) {
+      // Names of any length.
+      const std::string name = std::string(random() % 24, 'n') + std::to_string(i);
+      isText[i] = random() % 2 == 0;
+      if (isText[i]) {
+        source.String(name.c_str(), static_cast<int>(1 + random() % 200));
+      } else {
+        source.Number(name.c_str());
+      }
+    }
+    TestCase one(source);
+    std::string csv, json = "{";
+    for (std::size_t i = 0; i < columns; ++i) {
+      const QANT_Variable& variable = *source.GetVariable(i);
+      const std::string comma = i == 0 ? "" : ",";
+      csv += comma;
+      json += comma + '"' + variable.GetName() + "\":";
+      if (isText[i]) {
+        const std::string text =
+            random() % 4 == 0
+                ? std::string("\xC3\xA9")
+                : std::string(random() % (static_cast<std::size_t>(variable.GetType()) + 1), 'x');
+        if (text.size() > static_cast<std::size_t>(variable.GetType())) {
+          json += "\"\"";
+          continue;
+        }
+        one.Set(i, text);
+        csv += text;
+        json += '"' + text + '"';
+      } else if (random() % 4 == 0) {
+        json += "null";
+      } else {
+        const double value = static_cast<double>(random() % 100000000) / 4;
+        one.Set(i, value);
+        char digits[64];
+        const std::string number(
+            digits, std::to_chars(digits, std::end(digits), value, std::chars_format::fixed).ptr);
+        csv += number;
+        json += number;
+      }
+    }
+    const std::string written = Written(CaseFormat::kCsv, source, {one, one});
+    ASSERT_EQ(written.substr(written.find('\n') + 1), csv + '\n' + csv + '\n');
+    ASSERT_EQ(Written(CaseFormat::kJsonLines, source, {one, one}), json + "}\n" + json + "}\n");
   }
 }
 

@@ -11,6 +11,9 @@ namespace library {
 
 namespace {
 
+// A separator before a value, quotes around it, a line end behind it.
+constexpr std::size_t kAround = 4;
+
 void WriteQuoted(std::string_view text, TextBlock& out) {
   out.Append('"');
   for (std::size_t quote = text.find('"'); quote != std::string_view::npos;
@@ -28,6 +31,7 @@ void WriteQuoted(std::string_view text, TextBlock& out) {
 DelimitedWriter::DelimitedWriter(char separator, std::vector<CaseColumn> columns)
     : separator_(separator),
       columns_(std::move(columns)),
+      rooms_(RoomOf(columns_, kAround)),
       separators_(WordScan::Repeat(separator)) {
   for (const char special : {separator, '"', '\r', '\n'}) {
     quoted_[static_cast<unsigned char>(special)] = true;
@@ -44,46 +48,52 @@ void DelimitedWriter::WriteHeader(TextBlock& out) const {
   out.Append('\n');
 }
 
+// Most texts are ASCII and plain, and if not, hold a separator but no quote: they are copied while
+// they are looked at.
 void DelimitedWriter::WriteCase(const OBS* obs, Utf8Converter& hostText, TextBlock& out) const {
-  bool first = true;
-  for (const CaseColumn& column : columns_) {
-    if (!first) out.Append(separator_);
-    first = false;
+  char* place = out.Reserve(1);
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    if (i % kColumnsAtOnce == 0) {
+      out.Advance(place);
+      place = out.Reserve(rooms_[i / kColumnsAtOnce]);
+    }
+    if (i != 0) *place++ = separator_;
+    const CaseColumn& column = columns_[i];
+    if (column.kind != ValueKind::kString) {
+      const double value = NumberAt(obs, column);
+      if (!IsMissing(value)) {
+        place = WriteValue(place, value, column.kind);
+        continue;
+      }
+      if (columns_.size() > 1) continue;
+    }
+    std::string_view text;
+    std::uint64_t special = 0;
+    std::uint64_t unusual = columns_.size() == 1 ? 1 : 0;
     if (column.kind == ValueKind::kString) {
-      WriteCells(ShortStringAt(obs, column), hostText, out);
+      text = ShortStringAt(obs, column);
+      const std::size_t size = CopyCells(text.data(), text.size(), place, [&](std::uint64_t word) {
+        special |= WordScan::Has(word, separators_);
+        unusual |= WordScan::HasNoAscii(word) | WordScan::HasControls(word) |
+                   WordScan::Has(word, WordScan::Repeat('"'));
+      });
+      text = text.substr(0, size);
+    }
+    if (unusual != 0) {
+      out.Advance(place);
+      WriteField(hostText.ToUtf8(text), out);
+      place = out.Reserve(rooms_[i / kColumnsAtOnce]);
       continue;
     }
-    const double value = NumberAt(obs, column);
-    if (IsMissing(value)) {
-      WriteField({}, out);
-    } else {
-      out.Advance(WriteValue(out.Reserve(kValueTextRoom), value, column.kind));
+    if (special != 0) {
+      std::memmove(place + 1, place, text.size());
+      place[0] = place[1 + text.size()] = '"';
+      place += 2;
     }
+    place += text.size();
   }
+  out.Advance(place);
   out.Append('\n');
-}
-
-inline void DelimitedWriter::WriteCells(std::string_view text, Utf8Converter& hostText,
-                                        TextBlock& out) const {
-  // Most texts are ASCII and plain, and if not, hold a separator but no quote: copied while they
-  // are looked at.
-  char* const place = out.Reserve(CellRoom(text.size()) + 2);
-  std::uint64_t special = 0;
-  std::uint64_t unusual = 0;
-  const std::size_t size = CopyCells(text.data(), text.size(), place, [&](std::uint64_t word) {
-    special |= WordScan::Has(word, separators_);
-    unusual |= WordScan::HasNoAscii(word) | WordScan::HasControls(word) |
-               WordScan::Has(word, WordScan::Repeat('"'));
-  });
-  if (unusual != 0 || columns_.size() == 1) {
-    WriteField(hostText.ToUtf8(text.substr(0, size)), out);
-  } else if (special != 0) {
-    std::memmove(place + 1, place, size);
-    place[0] = place[1 + size] = '"';
-    out.Advance(place + size + 2);
-  } else {
-    out.Advance(place + size);
-  }
 }
 
 void DelimitedWriter::WriteField(std::string_view text, TextBlock& out) const {

@@ -22,13 +22,11 @@ class DelimitedWriter : public CaseWriter {
  private:
   // A text in UTF-8.
   void WriteField(std::string_view text, TextBlock& out) const;
-  // Host text that begins a string's cells; blanks at its end are dropped.
-  void WriteCells(std::string_view text, Utf8Converter& hostText, TextBlock& out) const;
-
   const char separator_;
   const std::vector<CaseColumn> columns_;
-  const std::uint64_t separators_;  // a word of them
-  std::array<bool, 256> quoted_{};  // the bytes that need quotes around their field
+  const std::vector<std::size_t> rooms_;  // of groups of columns
+  const std::uint64_t separators_;        // a word of them
+  std::array<bool, 256> quoted_{};        // the bytes that need quotes around their field
 };
 
 }  // namespace library

@@ -1,6 +1,8 @@
 // Cases as JSON Lines: one object a case, the names as keys in the order of the variables.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,9 +19,16 @@ class JsonLinesWriter : public CaseWriter {
 
  private:
   const std::vector<CaseColumn> columns_;
-  // What stands before the value of each column: its name, and what separates it from the one
-  // before.
-  std::vector<std::string> keys_;
+  // Of groups of columns, with their keys.
+  std::vector<std::size_t> rooms_;
+  // What stands before the value of a column: its name, and what separates it from the one before.
+  // A short one is copied with all bytes of `start`, whatever its length.
+  struct Key {
+    static constexpr std::size_t kShort = 16;
+    std::string text;
+    std::array<char, kShort> start{};
+  };
+  std::vector<Key> keys_;
 };
 
 }  // namespace library

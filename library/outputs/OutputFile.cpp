@@ -16,6 +16,9 @@ namespace library {
 namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
+// A text of so many bytes is not copied to the buffer: that would take longer than a call of the
+// system.
+constexpr std::size_t kWrittenAsItStands = std::size_t{64} * 1024;
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPermissions = 07777;
 
@@ -109,6 +112,11 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::Append(std::string_view text) {
+  if (text.size() >= kWrittenAsItStands) {
+    Flush();
+    if (ok() && !WriteWhole(descriptor_, text)) Fail(errno);
+    return;
+  }
   while (!text.empty()) {
     if (used_ == buffer_.size()) Flush();
     const std::size_t part = std::min(text.size(), buffer_.size() - used_);

@@ -51,6 +51,21 @@ namespace {
 
 namespace fs = std::filesystem;
 
+TEST(OutputFile, TextsOfEverySizeStandInTheirOrder) {
+  const TestFolder folder;
+  std::string error, expected;
+  const auto file = OutputFile::Open(folder / "out.csv", &error);
+  ASSERT_NE(file, nullptr) << error;
+  for (std::size_t size = 1; size < (std::size_t{1} << 21); size = size * 3 + 1) {
+    const std::string text(size, static_cast<char>('a' + size % 26));
+    file->Append('|');
+    file->Append(text);
+    expected += '|' + text;
+  }
+  ASSERT_TRUE(file->Finish() && file->Publish());
+  EXPECT_EQ(folder.Text("out.csv"), expected);
+}
+
 TEST(OutputFile, TakesItsNameWhenPublished) {
   const TestFolder folder;
   std::string error;
