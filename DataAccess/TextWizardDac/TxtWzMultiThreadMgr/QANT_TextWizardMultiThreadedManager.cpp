@@ -54,6 +54,7 @@ void QANT_TextWizardMultiThreadedManager::Watch() {
     fTeller = std::make_unique<PassTeller>(*observer, fSource.GetNVariables(), false);
     fPlan.teller = fTeller.get();
     fPlan.keepsPlaces = true;
+    fPlan.TakeNulls(observer->NullTexts());
     fReader.KeepNuls();
   }
   if (observer->WantsBatches()) {

@@ -163,14 +163,15 @@ void TextDataIteratorThread::ConvertRecords() {
       static_cast<std::uint32_t>(std::min<std::int64_t>(fRecords.recordCount(), allowed));
   for (; fConvertIndex < count; ++fConvertIndex) {
     const std::string_view raw = StartRecord(byteText);
-    if (fPlan.keepsPlaces) fWatched.place = fPlaces.Next(raw);
+    const bool goesOn = fPlan.keepsPlaces && fPlaces.Step(raw);
     if (fPlan.detection) {
       fPlan.evidence ? DetectRecord<true>() : DetectRecord<false>();
     } else if (!fWatch) {
       ConvertRecord<false>();
     } else {
       ConvertRecord<true>();
-      EndWatched(raw);
+      const bool asItStands = goesOn && fRecord.data() == raw.data();
+      if (!asItStands || !fWatch->EndPlainLine(fRecord.size(), fPlaces.end())) EndWatched(raw);
     }
   }
   if (fPlan.keepsPlaces) fCases.runLines = fPlaces.runLines();
@@ -178,6 +179,7 @@ void TextDataIteratorThread::ConvertRecords() {
 
 void TextDataIteratorThread::EndWatched(std::string_view raw) {
   const bool decoded = fRecords.decoded();
+  fWatched.place = fPlaces.place();
   fWatched.text = fRecord;
   fWatched.raw = decoded ? fPlaces.raw() : raw;
   fWatched.mark = decoded ? fRecords.mark() : ByteOrderMark::kNone;
@@ -226,6 +228,10 @@ void TextDataIteratorThread::ConvertRecord() {
 template <bool kWatched>
 inline void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask& task) {
   if (task.use == FieldUse::kString) {
+    // Of a string that fits and begins with no blank there is nothing to tell.
+    if (kWatched && field.size() - 1 < task.cellWidth && field.front() != ' ') {
+      return SetFittingValue(field, task);
+    }
     const StringValue value = ConvertString(field, task.cellWidth, fPlan.stringRules);
     if (value.truncated) NoteFlag(BatchNote::kStringTruncated, task.variable);
     SetColumnValue(value.text, task);
@@ -233,28 +239,31 @@ inline void TextDataIteratorThread::ConvertVar(std::string_view field, const Fie
     return;
   }
   double value = kSystemMissing;
-  const bool isNull = kWatched && fWatch->TakesNull(field);
-  if (!isNull) {
-    const bool read = ConvertNumber(field, task.formatType, &value);
-    if (!read) {
-      value = kSystemMissing;
+  // A null text that is no value is found when it cannot be read.
+  const bool isNull = kWatched && task.nullsAreValues && fWatch->TakesNull(field);
+  if (!isNull && !ConvertNumber(field, task.formatType, &value)) {
+    value = kSystemMissing;
+    if (!kWatched || !fWatch->TakesNull(field)) {
       NoteFlag(BatchNote::kMissingStored, task.variable);
+      if constexpr (kWatched) fWatch->TakeUnread(task.variable, field);
     }
-    if constexpr (kWatched) {
-      fWatch->TakeNumber(task.variable, field, task.formatType, read ? &value : nullptr);
-    }
+  } else if (kWatched && !isNull && field.size() >= kRoundedDigits) {
+    fWatch->TakeLong(task.variable, field, task.formatType, value);
   }
   std::memcpy(fCurrentCase + task.offset, &value, sizeof value);
 }
 
-inline void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTask& task) {
+inline void TextDataIteratorThread::SetFittingValue(std::string_view text, const FieldTask& task) {
   unsigned char* const cells = fCurrentCase + task.offset;
-  if (text.size() <= task.cellWidth) {
-    if (task.cellBytes <= kReadableCells && fRecords.Contains(text)) {
-      return StoreReadableText(text, cells, task.cellBytes);
-    }
-    return StoreText(text, cells, task.cellBytes);
+  if (task.cellBytes <= kReadableCells && fRecords.Contains(text)) {
+    return StoreReadableText(text, cells, task.cellBytes);
   }
+  StoreText(text, cells, task.cellBytes);
+}
+
+inline void TextDataIteratorThread::SetColumnValue(std::string_view text, const FieldTask& task) {
+  if (text.size() <= task.cellWidth) return SetFittingValue(text, task);
+  unsigned char* const cells = fCurrentCase + task.offset;
   const std::size_t seen = std::min(text.size(), task.cellWidth + kLongestCharacter);
   QANTMBCopyToFixed_A(reinterpret_cast<char*>(cells), static_cast<int>(task.cellWidth), text.data(),
                       static_cast<int>(seen));
@@ -263,38 +272,38 @@ inline void TextDataIteratorThread::SetColumnValue(std::string_view text, const 
 
 template <bool kWatched>
 void TextDataIteratorThread::DetectRecord() {
-  fAutoSeen = 0;
-  [[maybe_unused]] bool used = false;
+  TxtWzVar* counters = fCases.counters.data();
+  [[maybe_unused]] DetectionEvidence* evidence = fCases.evidence.data();
+  [[maybe_unused]] bool usedUp = false;
   for (const FieldTask *task = fPlan.fields.data(), *end = task + fPlan.fields.size();
        task != end;) {
     const std::size_t cut = GetNextVars(static_cast<std::size_t>(end - task));
     for (std::size_t i = 0; i < cut; ++i, ++task) {
-      if (kWatched && !used && fFields[i].data() == nullptr) {
-        used = true;
-        if (task->use == FieldUse::kDetect) EndDetected();
+      const std::string_view field = fFields[i];
+      if (task->use == FieldUse::kDetect) {
+        if (!field.empty()) {
+          AutoDetectVar<kWatched>(field, *counters, evidence);
+        } else if (kWatched && !usedUp) {
+          // Behind a delimiter that ends the record is one more field, an empty one.
+          usedUp = field.data() == nullptr;
+          if (!usedUp || fSplitter.EndsInDelimiter()) evidence->AddEmpty();
+        }
+        ++counters;
+        if constexpr (kWatched) ++evidence;
+      } else if (kWatched && field.data() == nullptr) {
+        usedUp = true;
       }
-      if (task->use == FieldUse::kDetect) AutoDetectVar<kWatched>(fFields[i]);
     }
   }
   if constexpr (kWatched) fSplitter.TakeQuotes();
 }
 
-// The record is used up before the next field.
-void TextDataIteratorThread::EndDetected() {
-  // Behind a delimiter that ends the record is one more field, an empty one.
-  if (fSplitter.EndsInDelimiter()) fCases.evidence[fAutoSeen].AddEmpty();
-}
-
 template <bool kWatched>
-inline void TextDataIteratorThread::AutoDetectVar(std::string_view field) {
-  const std::size_t place = fAutoSeen++;
-  if (!field.empty()) {
-    const CountedAs as = fCounters->Count(field, fCases.counters[place]);
-    if constexpr (kWatched) {
-      fCases.evidence[place].Add(field, as, fWatched.place.line, *fCounters);
-    }
-  } else if (kWatched && field.data() != nullptr) {
-    fCases.evidence[place].AddEmpty();
+inline void TextDataIteratorThread::AutoDetectVar(std::string_view field, TxtWzVar& counters,
+                                                  DetectionEvidence* evidence) {
+  const CountedAs as = fCounters->Count(field, counters);
+  if (kWatched && !evidence->Takes(field, as, *fCounters)) {
+    evidence->Add(field, as, fPlaces.place().line, *fCounters);
   }
 }
 

@@ -107,10 +107,11 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   }
   template <bool kWatched>
   void ConvertVar(std::string_view field, const FieldTask& task) SF_REQUIRES(fRole, fHolder);
+  void SetFittingValue(std::string_view text, const FieldTask& task) SF_REQUIRES(fRole, fHolder);
   void SetColumnValue(std::string_view text, const FieldTask& task) SF_REQUIRES(fRole, fHolder);
   template <bool kWatched>
-  void AutoDetectVar(std::string_view field) SF_REQUIRES(fRole, fHolder);
-  void EndDetected() SF_REQUIRES(fRole, fHolder);
+  void AutoDetectVar(std::string_view field, TxtWzVar& counters, DetectionEvidence* evidence)
+      SF_REQUIRES(fRole, fHolder);
   void NoteFlag(BatchNote::Kind kind, std::uint32_t variable) SF_REQUIRES(fRole, fHolder);
   // Raises fCommand to at least `command`.
   void RaiseCommand(Command command);
@@ -154,7 +155,6 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   // fSplitter knows the batch text as one of bytes; a record that was decoded makes it forget.
   bool fTextMarked SF_GUARDED_BY(fRole) = false;
   std::uint32_t fConvertIndex SF_GUARDED_BY(fRole) = 0;
-  std::size_t fAutoSeen SF_GUARDED_BY(fRole) = 0;
   unsigned char* fCurrentCase SF_GUARDED_BY(fRole) = nullptr;
   // Two for each variable: the batch has a note that its flag was set.
   std::vector<std::uint8_t> fFlagNoted SF_GUARDED_BY(fRole);

@@ -49,6 +49,20 @@ void WorkerPlan::Convert() {
   clearCases = column < source.GetNVariables();
 }
 
+void WorkerPlan::TakeNulls(const std::vector<std::string>& texts) {
+  const auto mayBeValue = [](const std::string& text, std::uint32_t format) {
+    double value = 0;
+    return text.find_first_of("0123456789") != std::string::npos ||
+           ConvertNumber(text, format, &value) || ConvertNumber(" " + text + " ", format, &value);
+  };
+  for (FieldTask& task : fields) {
+    if (task.use != FieldUse::kNumber) continue;
+    task.nullsAreValues = std::any_of(texts.begin(), texts.end(), [&](const std::string& text) {
+      return mayBeValue(text, task.formatType);
+    });
+  }
+}
+
 void WorkerPlan::Detect(TxtWzVar* const* variables, std::size_t count) {
   detection = true;
   variableCount = count;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "HostFramework/ImportObserver.h"
@@ -33,6 +34,9 @@ struct FieldTask {
   // counts what decoding may add.)
   std::uint32_t cellWidth = 0;
   std::uint32_t cellBytes = 0;
+  // Numbers, for a host that watches: some text of those that mean a missing one may be a value of
+  // the format.
+  bool nullsAreValues = false;
   // Byte offset of the first cell in a case.
   std::size_t offset = 0;
 };
@@ -44,6 +48,8 @@ struct WorkerPlan {
 
   // Every variable of the source into its cells.
   void Convert();
+  // Then, for a host that names texts that mean a missing number: settles nullsAreValues.
+  void TakeNulls(const std::vector<std::string>& texts);
   // Counts for the AUTO variables among `variables`, by detectionRules.
   void Detect(TxtWzVar* const* variables, std::size_t count);
 

@@ -24,10 +24,6 @@ constexpr int kMTime7 = 1117;
 constexpr std::size_t kShortestDate = 3;
 constexpr std::size_t kShortMonthName = 3;
 
-std::size_t Decimals(const TxtWzVar& variable) {
-  return static_cast<std::size_t>(std::max(variable.decimals, 0));
-}
-
 bool Has(std::string_view field, char c) { return field.find(c) != std::string_view::npos; }
 
 }  // namespace
@@ -35,23 +31,12 @@ bool Has(std::string_view field, char c) { return field.find(c) != std::string_v
 DetectionCounters::DetectionCounters(const RegExMappings& table, const DetectionRules& rules)
     : rules_(rules), table_(table), classifier_(table, rules.arrangement) {}
 
-CountedAs DetectionCounters::Count(std::string_view field, TxtWzVar& variable) {
-  // Most strings show by their first byte that they are nothing else.
-  unsigned possible = classifier_.PossibleClasses(field);
-  if ((possible & ValueClassifier::kNumber) != 0) {
-    // Digits and a point are a number in every respect that matters here.
-    std::size_t point = 0;
-    if (!rules_.swapDecimal && classifier_.IsPlainNumber(field, &point)) {
-      ++variable.numericCount;
-      // Most are as wide as others before them.
-      const bool widens =
-          rules_.arrangement == kFixedColumns || field.size() > variable.width ||
-          (point != std::string_view::npos && field.size() - point > Decimals(variable) + 1);
-      if (widens) UpdateVarSizes(variable, field.size(), point, rules_.arrangement);
-      return CountedAs::kPlainNumber;
-    }
-    if (CountNumber(field, variable)) return CountedAs::kNumber;
+CountedAs DetectionCounters::CountOther(std::string_view field, unsigned possible,
+                                        TxtWzVar& variable) {
+  if ((possible & ValueClassifier::kNumber) != 0 && CountNumber(field, variable)) {
+    return CountedAs::kNumber;
   }
+  order_ = DayAndMonth::kNone;
   if (rules_.leadingSpaces) field = TrimLeft(field);
   if (rules_.multipleSpaces) field = TrimRight(field);
   possible = classifier_.PossibleClasses(field);
@@ -86,11 +71,13 @@ bool DetectionCounters::CountDate(std::string_view field, TxtWzVar& variable) {
   if (rules_.pass == DetectionPass::kSampling && variable.dateKey != 0 &&
       classifier_.MatchesRow(field, variable.dateKey)) {
     ++variable.dateCount;
+    order_ = classifier_.order();
     dateKey_ = variable.dateKey;
     return true;
   }
   if (field.size() < kShortestDate) return false;
   const int key = classifier_.IsDateTime(field);
+  order_ = classifier_.order();
   if (key == 0) return false;
   ++variable.dateCount;
   dateKey_ = key;
@@ -98,7 +85,7 @@ bool DetectionCounters::CountDate(std::string_view field, TxtWzVar& variable) {
   return true;
 }
 
-void DetectionCounters::AdoptDateKey(int key, std::string_view field, TxtWzVar& variable) const {
+void DetectionCounters::AdoptDateKey(int key, std::string_view field, TxtWzVar& variable) {
   bool keepKey = false;
   switch (key) {
     case kYmdhms22: {
@@ -136,10 +123,13 @@ void DetectionCounters::AdoptDateKey(int key, std::string_view field, TxtWzVar& 
       break;
   }
   if (!keepKey) variable.dateKey = key;
-  const auto row = table_.regExMappings().find(variable.dateKey);
-  if (row == table_.regExMappings().end()) return;
-  variable.width = std::max(variable.width, static_cast<std::uint32_t>(row->second.width));
-  variable.decimals = std::max(variable.decimals, std::int32_t{row->second.decimals});
+  if (dateRow_ == nullptr || dateRow_->key != variable.dateKey) {
+    const auto row = table_.regExMappings().find(variable.dateKey);
+    if (row == table_.regExMappings().end()) return;
+    dateRow_ = &row->second;
+  }
+  variable.width = std::max(variable.width, static_cast<std::uint32_t>(dateRow_->width));
+  variable.decimals = std::max(variable.decimals, std::int32_t{dateRow_->decimals});
 }
 
 // The sampling pass does not give up a minutes-and-seconds layout for hours and minutes.
@@ -161,12 +151,11 @@ bool DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& variab
       {',', NumberForm::kComma, CountedAs::kComma, &TxtWzVar::commaCount, "."},
       {'.', NumberForm::kDot, CountedAs::kDot, &TxtWzVar::dotCount, ","},
   };
-  const NumberForms matching = classifier_.FormsOf(field);
-  if (matching.none()) return false;
+  forms_ = classifier_.FormsOf(field);
+  if (forms_.none()) return false;
   for (const Form& form : kForms) {
     // The patterns alone would take plain digits, too.
-    if (!matching.test(static_cast<std::size_t>(form.form)) || !Has(field, form.character))
-      continue;
+    if (!forms_.test(static_cast<std::size_t>(form.form)) || !Has(field, form.character)) continue;
     ++(variable.*form.count);
     UpdateVarSizes(variable, field, form.decimalCharacters, rules_.arrangement);
     *as = form.as;

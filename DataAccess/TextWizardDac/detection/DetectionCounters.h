@@ -2,11 +2,14 @@
 // counters, and one set of counters into another.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "detection/RegExMappings.h"
 #include "detection/ValueClassifier.h"
+#include "detection/VariableWidening.h"
 #include "model/ImportSettings.h"
 #include "model/TxtWzVar.h"
 
@@ -49,6 +52,7 @@ enum class CountedAs : std::uint8_t {
   kDot,
   kString,
 };
+inline constexpr std::size_t kCountedAs = 8;
 
 // Classifies fields by one pattern table. Same thread rules as the table, which outlives it.
 // Allocates nothing per field in the steady state.
@@ -57,9 +61,31 @@ class DetectionCounters {
   DetectionCounters(const RegExMappings& table, const DetectionRules& rules);
 
   // Counts one non-empty field text (host text) into `variable`.
-  CountedAs Count(std::string_view field, TxtWzVar& variable);
+  CountedAs Count(std::string_view field, TxtWzVar& variable) {
+    // Most strings show by their first byte that they are nothing else.
+    const unsigned possible = classifier_.PossibleClasses(field);
+    // Digits and a point are a number in every respect that matters here.
+    std::size_t point = 0;
+    if ((possible & ValueClassifier::kNumber) == 0 || rules_.swapDecimal ||
+        !classifier_.IsPlainNumber(field, &point)) {
+      return CountOther(field, possible, variable);
+    }
+    ++variable.numericCount;
+    // Most are as wide as others before them.
+    const std::size_t decimals = static_cast<std::size_t>(std::max(variable.decimals, 0));
+    if (rules_.arrangement == kFixedColumns || field.size() > variable.width ||
+        (point != std::string_view::npos && field.size() - point > decimals + 1)) {
+      UpdateVarSizes(variable, field.size(), point, rules_.arrangement);
+    }
+    return CountedAs::kPlainNumber;
+  }
   // Of the date counted last: the key of the row that it was counted by.
   int dateKey() const { return dateKey_; }
+  // Of the date or string counted last, unless blanks were at its ends.
+  DayAndMonth order() const { return order_; }
+  DayAndMonth OrderOf(std::string_view text) const { return classifier_.OrderOf(text); }
+  // Of the amount counted last with a sign of its class in it (kDollar to kDot): its forms.
+  NumberForms forms() const { return forms_; }
   // All forms that the text has, without regard to its class.
   NumberForms FormsOf(std::string_view field) { return classifier_.FormsOf(field); }
   // Adds the counters of one batch to `into`: sums of the counts, maxima of the sizes, the smaller
@@ -67,19 +93,25 @@ class DetectionCounters {
   static void Merge(const TxtWzVar& from, TxtWzVar& into);
 
  private:
+  // Any field but a plain number. `possible`: its classes by its first byte.
+  CountedAs CountOther(std::string_view field, unsigned possible, TxtWzVar& variable);
   bool IsNumeric(std::string_view field);
   // Each counts the field when it is of its class; else leaves the variable alone.
   bool CountNumber(std::string_view field, TxtWzVar& variable);
   bool CountDate(std::string_view field, TxtWzVar& variable);
   bool CountNumberForm(std::string_view field, TxtWzVar& variable, CountedAs* as);
   void CountString(std::string_view field, TxtWzVar& variable) const;
-  void AdoptDateKey(int key, std::string_view field, TxtWzVar& variable) const;
+  void AdoptDateKey(int key, std::string_view field, TxtWzVar& variable);
   bool KeepsMinutes(const TxtWzVar& variable) const;
 
   const DetectionRules rules_;
   const RegExMappings& table_;
   ValueClassifier classifier_;
   int dateKey_ = 0;
+  // The row that was adopted last.
+  const RegExToFormatMapping* dateRow_ = nullptr;
+  DayAndMonth order_ = DayAndMonth::kNone;
+  NumberForms forms_;
 };
 
 }  // namespace textwizard

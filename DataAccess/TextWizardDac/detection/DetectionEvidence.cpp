@@ -55,59 +55,35 @@ constexpr ImportValueClass ClassOf(CountedAs as) {
   }
 }
 
-// A day and a month in digits, in either order, that a year follows.
-struct DayAndMonth {
-  int first = 0;
-  int second = 0;
-};
+bool Has(std::string_view text, char c) { return text.find(c) != std::string_view::npos; }
 
-// Takes a number of `least` to `most` digits off the front; -1 when there is none.
-int TakeNumber(std::string_view& text, std::size_t least, std::size_t most) {
-  int number = 0;
-  std::size_t digits = 0;
-  while (digits < text.size() && text[digits] >= '0' && text[digits] <= '9') {
-    if (++digits > most) return -1;
-    number = number * 10 + (text[digits - 1] - '0');
-  }
-  if (digits < least) return -1;
-  text.remove_prefix(digits);
-  return number;
-}
-
-bool TakeSeparator(std::string_view& text) {
-  constexpr std::string_view kSeparators = "/.- ";
-  if (text.empty() || kSeparators.find(text.front()) == std::string_view::npos) return false;
-  text.remove_prefix(1);
-  return true;
-}
-
-// Zeros when the text is nothing like that.
-DayAndMonth DayAndMonthOf(std::string_view text) {
-  constexpr std::size_t kShortest = 6;
-  constexpr std::size_t kLongest = 10;
-  if (text.size() < kShortest || text.size() > kLongest) return {};
-  const int first = TakeNumber(text, 1, 2);
-  if (first < 1 || !TakeSeparator(text)) return {};
-  const int second = TakeNumber(text, 1, 2);
-  if (second < 1 || !TakeSeparator(text)) return {};
-  const bool year = (text.size() == 2 || text.size() == 4) && TakeNumber(text, 2, 4) >= 0;
-  return year && text.empty() ? DayAndMonth{first, second} : DayAndMonth{};
+std::string_view WithoutPlus(std::string_view amount) {
+  return amount.substr(amount.starts_with('+') ? 1 : 0);
 }
 
 }  // namespace
 
 void DetectionEvidence::Clear() {
+  known_.fill(0);
   for (ImportWitness& witness : classes_) textwizard::Clear(witness);
   for (Layout& layout : layouts_) textwizard::Clear(layout.seen);
-  for (ImportWitness* const witness : {&dayFirst_, &monthFirst_, &eitherOrder_, &decimalComma_,
-                                       &groupingComma_, &eitherComma_, &leadingZeros_, &longest_}) {
+  for (ImportWitness& witness : orders_) textwizard::Clear(witness);
+  OrderOf(DayAndMonth::kNone).count = 1;
+  for (ImportWitness* const witness :
+       {&decimalComma_, &groupingComma_, &eitherComma_, &leadingZeros_, &longest_}) {
     textwizard::Clear(*witness);
   }
   blanks_ = empties_ = 0;
 }
 
-void DetectionEvidence::AddNew(std::string_view field, CountedAs as, std::int64_t line,
-                               DetectionCounters& counters) {
+// The class has a first one, so that shorter values of it tell nothing of that.
+void DetectionEvidence::Know(CountedAs as) {
+  std::size_t& known = known_[static_cast<std::size_t>(as)];
+  if (known == 0) known = static_cast<std::size_t>(longest_.count);
+}
+
+void DetectionEvidence::Add(std::string_view field, CountedAs as, std::int64_t line,
+                            DetectionCounters& counters) {
   const std::string_view text = WithoutBlanks(field);
   if (text.empty()) {
     ++blanks_;
@@ -118,28 +94,41 @@ void DetectionEvidence::AddNew(std::string_view field, CountedAs as, std::int64_
   if (static_cast<std::int64_t>(text.size()) > longest_.count) {
     longest_.count = static_cast<std::int64_t>(text.size());
     See(longest_, text, line);
+    for (std::size_t& known : known_) {
+      if (known != 0) known = text.size();
+    }
   }
+  Know(as);
   switch (as) {
     case CountedAs::kPlainNumber:
     case CountedAs::kNumber:
       if (text.front() == '0' && text.size() > 1 && IsDigit(text[1])) {
         Count(leadingZeros_, field, line);
       }
-      if (as == CountedAs::kNumber) AddComma(text, text, line, counters);
+      if (as == CountedAs::kNumber && Has(text, ',')) {
+        AddComma(text, counters.FormsOf(WithoutPlus(text)), text, line);
+      }
       break;
     case CountedAs::kDate:
       Count(LayoutOf(counters.dateKey()), field, line);
-      AddDayAndMonth(text, line);
+      AddOrder(counters.OrderOf(text), text, line);
       break;
     case CountedAs::kString:
-      AddDayAndMonth(text, line);
+      AddOrder(counters.OrderOf(text), text, line);
       break;
     case CountedAs::kDollar:
-      AddComma(text.substr(text.find('$') + 1), text, line, counters);
+      if (Has(text, ',')) {
+        const std::string_view amount = text.substr(text.find('$') + 1);
+        AddComma(amount, counters.FormsOf(WithoutPlus(amount)), text, line);
+      }
       break;
     case CountedAs::kComma:
     case CountedAs::kDot:
-      AddComma(text, text, line, counters);
+      if (Has(text, ',')) {
+        // Its forms are known, unless they were asked of something else.
+        const bool bare = text.size() == field.size() && text.front() != '+';
+        AddComma(text, bare ? counters.forms() : counters.FormsOf(WithoutPlus(text)), text, line);
+      }
       break;
     case CountedAs::kPercent:
       // Without commas, or it is no percentage.
@@ -147,25 +136,13 @@ void DetectionEvidence::AddNew(std::string_view field, CountedAs as, std::int64_
   }
 }
 
-void DetectionEvidence::AddDayAndMonth(std::string_view text, std::int64_t line) {
-  constexpr int kMonths = 12;
-  constexpr int kDays = 31;
-  const auto [first, second] = DayAndMonthOf(text);
-  if (first == 0 || first > kDays || second > kDays) return;
-  if (first <= kMonths && second <= kMonths) {
-    Count(eitherOrder_, text, line);
-  } else if (second <= kMonths) {
-    Count(dayFirst_, text, line);
-  } else if (first <= kMonths) {
-    Count(monthFirst_, text, line);
-  }
+void DetectionEvidence::AddOrder(DayAndMonth order, std::string_view text, std::int64_t line) {
+  if (order != DayAndMonth::kNone) Count(OrderOf(order), text, line);
 }
 
-void DetectionEvidence::AddComma(std::string_view amount, std::string_view text, std::int64_t line,
-                                 DetectionCounters& counters) {
-  if (amount.find(',') == std::string_view::npos) return;
-  if (amount.front() == '+') amount.remove_prefix(1);
-  const NumberForms forms = counters.FormsOf(amount);
+void DetectionEvidence::AddComma(std::string_view amount, NumberForms forms, std::string_view text,
+                                 std::int64_t line) {
+  amount = WithoutPlus(amount);
   const bool decimal = forms.test(static_cast<std::size_t>(NumberForm::kDot));
   // Nobody writes a group of a zero alone before others.
   const std::string_view digits = amount.substr(amount.starts_with('-') ? 1 : 0);
@@ -181,10 +158,14 @@ void DetectionEvidence::AddComma(std::string_view amount, std::string_view text,
 }
 
 ImportWitness& DetectionEvidence::LayoutOf(int key) {
-  const auto place = std::lower_bound(layouts_.begin(), layouts_.end(), key,
-                                      [](const Layout& layout, int k) { return layout.key < k; });
-  if (place != layouts_.end() && place->key == key) return place->seen;
-  return layouts_.insert(place, {key, {}})->seen;
+  if (latestLayout_ < layouts_.size() && layouts_[latestLayout_].key == key) {
+    return layouts_[latestLayout_].seen;
+  }
+  auto place = std::lower_bound(layouts_.begin(), layouts_.end(), key,
+                                [](const Layout& layout, int k) { return layout.key < k; });
+  if (place == layouts_.end() || place->key != key) place = layouts_.insert(place, {key, {}});
+  latestLayout_ = static_cast<std::size_t>(place - layouts_.begin());
+  return place->seen;
 }
 
 void DetectionEvidence::Merge(const DetectionEvidence& from, std::int64_t lines) {
@@ -194,9 +175,7 @@ void DetectionEvidence::Merge(const DetectionEvidence& from, std::int64_t lines)
   for (const Layout& layout : from.layouts_) {
     if (layout.seen.count > 0) MergeCounted(layout.seen, lines, LayoutOf(layout.key));
   }
-  MergeCounted(from.dayFirst_, lines, dayFirst_);
-  MergeCounted(from.monthFirst_, lines, monthFirst_);
-  MergeCounted(from.eitherOrder_, lines, eitherOrder_);
+  for (std::size_t i = 1; i < orders_.size(); ++i) MergeCounted(from.orders_[i], lines, orders_[i]);
   MergeCounted(from.decimalComma_, lines, decimalComma_);
   MergeCounted(from.groupingComma_, lines, groupingComma_);
   MergeCounted(from.eitherComma_, lines, eitherComma_);
@@ -231,9 +210,9 @@ ImportEvidence DetectionEvidence::Told(const TxtWzVar& counters, const RegExMapp
     const RegExToFormatMapping& row = table.regExMappings().at(layout.key);
     told.layouts.push_back({row.icuPattern, row.formatName, layout.seen});
   }
-  told.dayFirst = dayFirst_;
-  told.monthFirst = monthFirst_;
-  told.eitherOrder = eitherOrder_;
+  told.dayFirst = OrderOf(DayAndMonth::kDayFirst);
+  told.monthFirst = OrderOf(DayAndMonth::kMonthFirst);
+  told.eitherOrder = OrderOf(DayAndMonth::kEitherOrder);
   told.decimalComma = decimalComma_;
   told.groupingComma = groupingComma_;
   told.eitherComma = eitherComma_;

@@ -12,6 +12,7 @@
 #include "detection/DetectionCounters.h"
 #include "detection/RegExMappings.h"
 #include "model/TxtWzVar.h"
+#include "watch/NullTexts.h"
 
 namespace textwizard {
 
@@ -20,22 +21,31 @@ namespace textwizard {
 // kept when it is cleared.
 class DetectionEvidence {
  public:
+  DetectionEvidence() { OrderOf(DayAndMonth::kNone).count = 1; }
+
   void Clear();
-  // A field that `counters` has just counted. `line`: its record's.
-  void Add(std::string_view field, CountedAs as, std::int64_t line, DetectionCounters& counters) {
-    // Most values tell nothing new.
-    if (static_cast<std::int64_t>(field.size()) <= longest_.count) {
-      const char first = field.front();
-      if (as == CountedAs::kPlainNumber && first != '0' &&
-          Of(ImportValueClass::kNumber).line != 0) {
-        return;
-      }
-      if (as == CountedAs::kString && !IsDigit(first) && Of(ImportValueClass::kString).line != 0) {
-        return;
-      }
+  // Takes a field that `counters` has just counted when it is the first of nothing, as nearly all
+  // are; else it is to be added. Where the field stands need not be known for that.
+  bool Takes(std::string_view field, CountedAs as, const DetectionCounters& counters) {
+    const auto known = static_cast<std::size_t>(as);
+    if (field.size() > known_[known]) return false;
+    const char first = field.front();
+    if (as == CountedAs::kPlainNumber) {
+      return first != '0' || field.size() == 1 || !IsDigit(field[1]);
     }
-    AddNew(field, as, line, counters);
+    if (as == CountedAs::kString) {
+      if (static_cast<unsigned char>(first) > '9') return true;
+      return IsDigit(first) ? IsDigit(field.back()) && TakesOrder(counters.order())
+                            : !IsBlankCharacter(first);
+    }
+    if (as == CountedAs::kDate) {
+      return !IsBlankCharacter(first) && !IsBlankCharacter(field.back()) &&
+             TakesDate(counters.dateKey(), counters.order());
+    }
+    return as == CountedAs::kPercent;
   }
+  // Adds a field that was not taken. `line`: its record's.
+  void Add(std::string_view field, CountedAs as, std::int64_t line, DetectionCounters& counters);
   // An empty field, which is not counted.
   void AddEmpty() { ++empties_; }
   // Adds that of a batch, `lines` lines behind the start of the file.
@@ -50,26 +60,43 @@ class DetectionEvidence {
   };
 
   static bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-  const ImportWitness& Of(ImportValueClass valueClass) const {
-    return classes_[static_cast<std::size_t>(valueClass)];
+  ImportWitness& OrderOf(DayAndMonth order) { return orders_[static_cast<std::size_t>(order)]; }
+  const ImportWitness& OrderOf(DayAndMonth order) const {
+    return orders_[static_cast<std::size_t>(order)];
   }
-  void AddNew(std::string_view field, CountedAs as, std::int64_t line, DetectionCounters& counters);
-  void AddNumber(std::string_view field, std::int64_t line);
-  void AddDayAndMonth(std::string_view field, std::int64_t line);
-  // `amount`: the number in `text`, without what marks its class.
-  void AddComma(std::string_view amount, std::string_view text, std::int64_t line,
-                DetectionCounters& counters);
+  bool TakesOrder(DayAndMonth order) {
+    ImportWitness& seen = OrderOf(order);
+    if (seen.count == 0) return false;
+    ++seen.count;
+    return true;
+  }
+  bool TakesDate(int key, DayAndMonth order) {
+    if (latestLayout_ >= layouts_.size()) return false;
+    Layout& layout = layouts_[latestLayout_];
+    if (layout.key != key || layout.seen.count == 0 || !TakesOrder(order)) return false;
+    ++layout.seen.count;
+    return true;
+  }
+  void Know(CountedAs as);
+  void AddOrder(DayAndMonth order, std::string_view text, std::int64_t line);
+  // `amount`: the number in `text`, without what marks its class. `forms`: the amount's.
+  void AddComma(std::string_view amount, NumberForms forms, std::string_view text,
+                std::int64_t line);
   ImportWitness& LayoutOf(int key);
 
+  // By the class that a field was counted as: one that is not longer tells neither the first of its
+  // class nor the longest text.
+  std::array<std::size_t, kCountedAs> known_{};
   // Only who was first; their counts are the counters'.
   std::array<ImportWitness, kImportValueClasses> classes_;
   std::int64_t blanks_ = 0;
   std::int64_t empties_ = 0;
   // By rising key.
   std::vector<Layout> layouts_;
-  ImportWitness dayFirst_;
-  ImportWitness monthFirst_;
-  ImportWitness eitherOrder_;
+  // Place of the one met last; any place.
+  std::size_t latestLayout_ = 0;
+  // By DayAndMonth. That of none counts from 1, so that there is never a first one.
+  std::array<ImportWitness, kDayAndMonthOrders> orders_;
   ImportWitness decimalComma_;
   ImportWitness groupingComma_;
   ImportWitness eitherComma_;

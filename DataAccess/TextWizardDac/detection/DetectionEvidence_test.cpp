@@ -35,7 +35,10 @@ class Counted {
       if (value.text.empty()) {
         evidence_.AddEmpty();
       } else {
-        evidence_.Add(value.text, counters.Count(value.text, variable_), value.line, counters);
+        const CountedAs as = counters.Count(value.text, variable_);
+        if (!evidence_.Takes(value.text, as, counters)) {
+          evidence_.Add(value.text, as, value.line, counters);
+        }
       }
     }
   }
@@ -84,6 +87,18 @@ TEST(DetectionEvidence, BlanksAreNumbersAndNoFirstOnes) {
   EXPECT_EQ(evidence.empties, 3);
   EXPECT_EQ(Shown(Of(evidence, ImportValueClass::kNumber)), "3 line 6 '3'");
   EXPECT_EQ(Shown(evidence.longest), "1 line 6 '3'");
+}
+
+TEST(DetectionEvidence, ATextOfTabsIsBlankThoughItCountsAsAString) {
+  const ImportEvidence evidence = EvidenceOf({"abc", "\t", "\t\t", "x"});
+  EXPECT_EQ(evidence.blanks, 2);
+  EXPECT_EQ(Of(evidence, ImportValueClass::kString).count, 4);
+}
+
+TEST(DetectionEvidence, OrdersAreToldWhateverBlanksStandAroundThem) {
+  const ImportEvidence evidence =
+      EvidenceOf({"a long text", "31/12/2020", "31/12/2021 ", " 31/12/2022", "31/13/2020 "});
+  EXPECT_EQ(Shown(evidence.dayFirst), "3 line 2 '31/12/2020'");
 }
 
 TEST(DetectionEvidence, EveryLayoutOfDatesIsMet) {
@@ -151,10 +166,11 @@ TEST(DetectionEvidence, LongTextsAreCutAtAWholeCharacter) {
 // Random values in batches of random sizes, which are merged in any order.
 TEST(DetectionEvidence, IsTheSameHoweverTheValuesAreSpreadOverBatches) {
   const std::vector<std::string> texts = {
-      "",         " ",          "1",     "007",  "1,234",    "1,23",
-      "abc",      "x",          "$5",    "5%",   "1.234,5",  "31.12.1999",
-      "1/2/2000", "31/12/2000", "12:30", "-5.5", "12/31/99", "a much longer text",
-      "1e5"};
+      "",          " ",          "1",     "007",       "1,234",     "1,23",
+      "abc",       "x",          "$5",    "5%",        "1.234,5",   "31.12.1999",
+      "1/2/2000",  "31/12/2000", "12:30", "-5.5",      "12/31/99",  "a much longer text",
+      "1e5",       "\t",         " 12",   "1/2/2000 ", "32/1/2000", "31.12.99 x",
+      " 31/12/99", "0",          "0.5",   "$1,200",    "+1,5",      "\t1/2/2000"};
   std::mt19937 random(12);
   for (int round = 0; round < 200; ++round) {
     std::vector<Value> values;

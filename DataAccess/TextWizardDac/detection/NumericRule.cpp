@@ -1,13 +1,9 @@
 #include "detection/NumericRule.h"
 
-#include <bit>
 #include <cctype>
-#include <cstdint>
 #include <cstdlib>
 
 #include <langinfo.h>
-
-#include "reading/ShortText.h"
 
 namespace textwizard {
 
@@ -27,16 +23,6 @@ bool MayBeName(const char* p, const char* end) {
   if (end - p < 3) return false;
   return (IsEither(p[0], 'i', 'I') && IsEither(p[1], 'n', 'N') && IsEither(p[2], 'f', 'F')) ||
          (IsEither(p[0], 'n', 'N') && IsEither(p[1], 'a', 'A') && IsEither(p[2], 'n', 'N'));
-}
-
-constexpr std::size_t kWord = sizeof(std::uint64_t);
-constexpr std::uint64_t kZeros = 0x3030303030303030;
-
-// The high bit of each byte above 9, up to one far above it: what is said of the bytes behind that
-// can be wrong.
-std::uint64_t NotDigits(std::uint64_t bytes) {
-  constexpr std::uint64_t kAboveNine = 0x7676767676767676;  // 10 more reaches the high bit
-  return (bytes | (bytes + kAboveNine)) & 0x8080808080808080;
 }
 
 const char* SkipDigits(const char* p, const char* end) {
@@ -73,33 +59,6 @@ bool NumericRule::Accepts(std::string_view text) {
     begin = stop + 1;
     if (begin == end) return true;
   }
-}
-
-bool NumericRule::AcceptsPlain(std::string_view text, std::size_t* point) const {
-  if (decimal_ != '.' || text.empty()) return false;
-  const std::size_t sign = text.front() == '-' || text.front() == '+';
-  const char* const digits = text.data() + sign;
-  const std::size_t length = text.size() - sign;
-  if (length - 1 >= 2 * kWord) return length > 0 && AcceptsLongPlain(text, point);
-
-  // The last word of the text, and the part of it before that; digits stand for what they lack.
-  std::uint64_t others = 0, before = 0;
-  if (length <= kWord) {
-    others = NotDigits((LoadShortText(digits, length) ^ kZeros) << (kWord - length) * 8);
-  } else {
-    others = NotDigits(LoadWord(digits + length - kWord) ^ kZeros);
-    before = NotDigits((LoadWord(digits) ^ kZeros) << (2 * kWord - length) * 8);
-  }
-  *point = std::string_view::npos;
-  if ((others | before) == 0) return true;
-  if (others != 0 && before != 0) return false;
-  std::size_t at = length - (others != 0 ? kWord : 2 * kWord);
-  others |= before;
-  at += static_cast<std::size_t>(std::countr_zero(others)) / 8;
-  // A digit before the point is the commoner form; the others are not plain.
-  if ((others & (others - 1)) != 0 || digits[at] != '.' || at == 0) return false;
-  *point = sign + at;
-  return true;
 }
 
 bool NumericRule::AcceptsLongPlain(std::string_view text, std::size_t* point) {

@@ -164,7 +164,7 @@ PatternAutomaton::PatternAutomaton(const std::vector<std::string>& patterns) {
     wideOther_.push_back(wideOther);
     next_.insert(next_.end(), kWideClasses, kDead);  // never looked up
     for (std::size_t c = kWideClasses; c < classCount_; ++c) {
-      next_.push_back(number(construction.Step(set, member[c])));
+      next_.push_back(std::uint32_t{number(construction.Step(set, member[c]))} << classBits_);
     }
     next_.resize((from + 1) << classBits_, kDead);
   }

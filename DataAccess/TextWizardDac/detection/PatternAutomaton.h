@@ -48,15 +48,17 @@ class PatternAutomaton {
   }
 
   Verdict Match(std::string_view text, const ByteClasses& classes) const {
-    std::size_t state = kStart;
+    const std::uint32_t* const next = next_.data();
+    std::size_t row = kStart << classBits_;
     for (std::size_t i = 0; i < text.size(); ++i) {
       const std::uint8_t byteClass = classes[static_cast<unsigned char>(text[i])];
       if (byteClass < kWideClasses) {
-        return {0, GoingOn(state, byteClass, text.substr(i)) | uncompiled_};
+        return {0, GoingOn(row >> classBits_, byteClass, text.substr(i)) | uncompiled_};
       }
-      state = next_[(state << classBits_) + byteClass];
-      if (state == kDead) return {0, uncompiled_};
+      row = next[row + byteClass];
+      if (row == kDead) return {0, uncompiled_};
     }
+    const std::size_t state = row >> classBits_;
     // The library gives up a match that takes it too much memory.
     if (text.size() > kSureLength) return {0, accepted_[state] | uncompiled_};
     return {accepted_[state], uncompiled_};
@@ -82,8 +84,8 @@ class PatternAutomaton {
   std::size_t classCount_ = kWideClasses;
   // A state's classes take a power of two, so that no multiplication stands between two steps.
   unsigned classBits_ = 0;
-  // state x class -> state
-  std::vector<std::uint16_t> next_;
+  // state x class -> where the row of the next state begins
+  std::vector<std::uint32_t> next_;
   // Per state: patterns that match here, those that could go on with a character beyond ASCII, and
   // those of them for which it need be neither a digit nor a space.
   std::vector<std::uint64_t> accepted_;

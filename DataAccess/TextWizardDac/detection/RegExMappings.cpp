@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 #include <langinfo.h>
@@ -105,6 +106,8 @@ constexpr RowText kRows[] = {
      R"(^(\-|\+?)(\d{1,})((:|\.|\,|\s)?)(([0-5]{1}\d{1})|(\d{1}))(:|\.|\,)\d{1,}$)"},
     // clang-format on
 };
+
+static_assert(std::size(kRows) <= kMostDateRows);
 
 constexpr std::array<nl_item, 7> kShortDayItems = {ABDAY_1, ABDAY_2, ABDAY_3, ABDAY_4,
                                                    ABDAY_5, ABDAY_6, ABDAY_7};

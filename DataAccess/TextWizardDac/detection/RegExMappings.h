@@ -5,6 +5,7 @@
 // table belongs to one thread at a time.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -12,6 +13,9 @@
 #include "detection/PatternMatcher.h"
 
 namespace textwizard {
+
+// The table has fewer rows.
+inline constexpr std::size_t kMostDateRows = 60;
 
 struct RegExToFormatMapping {
   std::int32_t key = 0;

@@ -82,7 +82,9 @@ void SamplingPass::CountRecord() {
     if (variable.formatType == kFormatAuto) {
       if (!field_.empty()) {
         const CountedAs as = counters_.Count(field_, variable);
-        if (evidence_) evidence_[slot].Add(field_, as, iterator_.textLine(), counters_);
+        if (evidence_ && !evidence_[slot].Takes(field_, as, counters_)) {
+          evidence_[slot].Add(field_, as, iterator_.textLine(), counters_);
+        }
       } else if (blanksCollapse_) {
         continue;
       } else if (evidence_) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cctype>
+#include <iterator>
 
 #include "HostFramework/Text.h"
 #include "detection/BlankTrim.h"
@@ -16,6 +17,15 @@ std::string PatternText(const std::string& regex) {
   return std::string(ToUtf8(regex, buffer));
 }
 
+// A day and a month in digits, by DayAndMonth: both at most 12, the first above it, the second.
+constexpr const char* kOrderPatterns[] = {
+    R"(^(0?[1-9]|1[0-2])(/|\.|\-| )(0?[1-9]|1[0-2])(/|\.|\-| )[0-9]{2}([0-9]{2})?$)",
+    R"(^(1[3-9]|2[0-9]|3[01])(/|\.|\-| )(0?[1-9]|1[0-2])(/|\.|\-| )[0-9]{2}([0-9]{2})?$)",
+    R"(^(0?[1-9]|1[0-2])(/|\.|\-| )(1[3-9]|2[0-9]|3[01])(/|\.|\-| )[0-9]{2}([0-9]{2})?$)",
+};
+static_assert(kMostDateRows + std::size(kOrderPatterns) <= PatternAutomaton::kMaxPatterns);
+static_assert(std::size(kOrderPatterns) + 1 == kDayAndMonthOrders);
+
 }  // namespace
 
 ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrangement)
@@ -27,6 +37,8 @@ ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrange
     rows_.push_back(&row);
     patterns.push_back(PatternText(row.regex));
   }
+  // One walk over a value finds its row and the order of its day and month.
+  patterns.insert(patterns.end(), std::begin(kOrderPatterns), std::end(kOrderPatterns));
   rowAutomaton_ = PatternAutomaton::Shared(patterns);
   formAutomaton_ =
       PatternAutomaton::Shared({PatternText(table.percentRegex), PatternText(table.dollarRegex),
@@ -78,7 +90,9 @@ NumberForms ValueClassifier::FormsOf(std::string_view value) {
 int ValueClassifier::IsDateTime(std::string_view value) {
   if (trimDates_) value = TrimLeft(TrimRight(value));
   const PatternAutomaton::Verdict verdict = rowAutomaton_->Match(value, rowClasses_);
-  std::uint64_t candidates = verdict.matched | verdict.undecided;
+  order_ = OrderOf(verdict);
+  const std::uint64_t rows = (std::uint64_t{1} << rows_.size()) - 1;
+  std::uint64_t candidates = (verdict.matched | verdict.undecided) & rows;
   const icu::UnicodeString* text = nullptr;
   for (; candidates; candidates &= candidates - 1) {
     const auto index = static_cast<std::size_t>(std::countr_zero(candidates));
@@ -98,6 +112,7 @@ bool ValueClassifier::MatchesRow(std::string_view value, int key) {
   const auto index = static_cast<std::size_t>(row - rows_.begin());
   const std::uint64_t bit = std::uint64_t{1} << index;
   const PatternAutomaton::Verdict verdict = rowAutomaton_->Match(value, rowClasses_);
+  order_ = OrderOf(verdict);
   if (((verdict.matched | verdict.undecided) & bit) == 0) return false;
   if (!usableRows_.Has(index, (*row)->matcher)) return false;
   return (verdict.matched & bit) != 0 || Decide((*row)->matcher, LowerCased(value));

@@ -24,6 +24,12 @@ enum class NumberForm { kPercentage, kDollar, kComma, kDot };
 inline constexpr std::size_t kNumberForms = 4;
 using NumberForms = std::bitset<kNumberForms>;
 
+// In which order a day and a month can stand in a text that is two numbers of one or two digits and
+// a year of two or four, each number with one of "/.- " behind it. No day is above 31, no month
+// above 12, none is 0.
+enum class DayAndMonth : std::uint8_t { kNone, kEitherOrder, kDayFirst, kMonthFirst };
+inline constexpr std::size_t kDayAndMonthOrders = 4;
+
 // Tests host texts by one pattern table. Same thread rules as the table, which outlives it. Locale:
 // names by the table, decimal character and letter case by the process's locale at construction.
 // Allocates nothing per value in the steady state.
@@ -58,6 +64,12 @@ class ValueClassifier {
   // Key of the first row that the lower-cased value matches, 0 when none does. Blanks at both ends
   // count only with one case per line.
   int IsDateTime(std::string_view value);
+  // Of the value that IsDateTime or MatchesRow was asked for last. Nothing is trimmed but what they
+  // trim.
+  DayAndMonth order() const { return order_; }
+  DayAndMonth OrderOf(std::string_view value) const {
+    return OrderOf(rowAutomaton_->Match(value, rowClasses_));
+  }
   // The lower-cased value matches the row `key`; false for a key without a row. Nothing is trimmed.
   bool MatchesRow(std::string_view value, int key);
 
@@ -76,6 +88,11 @@ class ValueClassifier {
     }
   };
 
+  // The patterns of the orders stand behind those of the rows.
+  DayAndMonth OrderOf(const PatternAutomaton::Verdict& verdict) const {
+    const std::uint64_t matched = verdict.matched >> rows_.size();
+    return static_cast<DayAndMonth>(matched - (matched >> 2));
+  }
   bool Decide(const PatternMatcher& matcher, const icu::UnicodeString& text) const;
   const icu::UnicodeString& LowerCased(std::string_view value);
 
@@ -92,6 +109,7 @@ class ValueClassifier {
   PatternAutomaton::ByteClasses rowClasses_;
   PatternAutomaton::ByteClasses formClasses_;
   std::array<std::uint8_t, 256> possible_;
+  DayAndMonth order_ = DayAndMonth::kNone;
   // Buffers of the rarer ways.
   std::string changed_;
   UnicodeText unicode_;

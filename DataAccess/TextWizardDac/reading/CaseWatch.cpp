@@ -80,12 +80,14 @@ void CaseWatch::StartBatch(WatchedBatch& batch, bool notesEnds) {
   findings_.clear();
   noted_.clear();
   undecodable_ = false;
+  odd_ = false;
   begun_ = false;
 }
 
 // Fields.
 
 void CaseWatch::TakeUnread(std::uint32_t variable, std::string_view field) {
+  odd_ = true;
   if (!WithoutBlanks(field).empty()) {
     ++cells_.unreadable;
     findings_.push_back({variable, Kind::kUnreadable});
@@ -100,19 +102,25 @@ void CaseWatch::TakeLong(std::uint32_t variable, std::string_view field, std::ui
                          double value) {
   if (IsNumberFormat(format) && IsRounded(field, value)) {
     findings_.push_back({variable, Kind::kRounded});
+    odd_ = true;
   }
 }
 
 void CaseWatch::TakeLong(std::uint32_t variable, std::string_view field, std::size_t width) {
   field = field.substr(0, LengthWithoutPadding(field));
   if (leadingSpaces_) field.remove_prefix(std::min(field.find_first_not_of(' '), field.size()));
-  if (field.size() > width) findings_.push_back({variable, Kind::kCut});
+  if (field.size() <= width) return;
+  findings_.push_back({variable, Kind::kCut});
+  odd_ = true;
 }
 
 void CaseWatch::TakeBlank(std::uint32_t variable, std::string_view field, std::size_t width) {
   if (!IsBlankText(field)) {
     if (field.size() > width) TakeLong(variable, field, width);
-  } else if (field.data() != nullptr) {
+    return;
+  }
+  odd_ = true;
+  if (field.data() != nullptr) {
     ++cells_.empty;
   } else {
     ++cells_.absent;

@@ -51,6 +51,7 @@ class CaseWatch {
   bool TakesNull(std::string_view field) {
     if (!nulls_.Holds(field)) return false;
     ++cells_.null;
+    odd_ = true;
     return true;
   }
   // A number that was not null; a field without any text that even has no place in memory is one
@@ -63,7 +64,12 @@ class CaseWatch {
       TakeLong(variable, field, format, *value);
     }
   }
-  // A string; `width`: bytes of the variable's cells.
+  // The same in parts: of a number that could not be read, and of one of kRoundedDigits bytes or
+  // more. There is nothing to tell of others.
+  void TakeUnread(std::uint32_t variable, std::string_view field);
+  void TakeLong(std::uint32_t variable, std::string_view field, std::uint32_t format, double value);
+  // A string; `width`: bytes of the variable's cells. There is nothing to tell of one that fits
+  // them and does not begin with a blank.
   void TakeString(std::uint32_t variable, std::string_view field, std::size_t width) {
     if (field.empty() || field.front() == ' ') {
       TakeBlank(variable, field, width);
@@ -72,11 +78,21 @@ class CaseWatch {
     }
   }
   // The splitter met bytes that are no character, in a field of the case.
-  void NoteUndecodable() { undecodable_ = true; }
+  void NoteUndecodable() { undecodable_ = odd_ = true; }
   // A field is cut again: what the splitter meets in it was met before.
   bool examining() const { return examining_; }
 
   // --- Records, one case in a line: after its fields
+  // A record of `size` bytes that stands in the file as it was cut, right behind the one before and
+  // with a line end of the same length; `end`: place behind it. False when there is more to tell of
+  // it, so that its EndLine is wanted.
+  bool EndPlainLine(std::size_t size, std::int64_t end) {
+    if (odd_ || fields_.MetQuotes() || fields_.offset() != size) return false;
+    batch_->ends.push_back(end);
+    batch_->AddNext(end);
+    ++case_;
+    return true;
+  }
   void EndLine(const WatchedRecord& record) {
     batch_->AddRecord(case_, record.place);
     if (notesEnds_) batch_->ends.push_back(record.place.end);
@@ -85,6 +101,7 @@ class CaseWatch {
     } else {
       EndUnusual(record);
     }
+    odd_ = false;
     ++case_;
   }
 
@@ -126,12 +143,12 @@ class CaseWatch {
            fields_.offset() == record.text.size() && record.place.droppedBytes == 0 &&
            (record.raw.data() == record.text.data() || !HasSubstitutes(record));
   }
-  void TakeUnread(std::uint32_t variable, std::string_view field);
-  void TakeLong(std::uint32_t variable, std::string_view field, std::uint32_t format, double value);
   void TakeLong(std::uint32_t variable, std::string_view field, std::size_t width);
   void TakeBlank(std::uint32_t variable, std::string_view field, std::size_t width);
   bool HasSubstitutes(const WatchedRecord& record) const;
   void EndUnusual(const WatchedRecord& record);
+  bool CountsFindingsAlone(const WatchedRecord& record) const;
+  void EndCounted(const WatchedRecord& record);
   void SettleEmptyField();
   void ExamineFields();
   void ExamineRest(std::size_t offset);
@@ -181,6 +198,8 @@ class CaseWatch {
   WatchedBatch::CellsNotRead cells_{};
   std::vector<Finding> findings_;
   bool undecodable_ = false;
+  // Something of all that was noted of the line in hand.
+  bool odd_ = false;
   bool examining_ = false;
   std::vector<Noted> noted_;
 

@@ -12,6 +12,7 @@ using Kind = ImportProblemKind;
 // One case in a line.
 
 void CaseWatch::EndUnusual(const WatchedRecord& record) {
+  if (CountsFindingsAlone(record)) return EndCounted(record);
   record_ = record;
   recordNumber_ = 0;
   originStarted_ = false;
@@ -37,6 +38,24 @@ void CaseWatch::EndUnusual(const WatchedRecord& record) {
   findings_.clear();
   undecodable_ = false;
   Flush();
+  EndCells();
+}
+
+// Nothing is wrong with the record but values of which nobody is told more than that they are
+// there.
+bool CaseWatch::CountsFindingsAlone(const WatchedRecord& record) const {
+  return cells_.absent == 0 && !undecodable_ && !fields_.MetQuotes() &&
+         fields_.offset() == record.text.size() && record.place.droppedBytes == 0 &&
+         record.raw.data() == record.text.data() && !findings_.empty() && !AnyWantsDetail();
+}
+
+// Findings come by rising variable, which is the order of their problems.
+void CaseWatch::EndCounted(const WatchedRecord& record) {
+  for (const Finding& finding : findings_) {
+    batch_->problems.Add(case_, ProblemCode(finding.kind, columns_[finding.variable]));
+  }
+  batch_->cases.push_back({case_, record.place.line, record.place.begin, record.place.end});
+  findings_.clear();
   EndCells();
 }
 

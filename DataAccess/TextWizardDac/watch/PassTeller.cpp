@@ -55,9 +55,15 @@ void PassTeller::TellNoted() {
 
 void PassTeller::TellCase(std::uint32_t record) {
   const auto& problems = batch_->problems.problems();
+  const std::vector<std::size_t>& detailed = batch_->problems.detailed();
   for (; nextProblem_ < problems.size() && problems[nextProblem_].record == record;
        ++nextProblem_) {
-    TellProblem(nextProblem_);
+    // Details are missing only of problems that nobody is told of.
+    if (nextDetail_ < detailed.size() && detailed[nextDetail_] == nextProblem_) {
+      TellProblem(problems[nextProblem_], batch_->problems.details()[nextDetail_++]);
+    } else {
+      ++counts_[problems[nextProblem_].code].count;
+    }
   }
   const auto& cases = batch_->cases;
   if (nextProblemCase_ < cases.size() && cases[nextProblemCase_].record == record) {
@@ -78,21 +84,15 @@ void PassTeller::TellCase(std::uint32_t record) {
   observer_.OnCells(counts);
 }
 
-void PassTeller::TellProblem(std::size_t index) {
-  const NotedProblems& noted = batch_->problems;
-  const NotedProblems::Problem& problem = noted.problems()[index];
-  const NotedProblems::Detail* detail = nullptr;
-  if (nextDetail_ < noted.details().size() && noted.detailed()[nextDetail_] == index) {
-    detail = &noted.details()[nextDetail_++];
-  }
+void PassTeller::TellProblem(const NotedProblems::Problem& problem,
+                             const NotedProblems::Detail& detail) {
   const bool isFirst = ++counts_[problem.code].count == 1;
-  // Details are missing only of problems that nobody is told of.
-  if (!detail || (!isFirst && toldProblems_ >= problemLimit_)) return;
+  if (!isFirst && toldProblems_ >= problemLimit_) return;
   ++toldProblems_;
   if (toldProblems_ >= problemLimit_) limitReached_.store(true, std::memory_order_relaxed);
   observer_.OnProblem({KindOf(problem.code), VariableOf(problem.code),
-                       firstCase_ + problem.record + 1, detail->line + runLines_, detail->byte,
-                       detail->amount, noted.TextOf(*detail)});
+                       firstCase_ + problem.record + 1, detail.line + runLines_, detail.byte,
+                       detail.amount, batch_->problems.TextOf(detail)});
 }
 
 void PassTeller::EndBatch(std::int64_t runLines) {

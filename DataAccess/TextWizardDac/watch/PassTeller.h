@@ -42,7 +42,7 @@ class PassTeller {
  private:
   void TellNoted();
   void TellCase(std::uint32_t record);
-  void TellProblem(std::size_t problem);
+  void TellProblem(const NotedProblems::Problem& problem, const NotedProblems::Detail& detail);
   void FindNoted();
   // The next stretch, which ends at `end`.
   void AddSpan(ImportSpan::Kind kind, std::int64_t end, std::int64_t records = 0,

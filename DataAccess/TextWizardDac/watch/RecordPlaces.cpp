@@ -28,6 +28,29 @@ void PlaceWalk::Start(const RecordPlaces& places, std::string_view text) {
   text_ = text;
 }
 
+bool PlaceWalk::StepOver(std::size_t at, std::size_t end, std::uint32_t lineEndBytes) {
+  if (at >= nextSegment_) EnterSegment();
+  if (runEnd_ == 0) {
+    place_.line = line_ + runLines_;
+    return false;
+  }
+  if (at != lineStart_) SkipEmptyLines(at);
+  recordStart_ = at;
+  lineStart_ = end + lineEndBytes;
+  place_.lineEndBytes = lineEndBytes;
+  ++runLines_;
+  return false;
+}
+
+const RecordPlace& PlaceWalk::place() {
+  if (runEnd_ != 0) {
+    place_.line = line_ + runLines_ - 1;
+    place_.begin = runShift_ + static_cast<std::int64_t>(recordStart_);
+    place_.end = end();
+  }
+  return place_;
+}
+
 void PlaceWalk::EnterSegment() {
   const RecordPlaces::Segment& segment = places_->segments_[segment_++];
   nextSegment_ =
@@ -36,11 +59,11 @@ void PlaceWalk::EnterSegment() {
   nulsEnd_ = segment.nulsEnd;
   rawBegin_ = rawEnd_;
   rawEnd_ = segment.rawEnd;
-  inRun_ = segment.isRun;
-  segmentText_ = lineStart_ = segment.text;
   place_ = segment.place;
-  begin_ = place_.begin;
   line_ = place_.line;
+  runEnd_ = segment.isRun ? nextSegment_ : 0;
+  runShift_ = place_.begin - static_cast<std::int64_t>(segment.text);
+  lineStart_ = segment.text;
 }
 
 void PlaceWalk::SkipEmptyLines(std::size_t at) {

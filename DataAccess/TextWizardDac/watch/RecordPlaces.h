@@ -44,27 +44,26 @@ class PlaceWalk {
  public:
   // Starts before the first record of the batch text `text`.
   void Start(const RecordPlaces& places, std::string_view text);
-  // The place of the next record, which lies in the text. Lines are counted without those of runs
-  // in earlier batches.
-  const RecordPlace& Next(std::string_view record) {
+  // Steps to the next record, which lies in the text. True when it is one of the run of the record
+  // before and right behind it, with a line end of the same length.
+  bool Step(std::string_view record) {
     const auto at = static_cast<std::size_t>(record.data() - text_.data());
-    if (at >= nextSegment_) EnterSegment();
-    if (!inRun_) {
-      place_.line += runLines_;
-      return place_;
-    }
-    if (at != lineStart_) SkipEmptyLines(at);
-    place_.begin = begin_ + static_cast<std::int64_t>(at - segmentText_);
-    place_.line = line_ + runLines_;
     const std::size_t end = at + record.size();
-    place_.lineEndBytes =
-        text_[end] == '\r' && end + 1 < text_.size() && text_[end + 1] == '\n' ? 2 : 1;
-    lineStart_ = end + place_.lineEndBytes;
-    place_.end = begin_ + static_cast<std::int64_t>(lineStart_ - segmentText_);
+    // There is a byte behind the text.
+    const bool twoBytes = text_.data()[end] == '\r' && text_.data()[end + 1] == '\n';
+    const std::uint32_t lineEndBytes = twoBytes ? 2 : 1;
+    const bool goesOn = at == lineStart_ && at < runEnd_ && lineEndBytes == place_.lineEndBytes;
+    if (!goesOn) return StepOver(at, end, lineEndBytes);
+    recordStart_ = at;
+    lineStart_ = end + lineEndBytes;
     ++runLines_;
-    return place_;
+    return true;
   }
-  // Of the record walked last.
+  // --- Of the record stepped to
+  // Lines are counted without those of runs in earlier batches.
+  const RecordPlace& place();
+  // Offset in the file behind its line end, when it goes on a run.
+  std::int64_t end() const { return runShift_ + static_cast<std::int64_t>(lineStart_); }
   const NulRun* nulsBegin() const { return places_->nuls_.data() + nulsBegin_; }
   const NulRun* nulsEnd() const { return places_->nuls_.data() + nulsEnd_; }
   std::string_view raw() const {
@@ -74,6 +73,7 @@ class PlaceWalk {
   std::int64_t runLines() const { return runLines_; }
 
  private:
+  bool StepOver(std::size_t at, std::size_t end, std::uint32_t lineEndBytes);
   void EnterSegment();
   void SkipEmptyLines(std::size_t at);
 
@@ -87,12 +87,14 @@ class PlaceWalk {
   std::size_t rawBegin_ = 0;
   std::size_t rawEnd_ = 0;
   RecordPlace place_;
-  std::int64_t runLines_ = 0;
-  // The run in hand.
-  bool inRun_ = false;
-  std::size_t segmentText_ = 0;
-  std::int64_t begin_ = 0;
+  // Before the first line of the segment in hand, in its batch's runs; and its line as noted.
   std::int64_t line_ = 0;
+  std::int64_t runLines_ = 0;
+  // The run in hand: its end in the text, 0 outside of runs; what an offset in the text lacks to
+  // one in the file.
+  std::size_t runEnd_ = 0;
+  std::int64_t runShift_ = 0;
+  std::size_t recordStart_ = 0;
   std::size_t lineStart_ = 0;
 };
 

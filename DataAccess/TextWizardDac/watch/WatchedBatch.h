@@ -67,6 +67,13 @@ class WatchedBatch {
         {record, 1, place.begin, place.end, place.droppedBytes, place.lineEndBytes});
   }
 
+  // The same of a record right behind the latest one, with a line end of the same length.
+  void AddNext(std::int64_t end) {
+    Stretch& last = stretches.back();
+    last.end = end;
+    ++last.records;
+  }
+
   std::vector<Stretch> stretches;
   // Where the record of each case ends. Only where every case has one record.
   std::vector<std::int64_t> ends;
