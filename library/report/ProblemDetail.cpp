@@ -1,6 +1,7 @@
 #include "library/report/ProblemDetail.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 
 #include <fmt/format.h>
@@ -40,6 +41,10 @@ constexpr Candidate kCandidates[] = {{textwizard::kFormatF, "F"},
 
 // A text in a hint is quoted whole, or not at all.
 constexpr std::size_t kLongestQuoted = 20;
+
+// Texts that are kept with what would help them: how many, and how long in bytes.
+constexpr std::size_t kMetTexts = 4096;
+constexpr std::size_t kLongestMet = 64;
 
 // What can stand in a command line between apostrophes, and in a list between commas.
 bool IsWordCharacter(char character) {
@@ -134,31 +139,39 @@ void ProblemDetail::OfValue(const ImportProblem& problem, const ReportVariable& 
 }
 
 void ProblemDetail::Unreadable(const ImportProblem& problem, const ReportVariable& variable) {
-  if (problem.variable == lastVariable_ && problem.text == lastText_) {
-    sentence_ = lastSentence_;
+  sentence_ += variable.format;
+  sentence_ += " cannot read this text, so the value is missing; ";
+  if (problem.text.size() > kLongestMet) return AppendWayOut(problem.text);
+  if (met_.empty()) met_.resize(kMetTexts);
+  Met& met = met_[std::hash<std::string_view>()(problem.text) % kMetTexts];
+  if (met.text != problem.text || met.wayOut.empty()) {
+    const std::size_t begin = sentence_.size();
+    AppendWayOut(problem.text);
+    met.text = problem.text;
+    met.wayOut.assign(sentence_, begin);
     return;
   }
+  sentence_ += met.wayOut;
+}
+
+void ProblemDetail::AppendWayOut(std::string_view text) {
   auto out = std::back_inserter(sentence_);
-  fmt::format_to(out, "{} cannot read this text, so the value is missing; ", variable.format);
-  const std::vector<std::string_view> formats = FormatsThatRead(problem.text, 2);
-  if (const std::string_view option = DecimalThatReads(problem.text); !option.empty()) {
+  const std::vector<std::string_view> formats = FormatsThatRead(text, 2);
+  if (const std::string_view option = DecimalThatReads(text); !option.empty()) {
     fmt::format_to(out, "{} would read it, if the {} is its decimal character", option,
                    option.substr(option.find(' ') + 1));
   } else if (!formats.empty()) {
     fmt::format_to(out, "{}{}{} would read it", formats.front(), formats.size() > 1 ? " or " : "",
                    formats.size() > 1 ? formats.back() : "");
-  } else if (problem.text.size() <= kLongestQuoted &&
-             std::all_of(problem.text.begin(), problem.text.end(), IsWordCharacter)) {
+  } else if (text.size() <= kLongestQuoted &&
+             std::all_of(text.begin(), text.end(), IsWordCharacter)) {
     fmt::format_to(out,
                    "no other format reads it: mend it, give --null '{}' if it means missing, or "
                    "read the variable as a string",
-                   problem.text);
+                   text);
   } else {
     fmt::format_to(out, "no other format reads it: mend it, or read the variable as a string");
   }
-  lastVariable_ = problem.variable;
-  lastText_ = problem.text;
-  lastSentence_ = sentence_;
 }
 
 void ProblemDetail::OfRecord(const ImportProblem& problem) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "HostFramework/ImportObserver.h"
 #include "library/report/ReportVariable.h"
@@ -28,15 +29,19 @@ class ProblemDetail {
 
  private:
   void Unreadable(const ImportProblem& problem, const ReportVariable& variable);
+  void AppendWayOut(std::string_view text);
   void OfValue(const ImportProblem& problem, const ReportVariable& variable);
   void OfRecord(const ImportProblem& problem);
 
   const ReportVariables& variables_;
   std::string sentence_;
-  // The sentence of the unreadable text met last: the same text often comes again.
-  std::string lastText_;
-  std::int32_t lastVariable_ = -1;
-  std::string lastSentence_;
+  // What would help short texts that were met: they often come again. By a hash of the text; the
+  // one met last stays.
+  struct Met {
+    std::string text;
+    std::string wayOut;
+  };
+  std::vector<Met> met_;
 };
 
 }  // namespace library
