@@ -57,6 +57,8 @@ bench: bench-build
 	@tools/install-bench-peers
 	/usr/bin/python3 bench/run_benchmarks.py --bin build/bench/bin --rounds $(ROUNDS) \
 	  --megabytes $(MEGABYTES) --report $(REPORT)
+	/usr/bin/python3 bench/run_output_benchmarks.py --bin build/bench/bin --rounds $(ROUNDS) \
+	  --megabytes $(MEGABYTES) --report $(REPORT)
 
 bench-units: bench-build
 	@for program in build/bench/bin/*_benchmarks; do echo "== $${program##*/}"; $$program || exit 1; done

@@ -237,8 +237,8 @@ def markdown(options, threads, measured, line_ends, compared):
     return "\n".join(lines)
 
 
-def write(path, text):
+def write(path, text, begin=BEGIN, end=END):
     old = path.read_text() if path.exists() else ""
-    if BEGIN in old and END in old:
-        text = old.partition(BEGIN)[0] + BEGIN + "\n" + text + END + old.partition(END)[2]
+    if begin in old and end in old:
+        text = old.partition(begin)[0] + begin + "\n" + text + end + old.partition(end)[2]
     path.write_text(text)

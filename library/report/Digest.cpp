@@ -18,8 +18,30 @@ constexpr char kMissing = 0;
 constexpr char kNumber = 1;
 constexpr char kString = 2;
 
+// In front of a string: what it is, and its length.
+constexpr std::size_t kBesideCell = 1 + sizeof(std::uint32_t);
+
 // No finite number above it is missing; neither is any that is no number at all a value.
 bool IsMissing(double value) { return !(value > kSystemMissing) || std::isinf(value); }
+
+// The number of a cell, -0 as 0; false where it is missing.
+bool NumberIn(const unsigned char* cell, double* value) {
+  std::memcpy(value, cell, sizeof *value);
+  if (IsMissing(*value)) return false;
+  *value += 0.0;
+  return true;
+}
+
+// Of a string whose trailing blanks do not count; eight of them at a time.
+std::size_t LengthWithoutPadding(const char* text, std::size_t bytes) {
+  constexpr std::uint64_t kBlanks = 0x2020202020202020U;
+  while (bytes >= sizeof kBlanks &&
+         std::memcmp(text + bytes - sizeof kBlanks, &kBlanks, sizeof kBlanks) == 0) {
+    bytes -= sizeof kBlanks;
+  }
+  while (bytes > 0 && text[bytes - 1] == ' ') --bytes;
+  return bytes;
+}
 
 void AppendCharacter(std::string& out, std::uint32_t code) {
   const auto put = [&out](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
@@ -61,31 +83,63 @@ CaseDigester::CaseDigester(const QANT_DataSource& source) {
 }
 
 Digest CaseDigester::Of(const OBS* obs, std::int64_t caseNumber) {
+  const std::string_view bytes = converter_ == nullptr ? BytesAsTheyLie(obs) : ConvertedBytes(obs);
+  const XXH128_hash_t hash =
+      XXH3_128bits_withSeed(bytes.data(), bytes.size(), static_cast<XXH64_hash_t>(caseNumber));
+  return {hash.high64, hash.low64};
+}
+
+// Where texts need no conversion a case has no more bytes than its cells and what goes with them.
+std::string_view CaseDigester::BytesAsTheyLie(const OBS* obs) {
+  if (bytes_.empty()) {
+    std::size_t most = 1;
+    for (const Column& column : columns_) most += kBesideCell + sizeof(double) + column.bytes;
+    bytes_.resize(most);
+  }
+  char* out = bytes_.data();
+  for (const Column& column : columns_) {
+    const unsigned char* cell = obs[column.cell].bytes;
+    if (column.bytes == 0) {
+      double value = 0;
+      if (NumberIn(cell, &value)) {
+        *out = kNumber;
+        std::memcpy(out + 1, &value, sizeof value);
+        out += 1 + sizeof value;
+      } else {
+        *out++ = kMissing;
+      }
+      continue;
+    }
+    const auto* const text = reinterpret_cast<const char*>(cell);
+    const auto length = static_cast<std::uint32_t>(LengthWithoutPadding(text, column.bytes));
+    *out = kString;
+    std::memcpy(out + 1, &length, sizeof length);
+    std::memcpy(out + kBesideCell, text, length);
+    out += kBesideCell + length;
+  }
+  return {bytes_.data(), static_cast<std::size_t>(out - bytes_.data())};
+}
+
+std::string_view CaseDigester::ConvertedBytes(const OBS* obs) {
   bytes_.clear();
   for (const Column& column : columns_) {
     const unsigned char* cell = obs[column.cell].bytes;
     if (column.bytes == 0) {
       AppendNumber(cell);
-      continue;
+    } else {
+      const auto* const text = reinterpret_cast<const char*>(cell);
+      AppendText({text, LengthWithoutPadding(text, column.bytes)});
     }
-    const std::string_view padded(reinterpret_cast<const char*>(cell), column.bytes);
-    // npos + 1 is 0: a string of blanks alone is empty.
-    AppendText(padded.substr(0, padded.find_last_not_of(' ') + 1));
   }
-  const XXH128_hash_t hash =
-      XXH3_128bits_withSeed(bytes_.data(), bytes_.size(), static_cast<XXH64_hash_t>(caseNumber));
-  return {hash.high64, hash.low64};
+  return bytes_;
 }
 
 void CaseDigester::AppendNumber(const unsigned char* cell) {
   double value = 0;
-  std::memcpy(&value, cell, sizeof value);
-  if (IsMissing(value)) {
+  if (!NumberIn(cell, &value)) {
     bytes_.push_back(kMissing);
     return;
   }
-  // Turns -0 into 0.
-  value += 0.0;
   char room[1 + sizeof value] = {kNumber};
   std::memcpy(room + 1, &value, sizeof value);
   bytes_.append(room, sizeof room);
@@ -96,12 +150,8 @@ void CaseDigester::AppendText(std::string_view text) {
   std::uint32_t length = 0;
   bytes_.push_back(kString);
   bytes_.append(sizeof length, '\0');
-  if (converter_ == nullptr) {
-    bytes_.append(text);
-  } else {
-    AppendUtf8(text);
-  }
-  length = static_cast<std::uint32_t>(bytes_.size() - start - 1 - sizeof length);
+  AppendUtf8(text);
+  length = static_cast<std::uint32_t>(bytes_.size() - start - kBesideCell);
   std::memcpy(bytes_.data() + start + 1, &length, sizeof length);
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "HostFramework/DataSource.h"
@@ -46,6 +47,9 @@ class CaseDigester {
     std::size_t bytes;  // of a string; 0 for a number
   };
 
+  // The bytes that stand for a case; good until the next call.
+  std::string_view BytesAsTheyLie(const OBS* obs);
+  std::string_view ConvertedBytes(const OBS* obs);
   void AppendNumber(const unsigned char* cell);
   void AppendText(std::string_view text);
   void AppendUtf8(std::string_view text);

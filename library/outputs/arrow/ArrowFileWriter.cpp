@@ -31,15 +31,16 @@ void ArrowFileWriter::Append(std::string_view bytes) {
 void ArrowFileWriter::AppendOldest() {
   const ArrowMessage message = tasks_.Take();
   blocks_.emplace_back(position_, static_cast<std::int32_t>(message.description.size()),
-                       static_cast<std::int64_t>(message.body.size()));
+                       message.bodyBytes);
   Append(message.description);
-  Append(message.body);
+  for (const std::string_view piece : message.body) Append(piece);
+  batches_.pop_front();
 }
 
 void ArrowFileWriter::Write(ColumnBatch batch) {
   if (batch.cases == 0) return;
-  const auto shared = std::make_shared<const ColumnBatch>(std::move(batch));
-  tasks_.Add([this, shared] { return ArrowBatchMessage(fields_, *shared, compression_); });
+  const ColumnBatch& kept = batches_.emplace_back(std::move(batch));
+  tasks_.Add([this, &kept] { return ArrowBatchMessage(fields_, kept, compression_); });
   while (tasks_.pending() > mostPending_) AppendOldest();
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <vector>
 
@@ -32,6 +33,8 @@ class ArrowFileWriter : public ColumnWriter {
   ByteSink& sink_;
   std::int64_t position_ = 0;
   std::vector<arrowipc::Block> blocks_;
+  // Those whose messages are not written yet; outlive the tasks, which use them.
+  std::deque<ColumnBatch> batches_;
   OrderedTasks<ArrowMessage> tasks_;
 };
 

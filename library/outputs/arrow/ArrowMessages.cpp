@@ -1,5 +1,6 @@
 #include "library/outputs/arrow/ArrowMessages.h"
 
+#include <array>
 #include <cstring>
 #include <new>
 
@@ -90,46 +91,48 @@ Offset<ipc::Field> BuildField(FlatBufferBuilder& builder, const ColumnField& fie
 // The body of a batch and where its buffers lie in it.
 class BatchBody {
  public:
-  explicit BatchBody(ArrowCompression compression) : compression_(compression) {}
+  BatchBody(ArrowCompression compression, ArrowMessage& message)
+      : compression_(compression), message_(message) {}
 
   void Add(const void* bytes, std::size_t size) {
-    const std::size_t begin = body_.size();
-    if (compression_ == ArrowCompression::kLz4 && size != 0) {
-      AppendCompressed(bytes, size);
-    } else if (size != 0) {
-      body_.append(static_cast<const char*>(bytes), size);
-    }
-    places_.emplace_back(static_cast<std::int64_t>(begin),
-                         static_cast<std::int64_t>(body_.size() - begin));
-    body_.resize(Padded(body_.size()), '\0');
+    const std::int64_t begin = message_.bodyBytes;
+    std::string_view buffer(static_cast<const char*>(bytes), size);
+    if (compression_ == ArrowCompression::kLz4 && size != 0) buffer = Compressed(buffer);
+    AddPiece(buffer);
+    places_.emplace_back(begin, message_.bodyBytes - begin);
+    static constexpr std::array<char, kArrowAlignment> kPadding{};
+    AddPiece({kPadding.data(), Padded(buffer.size()) - buffer.size()});
   }
-  void Reserve(std::size_t bytes) { body_.reserve(bytes); }
 
-  std::string& body() { return body_; }
   const std::vector<ipc::BufferPlace>& places() const { return places_; }
 
  private:
+  void AddPiece(std::string_view piece) {
+    if (piece.empty()) return;
+    message_.body.push_back(piece);
+    message_.bodyBytes += static_cast<std::int64_t>(piece.size());
+  }
   // The length that it has uncompressed, -1 where it stands as it is, in front.
-  void AppendCompressed(const void* bytes, std::size_t size) {
-    const std::size_t begin = body_.size();
-    const std::size_t room = LZ4F_compressFrameBound(size, nullptr);
-    auto length = static_cast<std::int64_t>(size);
-    body_.resize(begin + sizeof length + room);
+  std::string_view Compressed(std::string_view buffer) {
+    const std::size_t room = LZ4F_compressFrameBound(buffer.size(), nullptr);
+    auto length = static_cast<std::int64_t>(buffer.size());
+    std::string& out = message_.compressed.emplace_back(sizeof length + room, '\0');
     const std::size_t used =
-        LZ4F_compressFrame(body_.data() + begin + sizeof length, room, bytes, size, nullptr);
+        LZ4F_compressFrame(out.data() + sizeof length, room, buffer.data(), buffer.size(), nullptr);
     if (LZ4F_isError(used) != 0) throw std::bad_alloc();
-    if (used >= size) {
+    if (used >= buffer.size()) {
       length = -1;
-      std::memcpy(body_.data() + begin + sizeof length, bytes, size);
-      body_.resize(begin + sizeof length + size);
+      std::memcpy(out.data() + sizeof length, buffer.data(), buffer.size());
+      out.resize(sizeof length + buffer.size());
     } else {
-      body_.resize(begin + sizeof length + used);
+      out.resize(sizeof length + used);
     }
-    std::memcpy(body_.data() + begin, &length, sizeof length);
+    std::memcpy(out.data(), &length, sizeof length);
+    return out;
   }
 
-  ArrowCompression compression_;
-  std::string body_;
+  const ArrowCompression compression_;
+  ArrowMessage& message_;
   std::vector<ipc::BufferPlace> places_;
 };
 
@@ -158,14 +161,9 @@ std::string ArrowSchemaMessage(const std::vector<ColumnField>& fields,
 ArrowMessage ArrowBatchMessage(const std::vector<ColumnField>& fields, const ColumnBatch& batch,
                                ArrowCompression compression) {
   static constexpr std::int64_t kNoOffsets = 0;
-  BatchBody body(compression);
+  ArrowMessage message;
+  BatchBody body(compression, message);
   std::vector<ipc::FieldNode> nodes;
-  std::size_t bytes = 0;
-  for (const Column& column : batch.columns) {
-    bytes +=
-        Padded(column.validity.size()) + Padded(column.values.size()) + Padded(column.text.size());
-  }
-  if (compression == ArrowCompression::kNone) body.Reserve(bytes);
   for (std::size_t i = 0; i < fields.size(); ++i) {
     const Column& column = batch.columns[i];
     nodes.emplace_back(static_cast<std::int64_t>(batch.cases), column.missing);
@@ -188,8 +186,9 @@ ArrowMessage ArrowBatchMessage(const std::vector<ColumnField>& fields, const Col
                                              nodeList, places, codec);
   builder.Finish(ipc::CreateMessage(builder, ipc::MetadataVersion_V5,
                                     ipc::MessageHeader_RecordBatch, record.Union(),
-                                    static_cast<std::int64_t>(body.body().size())));
-  return {Framed(builder), std::move(body.body())};
+                                    message.bodyBytes));
+  message.description = Framed(builder);
+  return message;
 }
 
 }  // namespace library

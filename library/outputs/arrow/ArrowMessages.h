@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "library/columns/ArrowExport.h"
@@ -20,7 +22,10 @@ inline constexpr std::size_t kArrowAlignment = 64;
 // what it describes.
 struct ArrowMessage {
   std::string description;
-  std::string body;
+  // The body's pieces one behind the other: memory of the batch, or of `compressed`.
+  std::vector<std::string_view> body;
+  std::int64_t bodyBytes = 0;
+  std::deque<std::string> compressed;
 };
 
 // The schema in a message of its own; it has no body.
@@ -30,7 +35,7 @@ std::string ArrowSchemaMessage(const std::vector<ColumnField>& fields,
 flatbuffers::Offset<arrowipc::Schema> BuildArrowSchema(flatbuffers::FlatBufferBuilder& builder,
                                                        const std::vector<ColumnField>& fields,
                                                        const ArrowMetadata& metadata);
-// Any thread. Throws std::bad_alloc.
+// The batch outlives the message. Any thread. Throws std::bad_alloc.
 ArrowMessage ArrowBatchMessage(const std::vector<ColumnField>& fields, const ColumnBatch& batch,
                                ArrowCompression compression);
 

@@ -47,16 +47,18 @@ struct FreeContext {
   void operator()(ZSTD_CCtx* context) const { ZSTD_freeCCtx(context); }
 };
 
-// A page or a dictionary, compressed.
-std::string Compress(std::string_view bytes) {
+// A page or a dictionary, compressed; good until the thread's next call.
+std::string_view Compress(std::string_view bytes) {
   thread_local const std::unique_ptr<ZSTD_CCtx, FreeContext> context(ZSTD_createCCtx());
   if (!context) throw std::bad_alloc();
-  std::string out(ZSTD_compressBound(bytes.size()), '\0');
-  const std::size_t size = ZSTD_compressCCtx(context.get(), out.data(), out.size(), bytes.data(),
+  thread_local Buffer out;
+  const std::size_t room = ZSTD_compressBound(bytes.size());
+  out.clear();
+  out.Reserve(room);
+  const std::size_t size = ZSTD_compressCCtx(context.get(), out.data(), room, bytes.data(),
                                              bytes.size(), kCompressionLevel);
   if (ZSTD_isError(size) != 0) throw std::bad_alloc();
-  out.resize(size);
-  return out;
+  return {out.As<char>(), size};
 }
 
 void AppendVarint(std::string& out, std::uint64_t value) {
@@ -118,6 +120,7 @@ void AppendPlaces(std::string& out, const std::uint32_t* places, std::size_t cou
 
 template <class Stored, class Written>
 struct Numbers {
+  using Value = Stored;
   using Key = std::uint64_t;
   using Hash = HashBits;
   static Stored At(const Column& column, std::size_t row) {
@@ -130,6 +133,13 @@ struct Numbers {
       return static_cast<std::uint64_t>(static_cast<std::int64_t>(At(column, row)));
     }
   }
+  static Stored ValueOf(Key key) {
+    if constexpr (std::is_same_v<Stored, double>) {
+      return std::bit_cast<double>(key);
+    } else {
+      return static_cast<Stored>(static_cast<std::int64_t>(key));
+    }
+  }
   static std::size_t KeyBytes(Key) { return sizeof(Written); }
   static void AppendKey(std::string& out, Key key) {
     if constexpr (std::is_same_v<Stored, double>) {
@@ -139,6 +149,7 @@ struct Numbers {
     }
   }
   static void AppendPresent(std::string& out, const Column& column, std::size_t cases) {
+    out.reserve(out.size() + cases * sizeof(Written));
     if constexpr (std::is_same_v<Stored, Written>) {
       if (column.missing == 0) {
         out.append(column.values.As<char>(), cases * sizeof(Stored));
@@ -153,12 +164,15 @@ struct Numbers {
 
 template <class Offset>
 struct Texts {
+  using Value = std::string_view;
   using Key = std::string_view;
   using Hash = HashText;
   static Key KeyOf(const Column& column, std::size_t row) {
     const Offset* const offsets = column.values.As<Offset>() + row;
     return {column.text.As<char>() + offsets[0], static_cast<std::size_t>(offsets[1] - offsets[0])};
   }
+  static Key At(const Column& column, std::size_t row) { return KeyOf(column, row); }
+  static Key ValueOf(Key key) { return key; }
   static std::size_t KeyBytes(Key key) { return sizeof(std::uint32_t) + key.size(); }
   static void AppendKey(std::string& out, Key key) {
     AppendNumber(out, static_cast<std::uint32_t>(key.size()));
@@ -174,9 +188,32 @@ struct Texts {
 template <class Values>
 class Bounds {
  public:
+  void AddMissing(std::int64_t missing) { missing_ += missing; }
   void Add(const Column& column, std::size_t cases) {
-    missing_ += column.missing;
-    ForEachPresent(column, cases, [&](std::size_t row) { Take(column, row); });
+    if (static_cast<std::size_t>(column.missing) == cases) return;
+    if (column.missing != 0) {
+      ForEachPresent(column, cases, [&](std::size_t row) { Add(Values::At(column, row)); });
+      return;
+    }
+    Add(Values::At(column, 0));
+    Value least = *least_;
+    Value largest = *largest_;
+    for (std::size_t row = 0; row < cases; ++row) {
+      const Value value = Values::At(column, row);
+      least = value < least ? value : least;
+      largest = largest < value ? value : largest;
+    }
+    least_ = least;
+    largest_ = largest;
+  }
+  void Add(typename Values::Value value) {
+    if (!least_) {
+      least_ = largest_ = value;
+    } else if (value < *least_) {
+      least_ = value;
+    } else if (*largest_ < value) {
+      largest_ = value;
+    }
   }
   format::Statistics Describe() const {
     format::Statistics statistics;
@@ -201,14 +238,7 @@ class Bounds {
   }
 
  private:
-  static auto ValueAt(const Column& column, std::size_t row) {
-    if constexpr (std::is_same_v<typename Values::Key, std::string_view>) {
-      return Values::KeyOf(column, row);
-    } else {
-      return Values::At(column, row);
-    }
-  }
-  using Value = decltype(ValueAt(std::declval<const Column&>(), 0));
+  using Value = typename Values::Value;
 
   template <class Number>
   static std::string Bytes(Number value) {
@@ -220,16 +250,6 @@ class Bounds {
       Values::AppendKey(out, static_cast<std::uint64_t>(static_cast<std::int64_t>(value)));
     }
     return out;
-  }
-  void Take(const Column& column, std::size_t row) {
-    const Value value = ValueAt(column, row);
-    if (!least_) {
-      least_ = largest_ = value;
-    } else if (value < *least_) {
-      least_ = value;
-    } else if (*largest_ < value) {
-      largest_ = value;
-    }
   }
 
   std::optional<Value> least_;
@@ -246,15 +266,21 @@ class ChunkEncoder {
   void Encode(ParquetChunk& chunk) {
     Bounds<Values> bounds;
     std::int64_t cases = 0;
+    const bool repeats = FillDictionary();
     for (const ColumnBatch& batch : batches_) {
-      bounds.Add(batch.columns[number_], batch.cases);
+      const Column& column = batch.columns[number_];
+      bounds.AddMissing(column.missing);
+      if (!repeats) bounds.Add(column, batch.cases);
       cases += static_cast<std::int64_t>(batch.cases);
+    }
+    if (repeats) {
+      // They are all values.
+      for (const auto& key : dictionary_.values()) bounds.Add(Values::ValueOf(key));
     }
     format::ColumnMetaData& description = chunk.description;
     description.__set_statistics(bounds.Describe());
     description.num_values = cases;
     description.codec = format::CompressionCodec::ZSTD;
-    const bool repeats = FillDictionary();
     description.encodings = {format::Encoding::RLE, format::Encoding::PLAIN};
     if (repeats) {
       description.encodings.push_back(format::Encoding::RLE_DICTIONARY);
@@ -332,7 +358,7 @@ class ChunkEncoder {
   }
 
   void AppendPage(format::PageHeader front, const std::string& page, ParquetChunk& chunk) {
-    const std::string compressed = Compress(page);
+    const std::string_view compressed = Compress(page);
     front.uncompressed_page_size = static_cast<std::int32_t>(page.size());
     front.compressed_page_size = static_cast<std::int32_t>(compressed.size());
     const auto memory = std::make_shared<apache::thrift::transport::TMemoryBuffer>();
