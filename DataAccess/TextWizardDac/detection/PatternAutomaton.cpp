@@ -4,6 +4,7 @@
 #include <bit>
 #include <bitset>
 #include <map>
+#include <unordered_map>
 
 #include <unicode/uchar.h>
 
@@ -22,17 +23,22 @@ using StateSet = std::vector<std::uint32_t>;
 constexpr std::size_t kBlockSize = 64;
 constexpr std::size_t kTwoByteBlocks = 0x800 / kBlockSize;
 constexpr std::size_t kThreeByteBlocks = 0x10000 / kBlockSize;
+constexpr UChar32 kLastControl = 0x9F;
 
 // The blocks of at most three bytes with a digit or a space among them, by the library that decides
 // about the patterns.
 const std::bitset<kThreeByteBlocks>& DigitAndSpaceBlocks() {
   static const auto known = [] {
     std::bitset<kThreeByteBlocks> blocks;
+    const auto note = [&blocks](UChar32 c) {
+      blocks.set(static_cast<std::size_t>(c) / kBlockSize);
+    };
+    // Spaces that are no separators are control characters.
+    for (UChar32 c = 0; c <= kLastControl; ++c) {
+      if (u_isUWhiteSpace(c) || u_isspace(c)) note(c);
+    }
     for (UChar32 c = 0; c < static_cast<UChar32>(kThreeByteBlocks * kBlockSize); ++c) {
-      const bool separates = (U_GET_GC_MASK(c) & U_GC_Z_MASK) != 0;
-      if (u_isdigit(c) || u_isUWhiteSpace(c) || u_isspace(c) || separates) {
-        blocks.set(static_cast<std::size_t>(c) / kBlockSize);
-      }
+      if ((U_GET_GC_MASK(c) & (U_GC_ND_MASK | U_GC_Z_MASK)) != 0) note(c);
     }
     return blocks;
   }();
@@ -74,10 +80,13 @@ struct PatternAutomaton::Construction {
     starts.push_back(base);
   }
 
-  // The states that `seeds` stand for, of those that matter: with a character or accepting.
-  StateSet Closure(StateSet seeds) {
+  // The states that `seed` stands for, of those that matter: with a character or accepting.
+  const StateSet& Closure(std::uint32_t seed) {
+    const auto [place, isNew] = closures.try_emplace(seed);
+    StateSet& closed = place->second;
+    if (!isNew) return closed;
+    StateSet seeds = {seed};
     reached.assign(states.size(), false);
-    StateSet closed;
     while (!seeds.empty()) {
       const std::uint32_t state = seeds.back();
       seeds.pop_back();
@@ -91,17 +100,31 @@ struct PatternAutomaton::Construction {
     return closed;
   }
 
+  StateSet Closure(const StateSet& seeds) {
+    if (seeds.size() == 1) return Closure(seeds.front());
+    StateSet all;
+    for (const std::uint32_t seed : seeds) {
+      const StateSet& closed = Closure(seed);
+      all.insert(all.end(), closed.begin(), closed.end());
+    }
+    std::sort(all.begin(), all.end());
+    all.erase(std::unique(all.begin(), all.end()), all.end());
+    return all;
+  }
+
   StateSet Step(const StateSet& from, std::size_t character) {
     StateSet seeds;
     for (const std::uint32_t state : from) {
       if (states[state].characters.test(character)) seeds.push_back(states[state].next);
     }
-    return Closure(std::move(seeds));
+    return Closure(seeds);
   }
 
   std::vector<State> states;
   StateSet starts;
   std::vector<bool> reached;
+  // Of single states: the same few are met again and again.
+  std::unordered_map<std::uint32_t, StateSet> closures;
 };
 
 // Characters that every edge treats alike share a class.
@@ -111,12 +134,15 @@ void PatternAutomaton::SetClasses(const Construction& construction) {
   for (const Construction::State& state : construction.states) {
     if (state.characters.none()) continue;
     // Splits every class into the characters that the edge takes and those that it does not.
-    std::map<std::pair<std::uint8_t, bool>, std::uint8_t> split;
+    constexpr std::uint8_t kNoClass = 0xFF;
+    std::array<std::uint8_t, 2 * kAsciiCount> split;
+    split.fill(kNoClass);
+    count = 0;
     for (std::size_t c = 0; c < kAsciiCount; ++c) {
-      const auto key = std::make_pair(classOf[c], state.characters.test(c));
-      classOf[c] = split.emplace(key, static_cast<std::uint8_t>(split.size())).first->second;
+      std::uint8_t& part = split[std::size_t{2} * classOf[c] + state.characters.test(c)];
+      if (part == kNoClass) part = static_cast<std::uint8_t>(count++);
+      classOf[c] = part;
     }
-    count = split.size();
   }
   for (std::size_t c = 0; c < kAsciiCount; ++c) {
     classOf_[c] = static_cast<std::uint8_t>(classOf[c] + kWideClasses);
