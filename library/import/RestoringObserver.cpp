@@ -1,14 +1,10 @@
 #include "library/import/RestoringObserver.h"
 
-#include <utility>
-
 namespace library {
 
 RestoringObserver::RestoringObserver(ImportObserver* observer, const ShownFile& file,
                                      bool keepStrayQualifiers)
-    : observer_(observer != nullptr ? *observer : none_),
-      file_(file),
-      keepStrayQualifiers_(keepStrayQualifiers) {
+    : ForwardingObserver(observer), file_(file), keepStrayQualifiers_(keepStrayQualifiers) {
   if (file.standIns() != nullptr) texts_.emplace(*file.standIns());
 }
 
@@ -16,18 +12,8 @@ void RestoringObserver::SetSource(const QANT_DataSource& source) {
   if (file_.standIns() != nullptr) cases_.emplace(*file_.standIns(), source);
 }
 
-bool RestoringObserver::WantsProblems() const { return observer_.WantsProblems(); }
-std::int64_t RestoringObserver::ProblemLimit() const { return observer_.ProblemLimit(); }
-bool RestoringObserver::WantsProblemCases() const { return observer_.WantsProblemCases(); }
-bool RestoringObserver::WantsCellsPerCase() const { return observer_.WantsCellsPerCase(); }
-bool RestoringObserver::WantsEvidence() const { return observer_.WantsEvidence(); }
-bool RestoringObserver::WantsBatches() const { return observer_.WantsBatches(); }
-bool RestoringObserver::ReadsOnOneThread() const { return observer_.ReadsOnOneThread(); }
-const std::vector<std::string>& RestoringObserver::NullTexts() const {
-  return observer_.NullTexts();
-}
 bool RestoringObserver::KeepsStrayQualifiers() const {
-  return keepStrayQualifiers_ || observer_.KeepsStrayQualifiers();
+  return keepStrayQualifiers_ || observer().KeepsStrayQualifiers();
 }
 
 void RestoringObserver::Restore(ImportWitness* witness) {
@@ -45,17 +31,15 @@ void RestoringObserver::OnEvidence(std::size_t variable, const ImportEvidence& e
         &restored.longest}) {
     Restore(witness);
   }
-  observer_.OnEvidence(variable, restored);
+  observer().OnEvidence(variable, restored);
 }
-
-void RestoringObserver::OnPassBegin() { observer_.OnPassBegin(); }
 
 void RestoringObserver::OnProblem(const ImportProblem& problem) {
   ImportProblem restored = problem;
   restored.line = file_.PhysicalLine(problem.line, problem.byte);
   restored.byte = file_.FileOffset(problem.byte);
   if (texts_) restored.text = texts_->Restore(problem.text, room_);
-  observer_.OnProblem(restored);
+  observer().OnProblem(restored);
 }
 
 void RestoringObserver::OnProblemCase(const ImportCaseSpan& span) {
@@ -63,7 +47,7 @@ void RestoringObserver::OnProblemCase(const ImportCaseSpan& span) {
   restored.line = file_.PhysicalLine(span.line, span.begin);
   restored.begin = file_.FileOffset(span.begin);
   restored.end = file_.FileOffset(span.end);
-  observer_.OnProblemCase(restored);
+  observer().OnProblemCase(restored);
 }
 
 void RestoringObserver::OnSpan(const ImportSpan& span) {
@@ -71,19 +55,13 @@ void RestoringObserver::OnSpan(const ImportSpan& span) {
   if (span.kind == ImportSpan::kMark && file_.markBytes() > 0) return;
   ImportSpan restored = span;
   restored.offset = file_.FileOffset(span.offset);
-  observer_.OnSpan(restored);
-}
-
-void RestoringObserver::OnCells(const ImportCellCounts& cells) { observer_.OnCells(cells); }
-
-void RestoringObserver::OnProblemCounts(const ImportProblemCount* counts, std::size_t count) {
-  observer_.OnProblemCounts(counts, count);
+  observer().OnSpan(restored);
 }
 
 void RestoringObserver::OnPassEnd(const ImportPassEnd& end) {
   ImportPassEnd restored = end;
   restored.bytes = file_.FileOffset(end.bytes);
-  observer_.OnPassEnd(restored);
+  observer().OnPassEnd(restored);
 }
 
 std::unique_ptr<ImportBatchProduct> RestoringObserver::MakeProduct(const OBS* cases,
@@ -91,12 +69,7 @@ std::unique_ptr<ImportBatchProduct> RestoringObserver::MakeProduct(const OBS* ca
                                                                    std::int64_t firstCase) {
   // The cases are where the engine made them, and nobody reads them before this returns.
   if (cases_) cases_->Restore(const_cast<OBS*>(cases), count);
-  return observer_.MakeProduct(cases, count, firstCase);
-}
-
-void RestoringObserver::OnProduct(std::unique_ptr<ImportBatchProduct> product, const OBS* cases,
-                                  std::size_t count, std::int64_t firstCase) {
-  observer_.OnProduct(std::move(product), cases, count, firstCase);
+  return observer().MakeProduct(cases, count, firstCase);
 }
 
 }  // namespace library

@@ -5,17 +5,16 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
-#include "HostFramework/ImportObserver.h"
 #include "library/import/ShownFile.h"
 #include "library/import/StandIns.h"
+#include "library/report/ForwardingObserver.h"
 
 namespace library {
 
 // Stands between the component and the host's observer: lines and offsets are those of the file,
 // texts and the strings of cases are its own. Threads as those of ImportObserver.
-class RestoringObserver final : public ImportObserver {
+class RestoringObserver final : public ForwardingObserver {
  public:
   // `observer` may be null. Both outlive this object.
   RestoringObserver(ImportObserver* observer, const ShownFile& file, bool keepStrayQualifiers);
@@ -27,34 +26,19 @@ class RestoringObserver final : public ImportObserver {
     if (cases_) cases_->Restore(obs, 1);
   }
 
-  bool WantsProblems() const override;
-  std::int64_t ProblemLimit() const override;
-  bool WantsProblemCases() const override;
-  bool WantsCellsPerCase() const override;
-  bool WantsEvidence() const override;
-  bool WantsBatches() const override;
-  bool ReadsOnOneThread() const override;
-  const std::vector<std::string>& NullTexts() const override;
   bool KeepsStrayQualifiers() const override;
 
   void OnEvidence(std::size_t variable, const ImportEvidence& evidence) override;
-  void OnPassBegin() override;
   void OnProblem(const ImportProblem& problem) override;
   void OnProblemCase(const ImportCaseSpan& span) override;
   void OnSpan(const ImportSpan& span) override;
-  void OnCells(const ImportCellCounts& cells) override;
-  void OnProblemCounts(const ImportProblemCount* counts, std::size_t count) override;
   void OnPassEnd(const ImportPassEnd& end) override;
   std::unique_ptr<ImportBatchProduct> MakeProduct(const OBS* cases, std::size_t count,
                                                   std::int64_t firstCase) override;
-  void OnProduct(std::unique_ptr<ImportBatchProduct> product, const OBS* cases, std::size_t count,
-                 std::int64_t firstCase) override;
 
  private:
   void Restore(ImportWitness* witness);
 
-  ImportObserver none_;
-  ImportObserver& observer_;
   const ShownFile& file_;
   const bool keepStrayQualifiers_;
   // Where characters were replaced.

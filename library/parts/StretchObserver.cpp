@@ -38,33 +38,29 @@ void StretchObserver::EndWithoutPass() {
 }
 
 std::int64_t StretchObserver::ProblemLimit() const {
-  return std::max<std::int64_t>(observer_.ProblemLimit() - toldProblems_, 0);
-}
-
-void StretchObserver::OnEvidence(std::size_t variable, const ImportEvidence& evidence) {
-  observer_.OnEvidence(variable, evidence);
+  return std::max<std::int64_t>(observer().ProblemLimit() - toldProblems_, 0);
 }
 
 void StretchObserver::OnPassBegin() {
-  if (!std::exchange(begun_, true)) observer_.OnPassBegin();
+  if (!std::exchange(begun_, true)) observer().OnPassBegin();
 }
 
 void StretchObserver::OnProblem(const ImportProblem& problem) {
   // The first of its kind in the stretch is told whatever the limit.
   const std::size_t code = CodeOf(problem.kind, problem.variable);
-  if (toldProblems_ >= observer_.ProblemLimit() && told_[code]) return;
+  if (toldProblems_ >= observer().ProblemLimit() && told_[code]) return;
   told_[code] = true;
   ++toldProblems_;
   ImportProblem shifted = problem;
   shifted.caseNumber = CaseShift(problem.caseNumber);
   shifted.line += lineShift();
   shifted.byte += byteShift();
-  observer_.OnProblem(shifted);
+  observer().OnProblem(shifted);
 }
 
 void StretchObserver::OnProblemCase(const ImportCaseSpan& span) {
-  observer_.OnProblemCase({CaseShift(span.caseNumber), span.line + lineShift(),
-                           span.begin + byteShift(), span.end + byteShift()});
+  observer().OnProblemCase({CaseShift(span.caseNumber), span.line + lineShift(),
+                            span.begin + byteShift(), span.end + byteShift()});
 }
 
 void StretchObserver::OnSpan(const ImportSpan& span) {
@@ -91,13 +87,13 @@ void StretchObserver::AddSpan(const ImportSpan& span) {
 }
 
 void StretchObserver::TellSpan() {
-  if (span_.bytes > 0) observer_.OnSpan(span_);
+  if (span_.bytes > 0) observer().OnSpan(span_);
   span_ = {};
 }
 
 void StretchObserver::OnCells(const ImportCellCounts& cells) {
-  if (observer_.WantsCellsPerCase()) {
-    observer_.OnCells(cells);
+  if (observer().WantsCellsPerCase()) {
+    observer().OnCells(cells);
     return;
   }
   cells_.read += cells.read;
@@ -134,24 +130,24 @@ void StretchObserver::End() {
     AddSpan({ImportSpan::kUnread, offset_, whole_.end - offset_, 0, 0, 0});
   }
   TellSpan();
-  if (!observer_.WantsCellsPerCase()) observer_.OnCells(cells_);
+  if (!observer().WantsCellsPerCase()) observer().OnCells(cells_);
   // In place: there need not be memory when an iterator is destroyed.
   std::erase_if(counts_, [](const ImportProblemCount& count) { return count.count == 0; });
-  observer_.OnProblemCounts(counts_.data(), counts_.size());
+  observer().OnProblemCounts(counts_.data(), counts_.size());
   end_.bytes = whole_.end - whole_.begin;
   end_.textsBeyondColumn = fixedColumns_ ? &textsBeyondColumn_ : nullptr;
-  observer_.OnPassEnd(end_);
+  observer().OnPassEnd(end_);
 }
 
 std::unique_ptr<ImportBatchProduct> StretchObserver::MakeProduct(const OBS* cases,
                                                                  std::size_t count,
                                                                  std::int64_t firstCase) {
-  return observer_.MakeProduct(cases, count, firstCase + pass_.stretch.cases);
+  return observer().MakeProduct(cases, count, firstCase + pass_.stretch.cases);
 }
 
 void StretchObserver::OnProduct(std::unique_ptr<ImportBatchProduct> product, const OBS* cases,
                                 std::size_t count, std::int64_t firstCase) {
-  observer_.OnProduct(std::move(product), cases, count, firstCase + pass_.stretch.cases);
+  observer().OnProduct(std::move(product), cases, count, firstCase + pass_.stretch.cases);
 }
 
 }  // namespace library

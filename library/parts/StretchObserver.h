@@ -4,23 +4,20 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
 #include <vector>
 
-#include "HostFramework/ImportObserver.h"
 #include "library/parts/Stretch.h"
+#include "library/report/ForwardingObserver.h"
 
 namespace library {
 
 // Stands between the component and the host's observer. Several passes, one for each stretch and in
 // their order, are one to the host: cases, lines and offsets are those of the file, counts are of
 // all stretches. Threads as those of ImportObserver.
-class StretchObserver final : public ImportObserver {
+class StretchObserver final : public ForwardingObserver {
  public:
   // `observer` may be null; it outlives this object.
-  explicit StretchObserver(ImportObserver* observer)
-      : observer_(observer != nullptr ? *observer : none_) {}
+  explicit StretchObserver(ImportObserver* observer) : ForwardingObserver(observer) {}
 
   // Before the first pass: what of the file is told, from `begin` to `end`, and the variables of
   // the source.
@@ -46,17 +43,8 @@ class StretchObserver final : public ImportObserver {
   // Whether the pass that ended was complete, so that the next one may begin.
   bool complete() const { return complete_; }
 
-  bool WantsProblems() const override { return observer_.WantsProblems(); }
   std::int64_t ProblemLimit() const override;
-  bool WantsProblemCases() const override { return observer_.WantsProblemCases(); }
-  bool WantsCellsPerCase() const override { return observer_.WantsCellsPerCase(); }
-  bool WantsEvidence() const override { return observer_.WantsEvidence(); }
-  bool WantsBatches() const override { return observer_.WantsBatches(); }
-  bool ReadsOnOneThread() const override { return observer_.ReadsOnOneThread(); }
-  const std::vector<std::string>& NullTexts() const override { return observer_.NullTexts(); }
-  bool KeepsStrayQualifiers() const override { return observer_.KeepsStrayQualifiers(); }
 
-  void OnEvidence(std::size_t variable, const ImportEvidence& evidence) override;
   void OnPassBegin() override;
   void OnProblem(const ImportProblem& problem) override;
   void OnProblemCase(const ImportCaseSpan& span) override;
@@ -84,8 +72,6 @@ class StretchObserver final : public ImportObserver {
   void TellSpan();
   void End();
 
-  ImportObserver none_;
-  ImportObserver& observer_;
   Whole whole_;
   Pass pass_;
   bool begun_ = false;
