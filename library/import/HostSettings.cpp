@@ -1,7 +1,6 @@
 #include "library/import/HostSettings.h"
 
-#include <mutex>
-
+#include "HostFramework/Threads.h"
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/text/HostText.h"
 
@@ -9,11 +8,10 @@ namespace library {
 namespace {
 
 struct UsedHost {
-  std::mutex mutex;
-  // Guarded by the mutex.
-  int uses = 0;
-  bool isAlone = false;  // the one use is alone
-  HostSettings settings;
+  sfMutex mutex;
+  int uses SF_GUARDED_BY(mutex) = 0;
+  bool isAlone SF_GUARDED_BY(mutex) = false;  // the one use is alone
+  HostSettings settings SF_GUARDED_BY(mutex);
 };
 
 UsedHost& TheHost() {
@@ -47,7 +45,7 @@ bool SetHost(const HostSettings& settings, HostSetting* wrong, std::string* erro
 std::unique_ptr<HostUse> HostUse::Take(const HostSettings& settings, bool alone,
                                        std::string* error) {
   UsedHost& host = TheHost();
-  const std::lock_guard guard(host.mutex);
+  const sfGuard guard(host.mutex);
   error->clear();
   const bool free = host.uses == 0;
   if (!free && (alone || host.isAlone || !(host.settings == settings))) return nullptr;
@@ -68,7 +66,7 @@ std::unique_ptr<HostUse> HostUse::ShareUtf8() {
   HostSettings settings;
   {
     UsedHost& host = TheHost();
-    const std::lock_guard guard(host.mutex);
+    const sfGuard guard(host.mutex);
     if (host.uses > 0) settings = host.settings;
   }
   settings.codePage.clear();
@@ -83,14 +81,14 @@ std::unique_ptr<HostUse> HostUse::Alone() {
 
 void HostUse::NowShared(const HostSettings& settings) {
   UsedHost& host = TheHost();
-  const std::lock_guard guard(host.mutex);
+  const sfGuard guard(host.mutex);
   alone_ = host.isAlone = false;
   host.settings = settings;
 }
 
 HostUse::~HostUse() {
   UsedHost& host = TheHost();
-  const std::lock_guard guard(host.mutex);
+  const sfGuard guard(host.mutex);
   --host.uses;
   if (alone_) host.isAlone = false;
 }

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 
+#include "HostFramework/Threads.h"
 #include "HostFramework/embedded/data/StreamDevice.h"
 #include "library/parts/Stretch.h"
 
@@ -36,17 +36,17 @@ class StretchView {
 
   // Copies of streams that are made from now on show this.
   void Show(const Shown& shown) {
-    const std::lock_guard<std::mutex> guard(mutex_);
+    const sfGuard guard(mutex_);
     shown_ = shown;
   }
   Shown shown() const {
-    const std::lock_guard<std::mutex> guard(mutex_);
+    const sfGuard guard(mutex_);
     return shown_;
   }
 
  private:
-  mutable std::mutex mutex_;
-  Shown shown_;
+  mutable sfMutex mutex_;
+  Shown shown_ SF_GUARDED_BY(mutex_);
 };
 
 // A stream on it shows all of the file; the copies of that stream show what `view` says when they
