@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/Formats.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/columns/ColumnBatch.h"
 
 namespace library {
@@ -171,8 +171,7 @@ std::vector<OBS> TextCases(const std::vector<std::string>& texts, std::size_t by
 // The host works in UTF-8.
 class ColumnBuilderText : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(embedded::SetCodePage("UTF-8")); }
-  void TearDown() override { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{"UTF-8"};
 };
 
 TEST_F(ColumnBuilderText, StringsLoseTheirPaddingAndNothingElse) {

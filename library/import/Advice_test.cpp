@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/import/CommandImport.h"
 #include "library/testing/TestFolder.h"
 
@@ -14,7 +14,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 std::string DelimiterAdviceOn(const std::string& delimiters) {
-  EXPECT_TRUE(embedded::SetCodePage(nullptr));
+  const embedded::InCodePage host(nullptr);
   const std::string text =
       "GET DATA /TYPE=TXT /FILE='a' /DELIMITERS=" + delimiters + " /VARIABLES=x F8.";
   embedded::CommandReader reader(text);
@@ -42,8 +42,7 @@ TEST(DelimiterAdvice, IsSilentWhereTheTextMeansWhatItSays) {
 
 class NoCases : public testing::Test, private ImportMessages, private CaseReceiver {
  protected:
-  NoCases() { embedded::SetCodePage(nullptr); }
-  ~NoCases() override { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
   void Post(std::string_view hostText, int kind) override {
     EXPECT_NE(kind, kMessageError) << hostText;
   }

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/import/CommandImport.h"
 #include "library/testing/TestFolder.h"
 
@@ -15,8 +15,7 @@ using testing::IsEmpty;
 
 class ColumnEdges : public testing::Test, public ImportMessages, public CaseReceiver {
  protected:
-  ColumnEdges() { embedded::SetCodePage(nullptr); }
-  ~ColumnEdges() override { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
   void Post(std::string_view hostText, int kind) override {
     EXPECT_NE(kind, kMessageError) << hostText;
   }
@@ -72,12 +71,13 @@ TEST_F(ColumnEdges, InTheLineOfTheCaseThatHasTheColumn) {
 
 TEST_F(ColumnEdges, OfTextThatIsConverted) {
   // Latin-1 becomes UTF-8: the columns are those of the UTF-8 text.
-  ASSERT_TRUE(embedded::SetLocaleCodePage("ISO-8859-1"));
-  EXPECT_THAT(OfEdges("ab\xFC"
-                      "cde\n",
-                      "/ENCODING=LOCALE /VARIABLES=a 0-2 A3"),
-              HasSubstr("inside the character \u00FC"));
-  ASSERT_TRUE(embedded::SetLocaleCodePage(nullptr));
+  {
+    const embedded::InCodePage locale(nullptr, "ISO-8859-1");
+    EXPECT_THAT(OfEdges("ab\xFC"
+                        "cde\n",
+                        "/ENCODING=LOCALE /VARIABLES=a 0-2 A3"),
+                HasSubstr("inside the character \u00FC"));
+  }
   EXPECT_THAT(OfEdges(std::string("\xFF\xFE"
                                   "a\0b\0\xFC\0",
                                   8),
@@ -86,7 +86,7 @@ TEST_F(ColumnEdges, OfTextThatIsConverted) {
 }
 
 TEST_F(ColumnEdges, InACodePage) {
-  ASSERT_TRUE(embedded::SetCodePage("Shift_JIS"));
+  const embedded::InCodePage page("Shift_JIS");
   EXPECT_THAT(OfEdges("ab\x83\x41"
                       "cd\n",
                       "/VARIABLES=a 0-2 A3"),
@@ -95,7 +95,10 @@ TEST_F(ColumnEdges, InACodePage) {
                       "cd\n",
                       "/VARIABLES=a 0-1 A2 b 2-3 A2"),
               IsEmpty());
-  ASSERT_TRUE(embedded::SetCodePage("ISO-8859-1"));
+}
+
+TEST_F(ColumnEdges, InACodePageOfSingleBytes) {
+  const embedded::InCodePage page("ISO-8859-1");
   EXPECT_THAT(OfEdges("ab\xFC"
                       "cde\n",
                       "/VARIABLES=a 0-2 A3"),

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/import/ColumnCounters.h"
 #include "library/import/testing/Evidence.h"
 
@@ -45,7 +45,7 @@ std::string Show(const std::vector<ColumnEvidence>& columns) {
 
 class ColumnEvidenceTest : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(embedded::SetCodePage(nullptr)); }
+  const embedded::InCodePage inUtf8_{nullptr};
 };
 
 TEST_F(ColumnEvidenceTest, EmptyAndNullTextsCountAsNothing) {

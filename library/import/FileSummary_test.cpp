@@ -6,7 +6,7 @@
 
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/messages/Attention.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/import/RewritingDevice.h"
 #include "library/report/ImportWatch.h"
 
@@ -38,7 +38,7 @@ PartSummary Summarize(const std::string& data, const FileSummarySettings& settin
 
 class FileSummaryTest : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(embedded::SetCodePage(nullptr)); }
+  const embedded::InCodePage inUtf8_{nullptr};
 };
 
 TEST_F(FileSummaryTest, CountsLinesRecordsAndColumns) {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace library {
 namespace {
@@ -193,14 +193,13 @@ TEST(QuoteRewriter, ALineEndOfTheOtherOrderEndsTheRecordEvenInQuotes) {
 }
 
 TEST(QuoteRewriter, SecondBytesThatLookLikeDelimiters) {
-  ASSERT_TRUE(embedded::SetCodePage("Shift_JIS"));
+  const embedded::InCodePage page("Shift_JIS");
   QuoteRules rules = Rules({true, true, true}, {"|"});
   rules.page = embedded::CodePage::Find("Shift_JIS");
   ASSERT_NE(rules.page, nullptr);
   // 83 7C and 83 5C are characters of two bytes.
   EXPECT_EQ(Rewritten("\x83|\"a\nb\"|\"\x83\\\"\n|\"\x83|\nc\"\n", rules),
             "\x83|\"a\nb\"|\"\x83\\\"\n|\"\x83|Nc\"\n");
-  ASSERT_TRUE(embedded::SetCodePage(nullptr));
 }
 
 // --- The rules of a command
@@ -215,7 +214,7 @@ textwizard::ImportSettings Settings() {
 }
 
 TEST(QuoteRules, AreThoseOfTheCommandAndTheMark) {
-  ASSERT_TRUE(embedded::SetCodePage(nullptr));
+  const embedded::InCodePage host(nullptr);
   QuoteRules rules;
   std::string problem;
   ASSERT_TRUE(
@@ -238,8 +237,7 @@ TEST(QuoteRules, AreThoseOfTheCommandAndTheMark) {
 }
 
 TEST(QuoteRules, DelimitersAreInTheEncodingOfTheFile) {
-  ASSERT_TRUE(embedded::SetCodePage(nullptr));
-  ASSERT_TRUE(embedded::SetLocaleCodePage("windows-1252"));
+  const embedded::InCodePage locale(nullptr, "windows-1252");
   textwizard::ImportSettings settings = Settings();
   settings.delimiters = "\xC2\xA7,";
   settings.encoding = textwizard::kEncodingLocale;
@@ -250,11 +248,10 @@ TEST(QuoteRules, DelimitersAreInTheEncodingOfTheFile) {
   settings.encoding = textwizard::kEncodingUtf8;
   ASSERT_TRUE(MakeQuoteRules(settings, textwizard::ByteOrderMark::kNone, kJoin, &rules, &problem));
   EXPECT_EQ(rules.delimiters, (std::vector<std::string>{"\xC2\xA7", ","}));
-  ASSERT_TRUE(embedded::SetLocaleCodePage(nullptr));
 }
 
 TEST(QuoteRules, AreNotToBeHadWithoutAnAsciiQualifier) {
-  ASSERT_TRUE(embedded::SetCodePage(nullptr));
+  const embedded::InCodePage host(nullptr);
   QuoteRules rules;
   std::string problem;
   textwizard::ImportSettings settings = Settings();

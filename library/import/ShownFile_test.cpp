@@ -4,7 +4,7 @@
 
 #include "HostFramework/FileStream.h"
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/import/RestoringObserver.h"
 
 namespace library {
@@ -41,7 +41,7 @@ std::string Wide(const std::string& text) {
 
 class ShownFileTest : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(embedded::SetCodePage(nullptr)); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   std::unique_ptr<ShownFile> Show(const ShownFile::Settings& settings) {
     problem_.clear();

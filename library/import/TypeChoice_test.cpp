@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/import/testing/Evidence.h"
 
 namespace library {
@@ -31,7 +31,7 @@ std::string Name(const ChosenFormat& format) {
 }
 
 TypeChoice Choose(const std::vector<Column>& columns, const TypeSettings& settings = {}) {
-  EXPECT_TRUE(embedded::SetCodePage(nullptr));
+  const embedded::InCodePage host(nullptr);
   std::vector<ColumnEvidence> evidence;
   for (const Column& column : columns) evidence.push_back(EvidenceOf(column));
   return ChooseTypes(evidence, settings);

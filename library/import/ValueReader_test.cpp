@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/ValueInput.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "reading/ValueConverter.h"
 
 namespace library {
@@ -33,10 +33,8 @@ constexpr const char* kCommaNumber = "comma comma%";
 
 class ValueReaderTest : public testing::Test {
  protected:
-  void SetUp() override {
-    ASSERT_TRUE(embedded::SetCodePage(nullptr));
-    iocvsetdecchardot_();
-  }
+  const embedded::InCodePage inUtf8_{nullptr};
+  void SetUp() override { iocvsetdecchardot_(); }
 };
 
 TEST_F(ValueReaderTest, Numbers) {

@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/outputs/CaseBatch.h"
 #include "library/outputs/CasesFile.h"
 #include "library/testing/TestFolder.h"
@@ -98,7 +98,7 @@ std::string_view WithoutPadding(std::string_view text) {
 }
 
 TEST(CaseWriter, StringsOfAnyWidthAreWrittenByTheirRules) {
-  ASSERT_TRUE(embedded::SetCodePage(nullptr));
+  const embedded::InCodePage host(nullptr);
   std::mt19937_64 random(17);
   for (int round = 0; round < 4000; ++round) {
     TestSource source;
@@ -242,7 +242,7 @@ TEST(CaseWriter, WithoutVariablesEveryCaseIsStillThere) {
 }
 
 TEST(CaseWriter, BytesThatAreNotUtf8AreReplaced) {
-  ASSERT_TRUE(embedded::SetCodePage(nullptr));
+  const embedded::InCodePage host(nullptr);
   TestSource source;
   source.String("s", 8).String("t", 8);
   EXPECT_EQ(Written(CaseFormat::kCsv, source,
@@ -251,12 +251,11 @@ TEST(CaseWriter, BytesThatAreNotUtf8AreReplaced) {
 }
 
 TEST(CaseWriter, TextOfACodePageIsWrittenAsUtf8) {
-  ASSERT_TRUE(embedded::SetCodePage("windows-1252"));
+  const embedded::InCodePage page("windows-1252");
   TestSource source;
   source.String("na\xEFve", 8);
   const std::string text =
       Written(CaseFormat::kCsv, source, {TestCase(source).Set(0, "\x80 \xE9,")});
-  ASSERT_TRUE(embedded::SetCodePage(nullptr));
   EXPECT_EQ(text, "na\xC3\xAFve\n\"\xE2\x82\xAC \xC3\xA9,\"\n");
 }
 

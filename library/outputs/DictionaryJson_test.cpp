@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/outputs/OutputFile.h"
 #include "library/testing/TestFolder.h"
 #include "library/testing/TestSource.h"
@@ -12,7 +12,7 @@ namespace library {
 namespace {
 
 TEST(DictionaryJson, HasEveryKeyInItsOrder) {
-  ASSERT_TRUE(embedded::SetCodePage(nullptr));
+  const embedded::InCodePage host(nullptr);
   TestSource source;
   source.Number("id", 5, 8, 2).String("t\xC3\xA9", 20);
   source.SetFileSpec("/proc/self/fd/3");

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/parts/testing/PartFiles.h"
 #include "library/report/ImportWatch.h"
 #include "library/testing/TestFolder.h"
@@ -25,8 +25,7 @@ struct Understood {
 
 class BarePartsTest : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(embedded::SetCodePage(nullptr)); }
-  void TearDown() override { ASSERT_TRUE(embedded::SetCodePage(nullptr)); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   static BareImportSettings Settings() {
     BareImportSettings settings;

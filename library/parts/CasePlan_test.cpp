@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace library {
 namespace {
@@ -21,7 +21,7 @@ constexpr const char* kPath = "plan.txt";
 class ACasePlan : public testing::Test {
  protected:
   ACasePlan() { settings_.delimiters = ","; }
-  void SetUp() override { ASSERT_TRUE(embedded::SetCodePage(nullptr)); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   void Open(const std::string& bytes, std::shared_ptr<embedded::StreamFaults> faults = nullptr) {
     files_.reset();

@@ -9,7 +9,7 @@
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/import/CommandImport.h"
 #include "library/parts/testing/PartFiles.h"
 #include "library/report/Digest.h"
@@ -116,7 +116,7 @@ void ExpectSame(const Outcome& whole, const Outcome& cut, const std::string& wha
 
 class APartedReading : public testing::TestWithParam<PartFile> {
  protected:
-  void SetUp() override { ASSERT_TRUE(embedded::SetCodePage(nullptr)); }
+  const embedded::InCodePage inUtf8_{nullptr};
 };
 
 std::string NameOfFile(const testing::TestParamInfo<PartFile>& info) { return info.param.name; }

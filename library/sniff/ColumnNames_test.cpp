@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/Names.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace library {
 namespace {
@@ -17,7 +17,7 @@ using testing::ElementsAre;
 
 class ColumnNamesTest : public testing::Test {
  protected:
-  ColumnNamesTest() { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
 };
 
 TEST_F(ColumnNamesTest, WhatIsANameStays) {

@@ -8,14 +8,14 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace library {
 namespace {
 
 class DialectFinderTest : public testing::Test {
  protected:
-  DialectFinderTest() { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   DialectAnswer Find(std::string_view text, const SniffSettings& settings = {}) {
     text_ = text;

@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace library {
 namespace {
@@ -17,7 +17,7 @@ using testing::ElementsAre;
 
 class RecordCutterTest : public testing::Test {
  protected:
-  RecordCutterTest() { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   static Dialect Of(const char* delimiter, const char* qualifier = "\"") {
     Dialect dialect;

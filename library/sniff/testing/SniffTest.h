@@ -9,14 +9,14 @@
 #include <gtest/gtest.h>
 #include <unicode/unistr.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/sniff/Sniffer.h"
 
 namespace library {
 
 class SniffTest : public testing::Test {
  protected:
-  SniffTest() { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   static SniffResult Sniffed(std::string_view bytes, const SniffSettings& settings = {}) {
     MemorySource source(bytes, true);
