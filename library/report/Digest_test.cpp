@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/report/testing/ReportTesting.h"
 
 namespace library {
@@ -16,8 +16,7 @@ namespace {
 
 class DigestTest : public testing::Test {
  protected:
-  void SetUp() override { embedded::SetCodePage(nullptr); }
-  void TearDown() override { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   static ReportSource& Fill(ReportSource& source) {
     return source.Number("a").String("b", 20).Number("c");
@@ -109,7 +108,7 @@ TEST_F(DigestTest, WhatIsNoFiniteNumberIsMissing) {
 TEST_F(DigestTest, ACodePagesTextCountsInUtf8) {
   ReportSource source;
   source.String("a", 24);
-  ASSERT_TRUE(embedded::SetCodePage("windows-1252"));
+  const embedded::InCodePage page("windows-1252");
   ReportCases cases(source, 1);
   cases.Set(0, 0, "caf\xE9 \x80");
   EXPECT_EQ(CaseDigester(source).Of(cases.At(0), 1).Hex(), "45453eaef8af48449e11750f621ddf09");
@@ -123,7 +122,7 @@ TEST_F(DigestTest, BytesThatAreNoCharacterStandAsTheyAre) {
             "a\xFF"
             "b");
   EXPECT_EQ(CaseDigester(source).Of(cases.At(0), 1).Hex(), "c633c3ae0a181b4fc782b5841e1bcbdf");
-  ASSERT_TRUE(embedded::SetCodePage("windows-932"));
+  const embedded::InCodePage page("windows-932");
   EXPECT_EQ(CaseDigester(source).Of(cases.At(0), 1).Hex(), "c633c3ae0a181b4fc782b5841e1bcbdf");
 }
 

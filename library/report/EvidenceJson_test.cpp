@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace library {
 namespace {
@@ -11,7 +11,7 @@ using Class = ImportValueClass;
 
 class EvidenceJsonTest : public testing::Test {
  protected:
-  void SetUp() override { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   ImportWitness& Of(Class valueClass) {
     return evidence_.classes[static_cast<std::size_t>(valueClass)];

@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/report/ProblemWriter.h"
 #include "library/report/testing/ReportTesting.h"
 
@@ -22,8 +22,8 @@ using Kind = ImportProblemKind;
 // Tells a watch what an engine tells of three cases, the second of which has a problem.
 class ImportWatchTest : public testing::Test {
  protected:
+  const embedded::InCodePage inUtf8_{nullptr};
   void SetUp() override {
-    embedded::SetCodePage(nullptr);
     source_.Number("fee").String("town", 8);
     cases_.emplace(source_, 3);
     cases_->Set(0, 0, 1.0).Set(1, 1, "Bern").Set(2, 0, 3.0);

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/ValueInput.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/report/testing/ReportTesting.h"
 
 namespace library {
@@ -19,10 +19,8 @@ using Kind = ImportProblemKind;
 
 class ProblemDetailTest : public testing::Test {
  protected:
-  void SetUp() override {
-    embedded::SetCodePage(nullptr);
-    iocvsetdecchardot_();
-  }
+  const embedded::InCodePage inUtf8_{nullptr};
+  void SetUp() override { iocvsetdecchardot_(); }
   std::string Of(Kind kind, std::int32_t variable, std::string_view text, std::int64_t amount = 0) {
     return std::string(detail_.Of(Problem(kind, variable, text, amount)));
   }

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/report/testing/ReportTesting.h"
 
 namespace library {
@@ -17,7 +17,7 @@ using Kind = ImportProblemKind;
 
 class ProblemWriterTest : public testing::Test {
  protected:
-  void SetUp() override { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   std::string Written(ProblemFormat format, const std::vector<ImportProblem>& problems,
                       std::int64_t limit = 100) {

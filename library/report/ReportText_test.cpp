@@ -2,15 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 
 namespace library {
 namespace {
 
 class ReportTextTest : public testing::Test {
  protected:
-  void SetUp() override { embedded::SetCodePage(nullptr); }
-  void TearDown() override { embedded::SetCodePage(nullptr); }
+  const embedded::InCodePage inUtf8_{nullptr};
 };
 
 TEST_F(ReportTextTest, EscapesControlCharactersAndNothingElse) {
@@ -43,7 +42,7 @@ TEST_F(ReportTextTest, NeverCutsAnEscape) {
 }
 
 TEST_F(ReportTextTest, ConvertsTheHostsCodePage) {
-  ASSERT_TRUE(embedded::SetCodePage("windows-1252"));
+  const embedded::InCodePage page("windows-1252");
   ReportText text;
   EXPECT_EQ(text.Escaped("caf\xE9 \x80"), "caf\xC3\xA9 \xE2\x82\xAC");
 }

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "HostFramework/ValueInput.h"
-#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/report/testing/ReportTesting.h"
 
 namespace library {
@@ -35,8 +35,8 @@ ImportWitness Seen(std::int64_t count, std::int64_t line, std::string text) {
 // A variable "v" in an import of 200 cases.
 class WarningsTest : public testing::Test {
  protected:
+  const embedded::InCodePage inUtf8_{nullptr};
   void SetUp() override {
-    embedded::SetCodePage(nullptr);
     iocvsetdecchardot_();
     account_.cases = 200;
   }
