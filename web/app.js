@@ -1,6 +1,6 @@
 // What happens when: the user's settings, the requests that follow from a change, the steps.
 import { ask, follow } from './api.js';
-import { alertText, announce, byId, bytes, count, debounced } from './dom.js';
+import { alertText, announce, byId, bytes, copyText, count, debounced } from './dom.js';
 import { showFile } from './steps/file.js';
 import { showLines } from './steps/lines.js';
 import { showFields } from './steps/fields.js';
@@ -18,15 +18,21 @@ export const state = {
   rawFirst: 1,
   head: null, // cases of the head
   types: null, // columns, growing
+  cases: 0, // that the types come from, once they are final
   options: [], // of `textwizard run`, that go with the command
   final: false,
-  job: null, // of the types, or of the import
+  stopped: false, // the reading of the types
+  stale: false, // what is shown is of settings that have changed since
+  failed: false, // nothing could be read
+  foundArrangement: null, // where nobody has given one
+  job: null, // of the types
+  importJob: null,
   result: null,
   problems: null,
   importing: false,
 };
 
-const rawCount = 40;
+export const rawCount = 40;
 const headCount = 30;
 
 let round = 0;
@@ -36,17 +42,25 @@ const steps = [showFile, showLines, showFields, showColumns, showResult];
 
 export function render() {
   for (const step of steps) step();
-  byId('file-name').textContent = state.path ? `· ${state.path}` : '';
+  byId('file-name').textContent = state.path ?? '';
   document.title = state.path ? `${state.path} · TextWizard` : 'TextWizard';
-  const confidence = state.reading?.reading.confidence;
+  document.body.dataset.bodyStale = state.stale;
+  document.body.dataset.empty = !state.path || state.failed;
+  byId('columns').setAttribute('aria-busy', state.stale);
+  const reading = state.path ? state.reading : null;
+  byId('file-facts').textContent = reading ? bytes(reading.bytes) : '';
+  const confidence = reading?.reading.confidence;
   const verdict = byId('verdict');
-  verdict.textContent = confidence ? `This reading is ${confidence.verdict === 'guess' ? 'a guess: look at it' : confidence.verdict}.` : '';
+  verdict.hidden = !confidence;
+  verdict.textContent = confidence?.verdict === 'guess' ? 'a guess: look at it' : confidence?.verdict ?? '';
+  verdict.title = 'How sure the reading of this file is';
   verdict.dataset.verdict = confidence?.verdict ?? '';
 }
 
 function showError(error) {
   if (error.name === 'AbortError') return;
   alertText('alert', error.message);
+  byId('alert').scrollIntoView({ block: 'nearest' });
 }
 
 // Cancels what is being read for settings that no longer hold.
@@ -54,8 +68,8 @@ function restart() {
   round += 1;
   abort.abort();
   abort = new AbortController();
-  if (state.job !== null && !state.importing) ask(`api/jobs/${state.job}/cancel`).catch(() => {});
-  if (!state.importing) state.job = null;
+  if (state.job !== null) ask(`api/jobs/${state.job}/cancel`).catch(() => {});
+  state.job = null;
   return round;
 }
 
@@ -70,6 +84,7 @@ function showProgress(progress, what) {
 }
 
 function hideProgress() {
+  if (state.importing) return;
   byId('progress').hidden = true;
   byId('cancel').hidden = true;
 }
@@ -85,20 +100,23 @@ async function readTypes(now) {
     if (now !== round) return;
     state.types = answer.columns;
     state.final = final;
+    if (final) state.cases = answer.cases;
     if (answer.command) setCommand(answer.command, answer.options);
     steps[3]();
     steps[4]();
   };
   const done = await follow(job, (progress) => {
     if (now !== round) return;
-    showProgress(progress, 'Reading the whole file');
+    if (!state.importing) showProgress(progress, 'Reading the whole file');
     take(progress, false);
   });
   if (now !== round) return;
   state.job = null;
   hideProgress();
   if (done === null) {
-    announce('Reading was stopped: types are those of the head of the file.');
+    state.stopped = true;
+    render();
+    announce('Reading was stopped: types are those of what was read.');
     return;
   }
   take(done, true);
@@ -110,15 +128,22 @@ async function readTypes(now) {
 async function refresh(what) {
   const now = restart();
   hideProgress();
-  if (!state.path) return render();
   alertText('alert', null);
-  Object.assign(state, { final: false, result: state.importing ? state.result : null, problems: null });
+  Object.assign(state, {
+    final: false, stopped: false, failed: false, stale: Boolean(state.path), result: state.importing ? state.result : null, problems: state.importing ? state.problems : null,
+  });
+  render();
+  if (!state.path) {
+    announce('');
+    return;
+  }
   const request = { path: state.path, given: state.given };
   try {
     if (what === 'all') announce('Looking at the file…');
     const sniffed = await ask('api/sniff', request, abort.signal);
     if (now !== round) return;
     state.reading = sniffed;
+    if (state.given.fixed === undefined && state.given.delimiter === undefined) state.foundArrangement = sniffed.reading.arrangement;
     state.alternatives = sniffed.alternatives ?? {};
     const { signal } = abort;
     const raw = what === 'all'
@@ -133,25 +158,39 @@ async function refresh(what) {
     state.head = head.cases;
     state.encodings = others.encodings;
     state.types = head.columns;
+    state.stale = false;
     setCommand(head.command, head.options);
     render();
     await readTypes(now);
   } catch (error) {
     if (now !== round) return;
     hideProgress();
+    Object.assign(state, { stale: false, failed: !state.reading });
     render();
+    announce('');
     showError(error);
   }
 }
 
-const refreshSoon = debounced(refresh, 120);
+// Of several changes at once, what all of them ask for.
+let wanted = 'fields';
+const refreshWanted = debounced(() => {
+  const what = wanted;
+  wanted = 'fields';
+  refresh(what);
+}, 120);
+
+function refreshSoon(what) {
+  if (what === 'all') wanted = what;
+  refreshWanted();
+}
 
 // Opens a file and finds everything about it.
 export function open(path) {
   Object.assign(state, {
-    path, given: {}, reading: null, alternatives: null, encodings: null, raw: null, rawFirst: 1, head: null, types: null, result: null,
+    path, given: {}, reading: null, alternatives: null, encodings: null, raw: null, rawFirst: 1, head: null, types: null, result: null, foundArrangement: null,
   });
-  history.replaceState(null, '', `#file`);
+  if (!path) setCommand('', []);
   refresh('all');
 }
 
@@ -164,7 +203,7 @@ export function change(settings) {
     delete state.given.names;
     delete state.given.types;
   }
-  state.final = false;
+  Object.assign(state, { final: false, stale: true });
   render();
   refreshSoon('encoding' in settings ? 'all' : 'fields');
 }
@@ -180,23 +219,24 @@ export async function showRawFrom(first) {
   }
 }
 
+// Imports what the command says as it stands. The types are not read on meanwhile.
 export async function startImport(outputs, replace) {
-  const now = restart();
-  Object.assign(state, { importing: true, result: null, problems: null });
+  restart();
+  Object.assign(state, { importing: true, result: null, problems: null, stopped: !state.final });
   alertText('alert', null);
   render();
   try {
     const { job } = await ask('api/import', { command: byId('command').value, options: state.options, outputs, replace });
-    state.job = job;
+    state.importJob = job;
     const done = await follow(job, (progress) => showProgress(progress, 'Importing'));
     state.result = done === null ? { cancelled: true } : done;
     announce(done === null ? 'The import was stopped; unfinished outputs were removed.' : `Imported ${count(done.cases)} cases.`);
     if (done !== null) await loadProblems('', 0, job);
   } catch (error) {
+    announce('');
     showError(error);
   } finally {
-    if (now === round) state.job = null;
-    state.importing = false;
+    Object.assign(state, { importing: false, importJob: null });
     hideProgress();
     render();
   }
@@ -207,6 +247,17 @@ export async function loadProblems(variable, offset, job = state.problems?.job) 
   state.problems = { ...answer, variable, offset, job };
   render();
 }
+
+// The step that is seen is marked in the list of steps.
+const seen = new IntersectionObserver((entries) => {
+  for (const entry of entries) entry.target.dataset.seen = entry.isIntersecting;
+  const first = document.querySelector('section[data-seen="true"]');
+  for (const link of document.querySelectorAll('.steps a')) {
+    if (first && link.hash === `#${first.id}`) link.setAttribute('aria-current', 'step');
+    else link.removeAttribute('aria-current');
+  }
+}, { rootMargin: '-25% 0px -60% 0px' });
+for (const section of document.querySelectorAll('main section')) seen.observe(section);
 
 // The command. What the program says stands there until the user edits it.
 
@@ -235,7 +286,7 @@ byId('revert').addEventListener('click', () => {
   byId('command').value = saidCommand;
   commandEdited();
 });
-byId('apply').addEventListener('click', async () => {
+async function applyCommand() {
   try {
     const answer = await ask('api/command', { command: byId('command').value, options: state.options });
     alertText('command-error', null);
@@ -254,18 +305,19 @@ byId('apply').addEventListener('click', async () => {
       byId('command').setSelectionRange(start, start + 1);
     }
   }
+}
+
+byId('apply').addEventListener('click', applyCommand);
+byId('command').addEventListener('keydown', (event) => {
+  if (event.key === 'Enter' && (event.ctrlKey || event.metaKey) && !byId('apply').disabled) applyCommand();
 });
 byId('copy').addEventListener('click', async () => {
-  try {
-    await navigator.clipboard.writeText(byId('command').value);
-  } catch {
-    byId('command').select();
-    document.execCommand('copy');
-  }
+  await copyText(byId('command').value);
   announce('The command was copied.');
 });
 byId('cancel').addEventListener('click', () => {
-  if (state.job !== null) ask(`api/jobs/${state.job}/cancel`).catch(showError);
+  const job = state.importJob ?? state.job;
+  if (job !== null) ask(`api/jobs/${job}/cancel`).catch(showError);
 });
 
 // With --once the program ends when its page is closed.

@@ -126,6 +126,19 @@ export function alertText(id, text) {
   element.textContent = text ?? '';
 }
 
+export async function copyText(text) {
+  try {
+    await navigator.clipboard.writeText(text);
+  } catch {
+    // Where the browser does not let a page write there.
+    const area = el('textarea', { value: text, readOnly: true });
+    document.body.append(area);
+    area.select();
+    document.execCommand('copy');
+    area.remove();
+  }
+}
+
 // Calls `action` once nothing has called for `wait` milliseconds.
 export function debounced(action, wait) {
   let timer = 0;

@@ -1,7 +1,9 @@
 // Texts of a file as a person can see them.
 import { el } from './dom.js';
 
-const pictures = { 9: '→', 10: '↵', 13: '␍', 0x85: '␤', 0xa0: '⍽', 0xfeff: '⌖' };
+const pictures = { 9: '→', 10: '↵', 13: '⏎', 0x7f: 'DEL', 0x85: 'NEL', 0xa0: '⍽', 0xfeff: 'BOM' };
+const controlNames = ['NUL', 'SOH', 'STX', 'ETX', 'EOT', 'ENQ', 'ACK', 'BEL', 'BS', 'HT', 'LF', 'VT', 'FF', 'CR', 'SO', 'SI',
+  'DLE', 'DC1', 'DC2', 'DC3', 'DC4', 'NAK', 'SYN', 'ETB', 'CAN', 'EM', 'SUB', 'ESC', 'FS', 'GS', 'RS', 'US'];
 
 function isHidden(code) {
   return code < 32 || (code >= 0x7f && code < 0xa0) || code === 0xa0 || code === 0xfeff ||
@@ -10,8 +12,7 @@ function isHidden(code) {
 
 function picture(code) {
   if (pictures[code]) return pictures[code];
-  if (code < 32) return String.fromCharCode(0x2400 + code);
-  if (code === 0x7f) return '␡';
+  if (code < 32) return controlNames[code];
   return `⟨${code.toString(16).toUpperCase().padStart(4, '0')}⟩`;
 }
 
@@ -50,10 +51,15 @@ export function pieces(text, marks) {
 }
 
 export const delimiterNames = [
-  [',', 'comma ,'], [';', 'semicolon ;'], ['\t', 'tab'], ['|', 'bar |'], [':', 'colon :'], [' ', 'blank'],
-  ['^', 'caret ^'], ['~', 'tilde ~'], ['#', 'hash #'], ['\x1f', 'unit separator 1F'], ['', 'none: one column'],
+  [',', 'comma (,)'], [';', 'semicolon (;)'], ['\t', 'tab'], ['|', 'bar (|)'], [':', 'colon (:)'], [' ', 'blank'],
+  ['^', 'caret (^)'], ['~', 'tilde (~)'], ['#', 'hash (#)'], ['\x1f', 'unit separator (1F)'], ['', 'none: one column'],
 ];
 
 export function delimiterName(delimiter) {
   return delimiterNames.find(([value]) => value === delimiter)?.[1] ?? Array.from(delimiter).map((c) => picture(c.codePointAt(0)) === c ? c : visible(c).map((n) => n.textContent ?? n).join('')).join('');
+}
+
+// A line of fields runs as it begins: neither digits nor delimiters in front of a word turn it round.
+export function lineDirection(text) {
+  return /^["'\s]*[\u0590-\u08ff\ufb1d-\ufdff\ufe70-\ufefc]/u.test(text) ? 'rtl' : 'ltr';
 }

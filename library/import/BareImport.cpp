@@ -232,7 +232,10 @@ bool Understanding::Run() {
     problem_ = import_.sniff.fileSize == 0 ? "it is empty" : "it holds nothing but blank lines";
     return false;
   }
-  if (cut_.cut.settings.arrangement == textwizard::kFixedColumns) {
+  if (cut_.cut.settings.arrangement != textwizard::kFixedColumns) {
+    bool& passedOver = cut_.cut.settings.leadingSpaces;
+    passedOver = settings_.leadingBlanks.value_or(passedOver);
+  } else {
     import_.countsBytes = !ChooseFixedPage(path_, import_.sniff, &cut_);
   }
   if (!SetHost(cut_.host, &problem_) || !ReadData() || !ChooseFormats()) return false;

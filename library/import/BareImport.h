@@ -30,6 +30,9 @@ struct BareImportSettings {
   // Formats given instead of found, by name: "F8.2", "ADATE"; without a width they fit the values.
   // "X" leaves the column out.
   std::vector<std::pair<std::string, std::string>> types;
+  // Whether blanks in front of a value are passed over; without a value as the reading needs it. Of
+  // delimited fields.
+  std::optional<bool> leadingBlanks;
   // Texts that mean a missing number.
   std::vector<std::string> nulls;
   // Types from the first lines only; 0: from all.

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "library/import/CommandText.h"
 #include "library/import/GivenFormat.h"
@@ -19,25 +20,68 @@ json WitnessJson(const Witness& witness) {
   return {{"count", witness.count}, {"line", witness.line}, {"text", witness.text}};
 }
 
-void CountValues(const BareColumn& column, const ColumnEvidence& evidence, DecimalCharacter decimal,
-                 json* report) {
+// Texts of the summary as the file means them, in UTF-8.
+class ShownTexts {
+ public:
+  explicit ShownTexts(const BareImport& import) {
+    if (import.standIns) restorer_.emplace(*import.standIns);
+  }
+  std::string Of(const Witness& witness) {
+    const std::string_view text =
+        restorer_ ? restorer_->Restore(witness.text, room_) : std::string_view(witness.text);
+    return std::string(utf8_.ToUtf8(text));
+  }
+
+ private:
+  std::optional<TextRestorer> restorer_;
+  Utf8Converter utf8_;
+  std::string room_;
+};
+
+// Values of one column that its format cannot read, at most, that are shown.
+constexpr std::size_t kMostOffending = 3;
+
+// What the evidence has is host text with stand-ins.
+json HostWitnessJson(const Witness& witness, ShownTexts& texts) {
+  return {{"count", witness.count}, {"line", witness.line}, {"text", texts.Of(witness)}};
+}
+
+// The first of each kind of values that the reading has not, in the order of their lines.
+json Offending(const ColumnEvidence& evidence, Reading reading, ShownTexts& texts) {
+  std::vector<const Witness*> first;
+  for (const ColumnEvidence::Group& group : evidence.groups()) {
+    if (!group.readings.Has(reading) && group.values.count > 0) first.push_back(&group.values);
+  }
+  std::sort(first.begin(), first.end(),
+            [](const Witness* a, const Witness* b) { return a->line < b->line; });
+  if (first.size() > kMostOffending) first.resize(kMostOffending);
+  json told = json::array();
+  for (const Witness* const witness : first) told.push_back(HostWitnessJson(*witness, texts));
+  return told;
+}
+
+void CountValues(const BareImport& import, std::size_t index, std::int64_t cut, json* report) {
+  const ColumnEvidence& evidence = import.summary.columns[index];
+  ShownTexts texts(import);
   json& told = *report;
   told["empty"] = evidence.empties();
-  const ChosenFormat& format = column.type.format;
+  const ChosenFormat& format = import.columns[index].type.format;
   if (format.code == textwizard::kFormatA) {
     // Null texts are texts like others.
-    told["read"] = evidence.values() + evidence.nulls().count;
+    told["read"] = evidence.values() + evidence.nulls().count - cut;
     told["null"] = 0;
     told["unreadable"] = 0;
-    if (evidence.longest().count > format.width) told["longest"] = WitnessJson(evidence.longest());
+    if (cut > 0) told["cut"] = cut;
+    if (MayBeCut(import, index)) told["longest"] = HostWitnessJson(evidence.longest(), texts);
     return;
   }
   told["null"] = evidence.nulls().count;
-  const std::optional<Reading> reading = ReadingOf(format.code, decimal);
+  const std::optional<Reading> reading = ReadingOf(format.code, import.types.decimal);
   if (!reading) return;
-  const Witness unread = evidence.Unread(*reading);
-  told["read"] = evidence.values() - unread.count;
-  told["unreadable"] = unread.count;
+  const std::int64_t unread = evidence.Unread(*reading).count;
+  told["read"] = evidence.values() - unread;
+  told["unreadable"] = unread;
+  if (unread > 0) told["offending"] = Offending(evidence, *reading, texts);
 }
 
 // Whether the day or the month comes first, where both formats are thinkable.
@@ -102,24 +146,6 @@ const char* NameOf(ColumnRemark::Kind kind) {
   return nullptr;  // told by a member of its own
 }
 
-// Texts of the summary as the file means them, in UTF-8.
-class ShownTexts {
- public:
-  explicit ShownTexts(const BareImport& import) {
-    if (import.standIns) restorer_.emplace(*import.standIns);
-  }
-  std::string Of(const Witness& witness) {
-    const std::string_view text =
-        restorer_ ? restorer_->Restore(witness.text, room_) : std::string_view(witness.text);
-    return std::string(utf8_.ToUtf8(text));
-  }
-
- private:
-  std::optional<TextRestorer> restorer_;
-  Utf8Converter utf8_;
-  std::string room_;
-};
-
 // The format that would be chosen by a reading; nothing where another reading has that format.
 std::optional<ChosenFormat> FormatBy(Reading reading, const BareColumn& column,
                                      const ColumnEvidence& evidence, DecimalCharacter decimal) {
@@ -164,7 +190,13 @@ json Candidates(const BareColumn& column, const ColumnEvidence& evidence, Decima
 
 }  // namespace
 
-json ColumnReport(const BareImport& import, bool final) {
+bool MayBeCut(const BareImport& import, std::size_t column) {
+  const BareColumn& one = import.columns[column];
+  return !one.skipped && one.type.format.code == textwizard::kFormatA &&
+         import.summary.columns[column].longest().count > one.type.format.width;
+}
+
+json ColumnReport(const BareImport& import, bool final, const std::vector<std::int64_t>& cut) {
   json columns = json::array();
   for (std::size_t i = 0; i < import.columns.size(); ++i) {
     const BareColumn& column = import.columns[i];
@@ -178,7 +210,7 @@ json ColumnReport(const BareImport& import, bool final) {
       report["to"] = import.sniff.columns[i].range.to;
     }
     const ColumnEvidence& evidence = import.summary.columns[i];
-    CountValues(column, evidence, import.types.decimal, &report);
+    CountValues(import, i, i < cut.size() ? cut[i] : 0, &report);
     if (const auto reading = ReadingOf(column.type.format.code, import.types.decimal)) {
       TellDayMonth(column, evidence, *reading, &report);
     }
@@ -190,8 +222,6 @@ json ColumnReport(const BareImport& import, bool final) {
       json one = WitnessJson(remark.values);
       one["kind"] = kind;
       if (remark.other) one["other"] = FormatText(*remark.other);
-      if (remark.kind == ColumnRemark::kUnreadable)
-        report["offending"] = WitnessJson(remark.values);
       remarks.push_back(one);
     }
     report["remarks"] = remarks;

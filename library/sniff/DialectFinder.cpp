@@ -93,16 +93,26 @@ std::vector<Dialect> Search::Delimiters() const {
     dialect.multipleBlanks = multiple;
     delimiters.push_back(dialect);
   };
+  const auto addBlank = [&] {
+    if (!settings_.multipleBlanks.value_or(false)) add(" ", false);
+    if (settings_.multipleBlanks.value_or(true)) add(" ", true);
+  };
   if (settings_.delimiter) {
-    add(*settings_.delimiter, false);
-    if (*settings_.delimiter == " ") add(" ", true);
+    if (*settings_.delimiter == " ") {
+      addBlank();
+    } else {
+      add(*settings_.delimiter, false);
+    }
     return delimiters;
   }
   add("", false);
   for (const char ch : kUsual) {
     if (!Occurs(ch)) continue;
-    add({&ch, 1}, false);
-    if (ch == ' ') add(" ", true);
+    if (ch == ' ') {
+      addBlank();
+    } else {
+      add({&ch, 1}, false);
+    }
   }
   for (const char ch : kUnusual) {
     if (Occurs(ch) && InMost(found_[static_cast<unsigned char>(ch)])) add({&ch, 1}, false);

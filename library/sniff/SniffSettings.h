@@ -25,6 +25,8 @@ struct SniffSettings {
   // One character, UTF-8; "" means none.
   std::optional<std::string> qualifier;
   std::optional<DecimalCharacter> decimal;
+  // Whether several blanks are one delimiter, where a blank is the delimiter.
+  std::optional<bool> multipleBlanks;
   // Physical line where the data begins, from 1.
   std::optional<std::int64_t> firstLine;
   // Whether names stand above the data.

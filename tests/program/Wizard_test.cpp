@@ -82,12 +82,51 @@ TEST_F(Wizard, TypesComeFromTheWholeFileWithCountsAndOffendingValues) {
   const json& fee = types.at("columns").at(3);
   EXPECT_EQ(fee.at("read"), 2);
   EXPECT_EQ(fee.at("unreadable"), 1);
-  EXPECT_EQ(fee.at("offending").at("line"), 4);
-  EXPECT_EQ(fee.at("offending").at("text"), "none");
+  ASSERT_EQ(fee.at("offending").size(), 1U);
+  EXPECT_EQ(fee.at("offending").at(0).at("line"), 4);
+  EXPECT_EQ(fee.at("offending").at(0).at("text"), "none");
   EXPECT_EQ(types.at("columns").at(2).at("empty"), 1);
   EXPECT_EQ(types.at("columns").at(2).at("format"), "ADATE10");
   EXPECT_EQ(types.at("columns").at(2).at("day_month").at("verdict"), "decided");
   EXPECT_EQ(types.at("cases"), 3);
+}
+
+TEST_F(Wizard, TheFirstOffendingValuesOfEachKindAndTheCutOnesAreTold) {
+  folder_.Write("town.csv",
+                "n,place\n1,Chur\nx1,Graub\xC3\xBCnden\n31/12/2020,Bern\nx2,Basel-Stadt\n");
+  const json types =
+      Done("types", About({{"header", true}, {"types", {{"n", "F8"}, {"place", "A6"}}}}));
+  const json& number = types.at("columns").at(0);
+  EXPECT_EQ(number.at("read"), 1);
+  EXPECT_EQ(number.at("unreadable"), 3);
+  ASSERT_EQ(number.at("offending").size(), 2U) << "texts, and dates";
+  EXPECT_EQ(number.at("offending").at(0).at("text"), "x1");
+  EXPECT_EQ(number.at("offending").at(0).at("count"), 2);
+  EXPECT_EQ(number.at("offending").at(1).at("line"), 4);
+  const json& place = types.at("columns").at(1);
+  EXPECT_EQ(place.at("read"), 2);
+  EXPECT_EQ(place.at("cut"), 2);
+  EXPECT_EQ(place.at("longest").at("count"), 11);
+}
+
+TEST_F(Wizard, BlanksBeforeValuesAndSeveralBlanksAreAsTheyAreGiven) {
+  folder_.Write("town.csv", "a;b\n1; x\n2;y\n3;z\n");
+  EXPECT_EQ(Done("sniff", About()).at("leading_blanks"), false);
+  const std::string kept = Done("types", About()).at("command");
+  EXPECT_EQ(kept.find("LEADINGSPACES"), std::string::npos);
+  const json passed = About({{"leading_blanks", true}});
+  EXPECT_EQ(Done("sniff", passed).at("leading_blanks"), true);
+  const json types = Done("types", passed);
+  const std::string command = types.at("command");
+  EXPECT_NE(command.find("/LEADINGSPACES IGNORE=YES"), std::string::npos);
+  const json edited = Done("command", {{"command", command}, {"options", types.at("options")}});
+  EXPECT_EQ(edited.at("given").at("leading_blanks"), true);
+  folder_.Write("town.csv", "a b\n1  x\n2  y\n3  z\n");
+  for (const bool several : {false, true}) {
+    const std::string blanks =
+        Done("types", About({{"delimiter", " "}, {"multiple_blanks", several}})).at("command");
+    EXPECT_EQ(blanks.find("/MULTIPLESPACES IGNORE=YES") != std::string::npos, several);
+  }
 }
 
 TEST_F(Wizard, TheCommandOfTheTypesRunsAndASkippedColumnIsLeftOut) {

@@ -42,7 +42,7 @@ test('a file of 1 GB shows its table at once, and reading and import are stopped
   }
   await new Promise((resolve) => { file.end(resolve); });
   const { page, close } = await open('big.csv');
-  await page.locator('.cases tbody tr').first().waitFor();
+  await page.locator('tbody.values tr').first().waitFor();
   assert.equal(await page.locator('#types-state').getAttribute('data-final'), 'false');
   await page.locator('#cancel').click();
   await until(page, () => document.getElementById('status').textContent.includes('stopped'));

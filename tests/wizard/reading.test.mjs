@@ -55,7 +55,7 @@ test('pointing at a cell marks its characters in the line', async () => {
   writePeople();
   const { page, close } = await open('people.csv');
   await typesFinal(page);
-  await page.locator('.cases tbody td').nth(1).focus();
+  await page.locator('tbody.values td').nth(1).focus();
   assert.equal(await page.locator('#raw-lines .marked').textContent(), '31/12/2019');
   await close();
 });

@@ -2,12 +2,17 @@
 import { change, state } from '../app.js';
 import { announce, el } from '../dom.js';
 import { visible } from '../text.js';
+import { showFields } from './fields.js';
+import { field } from './parts.js';
 
 const rulerLines = 12;
 const longestRuler = 400;
 // Letters that stand one beside the other in cells of equal width; those of other scripts are wider,
 // or joined, or run the other way.
 const narrow = /^[\x20-\x7e\u00a1-\u024f\u0370-\u03ff\u0400-\u04ff]*$/u;
+
+// The border that a pointer holds, and where it is meanwhile.
+let dragged = null;
 
 const characters = (text) => Array.from(text).length;
 
@@ -43,10 +48,11 @@ function under(event, width) {
 }
 
 function border(place, number, list, width) {
+  const shown = dragged?.number === number ? dragged.at : place;
   const move = (to) => setBorders(list.map((other, at) => (at === number ? to : other)), width);
   return el('button', {
-    type: 'button', class: 'border', id: `border-${number}`, role: 'slider', style: `left:calc(${place} * var(--unit))`,
-    'aria-label': `Border ${number + 1}`, 'aria-orientation': 'horizontal', 'aria-valuemin': 1, 'aria-valuemax': width - 1, 'aria-valuenow': place,
+    type: 'button', class: 'border', id: `border-${number}`, role: 'slider', style: `left:calc(${shown} * var(--unit))`,
+    data: dragged?.number === number ? { dragged: '', at: shown } : {}, 'aria-label': `Border ${number + 1}`, 'aria-orientation': 'horizontal', 'aria-valuemin': 1, 'aria-valuemax': width - 1, 'aria-valuenow': place,
     'aria-valuetext': `behind character ${place}`,
     on: {
       keydown: (event) => {
@@ -65,27 +71,26 @@ function border(place, number, list, width) {
       },
       pointerdown: (event) => {
         event.preventDefault();
-        const button = event.currentTarget;
-        button.focus();
-        button.setPointerCapture(event.pointerId);
-        button.dataset.dragged = '';
-        button.dataset.at = place;
+        event.currentTarget.focus();
+        event.currentTarget.setPointerCapture(event.pointerId);
+        dragged = { number, at: place };
+        showFields();
       },
       pointermove: (event) => {
-        const button = event.currentTarget;
-        if (!('dragged' in button.dataset)) return;
-        button.dataset.at = under(event, width);
-        button.style.left = `calc(${under(event, width)} * var(--unit))`;
+        if (dragged?.number !== number) return;
+        dragged.at = under(event, width);
+        showFields();
       },
       pointerup: (event) => {
-        const button = event.currentTarget;
-        if (!('dragged' in button.dataset)) return;
-        delete button.dataset.dragged;
-        if (under(event, width) !== place) move(under(event, width));
+        if (dragged?.number !== number) return;
+        dragged = null;
+        const to = under(event, width);
+        if (to === place) showFields();
+        else move(to);
       },
-      pointercancel: (event) => {
-        delete event.currentTarget.dataset.dragged;
-        event.currentTarget.style.left = `calc(${place} * var(--unit))`;
+      pointercancel: () => {
+        dragged = null;
+        showFields();
       },
     },
   });
@@ -93,8 +98,10 @@ function border(place, number, list, width) {
 
 export function ruler() {
   const { reading } = state.reading;
-  const records = (state.raw ?? []).filter(({ line: number }) => number >= reading.first_data_line).slice(0, rulerLines);
-  const width = Math.min(longestRuler, Math.max(1, ...records.map(({ text }) => characters(text))));
+  const lines = state.raw ?? [];
+  const data = lines.filter(({ line: number }) => number >= reading.first_data_line);
+  const records = (data.length > 0 ? data : lines).slice(0, rulerLines);
+  const width = Math.min(longestRuler, Math.max(1, ...borders().map((place) => place + 1), ...records.map(({ text }) => characters(text))));
   const list = borders().filter((place) => place < width);
   const cells = records.some(({ text }) => !narrow.test(text));
   const sheet = el('div', {
@@ -109,12 +116,11 @@ export function ruler() {
     ...list.map((place, number) => border(place, number, list, width)));
   return [
     el('div', { class: 'scroll ruler', id: 'ruler', tabindex: '0', role: 'region', 'aria-label': 'Ruler of the columns' }, sheet),
-    el('div', { class: 'setting', id: 'fixed-setting' },
-      el('label', { for: 'fixed' }, 'Columns'),
-      el('input', {
-        id: 'fixed', type: 'text', size: 40, value: columnsText(), spellcheck: false, 'aria-describedby': 'fixed-help',
+    el('div', { class: 'settings fixed-settings' },
+      field('fixed', 'Columns', el('input', {
+        id: 'fixed', type: 'text', size: 40, value: columnsText(), spellcheck: false, autocomplete: 'off',
         on: { change: (event) => change({ fixed: event.target.value.replaceAll(' ', '') || undefined }) },
-      }),
+      }), 'Characters are counted from 1: 1-8,9-20. Drag a border, or move it with the arrow keys; Delete removes it, a double click sets one.', true),
       el('button', {
         type: 'button', id: 'add-border',
         on: {
@@ -124,6 +130,5 @@ export function ruler() {
           },
         },
       }, 'Add a border')),
-    el('p', { class: 'evidence', id: 'fixed-help' }, 'Characters are counted from 1: 1-8,9-20. Drag a border, or move it with the arrow keys; Delete removes it, a double click sets one.'),
   ];
 }

@@ -121,6 +121,8 @@ json EditedCommand(const json& body) {
   if (settings.arrangement != kFixedColumns) {
     TakeDelimiters(settings, &given);
     given["qualifier"] = settings.qualifierSet ? settings.qualifier : "";
+    given["leading_blanks"] = settings.leadingSpaces;
+    if (settings.delimiters == " ") given["multiple_blanks"] = settings.multipleSpaces;
   }
   for (std::size_t i = 0; i + 1 < options.size(); ++i) {
     if (options[i] == "--decimal") given["decimal"] = options[i + 1];

@@ -6,6 +6,7 @@
 
 #include "cli/wizard/WizardServer.h"
 #include "cli/wizard/worker/PageSettings.h"
+#include "library/import/BareCut.h"
 #include "library/import/InputFiles.h"
 #include "library/sniff/SniffJson.h"
 #include "library/sniff/Sniffer.h"
@@ -95,7 +96,12 @@ json FileReading(const json& body) {
     library::SniffSettings none;
     if (!library::Sniff(*source, none, &found, &problem)) found = result;
   }
+  library::BareCut cut;
+  if (!library::CutOf(result, &cut, &problem)) {
+    throw RequestRefused("The file cannot be read so: " + problem);
+  }
   return {{"reading", library::SniffJson(path, result)},
+          {"leading_blanks", settings.leadingBlanks.value_or(cut.cut.settings.leadingSpaces)},
           {"settings", SettingsJson(result)},
           {"advice", result.advice},
           {"bytes", result.fileSize},

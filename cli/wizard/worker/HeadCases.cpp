@@ -7,12 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "HostFramework/embedded/command/CommandLanguage.h"
 #include "cli/wizard/WizardServer.h"
+#include "cli/wizard/worker/ImportPass.h"
 #include "cli/wizard/worker/PageSettings.h"
 #include "library/import/BareImport.h"
 #include "library/import/ColumnReport.h"
-#include "library/import/CommandImport.h"
 #include "library/import/FieldPlaces.h"
 #include "library/import/RunLine.h"
 #include "library/outputs/CaseWriter.h"
@@ -25,14 +24,6 @@ using nlohmann::json;
 constexpr std::int64_t kMostCases = 500;
 // Lines that the types are found from at first.
 constexpr std::int64_t kSampleLines = 2000;
-
-class LastError : public library::ImportMessages {
- public:
-  void Post(std::string_view hostText, int kind) override {
-    if (kind == kMessageError) text = library::Utf8Converter().ToUtf8(hostText);
-  }
-  std::string text;
-};
 
 // Takes the values of the first cases.
 class Values : public library::CaseReceiver {
@@ -114,31 +105,11 @@ json HeadCases(const json& body) {
   if (!library::UnderstandFile(body.at("path"), files, settings, &import, &problem)) {
     throw RequestRefused("The file cannot be read so: " + problem);
   }
-  library::WatchSettings watched;
-  watched.nullTexts = settings.nulls;
-  watched.keepStrayQualifiers = import.rewriting.keepStrayQualifiers;
-  library::ImportWatch watch(watched);
-  LastError messages;
-  library::ImportOptions options;
-  options.workers = 1;
-  options.watch = &watch;
-  options.rewriting = import.rewriting;
-  options.shownMark = import.shownMark;
-  options.standIns = import.standIns;
-  options.files = &files;
-  library::CommandImport running(options, messages);
-  embedded::CommandReader reader(import.command);
-  embedded::ParsedCommand command;
-  if (!reader.Next(command) || !command.ok ||
-      running.Open(std::move(command.tokens)) != library::ImportEnd::kDone) {
-    throw RequestRefused("The file cannot be read so: " + messages.text);
-  }
+  ImportPass pass(import, files, settings.nulls, 1);
   Values values(count, import.standIns);
-  watch.Prepare(running.source(), {}, {});
-  const library::ImportEnd end = running.Read(values);
-  if (end == library::ImportEnd::kFailed) throw RequestRefused(messages.text);
+  pass.Read(values);
   const std::vector<library::PlacedRecord> records =
-      library::PlaceFields(running.source(), import, count);
+      library::PlaceFields(pass.source(), import, count);
   return {{"cases", CasesJson(import, values, records)},
           {"columns", library::ColumnReport(import, false)},
           {"command", std::string(library::Utf8Converter().ToUtf8(import.command))},

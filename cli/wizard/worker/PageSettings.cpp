@@ -77,6 +77,10 @@ library::BareImportSettings PageSettings(const json& given) {
       sniff.qualifier = value.get<std::string>();
     } else if (key == "decimal") {
       sniff.decimal = DecimalOf(value.get<std::string>());
+    } else if (key == "leading_blanks") {
+      settings.leadingBlanks = value.get<bool>();
+    } else if (key == "multiple_blanks") {
+      sniff.multipleBlanks = value.get<bool>();
     } else if (key == "first_line") {
       sniff.firstLine = value.get<std::int64_t>();
       if (*sniff.firstLine < 1) throw RequestRefused("lines are counted from 1");
