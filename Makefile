@@ -2,7 +2,7 @@
 # the machine first.
 
 .PHONY: setup build run install package test coverage bench bench-units bench-build lint lint-all model
-.PHONY: clean
+.PHONY: screenshots clean
 
 setup:
 	@tools/install-packages
@@ -66,6 +66,17 @@ bench-units: bench-build
 bench-build:
 	@tools/install-packages bench
 	cmake --preset bench >/dev/null && cmake --build --preset bench
+
+# Pictures of every step of the wizard's page into build/screenshots, and those of the docs.
+screenshots: setup
+	@tools/install-packages screenshots
+	@tools/install-browser
+	cmake --preset dev >/dev/null && cmake --build --preset dev --target textwizard
+	node tests/wizard/screenshots.mjs build/dev/bin/textwizard build/screenshots
+	for pair in cell:columns light-encodings:encodings stations-light-1280-fixed:ruler \
+	    light-1280-imported:result; do \
+	  pngquant --force --quality 60-95 --output docs/pictures/wizard-$${pair#*:}.png \
+	    build/screenshots/$${pair%:*}.png || exit 1; done
 
 # Layout, the rules of the tree, clang's warnings and checks. `lint-all`: also the checks that take
 # long, on every unit.

@@ -199,7 +199,7 @@ export function open(path) {
 export function change(settings) {
   state.given = { ...state.given, ...settings };
   for (const [key, value] of Object.entries(state.given)) if (value === undefined) delete state.given[key];
-  if ('delimiter' in settings || 'fixed' in settings || 'qualifier' in settings || 'first_line' in settings || 'header' in settings) {
+  if (['delimiter', 'fixed', 'qualifier', 'multiple_blanks', 'first_line', 'header'].some((key) => key in settings)) {
     delete state.given.names;
     delete state.given.types;
   }

@@ -68,17 +68,26 @@ class WizardServerTest : public testing::Test {
     return body != std::string::npos && length < body &&
            answer.size() - body - 4 >= std::stoul(answer.substr(length + 16));
   }
-  // Sends bytes as they are; the answer until it is whole or the server closes. `nothingFollows`:
-  // so that the server does not wait for more.
-  std::string Send(const std::string& bytes, bool nothingFollows = false) const {
+  // A socket to the server, -1 when it listens no more.
+  int Connect() const {
     const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(port_);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    const timeval wait{10, 0};
+    if (connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+      close(socket);
+      return -1;
+    }
+    const timeval wait{60, 0};
     setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
+    return socket;
+  }
+  // Sends bytes as they are; the answer until it is whole or the server closes. `nothingFollows`:
+  // so that the server does not wait for more.
+  std::string Send(const std::string& bytes, bool nothingFollows = false) const {
+    const int socket = Connect();
+    EXPECT_GE(socket, 0);
     for (std::size_t sent = 0; sent < bytes.size();) {
       const ssize_t done = ::send(socket, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
       if (done <= 0) break;
@@ -260,12 +269,8 @@ TEST_F(WizardServerTest, ManyWhoSendNothingDoNotKeepThePageOut) {
   OpenPage();
   std::vector<int> idle;
   for (int i = 0; i < 12; ++i) {
-    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port_);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    ASSERT_EQ(connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    const int socket = Connect();
+    ASSERT_GE(socket, 0);
     ASSERT_EQ(::send(socket, "GET / HT", 8, MSG_NOSIGNAL), 8);
     idle.push_back(socket);
   }
@@ -316,13 +321,35 @@ TEST_F(WizardServerTest, AJobCanBeCancelledAndAFailureIsTold) {
 TEST_F(WizardServerTest, StoppingEndsJobsAndFollowers) {
   OpenPage();
   const int waiting = Body(Post("/api/wait", "{}")).at("job");
+  const int follower = Connect();
+  ASSERT_GE(follower, 0);
+  const std::string request = Headers("GET /api/jobs/" + std::to_string(waiting) + "/events") +
+                              "Cookie: " + cookie_ + "\r\n\r\n";
+  ASSERT_EQ(::send(follower, request.data(), request.size(), MSG_NOSIGNAL),
+            static_cast<ssize_t>(request.size()));
   std::string events;
-  std::thread follower([&] {
-    events = Get("/api/jobs/" + std::to_string(waiting) + "/events", "Cookie: " + cookie_ + "\r\n");
-  });
+  char buffer[4096];
+  const auto receive = [&] {
+    const ssize_t got = recv(follower, buffer, sizeof buffer, 0);
+    if (got > 0) events.append(buffer, static_cast<std::size_t>(got));
+    return got > 0;
+  };
+  while (events.find("\r\n\r\n") == std::string::npos && receive()) {
+  }
+  ASSERT_NE(events.find("text/event-stream"), std::string::npos) << "it follows";
   server_.Stop();
-  follower.join();
+  while (receive()) {
+  }
+  close(follower);
   EXPECT_EQ(events.find("event: done"), std::string::npos);
+}
+
+TEST_F(WizardServerTest, NobodyFollowsAServerThatWasStopped) {
+  OpenPage();
+  server_.Stop();
+  const int late = Connect();
+  EXPECT_EQ(late, -1) << "it listens no more";
+  if (late >= 0) close(late);
 }
 
 TEST_F(WizardServerTest, KnowsThatThePageWasClosed) {

@@ -99,6 +99,17 @@ TEST_F(DialectFinderTest, BlanksCutWhereEveryLineHasAsMany) {
   EXPECT_TRUE(runs.multipleBlanks);
 }
 
+TEST_F(DialectFinderTest, SeveralBlanksAreOneDelimiterWhereThatIsGiven) {
+  SniffSettings settings;
+  settings.delimiter = " ";
+  for (const bool multiple : {false, true}) {
+    settings.multipleBlanks = multiple;
+    const Dialect dialect = Find("C   0.000    1.250\nH    10.5   -0.363\n", settings).dialect;
+    EXPECT_EQ(dialect.delimiter, " ");
+    EXPECT_EQ(dialect.multipleBlanks, multiple);
+  }
+}
+
 TEST_F(DialectFinderTest, ColumnsOfTextsWithBlanksAreFixed) {
   const Dialect dialect = Dialected(
       "Anna Maria   Sankt Gallen   1200\n"

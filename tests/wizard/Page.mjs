@@ -2,7 +2,7 @@
 // Chromium. Nothing here waits for a time: it waits for what the page says.
 import assert from 'node:assert/strict';
 import { spawn } from 'node:child_process';
-import { existsSync, mkdtempSync, rmSync, writeFileSync } from 'node:fs';
+import { existsSync, mkdtempSync, readFileSync, readdirSync, rmSync, writeFileSync } from 'node:fs';
 import { createRequire } from 'node:module';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
@@ -49,7 +49,19 @@ export async function serve(args) {
     createInterface({ input: child.stdout }).once('line', resolve);
     ended.then((status) => reject(new Error(`textwizard wizard ended with ${status}`)));
   });
-  return { address, ended, stop: () => { child.kill('SIGINT'); return ended; } };
+  return { address, ended, pid: child.pid, stop: () => { child.kill('SIGINT'); return ended; } };
+}
+
+// Holds the wizard's process that does such work ("wizard-worker", "run"), so that nothing ends before
+// it is let go. Gives what lets it go.
+export function hold(wizard, word) {
+  const children = readdirSync(`/proc/${wizard.pid}/task`).flatMap((thread) => readFileSync(`/proc/${wizard.pid}/task/${thread}/children`, 'utf8').split(' ').filter(Boolean));
+  const found = children.find((pid) => readFileSync(`/proc/${pid}/cmdline`, 'utf8').split('\0')[1] === word);
+  assert.ok(found, `the wizard has a process for ${word}`);
+  process.kill(Number(found), 'SIGSTOP');
+  const letGo = () => { try { process.kill(Number(found), 'SIGCONT'); } catch { /* it has ended */ } };
+  left.push(async () => letGo());
+  return letGo;
 }
 
 // A page on the file of that name, or on the folder; what goes wrong in it fails the test at close().

@@ -2,7 +2,7 @@
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { readFileSync, writeFileSync } from 'node:fs';
-import { at, command, commandHas, formats, importTo, open, people, program, typesFinal, until, writePeople } from './Page.mjs';
+import { at, command, commandHas, formats, importTo, open, program, typesFinal, until, writePeople } from './Page.mjs';
 import { test } from './Tests.mjs';
 
 test('a type is set, its problem is seen, and the import is what run gives of the command', async () => {

@@ -1,7 +1,7 @@
 // Files that change, are large, and pages that come and go.
 import assert from 'node:assert/strict';
 import { appendFileSync, createWriteStream, existsSync, rmSync, writeFileSync } from 'node:fs';
-import { at, commandHas, importTo, open, people, program, typesFinal, until, writePeople } from './Page.mjs';
+import { at, commandHas, hold, importTo, open, textOf, typesFinal, until, writePeople } from './Page.mjs';
 import { test } from './Tests.mjs';
 
 test('two tabs work side by side', async () => {
@@ -41,15 +41,43 @@ test('a file of 1 GB shows its table at once, and reading and import are stopped
     if (!file.write(rows)) await new Promise((resolve) => { file.once('drain', resolve); });
   }
   await new Promise((resolve) => { file.end(resolve); });
-  const { page, close } = await open('big.csv');
+  const { page, wizard, close } = await open('big.csv');
   await page.locator('tbody.values tr').first().waitFor();
+  const reads = () => until(page, () => !document.getElementById('progress').hidden && document.getElementById('progress').value > 0);
+  await reads();
+  let letGo = hold(wizard, 'wizard-worker');
   assert.equal(await page.locator('#types-state').getAttribute('data-final'), 'false');
+  assert.match(await textOf(page, '#status'), /Reading the whole file: \d+ %/);
+  // The problems to expect can be filtered while types are still read.
+  await page.locator('#expected-column').selectOption('amount');
+  assert.match(await textOf(page, '#expected'), /No value of amount is unreadable or cut so far/);
   await page.locator('#cancel').click();
+  letGo();
   await until(page, () => document.getElementById('status').textContent.includes('stopped'));
+
+  // What is being typed stays when more of the file was read.
+  await page.locator('#read-on').click();
+  await reads();
+  letGo = hold(wizard, 'wizard-worker');
+  await page.locator('#name-1').focus();
+  await page.keyboard.press('Control+A');
+  await page.keyboard.type('half a na');
+  const before = await page.locator('#progress').getAttribute('value');
+  letGo();
+  await until(page, (value) => document.getElementById('progress').hidden || document.getElementById('progress').getAttribute('value') !== value, before);
+  assert.equal(await page.locator('#name-1').inputValue(), 'half a na');
+  assert.equal(await page.evaluate(() => document.activeElement.id), 'name-1');
+  await page.keyboard.press('Control+A');
+  await page.keyboard.type('who');
+  await page.keyboard.press('Enter');
+  await commandHas(page, '    who A');
+
   await page.locator('#output-name').fill('big-out');
   await page.locator('#import').click();
-  await until(page, () => document.getElementById('progress').value > 0);
+  await until(page, () => document.getElementById('status').textContent.startsWith('Importing'));
+  letGo = hold(wizard, 'run');
   await page.locator('#cancel').click();
+  letGo();
   await until(page, () => document.getElementById('result').textContent.includes('was stopped'));
   assert.equal(existsSync(at('big-out.csv')), false);
   rmSync(at('big.csv'));

@@ -78,3 +78,18 @@ test('a chooser lists the files below the root', async () => {
   assert.deepEqual(await names(page), ['name', 'visited', 'amount', 'note']);
   await close();
 });
+
+test('the page comes in at most 200 kB, and from this program alone', async () => {
+  writePeople();
+  const { page, close } = await open('people.csv');
+  await typesFinal(page);
+  const loaded = [];
+  page.on('response', (response) => { if (!response.url().includes('/api/')) loaded.push(response.body()); });
+  await page.reload();
+  await typesFinal(page);
+  const sizes = (await Promise.all(loaded)).map((body) => body.length);
+  assert.ok(sizes.length >= 10, 'page, style, modules');
+  const all = sizes.reduce((sum, size) => sum + size, 0);
+  assert.ok(all > 10000 && all <= 200000, `${all} bytes`);
+  await close();
+});

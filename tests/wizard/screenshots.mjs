@@ -29,10 +29,20 @@ function writeFixed() {
   writeFileSync(at('letters.txt'), ['東京都　０１２あいう', '大阪府　３４５かきく', '京都府　６７８さしす', 'שלום אבגד הוזח', 'مرحبا بالعالم'].join('\n') + '\n');
 }
 
-async function picture(page, name, locator = null) {
+// The page whole, or one part of it, with nothing in front of it.
+async function picture(page, name, selector = null) {
   await page.mouse.move(0, 0);
-  await (locator ?? page).screenshot({ path: join(pictures, `${name}.png`), animations: 'disabled', ...(locator ? {} : { fullPage: true }) });
+  await page.addStyleTag({ content: 'body > footer, .bar { position: static !important; }' });
+  await (selector ? page.locator(selector) : page).screenshot({ path: join(pictures, `${name}.png`), animations: 'disabled', ...(selector ? {} : { fullPage: true }) });
 }
+
+// What a person sees who has gone to a step.
+async function sight(page, name, step) {
+  await page.evaluate((id) => document.getElementById(id).scrollIntoView({ behavior: 'instant' }), step);
+  await page.screenshot({ path: join(pictures, `${name}.png`), animations: 'disabled' });
+}
+
+const has = (page, part) => until(page, (text) => document.getElementById('command').value.includes(text), part);
 
 const browser = await launch();
 writeOrders();
@@ -43,30 +53,29 @@ writeFileSync(at('program.bin'), '\x7fELF\x02\x01\x01 and so on, for long enough
 for (const colorScheme of ['light', 'dark']) {
   for (const width of [400, 1280, 2000]) {
     const name = `${colorScheme}-${width}`;
-    const options = { colorScheme, viewport: { width, height: width === 400 ? 800 : 1000 } };
+    const options = { colorScheme, bypassCSP: true, viewport: { width, height: width === 400 ? 800 : 1000 } };
     const { page, close } = await open('orders.csv', options);
     await typesFinal(page);
-    await picture(page, `${name}-top`, page.locator('body'));
-    for (const step of ['file', 'lines', 'fields', 'columns', 'result']) await picture(page, `${name}-${step}`, page.locator(`#${step}`));
+    await sight(page, `${name}-window`, 'file');
+    await picture(page, `${name}-page`);
+    for (const step of ['file', 'lines', 'fields', 'columns', 'result']) await picture(page, `${name}-${step}`, `#${step}`);
     await setFormat(page, 3, 'DOT8.2');
-    await until(page, () => document.getElementById('command').value.includes('amount DOT8.2'));
+    await has(page, 'amount DOT8.2');
     await typesFinal(page);
     await setFormat(page, 2, 'A12');
-    await until(page, () => document.getElementById('command').value.includes('customer A12'));
+    await has(page, 'customer A12');
     await typesFinal(page);
     await page.locator('tbody.values td').nth(3).focus();
     await page.locator('#columns').screenshot({ path: join(pictures, `${name}-columns-given.png`), animations: 'disabled' });
-    await picture(page, `${name}-expected`, page.locator('#result'));
+    await picture(page, `${name}-expected`, '#result');
     await importTo(page, ['csv', 'parquet', 'sps'], `orders-${name}`);
     await until(page, () => document.getElementById('problems') !== null);
-    await picture(page, `${name}-imported`, page.locator('#result'));
-    await page.evaluate(() => document.getElementById('columns').scrollIntoView({ behavior: 'instant' }));
-    await page.screenshot({ path: join(pictures, `${name}-window.png`), animations: 'disabled' });
+    await picture(page, `${name}-imported`, '#result');
     await close();
   }
 }
 for (const [file, colorScheme, width] of [['stations.txt', 'light', 1280], ['stations.txt', 'dark', 400], ['letters.txt', 'light', 1280]]) {
-  const { page, close } = await open(file, { colorScheme, viewport: { width, height: 1000 } });
+  const { page, close } = await open(file, { colorScheme, bypassCSP: true, viewport: { width, height: 1000 } });
   await typesFinal(page);
   await page.locator('#arrangement-fixed').check();
   await page.locator('#fixed').waitFor();
@@ -74,12 +83,12 @@ for (const [file, colorScheme, width] of [['stations.txt', 'light', 1280], ['sta
   await page.locator('#fixed').press('Enter');
   await page.locator('#border-1').waitFor();
   await typesFinal(page);
-  await picture(page, `${file.split('.')[0]}-${colorScheme}-${width}-fixed`, page.locator('#fields'));
-  await picture(page, `${file.split('.')[0]}-${colorScheme}-${width}-columns`, page.locator('#columns'));
+  await picture(page, `${file.split('.')[0]}-${colorScheme}-${width}-fixed`, '#fields');
+  await picture(page, `${file.split('.')[0]}-${colorScheme}-${width}-columns`, '#columns');
   await close();
 }
 for (const colorScheme of ['light', 'dark']) {
-  const { page, close } = await open(null, { colorScheme });
+  const { page, close } = await open(null, { colorScheme, bypassCSP: true });
   await page.getByRole('button', { name: 'orders.csv' }).waitFor();
   await picture(page, `${colorScheme}-chooser`);
   await page.getByRole('button', { name: 'program.bin' }).click();
@@ -88,8 +97,15 @@ for (const colorScheme of ['light', 'dark']) {
   await page.locator('#other-file').click();
   await page.getByRole('button', { name: 'latin.csv' }).click();
   await typesFinal(page);
-  await picture(page, `${colorScheme}-encodings`, page.locator('#file'));
+  await picture(page, `${colorScheme}-encodings`, '#file');
   await close();
 }
+
+// What the README shows: a cell with its characters in the line.
+const { page, close } = await open('orders.csv', { viewport: { width: 1280, height: 860 } });
+await typesFinal(page);
+await page.locator('tbody.values td').nth(9).focus();
+await sight(page, 'cell', 'columns');
+await close();
 await browser.close();
 process.exit(0);

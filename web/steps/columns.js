@@ -155,6 +155,7 @@ export function showColumns() {
       state.final ? `✓ Types are final: all ${count(state.cases)} cases were read.`
         : state.stopped ? ['Reading was stopped: types are those of what was read. ', el('button', { type: 'button', class: 'link', id: 'read-on', on: { click: () => change({}) } }, 'Read the whole file')] : 'Types are those of what was read so far; the rest of the file is being read.'),
     el('datalist', { id: 'formats' }, formats.map((format) => el('option', { value: format }))),
+    el('p', { class: 'cell-line', id: 'cell-line', tabindex: '0', role: 'region', 'aria-label': 'The line of the cell' }, 'The line of a cell stands here.'),
     el('div', { class: 'scroll cases-scroll', id: 'cases', tabindex: '0', role: 'region', 'aria-label': 'Columns and first cases' },
       el('table', { class: 'cases', on: { keydown: move } },
         el('caption', { class: 'quiet' }, 'Point at a cell, or move to it with the arrow keys, to see its characters in the line. “·” is missing.'),
@@ -163,6 +164,5 @@ export function showColumns() {
         el('tbody', { class: 'values' }, cases.map((record, row) => el('tr', {},
           el('th', { scope: 'row' }, count(record.line)),
           record.cells.slice(0, mostColumns).map((value, number) => cell(value, columns[number] ?? {}, record, row, number))))))),
-    el('p', { class: 'cell-line', id: 'cell-line', tabindex: '0', role: 'region', 'aria-label': 'The line of the cell' }, 'The line of a cell stands here.'),
     left > 0 ? el('p', { class: 'hint' }, `${count(left)} more columns are not shown; the command has them.`) : null);
 }

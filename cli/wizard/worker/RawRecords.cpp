@@ -9,10 +9,10 @@
 #include <unicode/ucnv.h>
 
 #include "HostFramework/FileMessages.h"
-#include "HostFramework/embedded/packages/PackageRegistry.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "cli/wizard/WizardServer.h"
 #include "library/import/InputFiles.h"
+#include "library/import/WizardRecords.h"
 #include "library/outputs/Utf8Converter.h"
 
 namespace cli {
@@ -60,36 +60,28 @@ json RawRecords(const json& body) {
   const std::int64_t first = std::max<std::int64_t>(1, body.at("first"));
   const std::int64_t count = std::clamp<std::int64_t>(body.at("count"), 0, kMostRecords);
   const std::string encoding = HandlerEncoding(body.at("encoding"));
-  const auto wizard = embedded::PackageConnection::Open(kWizardPackage);
-  if (!wizard) throw RequestRefused("The component's wizard is missing.");
-  const FileOpenRequest file(input.path, encoding, false);
-  FileOpenResponse opened;
-  if (wizard->Call(kWizardOpen, file, opened) != 0 || opened.HasError()) {
-    throw RequestRefused("The file cannot be opened.",
-                         static_cast<std::int32_t>(opened.GetError().GetCode()));
+  DACErrorResponse error;
+  const auto wizard = library::WizardRecords::Open(input.path, encoding, &error);
+  if (wizard == nullptr) {
+    throw RequestRefused("The file cannot be opened.", static_cast<std::int32_t>(error.GetCode()));
   }
   json records = json::array();
   library::Utf8Converter hostText;
-  TextWizardDacStringResponse record;
+  library::WizardRecord record;
   const auto until = std::chrono::steady_clock::now() + kPatience;
-  for (std::int64_t line = 1; line < first + count; ++line) {
-    if (wizard->Call(kWizardRecord, file, record) != 0 ||
-        record.GetError().GetCode() == kWizardNoRecord) {
-      break;
-    }
+  for (std::int64_t line = 1; line < first + count && wizard->Next(&record); ++line) {
     if (line < first) {
       if (line % 4096 == 0 && std::chrono::steady_clock::now() > until) {
         throw RequestRefused(fmt::format("Line {} is too far into the file to be shown.", first));
       }
       continue;
     }
-    std::string text(hostText.ToUtf8(record.GetText()));
+    std::string text(hostText.ToUtf8(record.text));
     // So the handler shows an empty line.
     if (text == "\n") text.clear();
-    const bool cut = Shorten(text);
+    const bool cut = Shorten(text) || record.isCut;
     records.push_back({{"line", line}, {"text", text}, {"cut", cut}});
   }
-  wizard->Call(kWizardClose, file, opened);
   return {{"records", records}};
 }
 
