@@ -1,11 +1,13 @@
 // The options of `textwizard import`.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "cli/run/RunOptions.h"
+#include "library/files/DataSetPlan.h"
 #include "library/import/BareImport.h"
 
 namespace cli {
@@ -13,6 +15,13 @@ namespace cli {
 struct ImportOptions {
   // The data: a path as the shell gives it; "-" is standard input.
   std::string file;
+  // Paths and patterns as they were given: `file` is the one that they come to, unless they are
+  // several files or something is asked for that is of several.
+  std::vector<std::string> given = {};
+  std::optional<library::FileAlignment> by = {};
+  bool skipMisfits = false;
+  // UTF-8; empty for none.
+  std::string sourceColumn = {};
   // Outputs, display and problems; what an import finds out is set by it.
   RunOptions run;
   // What is given instead of found; its null texts are those of `run`.

@@ -4,11 +4,16 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include <fmt/ranges.h>
+
+#include "cli/files/FilesImport.h"
 #include "cli/import/FileImport.h"
 #include "cli/import/ImportOptions.h"
 #include "cli/parts/PartSubcommands.h"
 #include "cli/run/SharedOptions.h"
+#include "library/files/FileNames.h"
 #include "library/sniff/CharacterRanges.h"
 
 namespace cli {
@@ -25,6 +30,8 @@ Examples:
       writes the data, and the command that repeats the import exactly
   textwizard import data.csv --types visited=EDATE10,zip=A5 --null -99,none
       with types and missing values that are given
+  textwizard import 'data/*.csv' -o all.parquet --source-column file
+      files of one structure as one data set, and how they differ
   textwizard import stations.txt --fixed 1-8,9-20,21- --header no
       fixed columns of characters
   curl -s https://example.org/data.csv | textwizard import -
@@ -130,14 +137,28 @@ int Import(const Options& options, RunOptions run, const PartStep& step) {
   const bool isPart = run.parts.single.has_value();
   if (isPart) {
     if (run.commandOutput.empty()) throw CLI::RequiredError("--command, which --part reads,");
-    if (!options->file.empty()) {
+    if (!options->given.empty()) {
       throw CLI::ValidationError("FILE", "the command of --part names it");
     }
     run.commandFile = run.commandOutput;
     run.commandOutput.clear();
     return RunPart(run);
   }
-  if (options->file.empty()) throw CLI::RequiredError("FILE");
+  if (options->given.empty()) throw CLI::RequiredError("FILE");
+  std::vector<std::string> names;
+  std::string problem;
+  if (!library::ExpandFileNames(options->given, &names, &problem)) {
+    throw CLI::ValidationError("FILE", problem);
+  }
+  options->file = names.front();
+  const bool isDataSet =
+      names.size() > 1 || options->by || options->skipMisfits || !options->sourceColumn.empty();
+  if (step.summarized.count == 0 && isDataSet) {
+    return ImportFiles(*options, names, fmt::format("{}", fmt::join(options->given, " ")));
+  }
+  if (names.size() > 1) {
+    throw CLI::ValidationError("--parts", "a part is of one file; sum up each file by itself");
+  }
   if (step.summarized.count == 0) return ImportFile(*options);
   if (options->settings.sampleLines > 0) {
     throw CLI::ValidationError("--parts",
@@ -156,7 +177,10 @@ void AddImport(CLI::App& program, int* status) {
 
   const auto step = std::make_shared<PartStep>();
 
-  import->add_option("FILE", options->file, "The data, also compressed; - is standard input")
+  import
+      ->add_option("FILE", options->given,
+                   "The data, also compressed; - is standard input. Several files and quoted "
+                   "patterns of one structure are one data set")
       ->type_name("FILE|-");
   AddOutputOptions(*import, run);
   import->add_option("--command", run->commandOutput, "Write the GET DATA command")
@@ -172,6 +196,7 @@ void AddImport(CLI::App& program, int* status) {
       ->check(CLI::IsMember({"labels", "variables"}).description(""))
       ->group("Outputs");
 AddBareFileOptions(*import, options);
+AddFilesOptions(*import, options);
 AddDisplayOptions(*import, run);
 AddSummaryOptions(*import, run, step);
 AddPartOptions(*import, run);
@@ -179,6 +204,31 @@ import->footer(kExamples);
   import->callback([options, run, step, status] { *status = Import(options, *run, *step);
   }  // namespace cli
 );
+}
+
+void AddFilesOptions(CLI::App& command, const std::shared_ptr<ImportOptions>& options) {
+  constexpr char kGroup[] = "Several files";
+  command
+      .add_option_function<std::string>(
+          "--by",
+          [options](const std::string& by) {
+            options->by =
+                by == "name" ? library::FileAlignment::kName : library::FileAlignment::kPosition;
+          },
+          "Which column of one file is which of another: by its name, or by its place (default: by "
+          "name where there are names)")
+      ->type_name("name|position")
+      ->check(CLI::IsMember({"name", "position"}).description(""))
+      ->group(kGroup);
+  command
+      .add_flag("--skip-misfits", options->skipMisfits,
+                "A file that does not fit is a problem and left out, not an error")
+      ->group(kGroup);
+  command
+      .add_option("--source-column", options->sourceColumn,
+                  "A last variable of that name that has each case's file")
+      ->type_name("NAME")
+      ->group(kGroup);
 }
 
 void AddBareFileOptions(CLI::App& command, const std::shared_ptr<ImportOptions>& options) {

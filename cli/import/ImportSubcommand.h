@@ -16,4 +16,7 @@ void AddImport(CLI::App& program, int* status);
 // `options`.
 void AddBareFileOptions(CLI::App& command, const std::shared_ptr<ImportOptions>& options);
 
+// Adds the options of several files that are one data set; parsing fills `options`.
+void AddFilesOptions(CLI::App& command, const std::shared_ptr<ImportOptions>& options);
+
 }  // namespace cli

@@ -2,16 +2,20 @@
 
 #include <cstdio>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include <fmt/format.h>
 
 #include "HostFramework/embedded/messages/Attention.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "cli/ExitStatus.h"
+#include "cli/files/AsOneLine.h"
 #include "cli/parts/SummaryInput.h"
 #include "cli/run/CommandFileRunner.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/Interrupt.h"
+#include "library/files/DataSetPlan.h"
 #include "library/import/InputFiles.h"
 #include "library/import/RunLine.h"
 #include "library/outputs/OutputFile.h"
@@ -42,6 +46,53 @@ bool WriteText(const std::string& text, const std::string& name, std::string* er
   if (file->Finish() && file->Publish()) return true;
   *error = file->error();
   return false;
+}
+
+// The commands of several files from their summaries.
+int MergeFiles(const ImportOptions& options, const std::vector<library::FilePartSummary>& summaries,
+               Console& console) {
+  std::vector<std::string> names;
+  for (const library::FilePartSummary& summary : summaries) {
+    names.push_back(summary.file);
+    std::string problem = library::ChangeOf(summary.file, summary.state);
+    if (problem.empty() && !summary.isWhole()) {
+      problem = fmt::format("{}: bytes {} to {} of {} are summed up, not all of them", summary.file,
+                            summary.range.from, summary.range.to, summary.fileBytes);
+    }
+    if (problem.empty()) continue;
+    console.Error(problem);
+    return kExitCommandFailed;
+  }
+  library::DataSetSettings settings;
+  settings.file = SettingsOf(options);
+  settings.by = options.by.value_or(library::FileAlignment::kAuto);
+  settings.skipMisfits = options.skipMisfits;
+  settings.summarize = [&summaries](std::size_t file, const library::FileSummarySettings& data,
+                                    const library::RewritingOptions& rewriting,
+                                    std::int64_t /*shownMark*/, library::PartSummary* values,
+                                    std::string* why) {
+    // Found in another way among the other files: it is read again.
+    return library::ValuesOfSummary(summaries[file], data, rewriting, values) ||
+           library::SummarizeFile(data, values, why);
+  };
+  library::InputFiles files;
+  library::DataSetPlan plan;
+  std::string problem;
+  if (!library::PlanDataSet(names, files, settings, &plan, &problem)) {
+    if (embedded::AttentionRequested()) return kExitInterrupted;
+    console.Error(problem);
+    return kExitCommandFailed;
+  }
+  const std::string& commandFile = options.run.commandOutput;
+  if (!WriteText(CommandsText(plan), commandFile.empty() ? "-" : commandFile, &problem)) {
+    console.Error(problem);
+    return kExitUsage;
+  }
+  if (!commandFile.empty() && !options.run.quiet) {
+    console.Print("The import:");
+    console.Print(AsOneLine(plan, options.sourceColumn, options.run.report.nullTexts, commandFile));
+  }
+  return console.Flush() ? kExitSuccess : kExitUsage;
 }
 
 }  // namespace
@@ -94,12 +145,19 @@ int MergeSummaries(const ImportOptions& options, const PartStep& step) {
   Console console({.outputIsData = step.merged == "-" || commandFile == "-"});
   HandleInterrupts();
   embedded::SetCodePage(nullptr);
-  library::FilePartSummary merged;
+  std::vector<library::FilePartSummary> ofFiles;
   std::string problem;
-  if (!ReadSummaries(step.summaries, &merged, &problem)) {
+  if (!ReadSummaries(step.summaries, &ofFiles, &problem)) {
     console.Error(problem);
     return kExitCommandFailed;
   }
+  const bool isDataSet = ofFiles.size() > 1;
+  if (isDataSet && !step.merged.empty()) {
+    console.Error("--output: a summary is of one file, and these are of several");
+    return kExitUsage;
+  }
+  if (isDataSet) return MergeFiles(options, ofFiles, console);
+  const library::FilePartSummary& merged = ofFiles.front();
   if (!step.merged.empty() && !WriteSummary(merged, step.merged, &problem)) {
     console.Error(problem);
     return kExitUsage;

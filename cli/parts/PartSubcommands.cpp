@@ -12,7 +12,8 @@ constexpr char kGroup[] = "Parts";
 
 constexpr char kExamples[] =
     R"(A file that several machines import together: each sums up its part, one merges the summaries into
-the command, each imports its part. The outcome is that of one import of the whole.
+the command, each imports its part. The outcome is that of one import of the whole. Summaries of
+several files become commands of one data set, a file each, which 'run --as-one' reads.
 
 Examples, for two parts:
   textwizard import data.csv --parts 1/2 --summary 1.summary
@@ -108,6 +109,7 @@ void AddMerge(CLI::App& program, int* status) {
       ->type_name("FILE|-");
   merge->add_flag("--quiet", options->run.quiet, "Nothing but messages");
   AddBareFileOptions(*merge, options);
+  AddFilesOptions(*merge, options);
   merge->footer(kExamples);
   // Those of the summaries.
   AddNullTexts(*merge, options->run.report);

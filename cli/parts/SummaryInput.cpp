@@ -1,6 +1,7 @@
 #include "cli/parts/SummaryInput.h"
 
 #include <fstream>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <utility>
@@ -14,23 +15,49 @@ namespace cli {
 
 using library::FilePartSummary;
 
-bool ReadSummaries(const std::vector<std::string>& files, FilePartSummary* merged,
+bool ReadSummaries(const std::vector<std::string>& files, std::vector<FilePartSummary>* merged,
                    std::string* error) {
-  std::vector<FilePartSummary> read;
+  struct OfFile {
+    std::vector<FilePartSummary> summaries;
+    std::vector<std::string> names;
+  };
+  std::map<std::string, OfFile> read;
   for (const std::string& name : files) {
     std::ifstream file(name, std::ios::binary);
     std::ostringstream bytes;
     bytes << file.rdbuf();
-    read.emplace_back();
-    if (file.good() && library::ReadSummary(bytes.str(), &read.back())) continue;
-    *error =
-        fmt::format("{} {}", name, file.is_open() ? "is no summary of a part" : "cannot be opened");
+    FilePartSummary summary;
+    if (!file.good() || !library::ReadSummary(bytes.str(), &summary)) {
+      *error = fmt::format("{} {}", name,
+                           file.is_open() ? "is no summary of a part" : "cannot be opened");
+      return false;
+    }
+    OfFile& of = read[summary.file];
+    of.summaries.push_back(std::move(summary));
+    of.names.push_back(name);
+  }
+  merged->clear();
+  for (auto& [file, of] : read) {
+    std::size_t wrong = 0;
+    std::string problem;
+    if (library::MergeSummaries(std::move(of.summaries), &merged->emplace_back(), &wrong,
+                                &problem)) {
+      continue;
+    }
+    *error = fmt::format("{}: {}", of.names[wrong], problem);
     return false;
   }
-  std::size_t wrong = 0;
-  std::string problem;
-  if (library::MergeSummaries(std::move(read), merged, &wrong, &problem)) return true;
-  *error = fmt::format("{}: {}", files[wrong], problem);
+  return true;
+}
+
+bool ReadSummaries(const std::vector<std::string>& files, FilePartSummary* merged,
+                   std::string* error) {
+  std::vector<FilePartSummary> ofFiles;
+  if (!ReadSummaries(files, &ofFiles, error)) return false;
+  *merged = std::move(ofFiles.front());
+  if (ofFiles.size() == 1) return true;
+  *error = fmt::format("the summaries are of the files {} and {}, not of one", merged->file,
+                       ofFiles[1].file);
   return false;
 }
 

@@ -13,6 +13,10 @@ namespace cli {
 bool ReadSummaries(const std::vector<std::string>& files, library::FilePartSummary* merged,
                    std::string* error);
 
+// The same of several files: one merged summary each, in the order of the files' names.
+bool ReadSummaries(const std::vector<std::string>& files,
+                   std::vector<library::FilePartSummary>* merged, std::string* error);
+
 // False when it cannot be written; *error says so.
 bool WriteSummary(const library::FilePartSummary& summary, const std::string& file,
                   std::string* error);

@@ -57,6 +57,7 @@ void CommandOutputs::Begin(const QANT_DataSource& source) {
   options.labels = options_.labels;
   options.namesAsVariables = options_.namesAsVariables;
   options.integers = options_.integerVariables;
+  options.severalFiles = options_.asOne;
   if (options_.integers) options.integers = library::WholeNumberFormats(source);
   for (const auto& file : cases_) sinks_.push_back(&file->Begin(source, options));
 }

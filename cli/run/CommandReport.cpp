@@ -14,6 +14,9 @@ namespace {
 
 using library::OutputFile;
 
+// The kind of the problem that a file is left out.
+constexpr char kLeftOutKind[] = "left-out";
+
 library::WatchSettings SettingsOf(const ReportOptions& options,
                                   const CommandReport::Wanted& wanted) {
   // Without a reader for them, and without a second pass to be compared, the first problem of each
@@ -36,7 +39,11 @@ std::string Joined(const std::vector<std::string>& parts) {
 }  // namespace
 
 CommandReport::CommandReport(const ReportOptions& options, int number, const Wanted& wanted)
-    : options_(options), number_(number), watch_(SettingsOf(options, wanted)) {}
+    : options_(options), number_(number), wanted_(wanted), watch_(SettingsOf(options, wanted)) {}
+
+library::WatchSettings CommandReport::watchSettings() const {
+  return SettingsOf(options_, wanted_);
+}
 
 bool CommandReport::Open(std::string* error) {
   return Open(options_.problems, &problemsFile_, error) &&
@@ -50,22 +57,14 @@ bool CommandReport::Open(const std::string& name, std::unique_ptr<OutputFile>* f
   return *file != nullptr;
 }
 
-bool CommandReport::Begin(const QANT_DataSource& source, bool sampled,
-                          const std::vector<library::CasesFile*>& tables, std::string* error) {
-  source_ = &source;
-  variables_ = library::ReportVariablesOf(source);
+library::ImportWatch::Outputs CommandReport::MakeProblemSinks(
+    const std::vector<library::CasesFile*>& tables, library::ProblemWriter::Files files) {
   library::ImportWatch::Outputs outputs;
   if (problemsFile_ != nullptr) {
-    problems_ = std::make_unique<library::ProblemWriter>(*ProblemFormatOf(options_), variables_,
-                                                         options_.problemLimit, *problemsFile_);
+    problems_ = std::make_unique<library::ProblemWriter>(
+        *ProblemFormatOf(options_), variables_, options_.problemLimit, *problemsFile_, files);
     problems_->WriteHeader();
     outputs.problems.push_back(problems_.get());
-  }
-  if (rejectsFile_ != nullptr) {
-    data_ = library::FileSource::Open(source.GetFileSpec(), error);
-    if (data_ == nullptr) return false;
-    rejects_ = std::make_unique<library::RejectsFile>(*data_, *rejectsFile_);
-    outputs.rejects = rejects_.get();
   }
   for (library::CasesFile* table : tables) {
     tables_.push_back(std::make_unique<library::ProblemRowSink>(
@@ -73,8 +72,59 @@ bool CommandReport::Begin(const QANT_DataSource& source, bool sampled,
         [table](const library::ProblemRow& row) { table->AddProblem(row); }));
     outputs.problems.push_back(tables_.back().get());
   }
+  return outputs;
+}
+
+bool CommandReport::Begin(const QANT_DataSource& source, bool sampled,
+                          const std::vector<library::CasesFile*>& tables, std::string* error) {
+  source_ = &source;
+  variables_ = library::ReportVariablesOf(source);
+  library::ImportWatch::Outputs outputs =
+      MakeProblemSinks(tables, library::ProblemWriter::Files::kOne);
+  if (rejectsFile_ != nullptr) {
+    data_ = library::FileSource::Open(source.GetFileSpec(), error);
+    if (data_ == nullptr) return false;
+    rejects_ = std::make_unique<library::RejectsFile>(*data_, *rejectsFile_);
+    outputs.rejects = rejects_.get();
+  }
   Prepare(outputs, {.batches = true, .sampled = sampled});
   return true;
+}
+
+void CommandReport::BeginFiles(const QANT_DataSource& source,
+                               const std::vector<library::CasesFile*>& tables,
+                               std::vector<LeftOutFile> leftOut) {
+  source_ = &source;
+  variables_ = library::ReportVariablesOf(source);
+  MakeProblemSinks(tables, library::ProblemWriter::Files::kSeveral);
+  leftOut_ = std::move(leftOut);
+  for (const LeftOutFile& file : leftOut_) {
+    const library::ProblemRow row{.kind = kLeftOutKind,
+                                  .caseNumber = 0,
+                                  .line = 0,
+                                  .byte = -1,
+                                  .variable = {},
+                                  .format = {},
+                                  .text = {},
+                                  .detail = file.why,
+                                  .file = file.name};
+    if (problems_ != nullptr) problems_->WriteRow(row);
+    for (library::CasesFile* table : tables) table->AddProblem(row);
+  }
+}
+
+std::vector<library::ProblemSink*> CommandReport::problemSinks() const {
+  std::vector<library::ProblemSink*> sinks;
+  if (problems_ != nullptr) sinks.push_back(problems_.get());
+  for (const auto& table : tables_) sinks.push_back(table.get());
+  return sinks;
+}
+
+void CommandReport::EndFiles(library::PassAccount account, std::string files, std::string drift) {
+  account_ = std::move(account);
+  files_ = std::move(files);
+  drift_ = std::move(drift);
+  if (problems_ != nullptr) problems_->Flush();
 }
 
 void CommandReport::Prepare(const library::ImportWatch::Outputs& outputs,
@@ -116,6 +166,9 @@ library::PassAccount CommandReport::TakeAccount() {
 std::string CommandReport::Forbidden() const {
   if (!options_.strict) return {};
   if (account_.problems.total() > 0) return "--strict: " + library::InShort(account_.problems);
+  if (!leftOut_.empty()) {
+    return fmt::format("--strict: {} is left out: {}", leftOut_.front().name, leftOut_.front().why);
+  }
   return misfits_.empty() ? std::string() : "--strict: " + misfits_.front().detail;
 }
 
@@ -151,11 +204,13 @@ std::string CommandReport::DigestLine() const {
 }
 
 library::DictionaryReport CommandReport::ForDictionary() const {
-  return {account_.ledger.Json().dump(), [this](std::size_t index) {
+  return {account_.ledger.Json().dump(),
+          [this](std::size_t index) {
             const ImportEvidence* evidence = watch_.EvidenceOf(index);
             return evidence == nullptr ? std::string()
                                        : library::EvidenceJson(*evidence, variables_[index]).dump();
-          }};
+          },
+          files_, drift_};
 }
 
 std::string CommandReport::RejectsProblem() const {

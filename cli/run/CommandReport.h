@@ -21,8 +21,15 @@
 
 namespace cli {
 
+// A file that is no part of a data set, and why: a sentence. UTF-8.
+struct LeftOutFile {
+  std::string name;
+  std::string why;
+};
+
 // One thread. In this order: Open; the watch given to an import, and its dictionary made; Begin,
-// the pass, End; where it is to be verified BeginSecond, the second pass, EndSecond.
+// the pass, End; where it is to be verified BeginSecond, the second pass, EndSecond. Of several
+// files that are one data set: Open, BeginFiles, their passes, EndFiles.
 class CommandReport {
  public:
   // What is wanted besides what the options ask for.
@@ -42,6 +49,16 @@ class CommandReport {
   // read for the rejects; then *error says so.
   bool Begin(const QANT_DataSource& source, bool sampled,
              const std::vector<library::CasesFile*>& tables, std::string* error);
+  // The cases of several files, which are one to `source`, are about to be read; those that are
+  // left out are problems.
+  void BeginFiles(const QANT_DataSource& source, const std::vector<library::CasesFile*>& tables,
+                  std::vector<LeftOutFile> leftOut);
+  // Who takes their problems.
+  std::vector<library::ProblemSink*> problemSinks() const;
+  // What their import wants of its watches.
+  library::WatchSettings watchSettings() const;
+  // What they all came to; `files` and `drift` are JSON for the dictionary.
+  void EndFiles(library::PassAccount account, std::string files, std::string drift);
   // What columns could not hold; before End.
   void Add(std::vector<library::Misfit> misfits);
   // The pass has ended, and its iterator is gone.
@@ -59,6 +76,8 @@ class CommandReport {
 
   // What --explain shows: a few lines for each AUTO variable; empty when it was not asked for.
   std::string Explained() const;
+  // Cases that were read.
+  std::int64_t cases() const { return account_.cases; }
   // What a person should know about an import that succeeded, a sentence each.
   std::vector<std::string> Warnings() const;
   // Problems, these warnings and the ledger, for a terminal.
@@ -76,12 +95,15 @@ class CommandReport {
  private:
   bool Open(const std::string& name, std::unique_ptr<library::OutputFile>* file,
             std::string* error) const;
+  library::ImportWatch::Outputs MakeProblemSinks(const std::vector<library::CasesFile*>& tables,
+                                                 library::ProblemWriter::Files files);
   void Prepare(const library::ImportWatch::Outputs& outputs,
                const library::ImportWatch::Mode& mode);
   library::PassAccount TakeAccount();
 
   const ReportOptions& options_;
   const int number_;
+  const Wanted wanted_;
   library::ImportWatch watch_;
   const QANT_DataSource* source_ = nullptr;
   library::ReportVariables variables_;
@@ -93,6 +115,9 @@ class CommandReport {
   std::unique_ptr<library::RejectsFile> rejects_;
   std::vector<std::unique_ptr<library::ProblemRowSink>> tables_;
   std::vector<library::Misfit> misfits_;
+  std::vector<LeftOutFile> leftOut_;
+  std::string files_;
+  std::string drift_;
   std::optional<library::DigestSink> digest_;  // of the pass that is read
   library::PassAccount account_;
 };

@@ -107,7 +107,7 @@ std::string Overwritten(const std::vector<Output>& outputs, const RunOptions& op
       }
     }
     const bool itself = !perCommand && output.ofOneCommand;
-    if (itself && output.name != kStandardOutput && SeveralRun(commands)) {
+    if (itself && output.name != kStandardOutput && !options.asOne && SeveralRun(commands)) {
       return fmt::format(
           "{} {}: the file holds several commands, and the second would overwrite the first's; "
           "put %d, the command's number, into the name",
@@ -176,6 +176,10 @@ std::string WhatIsWrong(const RunOptions& options, const std::vector<ListedComma
     outputs.push_back({target.option, target.name});
   }
   if (options.format && options.cases.empty()) return "--format needs --cases";
+  if (options.asOne && options.parts.single) return "--part is of one command, not of several";
+  if (options.asOne && !options.report.rejects.empty()) {
+    return "--rejects is of one file: import the files with problems one by one";
+  }
   if (ReadersOfInput(options, commands) > 1) {
     return "standard input can be read only once, but more than one of the command file and the "
            "data files is -";

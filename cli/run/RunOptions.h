@@ -47,6 +47,13 @@ struct RunOptions {
   library::PartOptions parts = {};
   std::vector<std::string> before = {};
 
+  // The commands' cases are one data set, in the order of the commands; with a last variable of
+  // that name (UTF-8) that has each case's file, unless it is empty.
+  bool asOne = false;
+  std::string sourceColumn = {};
+  // Of some commands, how their files are read instead: texts of FileReadings.h.
+  std::vector<std::string> with = {};
+
   // What is shown.
   long long show = 10;
   bool stats = false;

@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/files/AsOneRun.h"
 #include "cli/parts/PartSubcommands.h"
 #include "cli/run/RunOptions.h"
 #include "cli/run/SharedOptions.h"
@@ -23,6 +24,8 @@ Examples:
       writes all cases and the dictionary
   textwizard run month.sps --cases 'part-%d.jsonl' --messages messages.jsonl --quiet
       several commands, a file of cases each
+  textwizard run month.sps --as-one --cases year.csv
+      several commands of the same variables, one file of cases
   zcat survey.csv.gz | textwizard run import.sps --cases - | head
       imports what import.sps names as FILE='-'
 
@@ -80,10 +83,30 @@ void AddRun(CLI::App& program, int* status) {
       ->type_name("N")
       ->group("Reading");
 
+  CLI::Option* const asOne =
+      run->add_flag("--as-one", options->asOne,
+                    "The commands' cases are one data set, in the order of the commands")
+          ->group("Several files");
+  run->add_option("--source-column", options->sourceColumn,
+                  "A last variable of that name that has each case's file")
+      ->type_name("NAME")
+      ->needs(asOne)
+      ->group("Several files");
+  run->add_option("--with", options->with,
+                  "How the files of some commands are read instead, such as 3,5-7:decimal=comma; "
+                  "words: decimal=comma, locale-code-page=NAME, byte-order-mark=utf-16le, "
+                  "join-quoted-lines, backslash-escapes, keep-stray-qualifiers, none")
+      ->type_name("N,...:WORD,...")
+      ->take_all()
+      ->expected(1)
+      ->needs(asOne)
+      ->group("Several files");
+
   AddDisplayOptions(*run, options);
   AddPartOptions(*run, options);
   run->footer(kExamples);
-  run->callback([options, status] { *status = RunPart(*options); });
+  run->callback(
+      [options, status] { *status = options->asOne ? RunAsOne(*options) : RunPart(*options); });
 }
 
 }  // namespace cli

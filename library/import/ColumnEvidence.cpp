@@ -1,5 +1,7 @@
 #include "library/import/ColumnEvidence.h"
 
+#include <utility>
+
 namespace library {
 namespace {
 
@@ -18,7 +20,7 @@ void Witness::Set(std::string_view seen, std::int64_t seenLine) {
 }
 
 void Witness::Append(const Witness& next, std::int64_t lines) {
-  if (line == 0 && next.line != 0) {
+  if (next.line != 0 && (line == 0 || next.line + lines < line)) {
     line = next.line + lines;
     text = next.text;
   }
@@ -110,10 +112,22 @@ void ColumnEvidence::Append(const ColumnEvidence& next, std::int64_t lines) {
   secondFraction_ = std::max(secondFraction_, next.secondFraction_);
   hasSeconds_ = hasSeconds_ || next.hasSeconds_;
   longestRead_ = std::max(longestRead_, next.longestRead_);
-  if (next.longest_.count > longest_.count) {
+  const bool longer = next.longest_.count > longest_.count;
+  const bool before = next.longest_.count == longest_.count && next.longest_.line > 0 &&
+                      next.longest_.line + lines < longest_.line;
+  if (longer || before) {
     longest_ = next.longest_;
     longest_.line += lines;
   }
+}
+
+void ColumnEvidence::SwapDecimals() {
+  const std::vector<Group> groups = std::move(groups_);
+  groups_.clear();
+  for (const Group& group : groups) {
+    GroupOf(WithSwappedDecimals(group.readings)).values = group.values;
+  }
+  std::swap(point_, comma_);
 }
 
 // All values of the groups that `chosen` takes, the first of them as witness.

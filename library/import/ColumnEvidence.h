@@ -28,7 +28,8 @@ struct Witness {
     if (line == 0) Set(seen, seenLine);
     ++count;
   }
-  // Those of `next`, which begins `lines` lines later.
+  // Those of `next`, whose lines are counted `lines` lines later. The first is that of the first
+  // line.
   void Append(const Witness& next, std::int64_t lines);
   void Set(std::string_view seen, std::int64_t seenLine);
 
@@ -63,6 +64,9 @@ class ColumnEvidence {
   void Count(std::string_view field, std::int64_t line, const textwizard::NullTexts& nulls);
   // Takes what `next` has counted behind this stretch, which is `lines` lines long.
   void Append(const ColumnEvidence& next, std::int64_t lines);
+  // Points become decimal commas and commas points, of all numbers: what another decimal character
+  // makes of the same values.
+  void SwapDecimals();
 
   // Not empty, not null.
   std::int64_t values() const { return values_; }

@@ -56,6 +56,15 @@ const InputFiles::Input& InputFiles::Open(const std::string& name) {
   return inputs_.emplace(name, Make(name)).first->second;
 }
 
+void InputFiles::Release(const std::string& name) {
+  const auto input = inputs_.find(name);
+  // Pipes can be read once only.
+  if (input == inputs_.end() || input->second.compression == Compression::kNone) return;
+  if (pipes_.PathOf(name) != name) return;
+  inputs_.erase(input);
+  spools_.erase(name);
+}
+
 InputFiles::Input InputFiles::Make(const std::string& name) {
   Input input;
   input.path = pipes_.PathOf(name);

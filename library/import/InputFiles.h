@@ -41,6 +41,8 @@ class InputFiles {
   // The input of the name "-" (standard input) or a path (host text); asked again, the same. The
   // user may interrupt it.
   const Input& Open(const std::string& name);
+  // Forgets what was copied of a compressed file; asked for it again, it is decompressed again.
+  void Release(const std::string& name);
 
  private:
   Input Make(const std::string& name);

@@ -61,6 +61,24 @@ class ReadingSet {
   std::uint32_t bits_ = 0;
 };
 
+// What values of the set are to who takes the other decimal character for theirs.
+constexpr ReadingSet WithSwappedDecimals(ReadingSet readings) {
+  constexpr std::array<Reading, kReadings> kSwapped = [] {
+    std::array<Reading, kReadings> swapped{};
+    for (std::size_t i = 0; i < kReadings; ++i) swapped[i] = static_cast<Reading>(i);
+    swapped[static_cast<std::size_t>(Reading::kPoint)] = Reading::kComma;
+    swapped[static_cast<std::size_t>(Reading::kComma)] = Reading::kPoint;
+    swapped[static_cast<std::size_t>(Reading::kPointPercent)] = Reading::kCommaPercent;
+    swapped[static_cast<std::size_t>(Reading::kCommaPercent)] = Reading::kPointPercent;
+    return swapped;
+  }();
+  ReadingSet swapped;
+  for (std::size_t i = 0; i < kReadings; ++i) {
+    if (readings.Has(static_cast<Reading>(i))) swapped.Add(kSwapped[i]);
+  }
+  return swapped;
+}
+
 constexpr bool IsNumber(Reading reading) { return reading <= Reading::kDollar; }
 
 // The format that reads it: of numbers the one that has the same decimal character at all times,

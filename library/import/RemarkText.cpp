@@ -10,19 +10,32 @@ namespace {
 using textwizard::kFormatADate;
 using textwizard::kFormatEDate;
 
-// "3 values" and the first of them.
+// "3 values".
 std::string Values(const Witness& values) {
   return fmt::format("{} value{}", values.count, values.count == 1 ? "" : "s");
-}
-std::string First(const Witness& values) {
-  return fmt::format("{} in line {}", values.text, values.line);
 }
 
 std::string Wish(const BareColumn& column, const ChosenFormat& format) {
   return fmt::format("--types {}={}", column.name, FormatText(format));
 }
 
-std::string TextOf(const BareColumn& column, const ColumnRemark& remark) {
+class RemarkWriter {
+ public:
+  using PlaceOf = std::function<std::string(std::int64_t)>;
+  explicit RemarkWriter(const PlaceOf& placeOf) : placeOf_(placeOf) {}
+
+  std::string TextOf(const BareColumn& column, const ColumnRemark& remark) const;
+  std::string Order(const BareColumn& column, const ColumnEvidence& evidence) const;
+
+ private:
+  std::string First(const Witness& values) const {
+    return fmt::format("{} in {}", values.text, placeOf_(values.line));
+  }
+
+  const PlaceOf& placeOf_;
+};
+
+std::string RemarkWriter::TextOf(const BareColumn& column, const ColumnRemark& remark) const {
   const std::string wish = remark.other ? Wish(column, *remark.other) : "";
   switch (remark.kind) {
     case ColumnRemark::kUnreadable:
@@ -46,14 +59,14 @@ std::string TextOf(const BareColumn& column, const ColumnRemark& remark) {
           "ambiguous, {} may have a decimal or a grouping character; {} for the other",
           First(remark.values), wish);
     case ColumnRemark::kTooLong:
-      return fmt::format("a text of {} bytes in line {}, longer than a string can be; cut",
-                         remark.values.count, remark.values.line);
+      return fmt::format("a text of {} bytes in {}, longer than a string can be; cut",
+                         remark.values.count, placeOf_(remark.values.line));
   }
   return {};
 }
 
 // Why days or months come first, where values say it.
-std::string Order(const BareColumn& column, const ColumnEvidence& evidence) {
+std::string RemarkWriter::Order(const BareColumn& column, const ColumnEvidence& evidence) const {
   const bool dayFirst = column.type.format.code == kFormatEDate;
   if ((!dayFirst && column.type.format.code != kFormatADate) || column.typeGiven) return {};
   const Witness seen = dayFirst ? evidence.Only(Reading::kDayMonthYear, Reading::kMonthDayYear)
@@ -64,17 +77,25 @@ std::string Order(const BareColumn& column, const ColumnEvidence& evidence) {
 
 }  // namespace
 
-std::vector<std::string> RemarksOf(const BareImport& import) {
+std::vector<std::string> RemarksOf(const std::vector<BareColumn>& columns,
+                                   const std::vector<ColumnEvidence>& evidence,
+                                   const std::function<std::string(std::int64_t)>& placeOf) {
+  const RemarkWriter writer(placeOf);
   std::vector<std::string> remarks;
-  for (std::size_t index = 0; index < import.columns.size(); ++index) {
-    const BareColumn& column = import.columns[index];
+  for (std::size_t index = 0; index < columns.size(); ++index) {
+    const BareColumn& column = columns[index];
     const auto add = [&](const std::string& text) {
       if (!text.empty()) remarks.push_back(column.name + ": " + text);
     };
-    add(Order(column, import.summary.columns[index]));
-    for (const ColumnRemark& remark : column.type.remarks) add(TextOf(column, remark));
+    add(writer.Order(column, evidence[index]));
+    for (const ColumnRemark& remark : column.type.remarks) add(writer.TextOf(column, remark));
   }
   return remarks;
+}
+
+std::vector<std::string> RemarksOf(const BareImport& import) {
+  return RemarksOf(import.columns, import.summary.columns,
+                   [](std::int64_t line) { return fmt::format("line {}", line); });
 }
 
 }  // namespace library

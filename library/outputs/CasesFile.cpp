@@ -115,7 +115,8 @@ class ColumnCasesFile final : public CasesFile {
     if (format() == CaseFormat::kSqlite) {
       const SqliteTimes times =
           options.values == ValueStyle::kRaw ? SqliteTimes::kNumbers : SqliteTimes::kText;
-      auto database = std::make_unique<SqliteWriter>(file().path(), fields, times);
+      auto database =
+          std::make_unique<SqliteWriter>(file().path(), fields, times, options.severalFiles);
       database_ = database.get();
       writer_ = std::move(database);
     } else if (format() == CaseFormat::kParquet) {

@@ -47,6 +47,8 @@ struct CasesFileOptions {
   bool namesAsVariables = false;
   // Numbers that are whole and within 2^53 in every case.
   std::vector<bool> integers = {};
+  // The cases are of several files: problems name theirs.
+  bool severalFiles = false;
 };
 
 // The variables of a source whose formats say that they are whole numbers: without decimals.

@@ -40,6 +40,8 @@ void WriteDictionary(const QANT_DataSource& source, const std::string& dataFile,
   }
   sink.Append("]");
   if (report != nullptr && !report->ledger.empty()) sink.Append(",\"ledger\":" + report->ledger);
+  if (report != nullptr && !report->files.empty()) sink.Append(",\"files\":" + report->files);
+  if (report != nullptr && !report->drift.empty()) sink.Append(",\"drift\":" + report->drift);
   sink.Append("}\n");
 }
 

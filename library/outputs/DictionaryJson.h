@@ -16,6 +16,9 @@ struct DictionaryReport {
   std::string ledger;
   // Of a variable; an empty text where there is none.
   std::function<std::string(std::size_t)> evidence;
+  // Of several files that are one data set: what each came to, and how they differ; else empty.
+  std::string files = {};
+  std::string drift = {};
 };
 
 // Writes one line with its line end. `dataFile` is the file's name in the command (host text),

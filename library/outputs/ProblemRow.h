@@ -17,6 +17,8 @@ struct ProblemRow {
   std::string_view format;
   std::string_view text;
   std::string_view detail;
+  // One of several; empty where there is one only.
+  std::string_view file = {};
 };
 
 }  // namespace library

@@ -1,6 +1,7 @@
 #include "library/parts/BareParts.h"
 
 #include <algorithm>
+#include <functional>
 
 #include <fmt/format.h>
 
@@ -29,8 +30,11 @@ std::string CutText(const FileSummarySettings& data) {
   return text;
 }
 
+// Which part, of a file of so many bytes.
+using PartOfFile = std::function<PartRange(std::int64_t fileBytes)>;
+
 // Reads the lines that begin in one part.
-bool ReadPart(const FileSummarySettings& data, std::int64_t number, std::int64_t count,
+bool ReadPart(const FileSummarySettings& data, const PartOfFile& partOf,
               const RewritingOptions& rewriting, std::int64_t shownMark, FilePartSummary* summary,
               std::string* problem) {
   QANT_FileStream stream;
@@ -39,7 +43,7 @@ bool ReadPart(const FileSummarySettings& data, std::int64_t number, std::int64_t
     return false;
   }
   summary->fileBytes = stream.Size() - shownMark;
-  summary->range = PartOf(summary->fileBytes, number, count);
+  summary->range = partOf(summary->fileBytes);
   summary->rewriting = rewriting;
   summary->cut = CutText(data);
   // A mark that the file lacks stands in front of its first byte.
@@ -69,11 +73,8 @@ bool CheckState(const FilePartSummary& summary, std::string* problem) {
   return false;
 }
 
-}  // namespace
-
-bool SummarizeFilePart(const std::string& name, std::int64_t number, std::int64_t count,
-                       InputFiles& files, const BareImportSettings& settings,
-                       FilePartSummary* summary, std::string* problem) {
+bool Summarize(const std::string& name, const PartOfFile& partOf, InputFiles& files,
+               const BareImportSettings& settings, FilePartSummary* summary, std::string* problem) {
   *summary = {};
   summary->file = name;
   if (!GetFileState(name, &summary->state)) {
@@ -83,12 +84,42 @@ bool SummarizeFilePart(const std::string& name, std::int64_t number, std::int64_
   BareImportSettings own = settings;
   own.summarize = [&](const FileSummarySettings& data, const RewritingOptions& rewriting,
                       std::int64_t shownMark, PartSummary* values, std::string* why) {
-    if (!ReadPart(data, number, count, rewriting, shownMark, summary, why)) return false;
+    if (!ReadPart(data, partOf, rewriting, shownMark, summary, why)) return false;
     *values = summary->values;
     return true;
   };
   BareImport import;
   return UnderstandFile(name, files, own, &import, problem) && CheckState(*summary, problem);
+}
+
+}  // namespace
+
+bool SummarizeFilePart(const std::string& name, std::int64_t number, std::int64_t count,
+                       InputFiles& files, const BareImportSettings& settings,
+                       FilePartSummary* summary, std::string* problem) {
+  return Summarize(
+      name, [number, count](std::int64_t bytes) { return PartOf(bytes, number, count); }, files,
+      settings, summary, problem);
+}
+
+bool SummarizeFilePart(const std::string& name, const PartRange& part, InputFiles& files,
+                       const BareImportSettings& settings, FilePartSummary* summary,
+                       std::string* problem) {
+  return Summarize(
+      name,
+      [&part](std::int64_t bytes) {
+        return PartRange{std::min(part.from, bytes), std::min(part.to, bytes)};
+      },
+      files, settings, summary, problem);
+}
+
+bool ValuesOfSummary(const FilePartSummary& summary, const FileSummarySettings& data,
+                     const RewritingOptions& rewriting, PartSummary* values) {
+  if (rewriting != summary.rewriting || CutText(data) != summary.cut) return false;
+  *values = PartSummary(summary.values.columns.size());
+  values->lines = data.linesBefore;
+  values->Append(summary.values);
+  return true;
 }
 
 bool UnderstandParts(const FilePartSummary& summary, InputFiles& files,
@@ -103,13 +134,7 @@ bool UnderstandParts(const FilePartSummary& summary, InputFiles& files,
   own.summarize = [&](const FileSummarySettings& data, const RewritingOptions& rewriting,
                       std::int64_t /*shownMark*/, PartSummary* values, std::string* why) {
     // What was tried in vain by those who read the parts is not in the summaries.
-    if (rewriting != summary.rewriting || CutText(data) != summary.cut) {
-      return SummarizeFile(data, values, why);
-    }
-    *values = PartSummary(summary.values.columns.size());
-    values->lines = data.linesBefore;
-    values->Append(summary.values);
-    return true;
+    return ValuesOfSummary(summary, data, rewriting, values) || SummarizeFile(data, values, why);
   };
   return UnderstandFile(summary.file, files, own, import, problem);
 }

@@ -9,6 +9,7 @@
 
 #include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/parts/testing/PartFiles.h"
+#include "library/parts/testing/RandomParts.h"
 #include "library/report/ImportWatch.h"
 #include "library/testing/TestFolder.h"
 
@@ -119,6 +120,34 @@ TEST_F(BarePartsTest, MergeIntoWhatOneReaderFinds) {
         ASSERT_TRUE(merged.Append(Part(path, number, count), &problem)) << problem;
       }
       ExpectSame(whole, Merged(merged), name + " in " + std::to_string(count) + " parts");
+      if (HasFailure()) return;
+    }
+  }
+}
+
+TEST_F(BarePartsTest, CutAtRandomMergeIntoTheSame) {
+  std::mt19937_64 random(5);
+  for (const auto& [name, bytes] : BareFiles()) {
+    const std::string path = folder_.Write(name + ".txt", bytes);
+    const Understood whole = Whole(path);
+    BareImportSettings settings = Settings();
+    settings.sniffed = &whole.import.sniff;
+    for (int round = 0; round < RandomCuts(); ++round) {
+      FilePartSummary merged;
+      std::string problem;
+      const auto size = static_cast<std::int64_t>(bytes.size());
+      for (const PartRange& range : RandomParts(size, random)) {
+        embedded::SetCodePage(nullptr);
+        InputFiles files;
+        FilePartSummary part;
+        ASSERT_TRUE(SummarizeFilePart(path, range, files, settings, &part, &problem)) << problem;
+        if (merged.file.empty()) {
+          merged = std::move(part);
+        } else {
+          ASSERT_TRUE(merged.Append(part, &problem)) << problem;
+        }
+      }
+      ExpectSame(whole, Merged(merged), name);
       if (HasFailure()) return;
     }
   }

@@ -1,6 +1,6 @@
 #include "library/parts/PartedReading.h"
 
-#include <cstdlib>
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -12,6 +12,7 @@
 #include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/import/CommandImport.h"
 #include "library/parts/testing/PartFiles.h"
+#include "library/parts/testing/RandomParts.h"
 #include "library/report/Digest.h"
 
 namespace library {
@@ -203,6 +204,41 @@ TEST_P(APartedReading, IsTheSumOfItsParts) {
     EXPECT_EQ(whole.cases, sum.cases) << count;
     EXPECT_EQ(whole.ledger.Json(), sum.ledger.Json()) << count;
     if (HasFailure()) return;
+  }
+}
+
+// However the work is cut: at any bytes, in any number of parts.
+TEST_P(APartedReading, IsTheSumOfPartsCutAtRandom) {
+  const PartFile& file = GetParam();
+  if (file.uncut) return;
+  const Outcome whole = Import(file, {}, 1000);
+  const auto size = static_cast<std::int64_t>(file.bytes.size());
+  std::mt19937_64 random(std::hash<std::string>()(file.name));
+  for (int round = 0; round < RandomCuts(); ++round) {
+    const std::vector<PartRange> ranges = RandomParts(size, random);
+    Outcome sum;
+    sum.textsBeyondColumn.resize(whole.textsBeyondColumn.size());
+    for (const PartRange& range : ranges) {
+      PartOptions parts;
+      parts.single = PartOptions::Single{range, {}};
+      const Outcome part = Import(file, parts, 1000, round % 2 == 0);
+      ASSERT_TRUE(part.errors.empty()) << part.errors[0];
+      ASSERT_EQ(part.imbalance, "");
+      sum.problems.insert(sum.problems.end(), part.problems.begin(), part.problems.end());
+      sum.digest += part.digest;
+      sum.cases += part.cases;
+      if (&range == ranges.data()) {
+        sum.ledger = part.ledger;
+      } else {
+        sum.ledger += part.ledger;
+      }
+    }
+    std::string cut = "cut at";
+    for (const PartRange& range : ranges) cut += " " + std::to_string(range.from);
+    ASSERT_EQ(whole.problems, sum.problems) << cut;
+    ASSERT_EQ(whole.digest.Hex(), sum.digest.Hex()) << cut;
+    ASSERT_EQ(whole.cases, sum.cases) << cut;
+    ASSERT_EQ(whole.ledger.Json(), sum.ledger.Json()) << cut;
   }
 }
 

@@ -59,6 +59,12 @@ void Ledger::AddCells(const ImportCellCounts& cells) {
   cells_.absent += cells.absent;
 }
 
+void Ledger::AddVariables(std::int64_t absent, std::int64_t read) {
+  counts_.variables += absent + read;
+  cells_.absent += absent * counts_.cases;
+  cells_.read += read * counts_.cases;
+}
+
 Ledger& Ledger::operator+=(const Ledger& part) {
   counts_.bytes += part.counts_.bytes;
   counts_.cases += part.counts_.cases;

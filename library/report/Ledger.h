@@ -25,6 +25,8 @@ class Ledger {
 
   void AddSpan(const ImportSpan& span);
   void AddCells(const ImportCellCounts& cells);
+  // The cases have other variables as well: `absent` cells of each lack a value, `read` have one.
+  void AddVariables(std::int64_t absent, std::int64_t read);
   void SetCounts(const Counts& counts) { counts_ = counts; }
   // Adds the books of another part of the same import, which has the same variables.
   Ledger& operator+=(const Ledger& part);

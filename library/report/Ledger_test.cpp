@@ -50,6 +50,16 @@ TEST(Ledger, IsWrittenWithTheContractsNames) {
   EXPECT_EQ(nlohmann::json(json), expected);
 }
 
+TEST(Ledger, CellsOfFurtherVariablesAreReadOrAbsent) {
+  Ledger ledger = Balanced();
+  ledger.AddVariables(2, 1);
+  EXPECT_EQ(ledger.Imbalance(), "");
+  EXPECT_EQ(ledger.Json()["variables"], 7);
+  EXPECT_EQ(ledger.Json()["cells"], 21);
+  EXPECT_EQ(ledger.Json()["read"], 10);
+  EXPECT_EQ(ledger.Json()["absent"], 7);
+}
+
 TEST(Ledger, IsALineForAPersonWithoutWhatIsZero) {
   EXPECT_EQ(Balanced().Line(),
             "ledger: 50 bytes = 3 mark + 11 skipped + 26 records + 3 line ends + 1 dropped + 6 "

@@ -40,12 +40,16 @@ ProblemMark MarkOf(const ImportProblem& problem) {
 
 std::string InShort(const ProblemLog& problems) {
   if (problems.total() == 0) return {};
-  std::int64_t line = 0;
-  for (const ProblemLog::Entry& entry : problems.Entries()) {
-    if (line == 0 || entry.firstLine < line) line = entry.firstLine;
-  }
-  return fmt::format("{} problem{}, the first in line {}", problems.total(),
-                     problems.total() == 1 ? "" : "s", line);
+  const std::vector<ProblemLog::Entry> entries = problems.Entries();
+  const auto first = std::min_element(
+      entries.begin(), entries.end(),
+      [](const auto& left, const auto& right) { return left.firstLine < right.firstLine; });
+  std::string text =
+      fmt::format("{} problem{}, ", problems.total(), problems.total() == 1 ? "" : "s");
+  // Which of several files comes first is not known here.
+  return text + (first->firstFile.empty()
+                     ? fmt::format("the first in line {}", first->firstLine)
+                     : fmt::format("one in line {} of {}", first->firstLine, first->firstFile));
 }
 
 std::vector<std::string> Differences(const PassAccount& first, const PassAccount& second,

@@ -38,9 +38,28 @@ void ProblemLog::Add(const ProblemLog& later) {
     if (entry.firstLine == 0) {
       entry.firstLine = other.firstLine;
       entry.firstText = other.firstText;
+      entry.firstFile = other.firstFile;
     }
     SetCount({other.kind, other.variable, entry.count + other.count});
   }
+}
+
+ProblemLog ProblemLog::OfFile(const std::string& name,
+                              const std::vector<std::size_t>& variables) const {
+  ProblemLog log;
+  for (const auto& [key, entry] : entries_) {
+    const std::int32_t variable =
+        entry.variable < 0
+            ? entry.variable
+            : static_cast<std::int32_t>(variables[static_cast<std::size_t>(entry.variable)]);
+    Entry& moved = log.EntryOf(entry.kind, variable);
+    moved = entry;
+    moved.variable = variable;
+    moved.firstFile = name;
+  }
+  log.ofKind_ = ofKind_;
+  log.total_ = total_;
+  return log;
 }
 
 std::int64_t ProblemLog::CountOf(ImportProblemKind kind, std::int32_t variable) const {
@@ -64,7 +83,8 @@ std::vector<ProblemLog::Entry> ProblemLog::Entries() const {
 }
 
 ProblemLog::Entry& ProblemLog::EntryOf(ImportProblemKind kind, std::int32_t variable) {
-  return entries_.try_emplace(KeyOf(kind, variable), Entry{variable, kind, 0, 0, {}}).first->second;
+  return entries_.try_emplace(KeyOf(kind, variable), Entry{variable, kind, 0, 0, {}, {}})
+      .first->second;
 }
 
 }  // namespace library

@@ -24,7 +24,8 @@ class ProblemLog {
     ImportProblemKind kind;
     std::int64_t count;
     std::int64_t firstLine;
-    std::string firstText;  // UTF-8, escaped
+    std::string firstText;       // UTF-8, escaped
+    std::string firstFile = {};  // UTF-8; empty where there is one file only
     bool operator==(const Entry&) const = default;
   };
 
@@ -34,6 +35,9 @@ class ProblemLog {
   void SetCount(const ImportProblemCount& all);
   // Adds the problems of a later part of the same import.
   void Add(const ProblemLog& later);
+  // The same problems as those of the file of that name (UTF-8) among several, whose variables are
+  // `variables` of all.
+  ProblemLog OfFile(const std::string& name, const std::vector<std::size_t>& variables) const;
 
   std::int64_t total() const { return total_; }
   // Of one kind, of all variables.

@@ -12,7 +12,8 @@ ProblemRow ProblemRows::Of(const ImportProblem& problem) {
                  .variable = {},
                  .format = {},
                  .text = text_.Escaped(problem.text),
-                 .detail = detail_.Of(problem)};
+                 .detail = detail_.Of(problem),
+                 .file = file_};
   if (const ReportVariable* variable = VariableAt(variables_, problem.variable)) {
     row.variable = variable->name;
     row.format = variable->format;

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "library/outputs/ProblemRow.h"
@@ -18,11 +20,14 @@ class ProblemRows {
  public:
   explicit ProblemRows(const ReportVariables& variables)
       : variables_(variables), detail_(variables) {}
+  // Those that follow are of the file of that name (UTF-8), one of several.
+  void SetFile(std::string_view name) { file_ = name; }
   // Good until the next call.
   ProblemRow Of(const ImportProblem& problem);
 
  private:
   const ReportVariables& variables_;
+  std::string file_;
   ReportText text_;
   ProblemDetail detail_;
 };
@@ -34,6 +39,7 @@ class ProblemRowSink : public ProblemSink {
   ProblemRowSink(const ReportVariables& variables, std::int64_t limit,
                  std::function<void(const ProblemRow&)> take)
       : rows_(variables), left_(limit), take_(std::move(take)) {}
+  void BeginFile(std::string_view name) override { rows_.SetFile(name); }
   void Write(const ImportProblem& problem) override {
     if (left_ > 0) --left_, take_(rows_.Of(problem));
   }

@@ -1,6 +1,8 @@
 // Who takes the problems of an import one by one.
 #pragma once
 
+#include <string_view>
+
 #include "HostFramework/ImportObserver.h"
 
 namespace library {
@@ -8,6 +10,8 @@ namespace library {
 class ProblemSink {
  public:
   virtual ~ProblemSink() = default;
+  // The problems that follow are of the file of that name (UTF-8), one of several.
+  virtual void BeginFile(std::string_view /*name*/) {}
   // On the thread of the import, in the order of the file. Throws std::bad_alloc, and
   // std::runtime_error with a sentence for what an output cannot hold: the import fails by it.
   virtual void Write(const ImportProblem& problem) = 0;

@@ -29,11 +29,13 @@ bool HasJsonSpecial(std::string_view text) {
 }  // namespace
 
 ProblemWriter::ProblemWriter(ProblemFormat format, const ReportVariables& variables,
-                             std::int64_t limit, ByteSink& sink)
-    : format_(format), left_(limit), sink_(sink), made_(variables) {}
+                             std::int64_t limit, ByteSink& sink, Files files)
+    : format_(format), files_(files), left_(limit), sink_(sink), made_(variables) {}
 
 void ProblemWriter::WriteHeader() {
-  if (format_ == ProblemFormat::kCsv) rows_ += kHeader;
+  if (format_ != ProblemFormat::kCsv) return;
+  if (files_ == Files::kSeveral) rows_ += "file,";
+  rows_ += kHeader;
 }
 
 void ProblemWriter::Write(const ImportProblem& problem) {
@@ -57,6 +59,10 @@ void ProblemWriter::Flush() {
 }
 
 void ProblemWriter::AppendCsv(const ProblemRow& row) {
+  if (files_ == Files::kSeveral) {
+    AppendCsvField(row.file);
+    rows_ += ',';
+  }
   rows_ += row.kind;
   rows_ += ',';
   if (row.caseNumber > 0) AppendNumber(row.caseNumber);
@@ -76,7 +82,13 @@ void ProblemWriter::AppendCsv(const ProblemRow& row) {
 }
 
 void ProblemWriter::AppendJson(const ProblemRow& row) {
-  rows_ += "{\"kind\":\"";
+  rows_ += '{';
+  if (files_ == Files::kSeveral) {
+    rows_ += "\"file\":";
+    AppendJsonText(row.file);
+    rows_ += ',';
+  }
+  rows_ += "\"kind\":\"";
   rows_ += row.kind;
   rows_ += '"';
   const auto appendNumber = [this](const char* key, std::int64_t number, bool present) {

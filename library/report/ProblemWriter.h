@@ -18,13 +18,15 @@ enum class ProblemFormat { kCsv, kJsonLines };
 
 // Writes rows with the columns kind, case, line, byte, variable, format, text and detail. A problem
 // of which no case came has no case (JSON: no such key), one of a record no variable and no format
-// (JSON: null). Allocates nothing per row in the steady state. One thread; the variables outlive
-// it.
+// (JSON: null). Of several files there is a column `file`, the first one. Allocates nothing per row
+// in the steady state. One thread; the variables outlive it.
 class ProblemWriter : public ProblemSink {
  public:
+  enum class Files { kOne, kSeveral };
   // At most `limit` rows, the first ones.
   ProblemWriter(ProblemFormat format, const ReportVariables& variables, std::int64_t limit,
-                ByteSink& sink);
+                ByteSink& sink, Files files = Files::kOne);
+  void BeginFile(std::string_view name) override { made_.SetFile(name); }
   // What stands before the rows: the header of CSV.
   void WriteHeader();
   void Write(const ImportProblem& problem) override;
@@ -40,6 +42,7 @@ class ProblemWriter : public ProblemSink {
   void AppendJsonText(std::string_view text);
 
   const ProblemFormat format_;
+  const Files files_;
   std::int64_t left_;
   ByteSink& sink_;
   ProblemRows made_;

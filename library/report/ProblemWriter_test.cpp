@@ -46,6 +46,27 @@ TEST_F(ProblemWriterTest, CsvHasAHeaderAndARowAProblem) {
             "without a byte-order mark\n");
 }
 
+TEST_F(ProblemWriterTest, OfSeveralFilesTheFirstColumnNamesTheFile) {
+  for (const ProblemFormat format : {ProblemFormat::kCsv, ProblemFormat::kJsonLines}) {
+    TextSink sink;
+    ProblemWriter writer(format, variables_, 100, sink, ProblemWriter::Files::kSeveral);
+    writer.WriteHeader();
+    writer.BeginFile("a,1.csv");
+    writer.Write(Problem(Kind::kUnreadable, 0, "x"));
+    writer.BeginFile("b.csv");
+    writer.Write(Problem(Kind::kUnreadable, 0, "y"));
+    writer.Flush();
+    if (format == ProblemFormat::kCsv) {
+      EXPECT_THAT(sink.text, StartsWith("file,kind,case,"));
+      EXPECT_THAT(sink.text, testing::HasSubstr("\n\"a,1.csv\",unreadable,1,2,10,fee,F8.2,x,"));
+      EXPECT_THAT(sink.text, testing::HasSubstr("\nb.csv,unreadable,1,2,10,fee,F8.2,y,"));
+    } else {
+      EXPECT_THAT(sink.text, StartsWith("{\"file\":\"a,1.csv\",\"kind\":\"unreadable\","));
+      EXPECT_THAT(sink.text, testing::HasSubstr("\n{\"file\":\"b.csv\",\"kind\""));
+    }
+  }
+}
+
 TEST_F(ProblemWriterTest, CsvQuotesOnlyWhereNeeded) {
   const std::string text = Written(
       ProblemFormat::kCsv,

@@ -93,8 +93,8 @@ void SqliteWriter::Finalize::operator()(sqlite3_stmt* statement) const {
 }
 
 SqliteWriter::SqliteWriter(const std::string& path, std::vector<ColumnField> fields,
-                           SqliteTimes times)
-    : fields_(std::move(fields)), times_(times) {
+                           SqliteTimes times, bool severalFiles)
+    : fields_(std::move(fields)), times_(times), severalFiles_(severalFiles) {
   sqlite3* database = nullptr;
   const int opened =
       sqlite3_open_v2(path.c_str(), &database,
@@ -162,8 +162,10 @@ void SqliteWriter::MakeTables() {
   Run(fmt::format("CREATE TABLE {} ({}) STRICT", kCasesTable, columns));
   Run("CREATE TABLE variables (position INTEGER PRIMARY KEY, column_name TEXT, variable TEXT, "
       "label TEXT, format TEXT, width INTEGER) STRICT");
-  Run("CREATE TABLE problems (kind TEXT, \"case\" INTEGER, line INTEGER, byte INTEGER, variable "
-      "TEXT, format TEXT, text TEXT, detail TEXT) STRICT");
+  Run(fmt::format(
+      "CREATE TABLE problems ({}kind TEXT, \"case\" INTEGER, line INTEGER, byte INTEGER, "
+      "variable TEXT, format TEXT, text TEXT, detail TEXT) STRICT",
+      severalFiles_ ? "file TEXT, " : ""));
   Run("CREATE TABLE about (key TEXT PRIMARY KEY, value TEXT) STRICT");
   const Statement variable = Prepare("INSERT INTO variables VALUES (?, ?, ?, ?, ?, ?)");
   for (std::size_t i = 0; i < fields_.size(); ++i) {
@@ -176,7 +178,8 @@ void SqliteWriter::MakeTables() {
     Step(variable.get());
   }
   insertCase_ = Prepare(fmt::format("INSERT INTO {} VALUES ({})", kCasesTable, places));
-  insertProblem_ = Prepare("INSERT INTO problems VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+  insertProblem_ = Prepare(fmt::format("INSERT INTO problems VALUES ({}?, ?, ?, ?, ?, ?, ?, ?)",
+                                       severalFiles_ ? "?, " : ""));
 }
 
 void SqliteWriter::BindCell(const ColumnBatch& batch, std::size_t column, std::size_t row) const {
@@ -226,21 +229,23 @@ void SqliteWriter::Write(ColumnBatch batch) {
 
 void SqliteWriter::AddProblem(const ProblemRow& problem) {
   sqlite3_stmt* const statement = insertProblem_.get();
-  const auto bindNumber = [statement](int place, std::int64_t number, bool present) {
+  const auto bindNumber = [statement](int at, std::int64_t number, bool present) {
     if (present) {
-      sqlite3_bind_int64(statement, place, number);
+      sqlite3_bind_int64(statement, at, number);
     } else {
-      sqlite3_bind_null(statement, place);
+      sqlite3_bind_null(statement, at);
     }
   };
-  BindText(statement, 1, problem.kind);
-  bindNumber(2, problem.caseNumber, problem.caseNumber > 0);
-  bindNumber(3, problem.line, problem.line > 0);
-  bindNumber(4, problem.byte, problem.byte >= 0);
-  BindText(statement, 5, problem.variable);
-  BindText(statement, 6, problem.format);
-  BindText(statement, 7, problem.text);
-  BindText(statement, 8, problem.detail);
+  int place = 1;
+  if (severalFiles_) BindText(statement, place++, problem.file);
+  BindText(statement, place++, problem.kind);
+  bindNumber(place++, problem.caseNumber, problem.caseNumber > 0);
+  bindNumber(place++, problem.line, problem.line > 0);
+  bindNumber(place++, problem.byte, problem.byte >= 0);
+  for (const std::string_view text :
+       {problem.variable, problem.format, problem.text, problem.detail}) {
+    BindText(statement, place++, text);
+  }
   Step(statement);
 }
 

@@ -31,10 +31,12 @@ class SqliteDiskError : public std::runtime_error {
 // only get a number, since the database would take them for one.
 class SqliteWriter : public ColumnWriter {
  public:
-  // Makes the database `path`, which does not exist or is an empty file. Throws std::runtime_error
+  // Makes the database `path`, which does not exist or is an empty file. `severalFiles`: problems
+  // have a first column `file`. Throws std::runtime_error
   // with a sentence when it cannot, or when it cannot hold the columns; as the other operations,
   // SqliteDiskError where the system is why.
-  SqliteWriter(const std::string& path, std::vector<ColumnField> fields, SqliteTimes times);
+  SqliteWriter(const std::string& path, std::vector<ColumnField> fields, SqliteTimes times,
+               bool severalFiles = false);
   ~SqliteWriter() override;
 
   void Write(ColumnBatch batch) override;
@@ -59,6 +61,7 @@ class SqliteWriter : public ColumnWriter {
 
   const std::vector<ColumnField> fields_;
   const SqliteTimes times_;
+  const bool severalFiles_;
   // Declared first, closed last.
   std::unique_ptr<sqlite3, Close> database_;
   Statement insertCase_;
