@@ -65,8 +65,10 @@ PartOptions::Single PartOf(const textwizard_part& part, RewritingOptions& rewrit
   std::string problem;
   const FilePartSummary before =
       SummaryFrom({static_cast<const char*>(given.before), given.before_size});
-  if (!PutBefore(before, &single, &rewriting, &problem)) Refuse(problem);
-  return single;
+  if (PutBefore(before, &single, &rewriting, &problem)) return single;
+  // What goes with the part, but of a file that is another one by now, is the file's fault.
+  const bool goesWithIt = before.range.from == 0 && before.range.to == given.from;
+  throw Failure{.status = goesWithIt ? TEXTWIZARD_FILE : TEXTWIZARD_USAGE, .text = problem};
 }
 
 }  // namespace

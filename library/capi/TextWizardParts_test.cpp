@@ -184,6 +184,15 @@ TEST_F(TextWizardParts, AFileThatChangedIsRefused) {
   ASSERT_FALSE(late);
   EXPECT_EQ(late.error().status(), TEXTWIZARD_FILE);
   EXPECT_THAT(late.error().text(), HasSubstr("the file changed since its types were found"));
+  // So it is where the lines before a part are those of the file as it was.
+  const std::string before = Summary::Merge({summaries[0]}, true)->bytes();
+  auto part = Defaults<textwizard_part>();
+  part.from = nlohmann::json::parse(*summaries[1].Json())["from"];
+  part.to = part.from + 1;
+  part.before = before.data();
+  part.before_size = before.size();
+  options_.part = &part;
+  EXPECT_EQ(Import::OpenRecipe(recipe, &options_).error().status(), TEXTWIZARD_FILE);
   // Opened before, and read now.
   const std::vector<Row> rows = Rows(open->Cases());
   EXPECT_THAT(rows.back().front(), HasSubstr("the file changed since its types were found"));
