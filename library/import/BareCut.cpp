@@ -29,8 +29,8 @@ bool SetEncoding(const SniffResult& sniff, BareCut* cut, std::string* problem) {
     encoding = kEncodingUtf8;
     return true;
   }
-  const bool little = IsEncoding(name, "UTF-16LE") || IsEncoding(name, "UTF-16");
-  if (little || IsEncoding(name, "UTF-16BE")) {
+  if (IsEncoding(name, "UTF-16LE") || IsEncoding(name, "UTF-16") || IsEncoding(name, "UTF-16BE")) {
+    const bool little = !sniff.bigEndian && !IsEncoding(name, "UTF-16BE");
     encoding = little ? kEncodingUtf16LittleEndian : kEncodingUtf16BigEndian;
     if (!sniff.byteOrderMark) cut->shownMark = little ? "\xFF\xFE" : "\xFE\xFF";
     return true;
@@ -129,6 +129,10 @@ void SetFixedColumns(const SniffResult& sniff, BareCut* cut) {
                       ? kToEndOfLine
                       : static_cast<std::uint32_t>(column.range.to - column.range.from + 1);
     cut->cut.fields.push_back(field);
+  }
+  // Nobody has said where the last one ends: with the longest line.
+  if (!sniff.arrangement.given && !cut->cut.fields.empty()) {
+    cut->cut.fields.back().width = kToEndOfLine;
   }
 }
 

@@ -188,8 +188,11 @@ void Understanding::SetTypes() {
       // What goes up to the end of the line is as wide as its longest text.
       std::uint32_t& width = cut_.cut.fields[i].width;
       const std::int64_t longest = import_.summary.columns[i].longest().count;
-      if (import_.sniff.columns[i].range.to == 0) {
-        width = static_cast<std::uint32_t>(std::max<std::int64_t>(longest, 1));
+      const CharacterRange& range = import_.sniff.columns[i].range;
+      const bool isLast = i + 1 == cut_.cut.fields.size() && !import_.sniff.arrangement.given;
+      if (range.to == 0 || isLast) {
+        const std::int64_t least = range.to == 0 ? 1 : range.to - range.from + 1;
+        width = static_cast<std::uint32_t>(std::max(longest, least));
       }
       types.columnWidths.push_back(width);
     }

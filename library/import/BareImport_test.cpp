@@ -289,6 +289,28 @@ TEST_F(ABareImport, FixedColumnsCountCharacters) {
                                    ElementsAre("Z\xC3\xBCrich", "7")));
 }
 
+TEST_F(ABareImport, TheLastFixedColumnIsAsWideAsItsLongestValue) {
+  std::string text;
+  for (int i = 0; i < 120; ++i) text += "  12  red\nBern   7  blue\n";
+  text.replace(text.rfind("blue"), 4, "a very long colour");
+  ASSERT_TRUE(Understand(text)) << problem_;
+  EXPECT_EQ(Formats().back(), "A18");
+  EXPECT_EQ(Cases().back().back(), "a very long colour");
+}
+
+TEST_F(ABareImport, FixedColumnsOfUtf16CountCharacters) {
+  settings_.sniff.fixed = {{1, 6}, {7, 9}};
+  std::string text = "\xFE\xFF";
+  for (const char16_t unit :
+       std::u16string(u"\u041A\u0438\u0435\u0432   12\n\u041E\u0448   345\n")) {
+    text += static_cast<char>(unit >> 8);
+    text += static_cast<char>(unit & 0xFF);
+  }
+  ASSERT_TRUE(Understand(text)) << problem_;
+  EXPECT_THAT(Cases(), ElementsAre(ElementsAre("\u041A\u0438\u0435\u0432", "12"),
+                                   ElementsAre("\u041E\u0448", "345")));
+}
+
 TEST_F(ABareImport, ADelimiterOfTwoCharactersBecomesSkippedFields) {
   settings_.sniff.delimiter = "::";
   ASSERT_TRUE(Understand("a::b::c\n1::x::2.5\n2::y::3.5\n")) << problem_;

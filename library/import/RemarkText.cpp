@@ -57,7 +57,7 @@ std::string RemarkWriter::TextOf(const BareColumn& column, const ColumnRemark& r
     case ColumnRemark::kDecimalOrGroup:
       return fmt::format(
           "ambiguous, {} may have a decimal or a grouping character; {} for the other",
-          First(remark.values), wish);
+          First(remark.values), remark.other ? wish : "--decimal");
     case ColumnRemark::kTooLong:
       return fmt::format("a text of {} bytes in {}, longer than a string can be; cut",
                          remark.values.count, placeOf_(remark.values.line));

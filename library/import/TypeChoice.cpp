@@ -60,6 +60,7 @@ class Chooser {
   ChosenFormat FormatFor(Reading reading, const ColumnEvidence& column) const;
   void RemarkText(const ColumnEvidence& column, Reading best, ChosenType* type) const;
   void RemarkValues(const ColumnEvidence& column, Reading reading, ChosenType* type) const;
+  void RemarkSeparators(const ColumnEvidence& column, Reading reading, ChosenType* type) const;
   void Widen(std::size_t index, ChosenType* type) const;
 
   const std::vector<ColumnEvidence>& columns_;
@@ -236,19 +237,28 @@ void Chooser::RemarkValues(const ColumnEvidence& column, Reading reading, Chosen
           {ColumnRemark::kDayOrMonth, column.Both(reading, other), FormatFor(other, column)});
     }
   }
-  if (reading == Reading::kPoint || reading == Reading::kComma) {
-    const Reading other = reading == Reading::kPoint ? Reading::kComma : Reading::kPoint;
-    const NumberEvidence& numbers = reading == Reading::kPoint ? column.point() : column.comma();
-    const NumberEvidence& others = reading == Reading::kPoint ? column.comma() : column.point();
-    // Every separator of the column can be either; the rest of the data does not say which.
-    const bool open = column.Only(reading, other).count == 0 &&
-                      (numbers.grouped.count > 0 || others.grouped.count > 0);
-    if (open && choice_.decimalWitness.line == 0 && !settings_.decimalGiven) {
-      const Witness& seen = numbers.grouped.count > 0 ? numbers.grouped : others.grouped;
-      type->remarks.push_back({ColumnRemark::kDecimalOrGroup, seen,
-                               FitFormat(FormatOf(other), column, choice_.decimal)});
-    }
-  }
+  RemarkSeparators(column, reading, type);
+}
+
+// A point or comma that may be the decimal character or the other one.
+void Chooser::RemarkSeparators(const ColumnEvidence& column, Reading reading,
+                               ChosenType* type) const {
+  const bool percent = reading == Reading::kPointPercent || reading == Reading::kCommaPercent;
+  if (!percent && reading != Reading::kPoint && reading != Reading::kComma) return;
+  const bool point = reading == Reading::kPoint || reading == Reading::kPointPercent;
+  const Reading other = percent ? (point ? Reading::kCommaPercent : Reading::kPointPercent)
+                                : (point ? Reading::kComma : Reading::kPoint);
+  const NumberEvidence& numbers = point ? column.point() : column.comma();
+  const NumberEvidence& others = point ? column.comma() : column.point();
+  // Every separator of the column can be either; the rest of the data does not say which.
+  const bool open = column.Only(reading, other).count == 0 &&
+                    (numbers.grouped.count > 0 || others.grouped.count > 0);
+  if (!open || choice_.decimalWitness.line != 0 || settings_.decimalGiven) return;
+  const Witness& seen = numbers.grouped.count > 0 ? numbers.grouped : others.grouped;
+  ColumnRemark remark{ColumnRemark::kDecimalOrGroup, seen, std::nullopt};
+  // Percentages are read by the decimal character of all numbers.
+  if (!percent) remark.other = FitFormat(FormatOf(other), column, choice_.decimal);
+  type->remarks.push_back(std::move(remark));
 }
 
 // A format that is narrower than its fixed column would cut it.

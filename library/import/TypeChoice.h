@@ -34,7 +34,7 @@ struct ColumnRemark {
   // The values that it is about.
   Witness values;
   // A format that reads the values of kDayOrMonth, kDecimalOrGroup the other way, or most values of
-  // kMixed; with width.
+  // kMixed; with width. None for percentages, which only another decimal character reads so.
   std::optional<ChosenFormat> other;
 };
 

@@ -164,6 +164,15 @@ TEST(TypeChoice, AColumnOfTheOtherDecimalCharacterSaysItItself) {
   EXPECT_EQ(Name(choice.columns[1].format), "COMMA3.1");
 }
 
+TEST(TypeChoice, GroupsOrDecimalsOfPercentagesAreSaidToBeOpen) {
+  const std::vector<ColumnRemark> remarks = Remarks({"4,595%", "7,572%"});
+  ASSERT_EQ(remarks.size(), 1u);
+  EXPECT_EQ(remarks[0].kind, ColumnRemark::kDecimalOrGroup);
+  EXPECT_EQ(remarks[0].values.text, "4,595%");
+  EXPECT_FALSE(remarks[0].other.has_value()) << "only the decimal character reads it otherwise";
+  EXPECT_TRUE(Remarks({"4,595%", "7,5%"}).empty());
+}
+
 TEST(TypeChoice, GroupsOrDecimalsAreSaidToBeOpen) {
   EXPECT_EQ(Type({"1,234", "5,678"}), "COMMA5");
   const std::vector<ColumnRemark> remarks = Remarks({"1,234", "5,678"});

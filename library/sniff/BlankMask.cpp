@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "detection/BlankTrim.h"
 #include "library/sniff/Utf8.h"
 #include "model/FormatCode.h"
 #include "reading/FixedFields.h"
@@ -21,6 +22,8 @@ constexpr std::int64_t kLongestDense = 500;
 constexpr std::size_t kFewestPieces = 3;
 // Lines without blanks are cut where so many agree.
 constexpr std::size_t kFewestDense = 3;
+// Lines that are looked at for dates that are no more than their parts.
+constexpr std::size_t kLinesOfDates = 60;
 
 enum class Edge { kOther, kDigit, kLetter };
 
@@ -73,6 +76,84 @@ void CutDense(const std::vector<std::string_view>& lines, std::vector<CharacterR
     cut.push_back(rest);
   }
   if (cut.size() >= kFewestPieces) *runs = cut;
+}
+
+// Whether the values of runs [first, last], with the blanks between them, are dates, or dates and
+// times.
+bool HoldOneDate(const std::vector<std::string_view>& lines, const CharacterRange& first,
+                 const CharacterRange& last, std::size_t runs, CellKinds& kinds) {
+  std::size_t values = 0;
+  std::size_t dates = 0;
+  for (std::size_t i = 0; i < std::min(lines.size(), kLinesOfDates); ++i) {
+    const std::string_view text =
+        textwizard::TrimRight(textwizard::TrimLeft(CutCharacters(lines[i], {first.from, last.to})));
+    if (text.empty()) continue;
+    ++values;
+    // Three parts are a day, a month in letters and a year; two are a date and a time.
+    const bool letters = std::any_of(text.begin(), text.end(),
+                                     [](char byte) { return EdgeOf(byte) == Edge::kLetter; });
+    const bool parts =
+        runs == 3 ? letters : kinds.Of(CutCharacters(lines[i], first)) == CellKind::kDate;
+    dates += parts && kinds.Of(text) == CellKind::kDate ? 1 : 0;
+  }
+  return values > 0 && 10 * dates >= 9 * values;
+}
+
+// Whether what is in run `right` are the last words of texts that begin in run `left`: it is there
+// in few lines, and never where the text before it has ended.
+bool AreLastWords(const std::vector<std::string_view>& lines, const CharacterRange& left,
+                  const CharacterRange& right) {
+  std::size_t texts = 0;
+  std::size_t words = 0;
+  for (const std::string_view line : lines) {
+    const std::string_view begin = CutCharacters(line, left);
+    const std::string_view end = CutCharacters(line, right);
+    const bool ends = end.find_first_not_of(' ') != std::string_view::npos;
+    texts += begin.find_first_not_of(' ') != std::string_view::npos ? 1 : 0;
+    if (!ends) continue;
+    ++words;
+    const bool goesOn = !begin.empty() && begin.back() != ' ' && end.front() != ' ';
+    const bool isNumber = std::none_of(end.begin(), end.end(), [](char byte) {
+      return EdgeOf(byte) == Edge::kLetter || static_cast<unsigned char>(byte) >= 0x80;
+    });
+    if (!goesOn || isNumber) return false;
+  }
+  return words > 0 && 2 * words <= texts;
+}
+
+void JoinWords(const std::vector<std::string_view>& lines, std::vector<CharacterRange>* runs) {
+  std::vector<CharacterRange> joined;
+  for (const CharacterRange& run : *runs) {
+    if (!joined.empty() && run.from == joined.back().to + 2 &&
+        AreLastWords(lines, joined.back(), run)) {
+      joined.back().to = run.to;
+    } else {
+      joined.push_back(run);
+    }
+  }
+  *runs = joined;
+}
+
+// Joins runs with one blank between them that hold one date.
+void JoinDates(const std::vector<std::string_view>& lines, CellKinds& kinds,
+               std::vector<CharacterRange>* runs) {
+  std::vector<CharacterRange> joined;
+  for (std::size_t i = 0; i < runs->size(); ++i) {
+    std::size_t last = i;
+    for (const std::size_t count : {std::size_t{3}, std::size_t{2}}) {
+      if (i + count > runs->size() || last > i) continue;
+      bool near = true;
+      for (std::size_t j = i + 1; j < i + count; ++j) {
+        near = near && (*runs)[j].from == (*runs)[j - 1].to + 2;
+      }
+      if (near && HoldOneDate(lines, (*runs)[i], (*runs)[i + count - 1], count, kinds)) {
+        last = i + count - 1;
+      }
+    }
+    joined.push_back({(*runs)[i].from, (*runs)[last].to});
+    i = last;
+  }
+  *runs = joined;
 }
 
 // The runs with the blanks between them.
@@ -141,7 +222,8 @@ std::vector<CharacterRange> BlankMask::Runs() const {
   return runs;
 }
 
-std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::string_view>& lines) {
+std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::string_view>& lines,
+                                                      CellKinds& kinds) {
   std::vector<std::vector<CharacterRange>> ways;
   std::vector<std::string_view> body;
   BlankMask rules;
@@ -161,13 +243,20 @@ std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::str
   add(rules.Runs());
   BlankMask all;
   for (const std::string_view line : body) all.Add(line);
-  add(all.Runs());
   const std::size_t above = std::min(kMostAbove, body.size() / kShareAbove);
+  const std::vector<std::string_view> data(body.begin() + static_cast<std::ptrdiff_t>(above),
+                                           body.end());
+  std::vector<CharacterRange> runs = all.Runs();
+  JoinDates(data, kinds, &runs);
+  JoinWords(data, &runs);
+  add(runs);
   body.erase(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(above));
   BlankMask below;
   for (const std::string_view line : body) below.Add(line);
-  std::vector<CharacterRange> runs = below.Runs();
+  runs = below.Runs();
   if (runs.size() == 1) CutDense(body, &runs);
+  JoinDates(body, kinds, &runs);
+  JoinWords(body, &runs);
   add(runs);
   return ways;
 }

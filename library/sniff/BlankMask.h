@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "library/sniff/CellKinds.h"
 #include "library/sniff/SniffSettings.h"
 
 namespace library {
@@ -35,9 +36,10 @@ class BlankMask {
 // no columns. A line of rules ("---- ------") shows the columns; else the mask's runs do, of all
 // lines or of those below the first ones, which may be titles. Each run is widened by the blanks
 // beside it: they belong to a column of right-aligned values behind them, and else to the column
-// before them. Without any blanks, lines are cut where all of them change between digits and
-// letters.
-std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::string_view>& lines);
+// before them. The blanks within "1 Jan 2020" and before a date's time are no such. Without any
+// blanks, lines are cut where all of them change between digits and letters.
+std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::string_view>& lines,
+                                                      CellKinds& kinds);
 
 // The bytes of `line` (UTF-8) that hold the characters of a range.
 std::string_view CutCharacters(std::string_view line, const CharacterRange& range);

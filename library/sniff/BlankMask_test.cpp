@@ -14,6 +14,11 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+std::vector<std::vector<CharacterRange>> Columns(const std::vector<std::string_view>& lines) {
+  CellKinds kinds;
+  return FixedColumns(lines, kinds);
+}
+
 TEST(BlankMask, RunsLieBetweenPlacesThatEveryLineLeavesBlank) {
   BlankMask mask;
   mask.Add("ab  12");
@@ -40,38 +45,46 @@ TEST(BlankMask, PlacesAreCharacters) {
 }
 
 TEST(FixedColumns, RightAlignedNumbersTakeTheBlanksBeforeThem) {
-  const auto ways =
-      FixedColumns({"Anna        7", "Bob Smith 123", "Li         45", "Carol      99"});
+  const auto ways = Columns({"Anna        7", "Bob Smith 123", "Li         45", "Carol      99"});
   ASSERT_FALSE(ways.empty());
   EXPECT_THAT(ways[0], ElementsAre(CharacterRange{1, 9}, CharacterRange{10, 13}));
 }
 
 TEST(FixedColumns, LeftAlignedTextsLeaveTheBlanksToTheColumnBeforeThem) {
   const auto ways =
-      FixedColumns({"Anna      red", "Bob Smith green", "Li        blue", "Carol     red"});
+      Columns({"Anna      red", "Bob Smith green", "Li        blue", "Carol     red"});
   ASSERT_FALSE(ways.empty());
   EXPECT_THAT(ways[0], ElementsAre(CharacterRange{1, 10}, CharacterRange{11, 15}));
 }
 
 TEST(FixedColumns, ARuleShowsTheColumns) {
-  const auto ways = FixedColumns({"name      n", "-------  --", "St. Gall  1", "Aro sa   22"});
+  const auto ways = Columns({"name      n", "-------  --", "St. Gall  1", "Aro sa   22"});
   ASSERT_FALSE(ways.empty());
   EXPECT_EQ(ways[0].size(), 2U);
   EXPECT_EQ(ways[0][0].from, 1);
 }
 
 TEST(FixedColumns, WithoutBlanksDigitsAndLettersAreCutApart) {
-  const auto ways = FixedColumns({"0012AB2020", "0345CD2021", "9999XY1999", "0001QR2000"});
+  const auto ways = Columns({"0012AB2020", "0345CD2021", "9999XY1999", "0001QR2000"});
   ASSERT_FALSE(ways.empty());
   EXPECT_THAT(ways[0],
               ElementsAre(CharacterRange{1, 4}, CharacterRange{5, 6}, CharacterRange{7, 10}));
 }
 
 TEST(FixedColumns, ProseAndTabsHaveNone) {
-  EXPECT_THAT(
-      FixedColumns({"To be, or not to be,", "that is the question:", "Whether 'tis nobler"}),
-      IsEmpty());
-  EXPECT_THAT(FixedColumns({"a\tb", "c\td"}), IsEmpty());
+  EXPECT_THAT(Columns({"To be, or not to be,", "that is the question:", "Whether 'tis nobler"}),
+              IsEmpty());
+  EXPECT_THAT(Columns({"a\tb", "c\td"}), IsEmpty());
+}
+
+TEST(FixedColumns, TheBlanksWithinDatesCutNothing) {
+  const auto ways =
+      Columns({"Anna   1 Jan 2000  2020-01-02 03:04:05", "Bo    12 Feb 1999  2021-03-04 10:11:12",
+               "Carol  3 Mar 1998  2022-05-06 12:13:14"});
+  ASSERT_FALSE(ways.empty());
+  EXPECT_EQ(ways[0].size(), 3U);
+  // Three columns of numbers are no date.
+  EXPECT_EQ(Columns({"12 11 2001", "13 12 2002", "14 10 2003"})[0].size(), 3U);
 }
 
 TEST(CutCharacters, EndsWithTheLine) {

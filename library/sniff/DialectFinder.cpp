@@ -63,6 +63,12 @@ class Search {
     return score.quotes.qualified > 0 && score.quotes.behind == 0 && score.unclosed == 0;
   }
 
+  // Hardly any apostrophe is data.
+  static bool MayQualify(const DialectScore& score) {
+    const auto qualified = static_cast<double>(score.quotes.qualified);
+    return qualified > 0 && static_cast<double>(score.strays) <= kMostApostrophes * qualified;
+  }
+
   const Lines& lines_;
   const SniffSettings& settings_;
   CellKinds& kinds_;
@@ -123,7 +129,7 @@ std::vector<Dialect> Search::Delimiters() const {
     });
     if (has > 0 && InMost(static_cast<std::size_t>(has))) add(pair, false);
   }
-  for (const std::vector<CharacterRange>& columns : FixedColumns(lines_)) {
+  for (const std::vector<CharacterRange>& columns : FixedColumns(lines_, kinds_)) {
     Dialect fixed;
     fixed.columns = columns;
     delimiters.push_back(fixed);
@@ -191,10 +197,13 @@ void Search::ScoreQualifiers(const Dialect& delimiter) {
     if (!clean) score(delimiter);
     if (!clean && Occurs('\'')) {
       dialect.qualifier = "'";
-      const DialectScore counts = quotes(dialect);
-      const auto qualified = static_cast<double>(counts.quotes.qualified);
-      if (qualified > 0 && static_cast<double>(counts.strays) <= kMostApostrophes * qualified) {
+      if (MayQualify(quotes(dialect))) {
         score(dialect);
+      } else if (Occurs('\\')) {
+        // Escaped ones seem to be data to who does not know that they are escaped.
+        dialect.escape = Escape::kBackslash;
+        const DialectScore counts = quotes(dialect);
+        if (counts.escapes > 0 && MayQualify(counts)) score(dialect);
       }
     }
   }
@@ -202,7 +211,7 @@ void Search::ScoreQualifiers(const Dialect& delimiter) {
   const std::size_t last = scored_.size();
   for (std::size_t i = first; i < last; ++i) {
     dialect = scored_[i].dialect;
-    if (dialect.qualifier.empty()) continue;
+    if (dialect.qualifier.empty() || dialect.escape == Escape::kBackslash) continue;
     dialect.escape = Escape::kBackslash;
     if (quotes(dialect).escapes > 0) score(dialect);
   }

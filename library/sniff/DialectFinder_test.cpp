@@ -34,6 +34,15 @@ class DialectFinderTest : public testing::Test {
   CellKinds kinds_;
 };
 
+TEST_F(DialectFinderTest, ApostrophesQualifyWhereBackslashesEscapeThem) {
+  const Dialect dialect = Dialected(
+      "id;note;kind\n1;'it\\'s; here';a\n2;'don\\'t';b\n3;plain;c\n4;'so; so';d\n5;'can\\'t; "
+      "now';e\n");
+  EXPECT_EQ(dialect.delimiter, ";");
+  EXPECT_EQ(dialect.qualifier, "'");
+  EXPECT_EQ(dialect.escape, Escape::kBackslash);
+}
+
 TEST_F(DialectFinderTest, EveryUsualDelimiterIsFound) {
   for (const std::string delimiter : {",", ";", "\t", "|", "^", "~", "\x1F"}) {
     std::string text = "id" + delimiter + "day" + delimiter + "town\n";

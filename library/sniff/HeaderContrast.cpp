@@ -15,6 +15,8 @@ namespace {
 constexpr std::size_t kMostRows = 60;
 constexpr std::size_t kMostColumns = 200;
 constexpr std::size_t kLongestName = 60;
+// What a column of values without a name says against a header.
+constexpr double kUnnamed = 0.7;
 
 bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
 bool IsUpper(char byte) { return byte >= 'A' && byte <= 'Z'; }
@@ -149,12 +151,17 @@ double HeaderContrast(const SampleTable& table, std::size_t row) {
   double score = 0;
   std::size_t nameWords = 0;
   for (std::size_t j = 0; j < std::min(one.count, kMostColumns); ++j) {
-    if (cells[j].empty()) continue;
+    if (cells[j].empty() && j == 0) continue;
     std::vector<std::string_view> values;
     const std::size_t end = std::min(table.rows().size(), row + 1 + kMostRows);
     for (std::size_t i = row + 1; i < end; ++i) {
       const SampleCell& cell = table.Cell(table.rows()[i], j);
       if (!cell.empty()) values.push_back(cell.text);
+    }
+    if (cells[j].empty()) {
+      // But for the first column, of which the rest says enough, columns have names.
+      if (!values.empty()) score -= kUnnamed;
+      continue;
     }
     if (LooksNumeric(cells[j])) score -= 1.0;
     if (cells[j].text.size() > kLongestName) score -= 0.3;

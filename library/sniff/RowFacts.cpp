@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <functional>
+#include <map>
 #include <optional>
 
 #include "library/sniff/Utf8.h"
@@ -148,9 +149,13 @@ TableFacts::TableFacts(const SampleTable& table) {
   std::size_t columns = 0;
   for (const SampleRow& row : table.rows()) {
     RowFacts facts;
+    facts.fields = row.count;
     const SampleCell* const cells = table.Cells(row);
     for (std::size_t i = 0; i < row.count; ++i) {
-      if (cells[i].empty()) continue;
+      if (cells[i].empty()) {
+        facts.quotedEmpties += cells[i].qualified ? 1 : 0;
+        continue;
+      }
       facts.hash = 31 * facts.hash + i + std::hash<std::string_view>()(cells[i].text);
       if (facts.filled++ == 0) facts.firstFilled = i;
       facts.numeric += LooksNumeric(cells[i]) ? 1 : 0;
@@ -165,6 +170,7 @@ TableFacts::TableFacts(const SampleTable& table) {
   numeric_.resize(std::min(columns, kMostColumns));
   dates_.resize(numeric_.size());
   FindTypical();
+  FindWidth();
   const auto counting =
       std::count_if(rows_.begin(), rows_.end(), [](const RowFacts& facts) { return facts.counts; });
   const auto filled = std::count_if(rows_.begin(), rows_.end(),
@@ -187,6 +193,19 @@ void TableFacts::FindTypical() {
   const auto middle = filled.begin() + static_cast<std::ptrdiff_t>(filled.size() / 2);
   std::nth_element(filled.begin(), middle, filled.end());
   typical_ = *middle;
+}
+
+void TableFacts::FindWidth() {
+  std::map<std::size_t, std::size_t> rows;
+  for (const RowFacts& facts : rows_) {
+    if (!facts.blank()) ++rows[facts.fields];
+  }
+  std::size_t most = 0;
+  for (const auto& [fields, count] : rows) {
+    if (count < most) continue;
+    most = count;
+    width_ = fields;
+  }
 }
 
 // The rows that say what a column holds: those that are filled, without the first ones, which may

@@ -19,7 +19,9 @@ bool IsUnit(std::string_view text);
 bool IsYear(std::string_view text);
 
 struct RowFacts {
-  std::size_t filled = 0;       // cells that are not empty
+  std::size_t fields = 0;  // cells, empty ones too
+  std::size_t filled = 0;  // cells that are not empty
+  std::size_t quotedEmpties = 0;
   std::size_t firstFilled = 0;  // the first of them
   std::size_t numeric = 0;      // cells that look numeric
   // The numbers are years, ranges or such as rise by one from cell to cell: names of columns.
@@ -44,6 +46,8 @@ class TableFacts {
   const std::vector<RowFacts>& rows() const { return rows_; }
   // Filled cells of most rows that have more than one; 1 where hardly any row has.
   std::size_t typical() const { return typical_; }
+  // Fields of most rows that have any value.
+  std::size_t width() const { return width_; }
   std::size_t columns() const { return numeric_.size(); }
   bool IsNumeric(std::size_t column) const { return numeric_[column]; }
   std::size_t numericColumns() const;
@@ -60,6 +64,7 @@ class TableFacts {
 
  private:
   void FindTypical();
+  void FindWidth();
   std::vector<std::size_t> BodyRows() const;
   void FindNumericColumns(const SampleTable& table);
   void Compare(const SampleTable& table);
@@ -69,6 +74,7 @@ class TableFacts {
   // Dates are among the numeric column's values.
   std::vector<bool> dates_;
   std::size_t typical_ = 1;
+  std::size_t width_ = 0;
 };
 
 }  // namespace library

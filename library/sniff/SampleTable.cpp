@@ -20,4 +20,10 @@ std::size_t SampleTable::Add(const SampleRecord& record, std::size_t region) {
   return fields_.size();
 }
 
+void SampleTable::AddUncut(const SampleRecord& record, std::size_t region) {
+  rows_.push_back({region, record.line, record.lines, cells_.size(), 1});
+  const std::string_view text = textwizard::TrimRight(textwizard::TrimLeft(record.text));
+  cells_.push_back({text, kinds_.Of(text), false});
+}
+
 }  // namespace library

@@ -41,6 +41,8 @@ class SampleTable {
 
   // Adds a record of a region of the sample. Returns its number of cells.
   std::size_t Add(const SampleRecord& record, std::size_t region);
+  // Adds a record that is one text, whatever the dialect cuts.
+  void AddUncut(const SampleRecord& record, std::size_t region);
 
   const std::vector<SampleRow>& rows() const { return rows_; }
   std::size_t cells() const { return cells_.size(); }

@@ -100,6 +100,8 @@ Verdict DialectVerdict(const SniffFindings& findings, const SniffResult& result)
       share >= kCertainShare && clean && elsewhere && score.records >= fewest) {
     return Verdict::kCertain;
   }
+  // In a few lines, blanks are one below the other by chance.
+  if (dialect.dialect.fixed() && score.records < fewest) return Verdict::kGuess;
   return ahead >= kLikelyBits && share >= kLikelyShare ? Verdict::kLikely : Verdict::kGuess;
 }
 

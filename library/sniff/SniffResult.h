@@ -65,6 +65,8 @@ struct SniffResult {
   // Other encodings that decode all bytes read to the same text.
   std::vector<std::string> sameEncodings;
   bool byteOrderMark = false;
+  // Of encodings whose characters have several bytes each: the first one counts most.
+  bool bigEndian = false;
   Setting<LineEnd> lineEnd;
 
   // How a line is cut.

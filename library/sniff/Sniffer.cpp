@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <optional>
 
 #include <fmt/format.h>
 
@@ -11,6 +12,7 @@
 #include "library/import/TypeChoice.h"
 #include "library/outputs/FormatName.h"
 #include "library/report/ImportWatch.h"
+#include "library/sniff/ColumnGaps.h"
 #include "library/sniff/ColumnNames.h"
 #include "library/sniff/CommentLines.h"
 #include "library/sniff/DialectFinder.h"
@@ -20,6 +22,7 @@
 #include "library/sniff/SampleText.h"
 #include "library/sniff/SniffEvidence.h"
 #include "library/sniff/TableShape.h"
+#include "library/sniff/Utf8.h"
 
 namespace library {
 namespace {
@@ -53,6 +56,7 @@ class Sniffing {
   void PlaceEnd();
   void ListOtherLines();
   void MakeColumns();
+  CharacterRange RangeOf(std::size_t column, std::size_t columns) const;
   TypeSettings TypeSettingsOf() const;
   std::vector<ColumnEvidence> EvidenceOf(std::size_t width) const;
 
@@ -73,6 +77,7 @@ class Sniffing {
   DialectAnswer dialect_;
   std::string_view comment_;
   SampleRecords records_;
+  std::optional<ColumnGaps> gaps_;
   std::unique_ptr<SampleTable> table_;
   // The table's last row is the file's.
   bool reachesEnd_ = false;
@@ -160,13 +165,21 @@ void Sniffing::AddRecords(const SampleRecords& records, std::size_t region, std:
         continue;
       }
     }
-    table_->Add(record, region);
+    if (gaps_ && gaps_->AreCrossedBy(record.text)) {
+      table_->AddUncut(record, region);
+    } else {
+      table_->Add(record, region);
+    }
   }
 }
 
 void Sniffing::CutTable() {
   records_ = JoinRecords(text_.head(), text_.head().size(), dialect_.dialect);
   table_ = std::make_unique<SampleTable>(dialect_.dialect, kinds_);
+  // Who gives columns knows what is in them.
+  if (dialect_.dialect.fixed() && !settings_.fixed) {
+    gaps_.emplace(text_.head(), dialect_.dialect.columns);
+  }
   const std::size_t all = records_.records.size();
   const std::size_t head = std::min(all, kMostHeadRows);
   AddRecords(records_, 0, 0, head, kMostHeadCells);
@@ -302,11 +315,25 @@ void Sniffing::MakeColumns() {
     column.label = labels[j];
     column.format = FormatName({static_cast<int>(format.code), static_cast<int>(format.width),
                                 static_cast<int>(format.decimals)});
-    if (dialect.fixed()) column.range = dialect.columns[j];
+    if (dialect.fixed()) column.range = RangeOf(j, width);
     result_.columns.push_back(std::move(column));
   }
   findings_.decimalWitness = types.decimalWitness;
   findings_.decimalAgainst = types.decimalAgainst;
+}
+
+// The characters of a fixed column; the last one has what is behind the longest line of data that
+// hardly any other reaches.
+CharacterRange Sniffing::RangeOf(std::size_t column, std::size_t columns) const {
+  CharacterRange range = dialect_.dialect.columns[column];
+  if (column + 1 < columns || settings_.fixed || range.to == 0) return range;
+  for (std::size_t i = shape_.firstData; i < std::min(shape_.endData, headRows_); ++i) {
+    if (KindOfRow(*table_, i, shape_) != RowKind::kData) continue;
+    const std::string_view line = text_.head()[table_->rows()[i].line];
+    const std::string_view text = line.substr(0, line.find_last_not_of(' ') + 1);
+    range.to = std::max(range.to, static_cast<std::int64_t>(CountUtf8(text)));
+  }
+  return range;
 }
 
 TypeSettings Sniffing::TypeSettingsOf() const {
@@ -339,6 +366,7 @@ bool Sniffing::Run() {
   result_.encoding = encoding_.encoding;
   result_.sameEncodings = encoding_.same;
   result_.byteOrderMark = encoding_.markLength > 0;
+  result_.bigEndian = encoding_.converter.ends_with("BE");
   result_.lineEnd.value = text_.lineEnd();
   CutTable();
   const Dialect& dialect = dialect_.dialect;

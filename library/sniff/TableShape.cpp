@@ -43,6 +43,7 @@ class ShapeFinder {
   std::optional<std::size_t> FirstStrongRow() const;
   void FindByNumbers(std::size_t strong);
   void FindByTexts();
+  bool IsLoneValue(std::size_t row) const;
   bool IsTitle(std::size_t row, std::size_t header) const;
   void TakeHeaderAbove(std::size_t bottom);
   bool IsUniform(std::size_t row) const;
@@ -95,12 +96,21 @@ std::optional<std::size_t> ShapeFinder::FirstStrongRow() const {
   return std::nullopt;
 }
 
-// A blank row below the header, or one that is no more than a title. Where the header is the first
-// row and two columns are all there is, a lone text is a value beside a missing one.
+// A row of data of which one value is all that is not missing: it is as wide as the data, and it
+// stands where titles do not, and a column of numbers may hold it; or two columns are all there is.
+bool ShapeFinder::IsLoneValue(std::size_t row) const {
+  const RowFacts& facts = Facts(row);
+  return facts.lone() && facts_.width() > 1 && facts.fields >= facts_.width() &&
+         facts.contradict == 0 &&
+         ((facts.agree > 0 && facts.firstFilled > 0) || facts_.width() == 2);
+}
+
+// A blank row below the header, or one that is no more than a title.
 bool ShapeFinder::IsTitle(std::size_t row, std::size_t header) const {
   const RowFacts& facts = Facts(row);
   if (facts.blank()) return true;
-  return facts.lone() && facts_.typical() > 1 && (facts_.typical() > 2 || header > 0);
+  return facts.lone() && facts_.typical() > 1 && (facts_.typical() > 2 || header > 0) &&
+         !IsLoneValue(row);
 }
 
 // `bottom` is the header's last row: takes in the rows above that belong to it. Titles, which are
@@ -126,21 +136,30 @@ void ShapeFinder::FindByNumbers(std::size_t strong) {
   // The lowest row above that names columns.
   std::optional<std::size_t> bottom;
   for (std::size_t i = strong; i-- > 0;) {
-    if (facts_.IsHeader(i) &&
-        (Facts(i).filled > 1 || Facts(i).firstFilled > 0 || facts_.typical() == 1)) {
+    if (facts_.IsHeader(i) && (Facts(i).filled > 1 || Facts(i).firstFilled > 0 ||
+                               (facts_.typical() == 1 && Facts(i).fields >= facts_.width()))) {
       bottom = i;
       break;
     }
   }
+  // What a row says that columns of numbers say nothing about.
+  double contrast = kLikelyContrast;
   if (!bottom) {
     // Names of columns that hold no numbers.
     for (std::size_t i = strong; i-- > 0;) {
       if (Facts(i).filled < 2 && Facts(i).firstFilled == 0) continue;
       // It may as well be a row of data without numbers.
-      if (HeaderContrast(table_, i) > kSomeContrast) bottom = i;
+      contrast = HeaderContrast(table_, i);
+      if (contrast > kSomeContrast) bottom = i;
       strong = bottom ? strong : i;
       break;
     }
+  }
+  // Without a header nothing is above the data but titles: a lone value of a column of numbers is
+  // none.
+  while (!bottom && strong > 0 && Facts(strong - 1).agree > 0 &&
+         Facts(strong - 1).contradict == 0 && Facts(strong - 1).fields >= facts_.width()) {
+    --strong;
   }
   shape_.firstData = strong;
   if (!bottom) {
@@ -159,7 +178,9 @@ void ShapeFinder::FindByNumbers(std::size_t strong) {
   const RowFacts& names = Facts(*bottom);
   const bool plain = *bottom == 0 && shape_.firstData == 1 && names.contradict > 0 &&
                      names.agree == 0 && !names.counts;
-  shape_.headerVerdict = plain && IsUniform(1) ? Verdict::kCertain : Verdict::kLikely;
+  shape_.headerVerdict = plain && IsUniform(1)         ? Verdict::kCertain
+                         : contrast >= kLikelyContrast ? Verdict::kLikely
+                                                       : Verdict::kGuess;
   shape_.headerEvidence = names.counts
                               ? "years or numbers that count, above columns of other numbers"
                               : fmt::format("texts above {} of numbers",
@@ -221,8 +242,8 @@ void ShapeFinder::SkipTotals() {
 
 bool ShapeFinder::IsNote(std::size_t row) const {
   const RowFacts& facts = Facts(row);
-  return facts.blank() ||
-         (facts_.typical() > 1 && facts.filled == 1 && facts.firstFilled < 2 && facts.numeric == 0);
+  return facts.blank() || (facts_.typical() > 1 && facts.filled == 1 && facts.firstFilled < 2 &&
+                           facts.numeric == 0 && facts.quotedEmpties == 0 && !IsLoneValue(row));
 }
 
 void ShapeFinder::FindEnd() {

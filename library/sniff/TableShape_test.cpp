@@ -34,6 +34,34 @@ TEST_F(TableShapeTest, NumbersFromTheFirstLineOnHaveNoHeader) {
   ExpectShape("1,2,3\n4,5,6\n7,8,9\n10,11,12\n", 0, 1, 4);
 }
 
+TEST_F(TableShapeTest, AValueBesideAMissingOneIsData) {
+  // Of two columns, below the header and at the end.
+  ExpectShape("town;people\nRome;\nOslo;700000\nBern;134000\nPisa;\n", 1, 2, 5);
+  ExpectShape("Survey\ntown;people\n;2800000\nOslo;700000\nBern;134000\n", 1, 3, 5);
+  // Without a header, above all others.
+  ExpectShape("2020-01-02;;\n2020-01-03;5;7\n2020-01-04;6;8\n2020-01-05;7;9\n", 0, 1, 4);
+  // Said to be nothing, by quotes.
+  ExpectShape("a,b,c\n\"x\",1,2\n\"y\",3,4\n\"z\",5,6\n\"w\",\"\",\"\"\n", 1, 2, 5);
+  // What is narrower is a note.
+  ExpectShape("town;people\nRome;2800000\nOslo;700000\nBern;134000\nCounted\n", 1, 2, 4);
+}
+
+TEST_F(TableShapeTest, OneColumnIsNoSumByChance) {
+  ExpectShape("name,key\na,60000\nb,20000\nc,19000\nd,10000\ne,10900\nf,500\n", 1, 2, 7);
+  ExpectShape("name,key\na,60000\nb,20000\nc,19000\nd,10000\ne,11000\nf,500\n", 1, 3, 7);
+}
+
+TEST_F(TableShapeTest, TitlesRunAcrossFixedColumns) {
+  ExpectShape(
+      "Report of the survey of all stations\n"
+      "name        people  area\n"
+      "Rome       2800000  1285\nOslo        700000   454\nBern        134000    52\n"
+      "Pisa         90000   185\nNice        340000    72\nLyon        520000    48\n"
+      "Genoa       560000   240\nTurin       840000   130\nMilan      1370000   182\n"
+      "Parma       198000   261\n",
+      1, 3, 12);
+}
+
 TEST_F(TableShapeTest, YearsAboveOtherNumbersNameTheColumns) {
   ExpectShape("Rate,2001,2002,2003\nUp,1.5,2.5,3.25\nDown,4.5,7.5,1.25\nSame,2.5,3.5,4.75\n", 1, 2,
               4);

@@ -17,6 +17,7 @@ constexpr std::size_t kMostColumns = 12;
 constexpr std::size_t kMostRows = 300;
 // A total of rounded values differs by so much of itself.
 constexpr double kRounding = 0.005;
+constexpr double kOneRounding = 1e-7;
 // A total of fewer than so many rows proves nothing.
 constexpr std::size_t kFewestParts = 2;
 
@@ -119,8 +120,10 @@ bool IsTotalAbove(const SampleTable& table, const TableFacts& facts, std::size_t
     }
     if (parts < kFewestParts) continue;
     std::size_t equal = 0;
+    // One column alone comes near to any number by chance.
+    const double rounding = columns.size() > 1 ? kRounding : kOneRounding;
     for (std::size_t k = 0; k < columns.size(); ++k) {
-      equal += std::abs(sums[k] - totals[k]) <= kRounding * std::abs(totals[k]) ? 1 : 0;
+      equal += std::abs(sums[k] - totals[k]) <= rounding * std::abs(totals[k]) ? 1 : 0;
     }
     if (equal >= 2 ? 4 * equal >= 3 * columns.size()
                    : columns.size() == 1 && equal == 1 && parts > 3) {
