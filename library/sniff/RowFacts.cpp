@@ -85,8 +85,11 @@ bool IsRule(const SampleTable& table, const SampleRow& row) {
   const SampleCell* const cells = table.Cells(row);
   std::size_t signs = 0;
   for (std::size_t i = 0; i < row.count; ++i) {
-    if (cells[i].text.find_first_not_of("-=_*") != std::string_view::npos) return false;
-    signs += cells[i].text.size();
+    // Colons say on which side values stand, plus signs are where lines cross.
+    const std::string_view text = cells[i].text;
+    if (text.find_first_not_of("-=_*:+") != std::string_view::npos) return false;
+    signs += static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char byte) { return byte != ':' && byte != '+'; }));
   }
   return signs > 2;
 }

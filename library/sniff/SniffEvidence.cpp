@@ -141,15 +141,14 @@ void TellEvidence(const SniffFindings& findings, SniffResult* result) {
   const TableShape& shape = *findings.shape;
   result->headerLines.evidence = shape.headerEvidence;
   result->firstDataLine.evidence = shape.firstEvidence;
-  if (findings.decimalWitness.line == 0) {
-    result->decimal.evidence = "no number has a fraction";
-    return;
-  }
-  result->decimal.evidence =
-      fmt::format("{} in line {}", findings.decimalWitness.text, findings.decimalWitness.line);
-  if (findings.decimalAgainst > 0) {
-    result->decimal.evidence += fmt::format("; {} speak for the other", findings.decimalAgainst);
-  }
+  result->decimal.evidence = DecimalEvidence(findings.decimalWitness, findings.decimalAgainst);
+}
+
+std::string DecimalEvidence(const Witness& witness, std::int64_t against) {
+  if (witness.line == 0) return "no number has a fraction";
+  std::string evidence = fmt::format("{} in line {}", witness.text, witness.line);
+  if (against > 0) evidence += fmt::format("; {} speak for the other", against);
+  return evidence;
 }
 
 void JudgeConfidence(const SniffFindings& findings, SniffResult* result) {

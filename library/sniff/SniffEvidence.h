@@ -43,4 +43,8 @@ void JudgeConfidence(const SniffFindings& findings, SniffResult* result);
 std::string NameOfDelimiter(const Dialect& dialect);
 std::string NameOfQualifier(const std::string& qualifier);
 
+// What speaks for a decimal character: the first value that only it reads, and how many values
+// speak for the other one.
+std::string DecimalEvidence(const Witness& witness, std::int64_t against);
+
 }  // namespace library

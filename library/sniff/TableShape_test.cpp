@@ -46,6 +46,11 @@ TEST_F(TableShapeTest, AValueBesideAMissingOneIsData) {
   ExpectShape("town;people\nRome;2800000\nOslo;700000\nBern;134000\nCounted\n", 1, 2, 4);
 }
 
+TEST_F(TableShapeTest, ALineDrawnBelowTheHeaderIsNoData) {
+  ExpectShape("| id | name |\n|---:|:-----|\n|  1 | Anna |\n|  2 | Bob  |\n|  3 | Li   |\n", 1, 3,
+              5);
+}
+
 TEST_F(TableShapeTest, OneColumnIsNoSumByChance) {
   ExpectShape("name,key\na,60000\nb,20000\nc,19000\nd,10000\ne,10900\nf,500\n", 1, 2, 7);
   ExpectShape("name,key\na,60000\nb,20000\nc,19000\nd,10000\ne,11000\nf,500\n", 1, 3, 7);
