@@ -47,9 +47,10 @@ int Sniff(const SniffOptions& options) {
     console.PrintResult(library::SniffJson(options.file, result)
                             .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
   } else {
-    const std::size_t width = TerminalWidth(STDOUT_FILENO);
-    console.Print(SniffSettingsText(options.file, result, width));
-    console.Print("\n" + SniffColumnsText(result, width));
+    const std::size_t width = ScreenWidth(STDOUT_FILENO);
+    const Style style = Style::Of(STDOUT_FILENO);
+    console.Print(SniffSettingsText(options.file, result, width, style));
+    console.Print("\n" + SniffColumnsText(result, width, style));
   }
   return console.Flush() ? kExitSuccess : kExitUsage;
 }

@@ -22,6 +22,7 @@
 #include "cli/terminal/Interrupt.h"
 #include "cli/terminal/Progress.h"
 #include "cli/terminal/SniffScreen.h"
+#include "library/import/Explanation.h"
 #include "library/import/RemarkText.h"
 #include "library/import/RunLine.h"
 #include "library/outputs/OutputFile.h"
@@ -165,7 +166,8 @@ int FileImport::Import() {
   embedded::CommandReader reader(import_.command);
   embedded::ParsedCommand command;
   if (!reader.Next(command) || !command.ok) return Failed("the command cannot be read back");
-  const RunContext::Found found{files_, import_.standIns, library::RemarksOf(import_)};
+  const RunContext::Found found{files_, import_.standIns, library::RemarksOf(import_),
+                                run_.report.explain ? library::ExplanationOf(import_) : ""};
   const RunContext context{run_, import_.command, console_, messages_, &found};
   library::ImportStats stats;
   const CommandEnd end = RunSingleCommand(context, 1, command, &stats);
@@ -213,7 +215,8 @@ int FileImport::Run() {
     SetRunOptions();
     if (shows()) {
       const std::size_t width = ScreenWidth(STDOUT_FILENO);
-      console_.Print(SniffSettingsText(FileText(), import_.sniff, width) + "\n");
+      const Style style = Style::Of(STDOUT_FILENO);
+      console_.Print(SniffSettingsText(FileText(), import_.sniff, width, style) + "\n");
     }
     status = Import();
   }

@@ -40,6 +40,7 @@ struct RunOptions {
   HostOptions host;
   bool joinQuotedLines = false;
   bool backslashEscapes = false;
+  std::string transcoding;    // the data file's encoding, from which it is converted to UTF-8
   std::string byteOrderMark;  // shown to the component where the file lacks it
   int workers = 0;            // 0: one per processor
   std::optional<unsigned> seed;

@@ -9,6 +9,7 @@
 #include "cli/parts/PartSubcommands.h"
 #include "cli/run/RunOptions.h"
 #include "cli/run/SharedOptions.h"
+#include "library/import/Transcoding.h"
 
 namespace cli {
 namespace {
@@ -78,6 +79,15 @@ void AddRun(CLI::App& program, int* status) {
          "Read the file as if it began with that mark, which it lacks")
       ->type_name("utf-16le|utf-16be")
       ->check(CLI::IsMember({"utf-16le", "utf-16be"}).description(""))
+      ->group("Reading");
+  run->add_option("--transcode", options->transcoding,
+                  "Read the file as UTF-8, converted from that encoding, which no command can name")
+      ->type_name("NAME")
+      ->check(CLI::Validator(
+          [](const std::string& name) {
+            return library::IsEncodingName(name) ? "" : "there is no encoding " + name;
+          },
+          ""))
       ->group("Reading");
   run->add_option("--seed", options->seed, "Makes the draw of IMPORTCASE PERCENT repeatable")
       ->type_name("N")

@@ -80,6 +80,7 @@ class SingleCommand {
                  .shownMark = options_.byteOrderMark,
                  .standIns = context.found != nullptr ? context.found->standIns : std::nullopt,
                  .files = context.found != nullptr ? &context.found->files : nullptr,
+                 .transcoding = context.found != nullptr ? std::string() : options_.transcoding,
                  .parts = options_.parts},
                 context.messages) {}
 
@@ -180,7 +181,8 @@ CommandEnd SingleCommand::ReadSource() {
   std::string error;
   if (!report_.Begin(source, import_.isSampled(), outputs_.problemTables(), &error))
     return Fail("--rejects: " + error);
-  if (const std::string text = report_.Explained(); !text.empty()) {
+  if (const std::string text = typed ? context_.found->explanation : report_.Explained();
+      !text.empty()) {
     context_.console.Print(shows() ? text + "\n" : text);
   }
 
@@ -188,13 +190,16 @@ CommandEnd SingleCommand::ReadSource() {
                         typed ? FirstCases::Layout::kTyped : FirstCases::Layout::kPlain);
   const CommandEnd end = ReadCases(firstCases);
   if (shows() && (end != CommandEnd::kFailed || allRead_)) {
-    if (const std::string table = firstCases.Text(); !table.empty()) {
+    const Style style = typed ? Style::Of(STDOUT_FILENO) : Style();
+    if (const std::string table = firstCases.Text(style); !table.empty()) {
       context_.console.Print(table + "\n");
     }
     context_.console.Print(Counts(import_.stats().cases, source.GetNVariables()));
     if (typed) {
       for (const std::string& remark : context_.found->remarks) {
-        context_.console.Print(WrappedText(VisibleText(remark), width));
+        std::string lines = WrappedText(VisibleText(remark), width);
+        lines.pop_back();
+        context_.console.Print(style.Doubtful(lines));
       }
     }
     context_.console.Print(report_.Text(width));

@@ -35,6 +35,8 @@ struct RunContext {
     std::optional<library::StandIns> standIns;
     // What there is to say about its columns, a line each.
     std::vector<std::string> remarks;
+    // Why its types were chosen (lines, UTF-8); empty where nobody asked.
+    std::string explanation;
   };
   const Found* found = nullptr;
 };

@@ -136,10 +136,12 @@ void FirstCases::Keep(const OBS* obs) {
   table_.AddRow({texts.begin(), texts.end()});
 }
 
-std::string FirstCases::Text() const {
+std::string FirstCases::Text(const Style& style) const {
   if ((taken_ == 0 && layout_ == Layout::kPlain) || columns_.empty()) return {};
   std::size_t shown = 0;
-  if (layout_ == Layout::kTyped) return table_.TextOfEnds(terminalWidth_, unseen_, &shown);
+  if (layout_ == Layout::kTyped) {
+    return WithStrongTitles(table_.TextOfEnds(terminalWidth_, unseen_, &shown), style, 1);
+  }
   const std::string text = table_.Text(terminalWidth_, &shown);
   return text + MoreVariables(variables_ - shown, "--cases", terminalWidth_);
 }

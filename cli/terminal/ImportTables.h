@@ -39,7 +39,7 @@ class FirstCases : public library::CaseSink {
   void Take(std::unique_ptr<library::CasePart> part) override;
   void Finish() override {}
   // The table, or an empty text when no case was taken.
-  std::string Text() const;
+  std::string Text(const Style& style = Style()) const;
 
  private:
   struct Part;

@@ -32,27 +32,67 @@ std::string Bytes(std::uint64_t bytes) {
 
 class Screen {
  public:
-  explicit Screen(std::size_t width) : width_(width) {}
+  Screen(std::size_t width, const Style& style) : width_(width), style_(style) {}
 
   void Line(const std::string& text) {
     const std::string visible = VisibleText(text, width_);
     // Columns that are empty leave no blanks behind.
     text_.append(visible, 0, visible.find_last_not_of(' ') + 1) += '\n';
   }
+  void Title(const std::string& file, const std::string& about) {
+    const std::string name = VisibleText(file, width_);
+    const std::string rest = VisibleText(about, width_ - std::min(width_, DisplayWidth(name) + 2));
+    text_ += style_.Strong(name) + (rest.empty() ? "" : "  " + rest) + "\n";
+  }
   template <typename T>
   void Setting(const char* name, const std::string& value, const library::Setting<T>& setting) {
-    Line(fmt::format("  {:<{}} {:<{}} {:<{}}{}", name, kNameWidth, VisibleText(value), kValueWidth,
-                     setting.given ? "given" : "found", kOriginWidth,
-                     setting.given ? "" : setting.evidence));
-    if (!setting.given && !setting.runnerUp.empty() && setting.margin < kClose) {
-      Line(fmt::format("  {:<{}} or {}", "", kNameWidth, setting.runnerUp));
+    const std::string visible = VisibleText(value, width_ - std::min(width_, kValuePlace));
+    const std::string origin = setting.given ? "given" : "found";
+    const std::size_t used = std::max(DisplayWidth(visible), kValueWidth);
+    text_ += Named(name) + visible + std::string(used - DisplayWidth(visible) + 1, ' ') + origin;
+    std::vector<std::string> lines;
+    if (!setting.given) lines = Evidence(setting.evidence);
+    const bool beside = used == kValueWidth && EvidencePlace() == kEvidencePlace;
+    for (std::size_t i = 0; i < lines.size() && !lines[i].empty(); ++i) {
+      const bool first = i == 0 && beside;
+      text_ += first ? std::string(kOriginWidth - origin.size(), ' ')
+                     : "\n" + std::string(EvidencePlace(), ' ');
+      text_ += style_.Faint(lines[i]);
+    }
+    text_ += '\n';
+    if (setting.given || setting.runnerUp.empty() || setting.margin >= kClose) return;
+    Text("", "or " + setting.runnerUp, &Style::Doubtful);
+  }
+  // A text that begins where the values of settings do, in as many lines as it takes.
+  void Text(const char* name, const std::string& text,
+            std::string (Style::*paint)(std::string_view) const = nullptr) {
+    const std::size_t width = width_ > 2 * kValuePlace ? width_ - kValuePlace : kValuePlace;
+    bool first = true;
+    for (const std::string& line : WrappedLines(VisibleText(text), width)) {
+      text_ += first ? Named(name) : std::string(kValuePlace, ' ');
+      text_ += (paint == nullptr ? line : (style_.*paint)(line)) + "\n";
+      first = false;
     }
   }
 
   const std::string& text() const { return text_; }
 
  private:
+  static constexpr std::size_t kValuePlace = 2 + kNameWidth + 1;
+  static constexpr std::size_t kEvidencePlace = kValuePlace + kValueWidth + 1 + kOriginWidth;
+
+  static std::string Named(const char* name) { return fmt::format("  {:<{}} ", name, kNameWidth); }
+  // Beside the value, or on a narrow screen below it.
+  std::size_t EvidencePlace() const {
+    return width_ >= kEvidencePlace + kEvidencePlace / 2 ? kEvidencePlace : kValuePlace;
+  }
+  std::vector<std::string> Evidence(const std::string& text) const {
+    const std::size_t place = EvidencePlace();
+    return WrappedLines(VisibleText(text), width_ > place + 2 ? width_ - place : 2);
+  }
+
   const std::size_t width_;
+  const Style& style_;
   std::string text_;
 };
 
@@ -111,11 +151,10 @@ library::Dialect DialectOf(const SniffResult& result) {
 
 }  // namespace
 
-std::string SniffSettingsText(const std::string& file, const SniffResult& result,
-                              std::size_t width) {
-  Screen screen(width);
-  screen.Line(fmt::format("{}  {}{}", file, Bytes(result.fileSize),
-                          result.readWhole ? "" : ", looked at in parts"));
+std::string SniffSettingsText(const std::string& file, const SniffResult& result, std::size_t width,
+                              const Style& style) {
+  Screen screen(width, style);
+  screen.Title(file, Bytes(result.fileSize) + (result.readWhole ? "" : ", looked at in parts"));
   screen.Setting("encoding", result.encoding.value + (result.byteOrderMark ? " with mark" : ""),
                  result.encoding);
   screen.Setting("line end", LineEndName(result.lineEnd.value), result.lineEnd);
@@ -128,23 +167,23 @@ std::string SniffSettingsText(const std::string& file, const SniffResult& result
     }
   }
   if (result.lineBreaksInQuotes.count > 0) {
-    screen.Line(fmt::format("  {:<{}} {} within qualified fields, first in line {}", "line breaks",
-                            kNameWidth, result.lineBreaksInQuotes.count,
-                            result.lineBreaksInQuotes.firstLine));
+    screen.Text("line breaks",
+                fmt::format("{} within qualified fields, first in line {}",
+                            result.lineBreaksInQuotes.count, result.lineBreaksInQuotes.firstLine));
   }
   screen.Setting("header", HeaderText(result), result.headerLines);
   screen.Setting("data", DataText(result), result.firstDataLine);
   if (const std::string others = OthersText(result); !others.empty()) {
-    screen.Line(fmt::format("  {:<{}} {}", "not read", kNameWidth, others));
+    screen.Text("not read", others, &Style::Doubtful);
   }
   screen.Setting("decimal", library::NameOf(result.decimal.value), result.decimal);
-  screen.Line(fmt::format("  {:<{}} {}", "sure", kNameWidth, library::NameOf(result.verdict)));
-  if (!result.advice.empty())
-    screen.Line(fmt::format("  {:<{}} {}", "", kNameWidth, result.advice));
+  screen.Text("sure", library::NameOf(result.verdict),
+              result.verdict == library::Verdict::kGuess ? &Style::Doubtful : &Style::Good);
+  if (!result.advice.empty()) screen.Text("", result.advice, &Style::Doubtful);
   return screen.text();
 }
 
-std::string SniffColumnsText(const SniffResult& result, std::size_t width) {
+std::string SniffColumnsText(const SniffResult& result, std::size_t width, const Style& style) {
   const std::size_t count = result.columns.size();
   if (count == 0) return "no columns\n";
   const bool fixed = result.arrangement.value == library::Arrangement::kFixed;
@@ -179,7 +218,7 @@ std::string SniffColumnsText(const SniffResult& result, std::size_t width) {
     table.AddRow(cells);
   }
   std::size_t shown = 0;
-  return table.Text(width, &shown);
+  return WithStrongTitles(table.Text(width, &shown), style);
 }
 
 }  // namespace cli

@@ -78,6 +78,35 @@ TEST(SniffScreen, NoLineIsWiderThanTheTerminal) {
   }
 }
 
+TEST(SniffScreen, LongEvidenceGoesOnInTheNextLine) {
+  library::SniffResult result = Result();
+  result.encoding.evidence = "plain ASCII, which most encodings read alike; alike in US-ASCII";
+  EXPECT_THAT(SniffSettingsText("f", result, 80),
+              HasSubstr("found  plain ASCII, which most encodings read\n"
+                        "                                        alike; alike in US-ASCII\n"));
+  // On a narrow screen below the value, and whole all the same.
+  EXPECT_THAT(SniffSettingsText("f", result, 50),
+              HasSubstr("  encoding    UTF-8              found\n"
+                        "              plain ASCII, which most encodings\n"
+                        "              read alike; alike in US-ASCII\n"));
+}
+
+TEST(SniffScreen, ColoursAreWhereTheyAreWanted) {
+  library::SniffResult result = Result();
+  result.verdict = library::Verdict::kGuess;
+  const std::string plain = SniffSettingsText("f", result, 80);
+  EXPECT_EQ(plain.find('\x1B'), std::string::npos);
+  std::string coloured = SniffSettingsText("f", result, 80, Style(true));
+  EXPECT_THAT(coloured, HasSubstr("\x1B[33mguess\x1B[0m"));
+  EXPECT_THAT(coloured, HasSubstr("\x1B[2mvalid UTF-8\x1B[0m\n"));
+  // Nothing but colours is between them.
+  for (std::size_t at = coloured.find('\x1B'); at != std::string::npos;
+       at = coloured.find('\x1B')) {
+    coloured.erase(at, coloured.find('m', at) + 1 - at);
+  }
+  EXPECT_EQ(coloured, plain);
+}
+
 TEST(SniffScreen, ControlCharactersOfFilesAreVisible) {
   library::SniffResult result = Result();
   result.delimiter.value = "\t";

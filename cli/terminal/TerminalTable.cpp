@@ -96,4 +96,16 @@ std::string TerminalTable::TextOfEnds(std::size_t width, std::size_t unseen,
   return text;
 }
 
+std::string WithStrongTitles(const std::string& table, const Style& style, std::size_t faint) {
+  std::string text;
+  std::size_t begin = 0;
+  for (std::size_t line = 0; line <= faint && begin < table.size(); ++line) {
+    const std::size_t end = std::min(table.find('\n', begin), table.size());
+    const std::string_view shown = std::string_view(table).substr(begin, end - begin);
+    text += (line == 0 ? style.Strong(shown) : style.Faint(shown)) + "\n";
+    begin = std::min(end + 1, table.size());
+  }
+  return text + table.substr(begin);
+}
+
 }  // namespace cli

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/terminal/Style.h"
+
 namespace cli {
 
 class TerminalTable {
@@ -46,5 +48,8 @@ class TerminalTable {
 
   std::vector<Column> columns_;
 };
+
+// A table's text with its first line, the titles, made strong, and `faint` lines behind it faint.
+std::string WithStrongTitles(const std::string& table, const Style& style, std::size_t faint = 0);
 
 }  // namespace cli

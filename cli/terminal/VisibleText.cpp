@@ -183,4 +183,37 @@ std::string WrappedText(std::string_view visible, std::size_t width) {
   return text + line + "\n";
 }
 
+std::vector<std::string> WrappedLines(std::string_view visible, std::size_t width) {
+  std::vector<std::string> lines(1);
+  while (!visible.empty()) {
+    const std::size_t blank = std::min(visible.find(' '), visible.size());
+    std::string_view word = visible.substr(0, blank);
+    visible.remove_prefix(std::min(blank + 1, visible.size()));
+    const std::size_t before = DisplayWidth(lines.back());
+    if (before > 0 && before + 1 + DisplayWidth(word) <= width) {
+      lines.back() += ' ';
+    } else if (before > 0) {
+      lines.emplace_back();
+    }
+    while (!word.empty()) {
+      // As many characters as fit.
+      std::size_t end = word.size();
+      if (DisplayWidth(lines.back()) + DisplayWidth(word) > width) {
+        end = 0;
+        for (std::size_t next = 0; next < word.size();) {
+          do {
+            ++next;
+          } while (next < word.size() && (static_cast<unsigned char>(word[next]) & 0xC0) == 0x80);
+          if (DisplayWidth(word.substr(0, next)) > width && end > 0) break;
+          end = next;
+        }
+      }
+      lines.back().append(word.substr(0, end));
+      word.remove_prefix(end);
+      if (!word.empty()) lines.emplace_back();
+    }
+  }
+  return lines;
+}
+
 }  // namespace cli

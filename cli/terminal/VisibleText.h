@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cli {
 
@@ -22,5 +23,9 @@ std::size_t DisplayWidth(std::string_view visible);
 // A visible text in lines of at most `width` columns, broken at blanks, each with a line feed;
 // those behind the first are indented. A longer word has a line of its own.
 std::string WrappedText(std::string_view visible, std::size_t width);
+
+// The same as lines without an indent or line feeds, where a longer word is broken, too; one empty
+// line of an empty text. `width` is at least 2.
+std::vector<std::string> WrappedLines(std::string_view visible, std::size_t width);
 
 }  // namespace cli

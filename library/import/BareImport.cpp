@@ -10,7 +10,9 @@
 #include "library/import/FileSummary.h"
 #include "library/import/FixedPage.h"
 #include "library/import/ShownFile.h"
+#include "library/import/Transcoding.h"
 #include "library/outputs/Utf8Converter.h"
+#include "library/sniff/SniffEvidence.h"
 #include "library/sniff/Sniffer.h"
 
 namespace library {
@@ -29,6 +31,9 @@ class Understanding {
 
  private:
   bool Look();
+  bool SniffPath(const SniffSettings& sniff);
+  bool Transcode(const SniffSettings* sniff);
+  bool CutIt();
   bool NameAll();
   bool ReadData();
   bool Summarize(const RewritingOptions& rewriting, QuotePosition* totals);
@@ -58,15 +63,63 @@ bool Understanding::Look() {
     return false;
   }
   path_ = input.path;
+  import_.transcoding = input.transcodedFrom;
   if (settings_.sniffed != nullptr) {
     import_.sniff = *settings_.sniffed;
-    return true;
+    return !NeedsTranscoding(import_.sniff.encoding.value) || Transcode(nullptr);
   }
-  const std::unique_ptr<FileSource> source = FileSource::Open(path_, &problem_);
-  if (source == nullptr) return false;
   SniffSettings sniff = settings_.sniff;
   if (settings_.sampleLines > 0 && !settings_.firstLook) sniff.sampleLines = settings_.sampleLines;
-  return Sniff(*source, sniff, &import_.sniff, &problem_);
+  if (!import_.transcoding.empty()) return Transcode(&sniff);
+  if (!SniffPath(sniff)) return false;
+  return !NeedsTranscoding(import_.sniff.encoding.value) || Transcode(&sniff);
+}
+
+bool Understanding::SniffPath(const SniffSettings& sniff) {
+  const std::unique_ptr<FileSource> source = FileSource::Open(path_, &problem_);
+  return source != nullptr && Sniff(*source, sniff, &import_.sniff, &problem_);
+}
+
+// Looks at the file as UTF-8, which its encoding is converted to; the encoding stays the file's.
+// `sniff` null: what is known of it stands.
+bool Understanding::Transcode(const SniffSettings* sniff) {
+  SniffResult before = import_.sniff;
+  if (import_.transcoding.empty()) import_.transcoding = before.encoding.value;
+  const InputFiles::Input& input = files_.Transcode(name_, import_.transcoding);
+  if (!input.problem.empty()) {
+    // What the user has interrupted needs no words.
+    if (!embedded::AttentionRequested()) problem_ = input.problem;
+    return false;
+  }
+  path_ = input.path;
+  if (sniff != nullptr) {
+    SniffSettings utf8 = *sniff;
+    utf8.encoding = "UTF-8";
+    if (!SniffPath(utf8)) return false;
+    const bool again = before.encoding.value.empty();
+    if (again) before.encoding = {import_.transcoding, sniff->encoding.has_value(), "", "", 1.0};
+    import_.sniff.encoding = before.encoding;
+    std::string& evidence = import_.sniff.encoding.evidence;
+    evidence += evidence.empty() ? "converted to UTF-8" : "; converted to UTF-8";
+    if (input.undecodable > 0) {
+      evidence += fmt::format(", {} time{} bytes that are no character", input.undecodable,
+                              input.undecodable == 1 ? "" : "s");
+    }
+    if (!again) {
+      import_.sniff.byteOrderMark = before.byteOrderMark;
+      import_.sniff.fileSize = before.fileSize;
+      import_.sniff.verdict = std::min(import_.sniff.verdict, before.verdict);
+    }
+  }
+  return true;
+}
+
+// Says how to cut the file as the component sees it.
+bool Understanding::CutIt() {
+  if (import_.transcoding.empty()) return CutOf(import_.sniff, &cut_, &problem_);
+  SniffResult utf8 = import_.sniff;
+  utf8.encoding.value = "UTF-8";
+  return CutOf(utf8, &cut_, &problem_);
 }
 
 bool Understanding::NameAll() {
@@ -225,10 +278,16 @@ void Understanding::RestoreTexts() {
   restore(import_.summary.surplus);
   restore(import_.summary.unexpected);
   restore(import_.summary.undecodable);
+  // What all values say, no more what the sample said.
+  import_.sniff.decimal.value = import_.types.decimal;
+  if (!import_.sniff.decimal.given) {
+    import_.sniff.decimal.evidence =
+        DecimalEvidence(import_.types.decimalWitness, import_.types.decimalAgainst);
+  }
 }
 
 bool Understanding::Run() {
-  if (!Look() || !CutOf(import_.sniff, &cut_, &problem_) || !NameAll()) {
+  if (!Look() || !CutIt() || !NameAll()) {
     return false;
   }
   if (import_.columns.empty()) {

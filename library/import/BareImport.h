@@ -67,6 +67,8 @@ struct BareImport {
   // How the file has to be shown to the component.
   RewritingOptions rewriting;
   std::string shownMark;
+  // The encoding from which the file is converted to UTF-8 to be read; empty where it need not be.
+  std::string transcoding;
   std::optional<StandIns> standIns;
   // Chosen with the columns' types, from all values.
   TypeChoice types;

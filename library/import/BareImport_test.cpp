@@ -280,6 +280,22 @@ TEST_F(ABareImport, Utf16WithoutAMarkIsShownWithOne) {
               HasSubstr("--byte-order-mark utf-16le"));
 }
 
+TEST_F(ABareImport, WhatNoCommandCanNameIsConverted) {
+  std::string text;
+  for (const char* at = kTowns; *at != '\0'; ++at) text += {*at, '\0', '\0', '\0'};
+  ASSERT_TRUE(Understand(text)) << problem_;
+  EXPECT_EQ(import_.transcoding, "UTF-32LE");
+  EXPECT_EQ(import_.sniff.encoding.value, "UTF-32LE");
+  EXPECT_EQ(import_.sniff.fileSize, text.size());
+  EXPECT_THAT(import_.sniff.encoding.evidence, HasSubstr("converted to UTF-8"));
+  EXPECT_THAT(import_.command, HasSubstr("/ENCODING='UTF8'"));
+  const auto cases = Cases();
+  ASSERT_EQ(cases.size(), 3U);
+  EXPECT_EQ(cases[2], (std::vector<std::string>{"3", "2020-02-28", "Bern", "800.25"}));
+  EXPECT_EQ(RunLine(RunOptionsFor(import_, settings_.nulls), "import.sps"),
+            "textwizard run import.sps --transcode UTF-32LE");
+}
+
 TEST_F(ABareImport, FixedColumnsCountCharacters) {
   settings_.sniff.fixed = {{1, 6}, {7, 9}};
   ASSERT_TRUE(Understand("K\xC3\xB6ln   12\nBern   345\nZ\xC3\xBCrich  7\n")) << problem_;
@@ -302,7 +318,7 @@ TEST_F(ABareImport, FixedColumnsOfUtf16CountCharacters) {
   settings_.sniff.fixed = {{1, 6}, {7, 9}};
   std::string text = "\xFE\xFF";
   for (const char16_t unit :
-       std::u16string(u"\u041A\u0438\u0435\u0432   12\n\u041E\u0448   345\n")) {
+       std::u16string(u"\u041A\u0438\u0435\u0432   12\n\u041E\u0448    345\n")) {
     text += static_cast<char>(unit >> 8);
     text += static_cast<char>(unit & 0xFF);
   }

@@ -75,6 +75,7 @@ void CommandImport::Post(std::string_view hostText, int kind) {
 // Shows the component the file of the command as the options ask. A command with a fault of its own
 // is the component's to refuse.
 bool CommandImport::ShowFile(const std::vector<embedded::CommandToken>& tokens) {
+  if (!options_.transcoding.empty()) files_.TranscodeAll(options_.transcoding);
   const RewritingOptions& rewriting = options_.rewriting;
   if (rewriting == RewritingOptions() && options_.shownMark.empty()) return true;
   const CommandWords words(tokens, {});

@@ -37,6 +37,8 @@ struct ImportOptions {
   std::optional<StandIns> standIns{};  // where they are known; else the file is read for them
   // Opens data files and keeps them open; outlives the import. Null for its own.
   InputFiles* files = nullptr;
+  // The data file is in this encoding and read as UTF-8; empty: as the command says.
+  std::string transcoding{};
   // Cases are read part after part, or those of one part alone.
   PartOptions parts{};
 };

@@ -12,6 +12,7 @@
 
 #include "HostFramework/embedded/messages/Attention.h"
 #include "library/import/FileKind.h"
+#include "library/import/Transcoding.h"
 
 namespace library {
 namespace {
@@ -48,18 +49,68 @@ std::string NoRoom(int code) {
                      SpoolFile::Folder(), std::strerror(code));
 }
 
+std::string NotConverted(int code) {
+  return fmt::format("not converted into {}: {}; TMPDIR names another folder", SpoolFile::Folder(),
+                     std::strerror(code));
+}
+
 }  // namespace
 
 const InputFiles::Input& InputFiles::Open(const std::string& name) {
   const auto found = inputs_.find(name);
   if (found != inputs_.end()) return found->second;
-  return inputs_.emplace(name, Make(name)).first->second;
+  Input& input = inputs_.emplace(name, Make(name)).first->second;
+  if (!encoding_.empty()) Convert(name, encoding_, &input);
+  return input;
+}
+
+const InputFiles::Input& InputFiles::Transcode(const std::string& name,
+                                               const std::string& encoding) {
+  Open(name);
+  Input& input = inputs_.find(name)->second;
+  Convert(name, encoding, &input);
+  return input;
+}
+
+void InputFiles::Convert(const std::string& name, const std::string& encoding, Input* input) {
+  if (!input->problem.empty() || !input->transcodedFrom.empty()) return;
+  const Descriptor stored(input->path);
+  struct stat status {};
+  // What cannot be opened is said by whoever opens it.
+  if (stored.get() < 0 || fstat(stored.get(), &status) != 0 || !S_ISREG(status.st_mode)) return;
+  SpoolFile spool = SpoolFile::Create();
+  if (!spool.IsOpen()) {
+    input->problem = NotConverted(errno);
+  } else {
+    const TranscodingListener listener{.write =
+                                           [&](std::string_view bytes, std::string* problem) {
+                                             if (spool.Append(bytes)) return true;
+                                             *problem = NotConverted(errno);
+                                             return false;
+                                           },
+                                       .progress =
+                                           [&](std::int64_t read) {
+                                             if (progress_) progress_(read, status.st_size);
+                                             return !embedded::AttentionRequested();
+                                           }};
+    const bool done =
+        library::Transcode(stored.get(), encoding, listener, &input->undecodable, &input->problem);
+    if (!done && input->problem.empty()) input->problem = "interrupted";
+  }
+  if (input->problem.empty()) {
+    input->transcodedFrom = encoding;
+    input->path = spool.path();
+    spools_.insert_or_assign(name, std::move(spool));
+  } else {
+    input->path = name + " (" + input->problem + ")";
+  }
 }
 
 void InputFiles::Release(const std::string& name) {
   const auto input = inputs_.find(name);
   // Pipes can be read once only.
   if (input == inputs_.end() || input->second.compression == Compression::kNone) return;
+  if (!input->second.transcodedFrom.empty()) return;
   if (pipes_.PathOf(name) != name) return;
   inputs_.erase(input);
   spools_.erase(name);

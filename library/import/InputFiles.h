@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 
 #include "HostFramework/embedded/command/PipeSpools.h"
 #include "HostFramework/embedded/command/SpoolFile.h"
@@ -36,6 +37,10 @@ class InputFiles {
     std::string problem;
     // What would help then: a sentence without a full stop, or empty.
     std::string wayOut;
+    // The encoding that it is converted from, to UTF-8; empty where it is read as it is.
+    std::string transcodedFrom;
+    // How often it had bytes there that are no character.
+    std::int64_t undecodable = 0;
   };
 
   // The input of the name "-" (standard input) or a path (host text); asked again, the same. The
@@ -43,11 +48,18 @@ class InputFiles {
   const Input& Open(const std::string& name);
   // Forgets what was copied of a compressed file; asked for it again, it is decompressed again.
   void Release(const std::string& name);
+  // The same as UTF-8, converted from the encoding (a name that ICU knows), for whoever asks from
+  // now on; what was converted before is not converted again.
+  const Input& Transcode(const std::string& name, const std::string& encoding);
+  // Converts all inputs that are asked for from now on; empty: none.
+  void TranscodeAll(std::string encoding) { encoding_ = std::move(encoding); }
 
  private:
   Input Make(const std::string& name);
+  void Convert(const std::string& name, const std::string& encoding, Input* input);
 
   const Progress progress_;
+  std::string encoding_;
   embedded::PipeSpools pipes_;
   std::map<std::string, Input> inputs_;  // by name
   std::map<std::string, embedded::SpoolFile> spools_;

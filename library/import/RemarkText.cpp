@@ -94,8 +94,16 @@ std::vector<std::string> RemarksOf(const std::vector<BareColumn>& columns,
 }
 
 std::vector<std::string> RemarksOf(const BareImport& import) {
-  return RemarksOf(import.columns, import.summary.columns,
-                   [](std::int64_t line) { return fmt::format("line {}", line); });
+  std::vector<std::string> remarks =
+      RemarksOf(import.columns, import.summary.columns,
+                [](std::int64_t line) { return fmt::format("line {}", line); });
+  if (import.countsBytes) {
+    remarks.emplace_back(
+        "the columns count bytes, and some characters have several: texts may be cut within a "
+        "character, and what follows them is in the wrong column; put delimiters between the "
+        "columns");
+  }
+  return remarks;
 }
 
 }  // namespace library

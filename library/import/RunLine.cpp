@@ -38,6 +38,7 @@ std::vector<std::string> RunOptionsFor(const BareImport& import,
   if (import.host.decimal == DecimalCharacter::kComma) add("--decimal", "comma");
   if (!import.host.codePage.empty()) add("--code-page", import.host.codePage);
   if (!import.host.localeCodePage.empty()) add("--locale-code-page", import.host.localeCodePage);
+  if (!import.transcoding.empty()) add("--transcode", import.transcoding);
   if (!import.shownMark.empty()) {
     add("--byte-order-mark", import.shownMark.front() == '\xFE' ? "utf-16be" : "utf-16le");
   }

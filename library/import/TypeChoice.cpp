@@ -68,6 +68,9 @@ class Chooser {
   TypeChoice choice_;
   // Of dates that can be read either way; kEither: nothing in the data says it.
   DayOrder order_ = DayOrder::kEither;
+  // Dates with slashes, and those with points, are among what says it.
+  bool orderHasSlashes_ = false;
+  bool orderHasPoints_ = false;
 };
 
 // The decimal character that most columns are for, each by the values that only one of them reads;
@@ -123,6 +126,9 @@ void Chooser::ChooseOrder() {
   bool monthFirst = false;
   for (const ColumnEvidence& column : columns_) {
     const DayOrder order = OrderOf(column);
+    const bool says = order == DayOrder::kDayFirst || order == DayOrder::kMonthFirst;
+    orderHasSlashes_ = orderHasSlashes_ || (says && column.slashed() > 0);
+    orderHasPoints_ = orderHasPoints_ || (says && column.dotted() > 0);
     dayFirst = dayFirst || order == DayOrder::kDayFirst;
     monthFirst = monthFirst || order == DayOrder::kMonthFirst;
   }
@@ -132,8 +138,9 @@ void Chooser::ChooseOrder() {
 // Of dates of a column that says nothing itself. Points between the parts are written where the day
 // comes first.
 bool Chooser::MonthFirst(const ColumnEvidence& column) const {
-  if (order_ != DayOrder::kEither) return order_ == DayOrder::kMonthFirst;
-  return column.dotted() <= column.slashed() + column.dashed();
+  const bool dotted = column.dotted() > column.slashed() + column.dashed();
+  const bool decided = order_ != DayOrder::kEither && (!dotted || orderHasPoints_);
+  return decided ? order_ == DayOrder::kMonthFirst : !dotted;
 }
 
 // The readings, those first that are meant where others read as many values.
@@ -231,7 +238,11 @@ void Chooser::RemarkValues(const ColumnEvidence& column, Reading reading, Chosen
   if (reading == Reading::kMonthDayYear || reading == Reading::kDayMonthYear) {
     const Reading other =
         reading == Reading::kMonthDayYear ? Reading::kDayMonthYear : Reading::kMonthDayYear;
-    const bool decided = column.Read(reading) != column.Read(other) || order_ != DayOrder::kEither;
+    // Dates with points say little about the order of those with slashes.
+    const bool alike =
+        (column.slashed() == 0 || orderHasSlashes_) && (column.dotted() == 0 || orderHasPoints_);
+    const bool decided =
+        column.Read(reading) != column.Read(other) || (order_ != DayOrder::kEither && alike);
     if (!decided && column.namedMonths() == 0) {
       type->remarks.push_back(
           {ColumnRemark::kDayOrMonth, column.Both(reading, other), FormatFor(other, column)});

@@ -164,6 +164,21 @@ TEST(TypeChoice, AColumnOfTheOtherDecimalCharacterSaysItItself) {
   EXPECT_EQ(Name(choice.columns[1].format), "COMMA3.1");
 }
 
+TEST(TypeChoice, DatesWithPointsLeaveThoseWithSlashesOpen) {
+  TypeChoice choice = Choose({{"31.12.2019", "01.02.2020"}, {"03/11/1935", "11/11/1976"}});
+  EXPECT_EQ(Name(choice.columns[1].format), "EDATE10");
+  ASSERT_EQ(choice.columns[1].remarks.size(), 1u);
+  EXPECT_EQ(choice.columns[1].remarks[0].kind, ColumnRemark::kDayOrMonth);
+  choice = Choose({{"31/12/2019", "01/02/2020"}, {"03/11/1935", "11/11/1976"}});
+  EXPECT_TRUE(choice.columns[1].remarks.empty());
+}
+
+TEST(TypeChoice, DatesWithSlashesDoNotTurnThoseWithPoints) {
+  const TypeChoice choice = Choose({{"12/31/2019", "02/01/2020"}, {"03.11.1935", "11.11.1976"}});
+  EXPECT_EQ(Name(choice.columns[0].format), "ADATE10");
+  EXPECT_EQ(Name(choice.columns[1].format), "EDATE10");
+}
+
 TEST(TypeChoice, GroupsOrDecimalsOfPercentagesAreSaidToBeOpen) {
   const std::vector<ColumnRemark> remarks = Remarks({"4,595%", "7,572%"});
   ASSERT_EQ(remarks.size(), 1u);

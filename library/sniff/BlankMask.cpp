@@ -156,6 +156,20 @@ void JoinDates(const std::vector<std::string_view>& lines, CellKinds& kinds,
   *runs = joined;
 }
 
+// Where the longest value ends that begins in run `left`, of which hardly any line is so long; the
+// run's end where lines cross to the next run.
+std::int64_t EndOfLongest(const std::vector<std::string_view>& lines, const CharacterRange& left,
+                          const CharacterRange& right) {
+  const CharacterRange gap{left.to + 1, right.from - 1};
+  std::int64_t end = left.to;
+  for (const std::string_view line : lines) {
+    const std::string_view between = CutCharacters(line, gap);
+    const std::size_t filled = between.find_last_not_of(' ') + 1;
+    end = std::max(end, left.to + static_cast<std::int64_t>(CountUtf8(between.substr(0, filled))));
+  }
+  return end < gap.to ? end : left.to;
+}
+
 // The runs with the blanks between them.
 std::vector<CharacterRange> Widened(const std::vector<std::string_view>& lines,
                                     const std::vector<CharacterRange>& runs) {
@@ -163,7 +177,8 @@ std::vector<CharacterRange> Widened(const std::vector<std::string_view>& lines,
   columns.front().from = 1;
   for (std::size_t i = 1; i < runs.size(); ++i) {
     if (IsRightAligned(lines, runs[i])) {
-      columns[i].from = runs[i - 1].to + 1;
+      columns[i - 1].to = EndOfLongest(lines, runs[i - 1], runs[i]);
+      columns[i].from = columns[i - 1].to + 1;
     } else {
       columns[i - 1].to = runs[i].from - 1;
     }

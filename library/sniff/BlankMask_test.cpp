@@ -77,6 +77,15 @@ TEST(FixedColumns, ProseAndTabsHaveNone) {
   EXPECT_THAT(Columns({"a\tb", "c\td"}), IsEmpty());
 }
 
+TEST(FixedColumns, ALongValueIsNotCutByNumbersAtTheRight) {
+  std::vector<std::string_view> lines(60, "sometexts          12");
+  for (std::size_t i = 0; i < 30; ++i) lines[i] = "sometexts         123";
+  lines[40] = "muchlongertexther   7";
+  const auto ways = Columns(lines);
+  ASSERT_FALSE(ways.empty());
+  EXPECT_THAT(ways[0], ElementsAre(CharacterRange{1, 17}, CharacterRange{18, 21}));
+}
+
 TEST(FixedColumns, TheBlanksWithinDatesCutNothing) {
   const auto ways =
       Columns({"Anna   1 Jan 2000  2020-01-02 03:04:05", "Bo    12 Feb 1999  2021-03-04 10:11:12",

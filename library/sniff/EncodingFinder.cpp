@@ -1,6 +1,7 @@
 #include "library/sniff/EncodingFinder.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -93,6 +94,24 @@ bool IsUtf16Text(std::string_view text, bool bigEndian) {
   return known * 40 >= text.size() / 2;
 }
 
+// Whether units of four bytes without a mark are text: every one a character, and some of those
+// that tables have.
+bool IsUtf32Text(std::string_view text, bool bigEndian) {
+  std::size_t known = 0;
+  for (std::size_t i = 0; i + 3 < text.size(); i += 4) {
+    std::uint32_t unit = 0;
+    for (std::size_t k = 0; k < 4; ++k) {
+      const char byte = text[i + (bigEndian ? k : 3 - k)];
+      unit = unit << 8 | static_cast<unsigned char>(byte);
+    }
+    if (unit > 0x10FFFF || (unit >= 0xD800 && unit < 0xE000)) return false;
+    const bool blank = unit == '\n' || unit == '\r' || unit == '\t' || unit == ' ';
+    if (unit < 0x20 && !blank) return false;
+    known += blank || unit == ',' || (unit >= '0' && unit <= '9') ? 1 : 0;
+  }
+  return known * 40 >= text.size() / 4;
+}
+
 // UTF-16 and UTF-32 without a mark, by the places of their zero bytes.
 EncodingAnswer ByZeros(std::string_view head) {
   EncodingAnswer none;
@@ -101,12 +120,11 @@ EncodingAnswer ByZeros(std::string_view head) {
   for (std::size_t i = 0; i < text.size(); ++i) zeros[i % 4] += text[i] == '\0' ? 1 : 0;
   const std::size_t quarter = text.size() / 4;
   if (quarter == 0) return none;
-  const auto most = [&](std::size_t place) { return zeros[place] * 10 >= quarter * 9; };
   constexpr const char* kEvidence = "places of the zero bytes";
-  if (text.size() % 4 == 0 && zeros[0] == 0 && most(2) && most(3) && zeros[3] == quarter) {
+  if (text.size() % 4 == 0 && zeros[3] == quarter && IsUtf32Text(text, false)) {
     return Sure("UTF-32LE", kEvidence);
   }
-  if (text.size() % 4 == 0 && zeros[3] == 0 && most(1) && most(0) && zeros[0] == quarter) {
+  if (text.size() % 4 == 0 && zeros[0] == quarter && IsUtf32Text(text, true)) {
     return Sure("UTF-32BE", kEvidence);
   }
   const std::size_t even = zeros[0] + zeros[2];

@@ -89,6 +89,8 @@ TEST_F(EncodingFinderTest, AMarkDecides) {
   EXPECT_EQ(Find(std::string("\xFE\xFF\0a", 4)).converter, "UTF-16BE");
   EXPECT_EQ(Find(std::string("\xFF\xFE\0\0a\0\0\0", 8)).converter, "UTF-32LE");
   EXPECT_EQ(Find(std::string("\0\0\xFE\xFF\0\0\0a", 8)).converter, "UTF-32BE");
+  // Characters whose last byte is zero.
+  EXPECT_EQ(Find(std::string("\0\0\x4E\0\0\0\0,\0\0\0\x31\0\0\0\n", 16)).converter, "UTF-32BE");
   EXPECT_EQ(Find(std::string("\xFE\xFF\0a", 4)).verdict, Verdict::kCertain);
 }
 

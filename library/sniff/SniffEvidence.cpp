@@ -15,7 +15,7 @@ constexpr double kCertainBitsARecord = 3.0;
 constexpr double kLikelyBits = 12.0;
 // Records of the modal width, as a share of all.
 constexpr double kCertainShare = 0.95;
-constexpr double kLikelyShare = 0.7;
+constexpr double kLikelyShare = 0.75;
 constexpr std::size_t kFewestRecords = 3;
 constexpr std::size_t kFewestFixedRecords = 20;
 
@@ -100,8 +100,10 @@ Verdict DialectVerdict(const SniffFindings& findings, const SniffResult& result)
       share >= kCertainShare && clean && elsewhere && score.records >= fewest) {
     return Verdict::kCertain;
   }
-  // In a few lines, blanks are one below the other by chance.
-  if (dialect.dialect.fixed() && score.records < fewest) return Verdict::kGuess;
+  // Titles and notes may run across columns as values do; in a few lines, blanks are one below the
+  // other by chance.
+  const bool others = result.preambleLines > 0 || result.footerLines > 0;
+  if (dialect.dialect.fixed() && (score.records < fewest || others)) return Verdict::kGuess;
   return ahead >= kLikelyBits && share >= kLikelyShare ? Verdict::kLikely : Verdict::kGuess;
 }
 

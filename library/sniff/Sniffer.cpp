@@ -4,6 +4,7 @@
 #include <cmath>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -75,6 +76,8 @@ class Sniffing {
   CellKinds kinds_;
   EncodingAnswer encoding_;
   DialectAnswer dialect_;
+  // Where the last one of fixed columns ends in most lines.
+  std::int64_t lastPlace_ = 0;
   std::string_view comment_;
   SampleRecords records_;
   std::optional<ColumnGaps> gaps_;
@@ -137,6 +140,10 @@ bool Sniffing::FindDialectOfText() {
     return false;
   } else {
     dialect_ = FindDialect(lines, settings_, kinds_);
+    if (dialect_.dialect.fixed()) {
+      // Whatever is behind the last column belongs to it.
+      lastPlace_ = std::exchange(dialect_.dialect.columns.back().to, 0);
+    }
   }
   comment_ = CommentSign(lines, LinesForDialect(lines));
   // Where quotes are data only, the double quote is still what would qualify: reading with it, and
@@ -326,7 +333,8 @@ void Sniffing::MakeColumns() {
 // hardly any other reaches.
 CharacterRange Sniffing::RangeOf(std::size_t column, std::size_t columns) const {
   CharacterRange range = dialect_.dialect.columns[column];
-  if (column + 1 < columns || settings_.fixed || range.to == 0) return range;
+  if (column + 1 < columns || settings_.fixed) return range;
+  range.to = lastPlace_;
   for (std::size_t i = shape_.firstData; i < std::min(shape_.endData, headRows_); ++i) {
     if (KindOfRow(*table_, i, shape_) != RowKind::kData) continue;
     const std::string_view line = text_.head()[table_->rows()[i].line];

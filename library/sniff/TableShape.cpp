@@ -44,6 +44,10 @@ class ShapeFinder {
   void FindByNumbers(std::size_t strong);
   void FindByTexts();
   bool IsLoneValue(std::size_t row) const;
+  // A title or note that is as wide as the data: as well the one value of a record.
+  void Doubt(std::size_t row) {
+    doubtful_ = doubtful_ || (Facts(row).lone() && Facts(row).fields >= facts_.width());
+  }
   bool IsTitle(std::size_t row, std::size_t header) const;
   void TakeHeaderAbove(std::size_t bottom);
   bool IsUniform(std::size_t row) const;
@@ -58,6 +62,7 @@ class ShapeFinder {
   const bool end_;
   const SniffSettings& settings_;
   const std::size_t size_;
+  bool doubtful_ = false;
   TableShape shape_;
 };
 
@@ -163,6 +168,7 @@ void ShapeFinder::FindByNumbers(std::size_t strong) {
   }
   shape_.firstData = strong;
   if (!bottom) {
+    for (std::size_t i = 0; i < strong; ++i) Doubt(i);
     shape_.headerBegin = shape_.headerEnd = strong;
     const bool plain = strong == 0 && facts_.numericColumns() == facts_.columns();
     shape_.headerVerdict = plain && IsUniform(strong) ? Verdict::kCertain : Verdict::kLikely;
@@ -170,9 +176,11 @@ void ShapeFinder::FindByNumbers(std::size_t strong) {
     return;
   }
   for (std::size_t i = *bottom + 1; i < strong; ++i) {
-    if (IsTitle(i, *bottom)) continue;
-    shape_.firstData = i;
-    break;
+    if (!IsTitle(i, *bottom)) {
+      shape_.firstData = i;
+      break;
+    }
+    Doubt(i);
   }
   TakeHeaderAbove(*bottom);
   const RowFacts& names = Facts(*bottom);
@@ -219,7 +227,7 @@ void ShapeFinder::FindByTexts() {
   if (contrast > 0) {
     TakeHeaderAbove(row);
     shape_.firstData = row + 1;
-    while (shape_.firstData < size_ && IsTitle(shape_.firstData, row)) ++shape_.firstData;
+    while (shape_.firstData < size_ && IsTitle(shape_.firstData, row)) Doubt(shape_.firstData++);
   }
   shape_.headerEvidence = contrast > 0 ? "the first row differs from those below it"
                                        : "the first row is like those below it";
@@ -250,7 +258,7 @@ void ShapeFinder::FindEnd() {
   shape_.endData = size_;
   if (!end_) return;
   std::size_t end = size_;
-  while (end > shape_.firstData && IsNote(end - 1)) --end;
+  while (end > shape_.firstData && IsNote(end - 1)) Doubt(--end);
   // Behind the data stand notes; a total belongs to them.
   while (end > shape_.firstData + 1 && IsCalledTotal(table_, end - 1)) --end;
   while (end > shape_.firstData + 1 && Facts(end - 1).blank()) --end;
@@ -318,7 +326,7 @@ TableShape ShapeFinder::Find() {
   if (shape_.endData < shape_.firstData + kFewestUniformRows) {
     shape_.headerVerdict = std::min(shape_.headerVerdict, Verdict::kGuess);
   }
-  shape_.firstVerdict = shape_.headerVerdict;
+  shape_.firstVerdict = doubtful_ ? Verdict::kGuess : shape_.headerVerdict;
   shape_.firstEvidence = FirstEvidence();
   return shape_;
 }
