@@ -156,28 +156,61 @@ void JoinDates(const std::vector<std::string_view>& lines, CellKinds& kinds,
   *runs = joined;
 }
 
-// Where the longest value ends that begins in run `left`, of which hardly any line is so long; the
-// run's end where lines cross to the next run.
+// Where the longest text ends that begins in run `left`, of which hardly any line is so long: texts
+// that go on to run `right` without a blank before them begin there. The run's end where lines
+// cross from one to the other, or differ in where to cut.
 std::int64_t EndOfLongest(const std::vector<std::string_view>& lines, const CharacterRange& left,
                           const CharacterRange& right) {
   const CharacterRange gap{left.to + 1, right.from - 1};
   std::int64_t end = left.to;
+  std::int64_t begin = right.from;
   for (const std::string_view line : lines) {
-    const std::string_view between = CutCharacters(line, gap);
+    std::string_view between = CutCharacters(line, gap);
+    const std::size_t lastBlank = between.find_last_of(' ');
+    const auto size = static_cast<std::int64_t>(CountUtf8(between));
+    if (size == gap.to - gap.from + 1 && lastBlank != std::string_view::npos) {
+      const auto behind = static_cast<std::int64_t>(CountUtf8(between.substr(lastBlank + 1)));
+      begin = std::min(begin, right.from - behind);
+      between = between.substr(0, lastBlank);
+    }
     const std::size_t filled = between.find_last_not_of(' ') + 1;
     end = std::max(end, left.to + static_cast<std::int64_t>(CountUtf8(between.substr(0, filled))));
   }
-  return end < gap.to ? end : left.to;
+  return end < std::min(begin, gap.to) ? end : left.to;
 }
 
-// The runs with the blanks between them.
+// Of lines above the data, those whose texts stand in most of the runs, and cross from none to the
+// next: names of the columns.
+std::vector<std::string_view> LinesOfNames(const std::vector<std::string_view>& lines,
+                                           const std::vector<CharacterRange>& runs) {
+  std::vector<std::string_view> names;
+  for (const std::string_view line : lines) {
+    std::size_t texts = 0;
+    bool crosses = false;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+      const std::string_view text = CutCharacters(line, runs[i]);
+      texts += text.find_first_not_of(' ') != std::string_view::npos ? 1 : 0;
+      if (i == 0) continue;
+      const std::string_view gap = CutCharacters(line, {runs[i - 1].to + 1, runs[i].from - 1});
+      crosses = crosses || (!gap.empty() && gap.find(' ') == std::string_view::npos);
+    }
+    if (!crosses && 2 * texts > runs.size()) names.push_back(line);
+  }
+  return names;
+}
+
+// The runs with the blanks between them; `names`: lines above `lines`, whose texts are not cut
+// either.
 std::vector<CharacterRange> Widened(const std::vector<std::string_view>& lines,
+                                    const std::vector<std::string_view>& names,
                                     const std::vector<CharacterRange>& runs) {
+  std::vector<std::string_view> whole = lines;
+  whole.insert(whole.end(), names.begin(), names.end());
   std::vector<CharacterRange> columns = runs;
   columns.front().from = 1;
   for (std::size_t i = 1; i < runs.size(); ++i) {
     if (IsRightAligned(lines, runs[i])) {
-      columns[i - 1].to = EndOfLongest(lines, runs[i - 1], runs[i]);
+      columns[i - 1].to = EndOfLongest(whole, runs[i - 1], runs[i]);
       columns[i].from = columns[i - 1].to + 1;
     } else {
       columns[i - 1].to = runs[i].from - 1;
@@ -250,9 +283,10 @@ std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::str
       rules.Add(line);
     }
   }
+  std::vector<std::string_view> titles;
   const auto add = [&](const std::vector<CharacterRange>& runs) {
     if (runs.size() < 2 || runs.size() > kMostColumns) return;
-    std::vector<CharacterRange> columns = Widened(body, runs);
+    const std::vector<CharacterRange> columns = Widened(body, LinesOfNames(titles, runs), runs);
     if (std::find(ways.begin(), ways.end(), columns) == ways.end()) ways.push_back(columns);
   };
   add(rules.Runs());
@@ -265,6 +299,7 @@ std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::str
   JoinDates(data, kinds, &runs);
   JoinWords(data, &runs);
   add(runs);
+  titles.assign(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(above));
   body.erase(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(above));
   BlankMask below;
   for (const std::string_view line : body) below.Add(line);

@@ -11,6 +11,7 @@
 namespace library {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -84,6 +85,15 @@ TEST(FixedColumns, ALongValueIsNotCutByNumbersAtTheRight) {
   const auto ways = Columns(lines);
   ASSERT_FALSE(ways.empty());
   EXPECT_THAT(ways[0], ElementsAre(CharacterRange{1, 17}, CharacterRange{18, 21}));
+}
+
+TEST(FixedColumns, ANameLongerThanItsValuesIsNotCut) {
+  const auto ways =
+      Columns({"Survey of the whole year 2020", "id  yellow  group", " 1  M725x      78",
+               " 2  O618x       1", " 3  Q188x      45", " 4  F982x      -8", " 5  Y875x      28",
+               " 6  Q238x      17", " 7  S988x       5", " 8  A120x      11"});
+  EXPECT_THAT(ways, Contains(ElementsAre(CharacterRange{1, 4}, CharacterRange{5, 10},
+                                         CharacterRange{11, 17})));
 }
 
 TEST(FixedColumns, TheBlanksWithinDatesCutNothing) {

@@ -58,6 +58,15 @@ TEST_F(DialectFinderTest, ADecimalCommaDoesNotCut) {
   EXPECT_EQ(Dialected("a;b;c\n1,5;2;x\n2,75;3;y\n3,25;4;z\n14,5;7;u\n").delimiter, ";");
 }
 
+TEST_F(DialectFinderTest, TabsOfWhichEveryRecordHasAsManyCut) {
+  EXPECT_EQ(Dialected("560649,6\tgarden\t-7,818E+19\n2335,5\told market\t-3,633E-20\n"
+                      "61,8\tyellow\t-1,334E+18\n91028,7\triver\t2,662E+25\n7957,9\t\t-9,376E-06\n")
+                .delimiter,
+            "\t");
+  // Where they come and go, they are data.
+  EXPECT_EQ(Dialected("1,a\tb,x\n2,c,y\n3,d\te\tf,z\n4,g,x\n").delimiter, ",");
+}
+
 TEST_F(DialectFinderTest, ProseIsOneColumn) {
   EXPECT_EQ(Dialected("It was the best of times, it was the worst of times,\n"
                       "it was the age of wisdom, it was the age of foolishness, it was\n"

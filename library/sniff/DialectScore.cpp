@@ -5,6 +5,7 @@
 #include <cmath>
 #include <functional>
 #include <map>
+#include <optional>
 #include <unordered_map>
 
 #include "detection/BlankTrim.h"
@@ -40,6 +41,8 @@ constexpr double kRaggedBits = 30.0;
 constexpr double kLoneTextBits = 4.0;
 // What cuts most files, in a file that nothing cuts.
 constexpr double kUncutBits = 3.0;
+// A record with tabs that are data, where every record has as many: they cut.
+constexpr double kTabsBits = 20.0;
 // A date or a time that is cut up; and each record that is cut by what rarely cuts.
 constexpr double kCutTimeBits = 10.0;
 constexpr double kUnusualBits = 6.0;
@@ -288,8 +291,15 @@ DialectScore ScoreDialect(const std::vector<std::string_view>& lines, std::size_
   const bool unusual = dialect.delimiter.size() == 1 &&
                        std::string_view("!*`").find(dialect.delimiter[0]) != std::string_view::npos;
   const bool uncut = dialect.delimiter.empty() && !dialect.fixed();
+  std::optional<std::ptrdiff_t> tabs;
+  bool evenTabs = dialect.delimiter != "\t" && !dialect.fixed();
   for (const SampleRecord& record : joined.records) {
     score.unfit += cutter.Cut(record.text, &fields);
+    if (evenTabs) {
+      const auto here = std::count(record.text.begin(), record.text.end(), '\t');
+      evenTabs = here > 0 && here == tabs.value_or(here);
+      tabs = here;
+    }
     ++widths[fields.size()];
     if (uncut && record.text.find_first_of(",;\t|") != std::string_view::npos) bits += kUncutBits;
     if (fields.size() > 1) {
@@ -315,6 +325,7 @@ DialectScore ScoreDialect(const std::vector<std::string_view>& lines, std::size_
     }
   }
   score.records = joined.records.size();
+  if (evenTabs) bits += kTabsBits * static_cast<double>(score.records);
   for (const auto& [width, records] : widths) {
     if (records > score.modalRecords || (records == score.modalRecords && width > 1)) {
       score.modalWidth = width;

@@ -160,9 +160,9 @@ void ShapeFinder::FindByNumbers(std::size_t strong) {
       break;
     }
   }
-  // Without a header nothing is above the data but titles: a lone value of a column of numbers is
-  // none.
-  while (!bottom && strong > 0 && Facts(strong - 1).agree > 0 &&
+  // Without a header nothing is above the data but titles: several values, or a lone one of a
+  // column of numbers, in a row as wide as the data are none.
+  while (!bottom && strong > 0 && (Facts(strong - 1).agree > 0 || Facts(strong - 1).filled > 1) &&
          Facts(strong - 1).contradict == 0 && Facts(strong - 1).fields >= facts_.width()) {
     --strong;
   }

@@ -46,6 +46,13 @@ TEST_F(TableShapeTest, AValueBesideAMissingOneIsData) {
   ExpectShape("town;people\nRome;2800000\nOslo;700000\nBern;134000\nCounted\n", 1, 2, 4);
 }
 
+TEST_F(TableShapeTest, FirstRowsWithoutANumberAreDataWhereThereIsNoHeader) {
+  ExpectShape(
+      "river forest,castle,\nforest,river gate,\ncastle,castle,17\nriver,forest,4\n"
+      "forest,castle gate,12\ngate,river,\nriver,castle,5\n",
+      0, 1, 7);
+}
+
 TEST_F(TableShapeTest, ALineDrawnBelowTheHeaderIsNoData) {
   ExpectShape("| id | name |\n|---:|:-----|\n|  1 | Anna |\n|  2 | Bob  |\n|  3 | Li   |\n", 1, 3,
               5);
