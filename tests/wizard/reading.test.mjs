@@ -39,6 +39,9 @@ test('a border of fixed columns is dragged, and moved by keys', async () => {
   await page.locator('#border-0').focus();
   await page.keyboard.press('ArrowRight');
   await until(page, () => document.getElementById('fixed').value === '1-3,4-5,6-7');
+  // What is above the ruler stands still once everything is read.
+  await commandHas(page, '3-4');
+  await typesFinal(page);
   const box = await page.locator('#border-0').boundingBox();
   const character = (await page.locator('#border-1').boundingBox()).x - box.x;
   await page.mouse.move(box.x + box.width / 2, box.y + box.height / 2);
