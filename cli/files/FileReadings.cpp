@@ -126,7 +126,8 @@ std::vector<std::string> ReadingTexts(const std::vector<FileReading>& readings,
     i = end;
   }
   std::vector<std::string> texts;
-  for (const auto& [words, list] : lists) texts.push_back(list + ":" + words);
+  texts.reserve(lists.size());
+  for (const auto& [words, list] : lists) texts.push_back(fmt::format("{}:{}", list, words));
   return texts;
 }
 

@@ -112,6 +112,7 @@ template <typename Value>
 void Reorder(const std::vector<std::size_t>& order, std::vector<Value>* values) {
   if (values->empty()) return;
   std::vector<Value> ordered;
+  ordered.reserve(order.size());
   for (const std::size_t place : order) ordered.push_back(std::move((*values)[place]));
   *values = std::move(ordered);
 }
@@ -373,13 +374,12 @@ std::vector<std::string> RemarksOf(const DataSetPlan& plan) {
 
 std::string ChangeOf(const std::string& name, const FileState& before) {
   FileState now;
-  const std::string file = name;
   if (!GetFileState(name, &now)) {
-    return fmt::format("{}: the file is gone since it was looked at", file);
+    return fmt::format("{}: the file is gone since it was looked at", name);
   }
   if (now == before) return {};
   return fmt::format("{}: the file changed since it was looked at; import again when it is still",
-                     file);
+                     name);
 }
 
 }  // namespace library

@@ -21,7 +21,8 @@ constexpr std::size_t kNamedColumns = 5;
 // "a, b, c and 4 more".
 std::string Listed(const std::vector<std::string>& labels) {
   const std::size_t shown = std::min(labels.size(), kNamedColumns);
-  std::string text = fmt::format("{}", fmt::join(labels.begin(), labels.begin() + shown, ", "));
+  std::string text = fmt::format(
+      "{}", fmt::join(labels.begin(), labels.begin() + static_cast<std::ptrdiff_t>(shown), ", "));
   if (shown < labels.size()) text += fmt::format(" and {} more", labels.size() - shown);
   return text;
 }

@@ -40,6 +40,7 @@ void TypeDrift::Add(std::size_t file, std::size_t column, const ColumnEvidence& 
 
 void TypeDrift::Reorder(const std::vector<std::size_t>& order) {
   std::vector<std::vector<Seen>> seen;
+  seen.reserve(order.size());
   for (const std::size_t column : order) {
     seen.push_back(column < seen_.size() ? std::move(seen_[column]) : std::vector<Seen>());
   }
