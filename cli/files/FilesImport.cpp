@@ -13,6 +13,7 @@
 #include "cli/ExitStatus.h"
 #include "cli/files/AsOneLine.h"
 #include "cli/files/DataSetRun.h"
+#include "cli/import/SideOutput.h"
 #include "cli/run/CommandFile.h"
 #include "cli/run/StatsLine.h"
 #include "cli/terminal/Interrupt.h"
@@ -51,8 +52,6 @@ class FilesImport {
   int Run();
 
  private:
-  int OpenFile(const std::string& name, std::unique_ptr<OutputFile>* file);
-  int Publish(OutputFile& file);
   int Understand();
   int Import();
   int StatusOf(CommandEnd end) const;
@@ -74,23 +73,6 @@ class FilesImport {
   std::unique_ptr<OutputFile> commandFile_;
   double seconds_ = 0;  // of understanding
 };
-
-int FilesImport::OpenFile(const std::string& name, std::unique_ptr<OutputFile>* file) {
-  if (name.empty()) return kExitSuccess;
-  std::string error;
-  *file = OutputFile::Open(NameForCommand(name, 1), &error);
-  if (*file != nullptr) return kExitSuccess;
-  if (embedded::AttentionRequested()) return kExitInterrupted;
-  console_.Error(error);
-  return kExitUsage;
-}
-
-int FilesImport::Publish(OutputFile& file) {
-  if (file.Finish() && file.Publish()) return kExitSuccess;
-  if (file.interrupted()) return kExitInterrupted;
-  console_.Error(file.error());
-  return kExitUsage;
-}
 
 int FilesImport::Understand() {
   library::DataSetSettings settings;
@@ -208,7 +190,7 @@ int FilesImport::Import() {
   int status = StatusOf(end);
   if (status == kExitSuccess && commandFile_ != nullptr) {
     commandFile_->Append(CommandsText(plan_));
-    status = Publish(*commandFile_);
+    status = PublishSideOutput(*commandFile_, console_);
   }
   if (status == kExitSuccess && !run_.quiet) {
     console_.Print(
@@ -235,8 +217,8 @@ int FilesImport::Run() {
     console_.Error(error);
     return kExitUsage;
   }
-  int status = OpenFile(run_.messages, &messagesFile_);
-  if (status == kExitSuccess) status = OpenFile(run_.commandOutput, &commandFile_);
+  int status = OpenSideOutput(run_.messages, console_, &messagesFile_);
+  if (status == kExitSuccess) status = OpenSideOutput(run_.commandOutput, console_, &commandFile_);
   if (status != kExitSuccess) return status;
   messages_.WriteTo(messagesFile_.get());
   status = Understand();
@@ -247,7 +229,8 @@ int FilesImport::Run() {
   }
   messages_.WriteTo(nullptr);
   if (messagesFile_ != nullptr) {
-    if (const int written = Publish(*messagesFile_); written != kExitSuccess) status = written;
+    if (const int written = PublishSideOutput(*messagesFile_, console_); written != kExitSuccess)
+      status = written;
   }
   if (!console_.Flush() && status != kExitInterrupted) status = kExitUsage;
   return status;

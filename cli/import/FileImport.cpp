@@ -14,6 +14,7 @@
 #include "HostFramework/embedded/messages/Catalogue.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "cli/ExitStatus.h"
+#include "cli/import/SideOutput.h"
 #include "cli/run/CommandFile.h"
 #include "cli/run/MessageSink.h"
 #include "cli/run/SingleCommand.h"
@@ -52,8 +53,6 @@ class FileImport {
   int Understand();
   int Import();
   int WriteCommand();
-  int OpenFile(const std::string& name, std::unique_ptr<OutputFile>* file);
-  int Publish(OutputFile& file);
   int Failed(const std::string& problem);
   int StatusOf(CommandEnd end) const;
   void SetRunOptions();
@@ -72,23 +71,6 @@ class FileImport {
   std::unique_ptr<OutputFile> commandFile_;
   double seconds_ = 0;  // of understanding
 };
-
-int FileImport::OpenFile(const std::string& name, std::unique_ptr<OutputFile>* file) {
-  if (name.empty()) return kExitSuccess;
-  std::string error;
-  *file = OutputFile::Open(NameForCommand(name, 1), &error);
-  if (*file != nullptr) return kExitSuccess;
-  if (embedded::AttentionRequested()) return kExitInterrupted;
-  console_.Error(error);
-  return kExitUsage;
-}
-
-int FileImport::Publish(OutputFile& file) {
-  if (file.Finish() && file.Publish()) return kExitSuccess;
-  if (file.interrupted()) return kExitInterrupted;
-  console_.Error(file.error());
-  return kExitUsage;
-}
 
 int FileImport::Failed(const std::string& problem) {
   console_.ClearProgress();
@@ -145,7 +127,7 @@ void FileImport::SetRunOptions() {
 int FileImport::WriteCommand() {
   if (commandFile_ == nullptr) return kExitSuccess;
   commandFile_->Append(import_.command);
-  return Publish(*commandFile_);
+  return PublishSideOutput(*commandFile_, console_);
 }
 
 int FileImport::StatusOf(CommandEnd end) const {
@@ -203,8 +185,8 @@ int FileImport::Run() {
     console_.Error(error);
     return kExitUsage;
   }
-  int status = OpenFile(run_.messages, &messagesFile_);
-  if (status == kExitSuccess) status = OpenFile(run_.commandOutput, &commandFile_);
+  int status = OpenSideOutput(run_.messages, console_, &messagesFile_);
+  if (status == kExitSuccess) status = OpenSideOutput(run_.commandOutput, console_, &commandFile_);
   if (status != kExitSuccess) return status;
   messages_.WriteTo(messagesFile_.get());
   if (const std::string problems = embedded::CatalogueProblems(); !problems.empty()) {
@@ -222,7 +204,8 @@ int FileImport::Run() {
   }
   messages_.WriteTo(nullptr);
   if (messagesFile_ != nullptr) {
-    if (const int written = Publish(*messagesFile_); written != kExitSuccess) status = written;
+    if (const int written = PublishSideOutput(*messagesFile_, console_); written != kExitSuccess)
+      status = written;
   }
   if (!console_.Flush() && status != kExitInterrupted) status = kExitUsage;
   return status;
