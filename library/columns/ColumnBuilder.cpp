@@ -7,27 +7,12 @@
 
 #include "HostFramework/Text.h"
 #include "library/columns/NumberCells.h"
+#include "library/columns/PaddedText.h"
 
 namespace library {
 namespace {
 
 double NumberIn(const OBS* cell) { return std::bit_cast<double>(*cell); }
-
-// The text of a string's cells without the blanks that pad it.
-std::string_view TextIn(const OBS* cell, std::size_t bytes) {
-  const auto* const text = reinterpret_cast<const char*>(cell->bytes);
-  std::size_t length = bytes;
-  // A short text in a wide variable is mostly padding: drop eight blanks at a time.
-  constexpr std::uint64_t kBlanks = 0x2020202020202020U;
-  while (length >= sizeof kBlanks) {
-    std::uint64_t last = 0;
-    std::memcpy(&last, text + length - sizeof last, sizeof last);
-    if (last != kBlanks) break;
-    length -= sizeof last;
-  }
-  while (length > 0 && text[length - 1] == ' ') --length;
-  return {text, length};
-}
 
 void CountMisfit(ColumnMisfits& misfits, std::size_t columns, const ColumnMisfit& misfit) {
   if (misfits.counts.empty()) misfits.counts.resize(columns);
@@ -101,7 +86,7 @@ void BuildTexts(const Cases& cases, const ColumnField& field, TextConverter& con
   *offsets++ = 0;
   const OBS* cell = cases.first + field.cell;
   for (std::size_t i = 0; i < cases.count; ++i, cell += cases.cells) {
-    const std::string_view text = converter.ToUtf8(TextIn(cell, field.bytes));
+    const std::string_view text = converter.ToUtf8(WithoutPadding(cell, field.bytes));
     column.text.Append(text.data(), text.size());
     *offsets++ = static_cast<Offset>(column.text.size());
   }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "HostFramework/DataSource.h"
+#include "library/columns/PaddedText.h"
 #include "library/outputs/FormatName.h"
 #include "library/outputs/TextBlock.h"
 #include "library/outputs/Utf8Converter.h"
@@ -40,18 +41,7 @@ inline double NumberAt(const OBS* obs, const CaseColumn& column) {
 }
 // The text of a string's column (host text) without the blanks that pad it. A view into the case.
 inline std::string_view StringAt(const OBS* obs, const CaseColumn& column) {
-  const char* text = reinterpret_cast<const char*>(obs[column.cell].bytes);
-  std::size_t length = column.bytes;
-  // A short text in a wide variable is mostly padding: drop eight blanks at a time.
-  constexpr std::uint64_t kBlanks = 0x2020202020202020U;
-  while (length >= sizeof kBlanks) {
-    std::uint64_t last = 0;
-    std::memcpy(&last, text + length - sizeof last, sizeof last);
-    if (last != kBlanks) break;
-    length -= sizeof last;
-  }
-  while (length > 0 && text[length - 1] == ' ') --length;
-  return {text, length};
+  return WithoutPadding(obs + column.cell, column.bytes);
 }
 
 // The same of a narrow column with the blanks, which whoever copies it drops.
