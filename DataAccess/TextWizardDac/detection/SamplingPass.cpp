@@ -2,6 +2,7 @@
 
 #include "model/FormatCode.h"
 #include "model/MessageText.h"
+#include "reading/FixedFields.h"
 
 namespace textwizard {
 
@@ -53,24 +54,22 @@ bool SamplingPass::ReadRecord() {
       cursor_ = record_.data();
       break;
     case kFixedColumns:
-      record_ = iterator_.ProcessFixedLinesBuffer();
-      break;
+      lines_ = iterator_.NextFixedLines();
+      return lines_ != kEndOfDataText;
   }
   return record_ != kEndOfDataText;
 }
 
 bool SamplingPass::NextField(const TxtWzVar& variable) {
-  bool found = false;
   switch (settings_.arrangement) {
     case kDelimitedLines:
       return iterator_.NextField(field_);
-    case kDelimitedCount:
-      found = iterator_.GetNextVar(fieldText_, cursor_, record_);
-      break;
     case kFixedColumns:
-      found = iterator_.GetVarBuffer(fieldText_, &variable, record_);
+      return CutFixedField(lines_, variable, field_);
+    case kDelimitedCount:
       break;
   }
+  const bool found = iterator_.GetNextVar(fieldText_, cursor_, record_);
   field_ = fieldText_;
   return found;
 }

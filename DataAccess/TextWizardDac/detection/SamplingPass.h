@@ -47,8 +47,10 @@ class SamplingPass {
   // Empty fields take no slot: runs of blanks that separate values collapse.
   const bool blanksCollapse_;
 
-  // The field in hand: of the iterator's own record, or of a text that joins several.
+  // The field in hand: of the iterator's own record, of the lines that make a case of fixed
+  // columns, or of a text that joins several records.
   std::string_view field_;
+  std::string_view lines_;
   std::string record_;
   const char* cursor_ = nullptr;
   std::string fieldText_;

@@ -446,6 +446,16 @@ std::string QANT_TextWizardIterator::ProcessFixedLinesBuffer() {
   return text;
 }
 
+std::string_view QANT_TextWizardIterator::NextFixedLines() {
+  if (settings_.recordsPerCase == 1) {
+    if (!ReadRecord(true)) return kEndOfDataText;
+    textLine_ = reader_.recordLine();
+    return record_;
+  }
+  linesText_ = ProcessFixedLinesBuffer();
+  return linesText_;
+}
+
 // Every record that is read for a case stands in the text whole, once when it is read and once when
 // it is used up, beside the case's fields.
 std::string QANT_TextWizardIterator::ProcessDlmCountBuffer() {

@@ -87,6 +87,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   std::string ProcessDlmLinesBuffer();
   // The same text, valid until the next record is read.
   std::string_view NextLine();
+  // The same of the lines of a case of fixed columns.
+  std::string_view NextFixedLines();
   std::string ProcessDlmCountBuffer();
   std::string ProcessFixedLinesBuffer();
 
@@ -172,6 +174,7 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   std::string_view record_;
   std::string_view suppliedRecord_;
   std::int64_t textLine_ = 0;
+  std::string linesText_;
   std::int64_t currentCase_ = 0;
   std::int64_t requestedCase_ = 0;
   // Cleared when the values of all lines are used up (a fixed number of values per case).
