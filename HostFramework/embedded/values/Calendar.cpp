@@ -21,15 +21,18 @@ std::optional<std::int64_t> MidnightOfDay(std::int64_t day) {
 
 }  // namespace
 
-std::optional<std::int64_t> Midnight(int year, int month, int day) {
+std::int64_t MidnightOrZero(int year, int month, int day) {
+  constexpr int kShortestMonth = 28;
   constexpr int kLongestMonth = 31;
-  if (year < 1 || year > kLastYear || month < 1 || day < 1) return std::nullopt;
-  if (month > 12 || day > kLongestMonth) return std::nullopt;
+  if (year < 1 || year > kLastYear || month < 1 || day < 1) return 0;
+  if (month > 12 || day > kLongestMonth) return 0;
   const std::chrono::year_month_day date{std::chrono::year(year),
                                          std::chrono::month(static_cast<unsigned>(month)),
                                          std::chrono::day(static_cast<unsigned>(day))};
-  if (!date.ok()) return std::nullopt;
-  return MidnightOfDay(calendar::DayNumber(date));
+  if (day > kShortestMonth && !date.ok()) return 0;
+  const std::int64_t number = calendar::DayNumber(date);
+  // No date that there is comes after the last day.
+  return number < calendar::kFirstDay ? 0 : number * kDay;
 }
 
 std::optional<std::int64_t> MidnightAfterNewYear(int year, int days) {

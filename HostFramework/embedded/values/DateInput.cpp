@@ -2,9 +2,11 @@
 
 #include <chrono>
 
+#include "HostFramework/Formats.h"
 #include "HostFramework/embedded/values/Calendar.h"
 #include "HostFramework/embedded/values/DateNames.h"
 #include "HostFramework/embedded/values/FixedLayout.h"
+#include "HostFramework/embedded/values/ValueShape.h"
 
 namespace embedded {
 namespace {
@@ -87,6 +89,15 @@ bool ReadFixedDate(const char* text, FixedDate& date) {
   return true;
 }
 
+// Year, month and day.
+bool ReadFixedYearFirst(const char* text, FixedDate& date) {
+  std::uint64_t start, end;
+  if (!kFourTwo.Matches(text, &start) || !kTwoTwo.Matches(text + kSecondWord, &end)) return false;
+  date = {FixedLayout::TwoDigits(start, 5), FixedLayout::TwoDigits(end, 6),
+          FixedLayout::FourDigits(start, 0)};
+  return true;
+}
+
 // Whether a date of `size` bytes at the beginning of a text is not followed by another digit.
 bool EndsBehind(std::string_view text, std::size_t size) {
   if (text.size() == size) return true;
@@ -121,10 +132,38 @@ bool AcceptFixedDayMonthYear(TextCursor& cursor, std::optional<std::int64_t>* mi
   return true;
 }
 
-bool Store(const TextCursor& cursor, std::optional<std::int64_t> seconds, double* value) {
-  if (!cursor.AtEnd() || !seconds) return false;
+bool Store(std::optional<std::int64_t> seconds, double* value) {
+  if (!seconds) return false;
   *value = static_cast<double>(*seconds);
   return true;
+}
+
+bool Store(const TextCursor& cursor, std::optional<std::int64_t> seconds, double* value) {
+  return cursor.AtEnd() && Store(seconds, value);
+}
+
+// Dates part by part. Functions of their own, so that a date of a fixed layout does not pay for
+// the room that the parts take.
+[[gnu::noinline]] bool ReadMonthDayYear(std::string_view text, double* value) {
+  if (!ValueShape::MayBe(text, kFormatADate)) return false;
+  TextCursor cursor(text);
+  int day, month, year;
+  bool letters;
+  if (!ReadMonth(cursor, month, letters) || !(ReadSeparator(cursor) || letters)) return false;
+  if (!ReadDay(cursor, day) || !ReadSeparator(cursor) || !ReadYear(cursor, year)) return false;
+  return Store(cursor, Midnight(year, month, day), value);
+}
+
+[[gnu::noinline]] bool ReadYearMonthDay(std::string_view text, double* value) {
+  if (!ValueShape::MayBe(text, kFormatSDate)) return false;
+  TextCursor cursor(text);
+  int day, month, year;
+  bool letters;
+  if (!ReadYear(cursor, year)) return false;
+  const bool before = ReadSeparator(cursor);
+  if (!ReadMonth(cursor, month, letters) || !(before || letters)) return false;
+  if (!(ReadSeparator(cursor) || letters) || !ReadDay(cursor, day)) return false;
+  return Store(cursor, Midnight(year, month, day), value);
 }
 
 }  // namespace
@@ -167,14 +206,10 @@ std::optional<std::int64_t> ReadDayMonthYear(TextCursor& cursor) {
   return Midnight(year, month, day);
 }
 
-std::optional<std::int64_t> FixedYearMonthDay(std::string_view text) {
-  std::uint64_t start, end;
-  if (text.size() < kDateSize || !kFourTwo.Matches(text.data(), &start) ||
-      !kTwoTwo.Matches(text.data() + kSecondWord, &end)) {
-    return std::nullopt;
-  }
-  return Midnight(FixedLayout::FourDigits(start, 0), FixedLayout::TwoDigits(start, 5),
-                  FixedLayout::TwoDigits(end, 6));
+std::int64_t FixedYearMonthDay(std::string_view text) {
+  FixedDate date;
+  if (text.size() < kDateSize || !ReadFixedYearFirst(text.data(), date)) return 0;
+  return MidnightOrZero(date.year, date.first, date.second);
 }
 
 bool ReadDate(std::string_view text, double* value) {
@@ -184,33 +219,19 @@ bool ReadDate(std::string_view text, double* value) {
 }
 
 bool ReadADate(std::string_view text, double* value) {
-  TextCursor cursor(text);
-  if (FixedDate date; text.size() == kDateSize && ReadFixedDate(text.data(), date)) {
-    cursor.Skip(kDateSize);
-    return Store(cursor, Midnight(date.year, date.first, date.second), value);
+  FixedDate date;
+  if (text.size() != kDateSize || !ReadFixedDate(text.data(), date)) {
+    return ReadMonthDayYear(text, value);
   }
-  int day, month, year;
-  bool letters;
-  if (!ReadMonth(cursor, month, letters) || !(ReadSeparator(cursor) || letters)) return false;
-  if (!ReadDay(cursor, day) || !ReadSeparator(cursor) || !ReadYear(cursor, year)) return false;
-  return Store(cursor, Midnight(year, month, day), value);
+  return Store(Midnight(date.year, date.first, date.second), value);
 }
 
 bool ReadSDate(std::string_view text, double* value) {
-  TextCursor cursor(text);
-  if (text.size() == kDateSize) {
-    if (const auto midnight = FixedYearMonthDay(text)) {
-      *value = static_cast<double>(*midnight);
-      return true;
-    }
+  FixedDate date;
+  if (text.size() != kDateSize || !ReadFixedYearFirst(text.data(), date)) {
+    return ReadYearMonthDay(text, value);
   }
-  int day, month, year;
-  bool letters;
-  if (!ReadYear(cursor, year)) return false;
-  const bool before = ReadSeparator(cursor);
-  if (!ReadMonth(cursor, month, letters) || !(before || letters)) return false;
-  if (!(ReadSeparator(cursor) || letters) || !ReadDay(cursor, day)) return false;
-  return Store(cursor, Midnight(year, month, day), value);
+  return Store(Midnight(date.year, date.first, date.second), value);
 }
 
 bool ReadJDate(std::string_view text, double* value) {

@@ -22,8 +22,8 @@ bool ReadSeparator(TextCursor& cursor);
 std::optional<std::int64_t> ReadDayMonthYear(TextCursor& cursor);
 
 // Midnight of the date YYYY-MM-DD, with one of - / . , between its parts, that `text` begins with;
-// nothing when it begins otherwise or there is no such date.
-std::optional<std::int64_t> FixedYearMonthDay(std::string_view text);
+// 0 when it begins otherwise or there is no such date.
+std::int64_t FixedYearMonthDay(std::string_view text);
 
 // Each of these reads `text` (not empty, without blanks and tabs around it) to its end. Returns
 // false and leaves *value alone when it is not a value of the format. Any thread; allocates

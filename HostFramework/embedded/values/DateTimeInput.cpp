@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <optional>
 
+#include "HostFramework/Formats.h"
 #include "HostFramework/embedded/values/Calendar.h"
 #include "HostFramework/embedded/values/DateInput.h"
 #include "HostFramework/embedded/values/TimeInput.h"
+#include "HostFramework/embedded/values/ValueShape.h"
 
 namespace embedded {
 namespace {
@@ -123,14 +125,26 @@ bool ReadYmdhmsWithYear(std::string_view text, int yearDigits, double* value) {
 // YYYY-MM-DD hh:mm:ss, or a T for the blank: what most programs write. False for any other text.
 bool ReadFixedYmdhms(std::string_view text, double* value) {
   constexpr std::size_t kDateSize = 10;
-  const auto midnight = FixedYearMonthDay(text);
-  if (!midnight) return false;
+  const std::int64_t midnight = FixedYearMonthDay(text);
+  if (midnight == 0) return false;
   TextCursor cursor(text.substr(kDateSize));
   ClockTime clock;
   if (!cursor.Accept(' ') && !cursor.AcceptLetter('t')) return false;
   if (!AcceptFixedClock(cursor, clock) || clock.hours.value >= 24) return false;
-  *value = static_cast<double>(*midnight + clock.WholeSeconds());
+  *value = static_cast<double>(midnight + clock.WholeSeconds());
   return true;
+}
+
+// Part by part.
+[[gnu::noinline]] bool ReadAnyYmdhms(std::string_view text, double* value) {
+  if (!ValueShape::MayBe(text, kFormatYmdhms)) return false;
+  // How many of the first digits are the year's can depend on what follows them: 2012-31 is a year
+  // and a month of two digits each, 201201-31 a year of four. Where both would do, six digits
+  // before the hour are yymmdd, and otherwise the year has four.
+  constexpr int kShortDate = 6;
+  const bool shortFirst = DigitsAhead(TextCursor(text)) == kShortDate;
+  return ReadYmdhmsWithYear(text, shortFirst ? kShortYear : kLongYear, value) ||
+         ReadYmdhmsWithYear(text, shortFirst ? kLongYear : kShortYear, value);
 }
 
 }  // namespace
@@ -148,14 +162,7 @@ bool ReadDateTime(std::string_view text, double* value) {
 }
 
 bool ReadYmdhms(std::string_view text, double* value) {
-  if (ReadFixedYmdhms(text, value)) return true;
-  // How many of the first digits are the year's can depend on what follows them: 2012-31 is a year
-  // and a month of two digits each, 201201-31 a year of four. Where both would do, six digits
-  // before the hour are yymmdd, and otherwise the year has four.
-  constexpr int kShortDate = 6;
-  const bool shortFirst = DigitsAhead(TextCursor(text)) == kShortDate;
-  return ReadYmdhmsWithYear(text, shortFirst ? kShortYear : kLongYear, value) ||
-         ReadYmdhmsWithYear(text, shortFirst ? kLongYear : kShortYear, value);
+  return ReadFixedYmdhms(text, value) || ReadAnyYmdhms(text, value);
 }
 
 }  // namespace embedded

@@ -143,16 +143,20 @@ bool ReadAny(Cursor at, const NumberRules& rules, double* value) {
 }
 
 // Reads a number as the standard's parser does, whose form is ours when it names the same decimal
-// character. False for other forms and for numbers that are out of range.
+// character. False for other forms and for numbers that are out of range. It would also take a
+// sign, an infinity and texts that are not a number, none of which begins as ours do.
 bool ReadStandard(std::string_view text, double* value) {
-  // It would also take a sign, an infinity and texts that are not a number.
-  if (!IsDigit(text.front()) && text.front() != '.') return false;
   double read;
   const char* const end = text.data() + text.size();
   const auto [last, error] = std::from_chars(text.data(), end, read);
   if (last != end || error != std::errc()) return false;
   *value = read;
   return true;
+}
+
+// Whether a number without its sign can begin so.
+bool MayBegin(char first, const NumberRules& rules) {
+  return IsDigit(first) || first == rules.decimal || static_cast<unsigned char>(first) >= 0x80;
 }
 
 // What ByteCursor does not read as TextCursor does.
@@ -164,7 +168,7 @@ bool HasWideOrBlank(std::string_view text) {
 // `mayBePlain`: PlainNumber did not refuse the text yet.
 bool ReadMagnitude(std::string_view text, const NumberRules& rules, bool mayBePlain,
                    double* value) {
-  if (text.empty()) return false;
+  if (text.empty() || !MayBegin(text.front(), rules)) return false;
   if (mayBePlain && text.size() <= PlainNumber::kLongest &&
       PlainNumber::Read(text.data(), text.size(), rules.decimal, false, value)) {
     return true;
@@ -172,8 +176,8 @@ bool ReadMagnitude(std::string_view text, const NumberRules& rules, bool mayBePl
   if (rules.standard && text.size() > PlainNumber::kLongest && ReadStandard(text, value)) {
     return true;
   }
-  return ReadAny(ByteCursor(text), rules, value) ||
-         (HasWideOrBlank(text) && ReadAny(TextCursor(text), rules, value));
+  if (ReadAny(ByteCursor(text), rules, value)) return true;
+  return HasWideOrBlank(text) && ReadAny(TextCursor(text), rules, value);
 }
 
 NumberRules RulesOf(int code, char decimal) {

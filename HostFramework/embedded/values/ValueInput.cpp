@@ -58,6 +58,23 @@ inline bool ReadCommonNumber(const char* text, std::size_t length, int format, d
          PlainNumber::Read(text + skipped, length, decimal, negative, value);
 }
 
+// Formats whose reading tells most values by their form sooner than the shape of a text is seen,
+// and looks at the shape itself where that fails.
+constexpr auto kReadBeforeShape = [] {
+  std::array<bool, kFormatYmdhms + 1> formats{};
+  for (const FormatCode format :
+       {kFormatF, kFormatDollar, kFormatADate, kFormatSDate, kFormatYmdhms}) {
+    formats[format] = true;
+  }
+  return formats;
+}();
+
+bool IsShaped(std::string_view text, int format) {
+  const auto code = static_cast<unsigned>(format);
+  return (code < kReadBeforeShape.size() && kReadBeforeShape[code]) ||
+         ValueShape::MayBe(text, format);
+}
+
 int Convert(std::string_view text, int format, double* value) {
   const auto result = [](bool converted) { return converted ? kConverted : kNotAValue; };
   switch (format) {
@@ -112,7 +129,7 @@ int IocvConvertInput(const char* text, std::size_t length, int format, int /*fla
   if (embedded::ReadCommonNumber(text, length, format, value)) return embedded::kConverted;
   const std::string_view trimmed = embedded::Trimmed(text, length);
   if (trimmed.empty()) return embedded::kEmpty;
-  if (!embedded::ValueShape::MayBe(trimmed, format)) return embedded::kNotAValue;
+  if (!embedded::IsShaped(trimmed, format)) return embedded::kNotAValue;
   if (trimmed.size() != length &&
       embedded::ReadCommonNumber(trimmed.data(), trimmed.size(), format, value)) {
     return embedded::kConverted;
