@@ -31,23 +31,29 @@ bool Has(std::string_view field, char c) { return field.find(c) != std::string_v
 DetectionCounters::DetectionCounters(const RegExMappings& table, const DetectionRules& rules)
     : rules_(rules), table_(table), classifier_(table, rules.arrangement) {}
 
+CountedAs DetectionCounters::CountUnplain(std::string_view field, unsigned possible,
+                                          TxtWzVar& variable) {
+  if (CountNumber(field, variable)) return CountedAs::kNumber;
+  return CountOther(field, possible, variable);
+}
+
 CountedAs DetectionCounters::CountOther(std::string_view field, unsigned possible,
                                         TxtWzVar& variable) {
-  if ((possible & ValueClassifier::kNumber) != 0 && CountNumber(field, variable)) {
-    return CountedAs::kNumber;
-  }
   order_ = DayAndMonth::kNone;
-  if (rules_.leadingSpaces) field = TrimLeft(field);
-  if (rules_.multipleSpaces) field = TrimRight(field);
-  possible = classifier_.PossibleClasses(field);
+  if (rules_.leadingSpaces || rules_.multipleSpaces) {
+    if (rules_.leadingSpaces) field = TrimLeft(field);
+    if (rules_.multipleSpaces) field = TrimRight(field);
+    possible = classifier_.PossibleClasses(field);
+  }
   if ((possible & ValueClassifier::kDate) != 0 && CountDate(field, variable)) {
     return CountedAs::kDate;
   }
   CountedAs as = CountedAs::kString;
-  if ((possible & ValueClassifier::kNumberForm) == 0 || !CountNumberForm(field, variable, &as)) {
-    CountString(field, variable);
+  if ((possible & ValueClassifier::kNumberForm) != 0 && CountNumberForm(field, variable, &as)) {
+    return as;
   }
-  return as;
+  CountString(field, variable);
+  return CountedAs::kString;
 }
 
 bool DetectionCounters::CountNumber(std::string_view field, TxtWzVar& variable) {

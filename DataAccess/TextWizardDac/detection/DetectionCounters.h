@@ -64,11 +64,11 @@ class DetectionCounters {
   CountedAs Count(std::string_view field, TxtWzVar& variable) {
     // Most strings show by their first byte that they are nothing else.
     const unsigned possible = classifier_.PossibleClasses(field);
+    if ((possible & ValueClassifier::kNumber) == 0) return CountOther(field, possible, variable);
     // Digits and a point are a number in every respect that matters here.
     std::size_t point = 0;
-    if ((possible & ValueClassifier::kNumber) == 0 || rules_.swapDecimal ||
-        !classifier_.IsPlainNumber(field, &point)) {
-      return CountOther(field, possible, variable);
+    if (rules_.swapDecimal || !classifier_.IsPlainNumber(field, &point)) {
+      return CountUnplain(field, possible, variable);
     }
     ++variable.numericCount;
     // Most are as wide as others before them.
@@ -93,7 +93,8 @@ class DetectionCounters {
   static void Merge(const TxtWzVar& from, TxtWzVar& into);
 
  private:
-  // Any field but a plain number. `possible`: its classes by its first byte.
+  // Any field but a plain number; any but a number. `possible`: its classes by its first byte.
+  CountedAs CountUnplain(std::string_view field, unsigned possible, TxtWzVar& variable);
   CountedAs CountOther(std::string_view field, unsigned possible, TxtWzVar& variable);
   bool IsNumeric(std::string_view field);
   // Each counts the field when it is of its class; else leaves the variable alone.

@@ -91,6 +91,7 @@ int ValueClassifier::IsDateTime(std::string_view value) {
   if (trimDates_) value = TrimLeft(TrimRight(value));
   const PatternAutomaton::Verdict verdict = rowAutomaton_->Match(value, rowClasses_);
   order_ = OrderOf(verdict);
+  if ((verdict.matched | verdict.undecided) == 0) return 0;
   const std::uint64_t rows = (std::uint64_t{1} << rows_.size()) - 1;
   std::uint64_t candidates = (verdict.matched | verdict.undecided) & rows;
   const icu::UnicodeString* text = nullptr;
