@@ -1,5 +1,6 @@
 // What happens when: the user's settings, the requests that follow from a change, the steps.
 import { ask, follow } from './api.js';
+import { started } from './start.js';
 import { alertText, announce, byId, bytes, copyText, count, debounced } from './dom.js';
 import { showFile } from './steps/file.js';
 import { showLines } from './steps/lines.js';
@@ -16,6 +17,7 @@ export const state = {
   encodings: null, // the file decoded otherwise
   raw: null, // records as the component's request handler sees them
   rawFirst: 1,
+  counts: { raw: 0, head: 0 }, // records and cases that are shown
   head: null, // cases of the head
   types: null, // columns, growing
   cases: 0, // that the types come from, once they are final
@@ -31,9 +33,6 @@ export const state = {
   problems: null,
   importing: false,
 };
-
-export const rawCount = 40;
-const headCount = 30;
 
 let round = 0;
 let abort = new AbortController();
@@ -124,15 +123,15 @@ async function readTypes(now) {
 }
 
 // Reads again what the settings ask for. `what`: "all" after a new file or encoding, "fields" when the
-// raw lines stay as they are.
-async function refresh(what) {
+// raw lines stay as they are. `known`: answers that are there already, by their questions.
+async function refresh(what, known = {}) {
   const now = restart();
   hideProgress();
   alertText('alert', null);
   Object.assign(state, {
     final: false, stopped: false, failed: false, stale: Boolean(state.path), result: state.importing ? state.result : null, problems: state.importing ? state.problems : null,
   });
-  render();
+  if (!known.sniff) render();
   if (!state.path) {
     announce('');
     return;
@@ -140,19 +139,19 @@ async function refresh(what) {
   const request = { path: state.path, given: state.given };
   try {
     if (what === 'all') announce('Looking at the file…');
-    const sniffed = await ask('api/sniff', request, abort.signal);
+    const sniffed = known.sniff ?? await ask('api/sniff', request, abort.signal);
     if (now !== round) return;
     state.reading = sniffed;
     if (state.given.fixed === undefined && state.given.delimiter === undefined) state.foundArrangement = sniffed.reading.arrangement;
     state.alternatives = sniffed.alternatives ?? {};
     const { signal } = abort;
     const raw = what === 'all'
-      ? ask('api/raw', { path: state.path, encoding: sniffed.reading.encoding, first: state.rawFirst, count: rawCount }, signal)
+      ? known.raw ?? ask('api/raw', { path: state.path, encoding: sniffed.reading.encoding, first: state.rawFirst, count: state.counts.raw }, signal)
       : Promise.resolve({ records: state.raw });
     const encodings = what === 'all' && sniffed.alternatives?.encodings?.length
       ? ask('api/encodings', { path: state.path, encodings: sniffed.alternatives.encodings }, signal)
       : Promise.resolve({ encodings: what === 'all' ? [] : state.encodings });
-    const [records, head, others] = await Promise.all([raw, ask('api/head', { ...request, count: headCount }, signal), encodings]);
+    const [records, head, others] = await Promise.all([raw, known.head ?? ask('api/head', { ...request, count: state.counts.head }, signal), encodings]);
     if (now !== round) return;
     state.raw = records.records;
     state.head = head.cases;
@@ -185,13 +184,13 @@ function refreshSoon(what) {
   refreshWanted();
 }
 
-// Opens a file and finds everything about it.
-export function open(path) {
+// Opens a file and finds everything about it that is not `known`.
+export function open(path, known = {}) {
   Object.assign(state, {
     path, given: {}, reading: null, alternatives: null, encodings: null, raw: null, rawFirst: 1, head: null, types: null, result: null, foundArrangement: null,
   });
   if (!path) setCommand('', []);
-  refresh('all');
+  refresh('all', known);
 }
 
 // What the user says; undefined lets it be found again. Settings that follow from others are dropped
@@ -211,7 +210,7 @@ export function change(settings) {
 export async function showRawFrom(first) {
   state.rawFirst = Math.max(1, first);
   try {
-    const answer = await ask('api/raw', { path: state.path, encoding: state.reading.reading.encoding, first: state.rawFirst, count: rawCount });
+    const answer = await ask('api/raw', { path: state.path, encoding: state.reading.reading.encoding, first: state.rawFirst, count: state.counts.raw });
     state.raw = answer.records;
     render();
   } catch (error) {
@@ -325,8 +324,10 @@ addEventListener('pagehide', () => {
   fetch('api/close', { method: 'POST', headers: { 'Content-Type': 'application/json' }, body: '{}', keepalive: true }).catch(() => {});
 });
 
-const first = new URLSearchParams(location.search).get('file');
-ask('api/start').then(({ path }) => {
-  if (first ?? path) open(first ?? path);
+const asked = new URLSearchParams(location.search).get('file');
+started.then(({ path, counts, first }) => {
+  state.counts = counts;
+  if (asked) open(asked, asked === path ? first : {});
+  else if (path) open(path, first);
   else render();
 }).catch(showError);

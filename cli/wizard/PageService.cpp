@@ -20,6 +20,8 @@ using nlohmann::json;
 // An answer that takes longer is given up; so is a reading that says nothing for so long.
 constexpr std::chrono::seconds kPatience{60};
 constexpr std::chrono::milliseconds kPause{100};
+// A page that starts waits so long for what it would ask next; then it shows that it is waiting.
+constexpr std::chrono::milliseconds kStartPatience{200};
 
 constexpr std::array<std::string_view, 4> kQuestions = {"sniff", "raw", "encodings", "head"};
 
@@ -45,7 +47,13 @@ WorkerProcess::Settings WorkerFor(const std::string& program, std::string_view n
 }  // namespace
 
 PageService::PageService(Settings settings)
-    : settings_(std::move(settings)), root_(settings_.root) {}
+    : settings_(std::move(settings)), root_(settings_.root) {
+  if (const auto path = settings_.file.empty() ? std::nullopt : root_.File(settings_.file)) {
+    firstLook_.emplace([this](std::string_view name, const json& body,
+                              const std::stop_token& stop) { return Ask(name, body, stop); },
+                       *path);
+  }
+}
 
 json PageService::WithPath(const json& body) const {
   const std::string name = body.at("path");
@@ -67,13 +75,31 @@ std::string PageService::NameBelowRoot(const std::string& path) const {
 }
 
 std::optional<json> PageService::Answer(std::string_view name, const json& body) {
-  if (name == "start") return json{{"path", settings_.file}, {"root", root_.path()}};
+  if (name == "start") return Start();
   if (name == "files") return Files(body);
   if (name == "command") return EditedCommand(body);
   for (const std::string_view question : kQuestions) {
-    if (name == question) return Ask(name, WithPath(body));
+    if (name != question) continue;
+    const json with = WithPath(body);
+    if (firstLook_) {
+      if (std::optional<json> known = firstLook_->Take(name, with)) return known;
+    }
+    return Ask(name, with);
   }
   return std::nullopt;
+}
+
+// With the answers to the page's first questions, where they are known already.
+json PageService::Start() {
+  json answer = {{"path", settings_.file},
+                 {"root", root_.path()},
+                 {"counts", {{"raw", FirstLook::kRecords}, {"head", FirstLook::kCases}}}};
+  if (firstLook_) {
+    if (std::optional<json> first = firstLook_->Whole(kStartPatience)) {
+      answer["first"] = std::move(*first);
+    }
+  }
+  return answer;
 }
 
 json PageService::Files(const json& body) const {
@@ -93,11 +119,11 @@ json PageService::EditedCommand(const json& body) const {
   return answer;
 }
 
-json PageService::Ask(std::string_view name, const json& body) const {
+json PageService::Ask(std::string_view name, const json& body, const std::stop_token& stop) const {
   WorkerProcess worker(WorkerFor(settings_.program, name, body));
   std::string line;
   const auto until = std::chrono::steady_clock::now() + kPatience;
-  while (std::chrono::steady_clock::now() < until) {
+  while (std::chrono::steady_clock::now() < until && !stop.stop_requested()) {
     const WorkerProcess::Told told = worker.NextLine(kPause, &line);
     if (told == WorkerProcess::Told::kNothing) continue;
     if (told == WorkerProcess::Told::kEnd) TellBroken(worker);

@@ -3,11 +3,13 @@
 
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
 
+#include "cli/wizard/FirstLook.h"
 #include "cli/wizard/RootFolder.h"
 #include "cli/wizard/WizardServer.h"
 
@@ -24,7 +26,7 @@ class PageService : public WizardService {
     std::string file{};
   };
 
-  // Throws std::runtime_error when the root cannot be read.
+  // Begins to look at the file. Throws std::runtime_error when the root cannot be read.
   explicit PageService(Settings settings);
 
   std::optional<nlohmann::json> Answer(std::string_view name, const nlohmann::json& body) override;
@@ -33,7 +35,9 @@ class PageService : public WizardService {
  private:
   nlohmann::json Files(const nlohmann::json& body) const;
   nlohmann::json EditedCommand(const nlohmann::json& body) const;
-  nlohmann::json Ask(std::string_view name, const nlohmann::json& body) const;
+  nlohmann::json Start();
+  nlohmann::json Ask(std::string_view name, const nlohmann::json& body,
+                     const std::stop_token& stop = {}) const;
   std::function<void(Job&)> Import(const nlohmann::json& body) const;
   // The request with the path of the file that it names.
   nlohmann::json WithPath(const nlohmann::json& body) const;
@@ -42,6 +46,8 @@ class PageService : public WizardService {
 
   const Settings settings_;
   const RootFolder root_;
+  // Of the file that the page opens on, where there is one.
+  std::optional<FirstLook> firstLook_;
 };
 
 }  // namespace cli

@@ -1,5 +1,5 @@
 // The lines: where the data begins, which line has the names.
-import { change, rawCount, showRawFrom, state } from '../app.js';
+import { change, showRawFrom, state } from '../app.js';
 import { announce, byId, count, el, fill } from '../dom.js';
 import { lineDirection, pieces, visible } from '../text.js';
 import { field, moveFocus, sum, waiting } from './parts.js';
@@ -107,8 +107,8 @@ export function showLines() {
         el('thead', {}, el('tr', {}, ['Line', 'Text', 'Use', 'Set'].map((title) => el('th', { scope: 'col' }, title)))),
         el('tbody', { id: 'raw-lines' }, state.raw.map(row)))),
     el('p', { class: 'row' },
-      el('button', { type: 'button', id: 'raw-back', disabled: state.rawFirst <= 1, on: { click: () => showRawFrom(state.rawFirst - rawCount) } }, 'Earlier lines'),
-      el('button', { type: 'button', id: 'raw-on', disabled: state.raw.length < rawCount, on: { click: () => showRawFrom(state.rawFirst + rawCount) } }, 'Later lines'),
+      el('button', { type: 'button', id: 'raw-back', disabled: state.rawFirst <= 1, on: { click: () => showRawFrom(state.rawFirst - state.counts.raw) } }, 'Earlier lines'),
+      el('button', { type: 'button', id: 'raw-on', disabled: state.raw.length < state.counts.raw, on: { click: () => showRawFrom(state.rawFirst + state.counts.raw) } }, 'Later lines'),
       el('span', { class: 'pair' }, el('label', { for: 'raw-line' }, 'Go to line '), el('input', {
         id: 'raw-line', type: 'number', min: 1, value: state.rawFirst, style: 'width:8.5rem', on: { change: (event) => showRawFrom(Number(event.target.value) || 1) },
       })),
