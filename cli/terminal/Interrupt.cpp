@@ -12,6 +12,8 @@
 namespace cli {
 namespace {
 
+volatile std::sig_atomic_t interrupted = 0;
+
 // Everything below runs inside a signal handler and calls only what is allowed there.
 
 void EndAtOnce(int signal) {
@@ -28,10 +30,11 @@ void EndAtOnce(int signal) {
 }
 
 void OnInterrupt(int /*signal*/) {
-  if (embedded::AttentionRequested()) {
+  if (interrupted != 0) {
     library::RemoveUnfinishedFiles();
     _exit(kExitInterrupted);
   }
+  interrupted = 1;
   embedded::RequestAttention();
   alarm(1);
 }
