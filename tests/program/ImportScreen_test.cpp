@@ -5,9 +5,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pty.h>
 
-#include "Program.h"
+#include "tests/program/Program.h"
 
 namespace program {
 namespace {
@@ -21,25 +20,7 @@ constexpr char kTowns[] =
     "2,2020-01-03,Oslo,NA\n"
     "3,2020-02-28,Bern,800.25\n";
 
-class ImportScreen : public ProgramTest {
- protected:
-  // What the program writes to a terminal, on which its standard streams are.
-  std::string OnTerminal(const std::vector<std::string>& arguments) const {
-    int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (child == 0) Execute(arguments);
-    std::string text;
-    char block[4096];
-    for (ssize_t length = 0; (length = read(terminal, block, sizeof block)) > 0;) {
-      text.append(block, static_cast<std::size_t>(length));
-    }
-    close(terminal);
-    int waited = 0;
-    EXPECT_EQ(waitpid(child, &waited, 0), child);
-    EXPECT_EQ(StatusOf(waited), 0) << text;
-    return text;
-  }
-};
+class ImportScreen : public ProgramTest {};
 
 TEST_F(ImportScreen, ColoursAreOnlyOnATerminalAndNotWhereNobodyWantsThem) {
   folder_.Write("towns.csv", kTowns);

@@ -2,13 +2,16 @@
 #pragma once
 
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -78,6 +81,26 @@ class ProgramTest : public testing::Test {
     return Wait(Start(arguments, input));
   }
 
+  // What the program, which succeeds, writes to a terminal on which its standard streams are.
+  // `begun` is called once it has been started.
+  std::string OnTerminal(
+      const std::vector<std::string>& arguments, const std::function<void()>& begun = [] {}) const {
+    int terminal = -1;
+    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) Execute(arguments);
+    begun();
+    std::string text;
+    char block[4096];
+    for (ssize_t length = 0; (length = read(terminal, block, sizeof block)) > 0;) {
+      text.append(block, static_cast<std::size_t>(length));
+    }
+    close(terminal);
+    int waited = 0;
+    EXPECT_EQ(waitpid(child, &waited, 0), child);
+    EXPECT_EQ(StatusOf(waited), 0) << text;
+    return text;
+  }
+
   // Runs the program from a shell; `line` is what stands behind its name, redirections too.
   Ended Shell(const std::string& line, const std::string& before = "") const {
     const std::string command = "cd '" + folder_.path().string() + "' && " + before +
@@ -94,6 +117,13 @@ class ProgramTest : public testing::Test {
     Ended ended = Run(arguments);
     std::filesystem::remove(folder_ / "command.sps");
     return ended;
+  }
+
+  // The same, with what a person is shown.
+  Ended Shown(const std::string& command, std::vector<std::string> arguments = {}) const {
+    folder_.Write("command.sps", command);
+    arguments.insert(arguments.begin(), {"run", "command.sps"});
+    return Run(arguments);
   }
 
   nlohmann::json Json(const std::string& name) const {

@@ -10,7 +10,6 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <poll.h>
-#include <pty.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -194,24 +193,9 @@ class RunOnTerminal : public RunDisplay {
     const std::string cases = folder_ / "cases";
     std::filesystem::remove(cases);
     SlowPipe pipe(cases);
-    int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (child == 0) {
-      arguments.insert(arguments.begin(),
-                       {"run", "command.sps", "--cases", "cases", "--format", "csv"});
-      Execute(arguments);
-    }
-    pipe.Start();
-    std::string text;
-    char block[4096];
-    for (ssize_t length = 0; (length = read(terminal, block, sizeof block)) > 0;) {
-      text.append(block, static_cast<std::size_t>(length));
-    }
-    close(terminal);
-    int waited = 0;
-    EXPECT_EQ(waitpid(child, &waited, 0), child);
-    EXPECT_EQ(StatusOf(waited), 0) << text;
-    return text;
+    arguments.insert(arguments.begin(),
+                     {"run", "command.sps", "--cases", "cases", "--format", "csv"});
+    return OnTerminal(arguments, [&pipe] { pipe.Start(); });
   }
 };
 

@@ -19,11 +19,6 @@ using testing::Not;
 class RunEvidence : public ProgramTest {
  protected:
   void SetUp() override { WriteTowns(); }
-  Ended Shown(const std::string& command, std::vector<std::string> arguments = {}) const {
-    folder_.Write("command.sps", command);
-    arguments.insert(arguments.begin(), {"run", "command.sps"});
-    return Run(arguments);
-  }
 };
 
 TEST_F(RunEvidence, EvidenceIsThatOfAutoVariables) {

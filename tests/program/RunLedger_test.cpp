@@ -17,11 +17,6 @@ using testing::Not;
 class RunLedger : public ProgramTest {
  protected:
   void SetUp() override { WriteTowns(); }
-  Ended Shown(const std::string& command, std::vector<std::string> arguments = {}) const {
-    folder_.Write("command.sps", command);
-    arguments.insert(arguments.begin(), {"run", "command.sps"});
-    return Run(arguments);
-  }
   json Ledger(const std::string& bytes, const std::string& command,
               std::vector<std::string> arguments = {}) const {
     folder_.Write("d.txt", bytes);

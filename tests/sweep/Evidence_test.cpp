@@ -10,13 +10,10 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/ValueInput.h"
-#include "HostFramework/embedded/data/testing/MemoryDevice.h"
-#include "HostFramework/embedded/text/HostText.h"
 #include "detection/testing/EvidenceText.h"
 #include "tests/support/Effort.h"
 #include "tests/support/ImportRun.h"
-#include "tests/sweep/Corpus.h"
+#include "tests/sweep/CorpusTest.h"
 
 namespace whole {
 namespace {
@@ -193,7 +190,7 @@ struct EvidenceWay {
 
 class EvidenceOfFiles : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_TRUE(embedded::SetCodePage(nullptr)); }
+  const embedded::InCodePage inUtf8_{nullptr};
 
   static void ExpectInEveryWay(const DrawnFile& file, const std::string& bytes,
                                const std::vector<EvidenceWay>& ways) {
@@ -248,24 +245,7 @@ TEST_F(EvidenceOfFiles, OnOneThreadIsThatOfWorkers) {
 }
 
 // All files of the corpus: the same in every way, whatever it is.
-class EvidenceOfCorpus : public testing::TestWithParam<CorpusImport> {
- protected:
-  void SetUp() override {
-    const CorpusImport& import = GetParam();
-    ASSERT_TRUE(embedded::SetCodePage(nullptr));
-    ASSERT_TRUE(embedded::SetLocaleCodePage(import.localePage.empty() ? nullptr
-                                                                      : import.localePage.c_str()));
-    if (import.decimalComma) iocvsetdeccharcomma_();
-    if (import.bytes) files_.emplace(kCorpusPath, import.bytes());
-  }
-  void TearDown() override {
-    iocvsetdecchardot_();
-    embedded::SetLocaleCodePage(nullptr);
-  }
-
- private:
-  std::optional<embedded::ScopedMemoryFiles> files_;
-};
+using EvidenceOfCorpus = CorpusTest;
 
 TEST_P(EvidenceOfCorpus, IsTheSameInEveryWay) {
   const CorpusImport& import = GetParam();

@@ -3,18 +3,14 @@
 // messages in the same order, the same map, and the dictionary that the rules of detection give.
 
 #include <array>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "HostFramework/ValueInput.h"
-#include "HostFramework/embedded/data/testing/MemoryDevice.h"
-#include "HostFramework/embedded/text/HostText.h"
 #include "tests/support/Effort.h"
 #include "tests/support/ImportRun.h"
-#include "tests/sweep/Corpus.h"
+#include "tests/sweep/CorpusTest.h"
 
 namespace whole {
 namespace {
@@ -101,24 +97,7 @@ std::vector<Way> WaysFor(const CorpusImport& import) {
   return ways;
 }
 
-class Sweep : public testing::TestWithParam<CorpusImport> {
- protected:
-  void SetUp() override {
-    const CorpusImport& import = GetParam();
-    ASSERT_TRUE(embedded::SetCodePage(nullptr));
-    ASSERT_TRUE(embedded::SetLocaleCodePage(import.localePage.empty() ? nullptr
-                                                                      : import.localePage.c_str()));
-    if (import.decimalComma) iocvsetdeccharcomma_();
-    if (import.bytes) files_.emplace(kCorpusPath, import.bytes());
-  }
-  void TearDown() override {
-    iocvsetdecchardot_();
-    embedded::SetLocaleCodePage(nullptr);
-  }
-
- private:
-  std::optional<embedded::ScopedMemoryFiles> files_;
-};
+using Sweep = CorpusTest;
 
 TEST_P(Sweep, GivesTheSameInEveryWay) {
   const CorpusImport& import = GetParam();
