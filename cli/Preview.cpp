@@ -14,8 +14,8 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/Interrupt.h"
 #include "cli/terminal/VisibleText.h"
-#include "library/import/FileKind.h"
 #include "library/import/WizardRecords.h"
+#include "library/input/FileKind.h"
 #include "library/outputs/Utf8Converter.h"
 
 namespace cli {

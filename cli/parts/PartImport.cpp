@@ -16,10 +16,10 @@
 #include "cli/terminal/Console.h"
 #include "cli/terminal/Interrupt.h"
 #include "library/files/DataSetPlan.h"
-#include "library/import/InputFiles.h"
+#include "library/import/BareParts.h"
 #include "library/import/RunLine.h"
+#include "library/input/InputFiles.h"
 #include "library/outputs/OutputFile.h"
-#include "library/parts/BareParts.h"
 #include "library/parts/SummaryMerge.h"
 
 namespace cli {

@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include "HostFramework/embedded/command/CommandLanguage.h"
-#include "library/import/CommandOutline.h"
+#include "library/command/CommandOutline.h"
 
 namespace cli {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "HostFramework/Messages.h"
 #include "cli/terminal/Console.h"
-#include "library/import/CommandFault.h"
+#include "library/command/CommandFault.h"
 #include "library/import/ImportMessages.h"
 #include "library/import/UndecodableWarnings.h"
 #include "library/outputs/OutputFile.h"

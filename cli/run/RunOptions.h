@@ -8,10 +8,10 @@
 #include "cli/run/CommandFile.h"
 #include "cli/run/HostOptions.h"
 #include "cli/run/ReportOptions.h"
-#include "library/import/RewritingOptions.h"
 #include "library/outputs/CaseWriter.h"
 #include "library/outputs/CasesFile.h"
 #include "library/parts/PartOptions.h"
+#include "library/rewriting/RewritingOptions.h"
 
 namespace cli {
 

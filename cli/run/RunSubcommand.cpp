@@ -9,7 +9,7 @@
 #include "cli/parts/PartSubcommands.h"
 #include "cli/run/RunOptions.h"
 #include "cli/run/SharedOptions.h"
-#include "library/import/Transcoding.h"
+#include "library/input/Transcoding.h"
 
 namespace cli {
 namespace {

@@ -14,12 +14,12 @@
 #include "cli/terminal/ImportTables.h"
 #include "cli/terminal/Progress.h"
 #include "cli/terminal/VisibleText.h"
-#include "library/import/Advice.h"
+#include "library/command/Advice.h"
+#include "library/command/CommandFault.h"
+#include "library/command/CommandOutline.h"
 #include "library/import/ColumnEdgeCheck.h"
-#include "library/import/CommandFault.h"
 #include "library/import/CommandImport.h"
-#include "library/import/CommandOutline.h"
-#include "library/import/FileKind.h"
+#include "library/input/FileKind.h"
 
 namespace cli {
 namespace {

@@ -11,8 +11,8 @@
 #include "cli/run/RunOptions.h"
 #include "cli/terminal/Console.h"
 #include "library/import/ImportStats.h"
-#include "library/import/InputFiles.h"
-#include "library/import/StandIns.h"
+#include "library/input/InputFiles.h"
+#include "library/rewriting/StandIns.h"
 
 namespace cli {
 

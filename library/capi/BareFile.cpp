@@ -7,9 +7,9 @@
 
 #include "HostFramework/embedded/command/PipeSpools.h"
 #include "library/capi/Failure.h"
-#include "library/import/FileKind.h"
 #include "library/import/HostSettings.h"
 #include "library/import/WizardRecords.h"
+#include "library/input/FileKind.h"
 #include "library/outputs/Utf8Converter.h"
 #include "library/sniff/SniffJson.h"
 #include "library/sniff/Sniffer.h"

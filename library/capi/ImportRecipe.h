@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "library/import/HostSettings.h"
-#include "library/import/RewritingOptions.h"
-#include "library/import/StandIns.h"
 #include "library/parts/SummaryFile.h"
+#include "library/rewriting/RewritingOptions.h"
+#include "library/rewriting/StandIns.h"
 
 namespace library {
 

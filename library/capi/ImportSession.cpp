@@ -8,11 +8,11 @@
 
 #include "HostFramework/embedded/messages/Attention.h"
 #include "HostFramework/embedded/messages/Catalogue.h"
+#include "library/command/CommandFault.h"
+#include "library/import/BareParts.h"
 #include "library/import/ColumnReport.h"
-#include "library/import/CommandFault.h"
-#include "library/import/FileKind.h"
+#include "library/input/FileKind.h"
 #include "library/outputs/DictionaryJson.h"
-#include "library/parts/BareParts.h"
 #include "library/report/EvidenceJson.h"
 #include "library/sniff/SniffJson.h"
 

@@ -9,8 +9,8 @@
 
 #include "HostFramework/embedded/messages/Attention.h"
 #include "library/capi/Failure.h"
+#include "library/import/BareParts.h"
 #include "library/import/HostSettings.h"
-#include "library/parts/BareParts.h"
 #include "library/parts/SummaryMerge.h"
 
 namespace library {

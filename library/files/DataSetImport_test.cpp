@@ -7,6 +7,7 @@
 
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/text/HostText.h"
+#include "library/import/testing/KeptErrors.h"
 #include "library/report/Digest.h"
 #include "library/testing/TestFolder.h"
 
@@ -16,14 +17,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-class KeptMessages : public ImportMessages {
- public:
-  void Post(std::string_view hostText, int kind) override {
-    if (kind == kMessageError) errors.emplace_back(hostText);
-  }
-  std::vector<std::string> errors;
-};
 
 class KeptProblems : public ProblemSink {
  public:
@@ -78,7 +71,7 @@ class DataSetImportTest : public testing::Test {
   InputFiles files_;
   DataSetPlan plan_;
   DataSetImportOptions options_;
-  KeptMessages messages_;
+  KeptErrors messages_;
   KeptProblems problems_;
 };
 

@@ -11,7 +11,7 @@
 
 #include "library/files/Drift.h"
 #include "library/import/BareImport.h"
-#include "library/import/InputFiles.h"
+#include "library/input/InputFiles.h"
 #include "library/parts/SummaryFile.h"
 
 namespace library {

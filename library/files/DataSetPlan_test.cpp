@@ -7,8 +7,8 @@
 
 #include "HostFramework/ValueInput.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "library/import/CommandText.h"
-#include "library/parts/BareParts.h"
+#include "library/command/CommandText.h"
+#include "library/import/BareParts.h"
 #include "library/report/ImportWatch.h"
 #include "library/testing/TestFolder.h"
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "HostFramework/embedded/messages/Attention.h"
-#include "library/sniff/ByteSource.h"
+#include "library/input/ByteSource.h"
 #include "library/sniff/Sniffer.h"
 
 namespace library {

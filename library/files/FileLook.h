@@ -4,7 +4,7 @@
 #include <string>
 
 #include "library/files/DataSetPlan.h"
-#include "library/import/InputFiles.h"
+#include "library/input/InputFiles.h"
 
 namespace library {
 

@@ -7,7 +7,7 @@
 
 #include "HostFramework/Names.h"
 #include "HostFramework/Text.h"
-#include "library/import/CommandText.h"
+#include "library/command/CommandText.h"
 
 namespace library {
 namespace {

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "library/import/ColumnEvidence.h"
-#include "library/import/GivenFormat.h"
-#include "library/import/TypeChoice.h"
+#include "library/types/ColumnEvidence.h"
+#include "library/types/GivenFormat.h"
+#include "library/types/TypeChoice.h"
 
 namespace library {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "library/import/PartSummary.h"
-#include "library/import/RewritingOptions.h"
+#include "library/parts/PartSummary.h"
+#include "library/rewriting/RewritingOptions.h"
 #include "library/sniff/SniffResult.h"
 
 namespace library {

@@ -6,12 +6,12 @@
 
 #include "HostFramework/FileStream.h"
 #include "HostFramework/embedded/messages/Attention.h"
-#include "library/import/CommandText.h"
-#include "library/import/FileSummary.h"
+#include "library/command/CommandText.h"
 #include "library/import/FixedPage.h"
-#include "library/import/ShownFile.h"
-#include "library/import/Transcoding.h"
+#include "library/input/Transcoding.h"
 #include "library/outputs/Utf8Converter.h"
+#include "library/parts/FileSummary.h"
+#include "library/rewriting/ShownFile.h"
 #include "library/sniff/SniffEvidence.h"
 #include "library/sniff/Sniffer.h"
 

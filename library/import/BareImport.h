@@ -10,12 +10,12 @@
 
 #include "library/import/BareColumns.h"
 #include "library/import/BareCut.h"
-#include "library/import/FileSummary.h"
-#include "library/import/InputFiles.h"
-#include "library/import/StandIns.h"
-#include "library/import/TypeChoice.h"
+#include "library/input/InputFiles.h"
+#include "library/parts/FileSummary.h"
+#include "library/rewriting/StandIns.h"
 #include "library/sniff/SniffResult.h"
 #include "library/sniff/SniffSettings.h"
+#include "library/types/TypeChoice.h"
 
 namespace library {
 

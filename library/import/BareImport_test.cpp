@@ -9,9 +9,10 @@
 
 #include "HostFramework/embedded/messages/Attention.h"
 #include "HostFramework/embedded/text/HostText.h"
+#include "library/command/CommandText.h"
 #include "library/import/CommandImport.h"
-#include "library/import/CommandText.h"
 #include "library/import/RunLine.h"
+#include "library/import/testing/KeptErrors.h"
 #include "library/outputs/CaseWriter.h"
 #include "library/testing/TestFolder.h"
 
@@ -22,14 +23,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-
-class ErrorTexts : public ImportMessages {
- public:
-  void Post(std::string_view hostText, int kind) override {
-    if (kind == kMessageError) errors.emplace_back(hostText);
-  }
-  std::vector<std::string> errors;
-};
 
 // Keeps the cases as texts, "." where a number is missing.
 class CaseTexts : public CaseReceiver {
@@ -76,7 +69,7 @@ class ABareImport : public testing::Test {
     embedded::CommandReader reader(import_.command);
     embedded::ParsedCommand command;
     EXPECT_TRUE(reader.Next(command) && command.ok) << command.error << "\n" << import_.command;
-    ErrorTexts messages;
+    KeptErrors messages;
     WatchSettings watching;
     watching.keepStrayQualifiers = import_.rewriting.keepStrayQualifiers;
     watching.nullTexts = settings_.nulls;

@@ -9,7 +9,7 @@
 #include <fmt/format.h>
 
 #include "HostFramework/Text.h"
-#include "library/import/HostCharacter.h"
+#include "library/command/HostCharacter.h"
 #include "library/outputs/Utf8Converter.h"
 #include "model/FormatCode.h"
 #include "reading/RecordDecoder.h"

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "library/import/CommandText.h"
-#include "library/import/GivenFormat.h"
+#include "library/command/CommandText.h"
 #include "library/outputs/Utf8Converter.h"
+#include "library/types/GivenFormat.h"
 
 namespace library {
 namespace {

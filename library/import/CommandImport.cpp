@@ -16,7 +16,7 @@
 #include "HostFramework/embedded/messages/Attention.h"
 #include "HostFramework/embedded/threads/ThreadStarts.h"
 #include "command/TxtWzParser.h"
-#include "library/import/CommandWords.h"
+#include "library/command/CommandWords.h"
 #include "model/MessageText.h"
 
 namespace library {

@@ -17,12 +17,12 @@
 #include "library/import/ImportAdapter.h"
 #include "library/import/ImportMessages.h"
 #include "library/import/ImportStats.h"
-#include "library/import/InputFiles.h"
 #include "library/import/RestoringObserver.h"
-#include "library/import/RewritingOptions.h"
-#include "library/import/ShownFile.h"
+#include "library/input/InputFiles.h"
 #include "library/parts/PartedReading.h"
 #include "library/report/ImportWatch.h"
+#include "library/rewriting/RewritingOptions.h"
+#include "library/rewriting/ShownFile.h"
 
 namespace library {
 

@@ -10,6 +10,7 @@
 
 #include "HostFramework/embedded/command/Adapter.h"
 #include "HostFramework/embedded/messages/Attention.h"
+#include "library/import/testing/KeptErrors.h"
 #include "library/testing/TestFolder.h"
 
 namespace library {
@@ -18,14 +19,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-class KeptMessages : public ImportMessages {
- public:
-  void Post(std::string_view hostText, int kind) override {
-    if (kind == kMessageError) errors.emplace_back(hostText);
-  }
-  std::vector<std::string> errors;
-};
 
 // Keeps the number in the first cell of each case; stops when asked to.
 class KeptNumbers : public CaseReceiver {
@@ -67,7 +60,7 @@ class ACommandImport : public testing::Test {
   }
 
   TestFolder folder_;
-  KeptMessages messages_;
+  KeptErrors messages_;
   KeptNumbers receiver_;
 };
 

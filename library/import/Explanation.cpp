@@ -5,9 +5,9 @@
 #include <fmt/format.h>
 
 #include "HostFramework/Formats.h"
-#include "library/import/CommandText.h"
-#include "library/import/GivenFormat.h"
+#include "library/command/CommandText.h"
 #include "library/report/ReportText.h"
+#include "library/types/GivenFormat.h"
 
 namespace library {
 namespace {

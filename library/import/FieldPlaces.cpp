@@ -5,8 +5,8 @@
 #include <optional>
 #include <string_view>
 
-#include "library/import/StandIns.h"
 #include "library/outputs/Utf8Converter.h"
+#include "library/rewriting/StandIns.h"
 #include "reading/FieldRules.h"
 #include "reading/FieldSplitter.h"
 #include "reading/RecordDecoder.h"

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "library/import/FileKind.h"
+#include "library/input/FileKind.h"
 
 namespace library {
 

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "library/import/InputFiles.h"
+#include "library/input/InputFiles.h"
 #include "library/report/ObservedAdapter.h"
 
 namespace library {

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "library/import/CommandText.h"
+#include "library/command/CommandText.h"
 
 namespace library {
 namespace {

@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "library/import/ShownFile.h"
-#include "library/import/StandIns.h"
 #include "library/report/ForwardingObserver.h"
+#include "library/rewriting/ShownFile.h"
+#include "library/rewriting/StandIns.h"
 
 namespace library {
 

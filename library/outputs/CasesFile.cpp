@@ -8,7 +8,7 @@
 #include <fmt/format.h>
 
 #include "HostFramework/Threads.h"
-#include "library/columns/ColumnSink.h"
+#include "library/outputs/ColumnSink.h"
 #include "library/outputs/DelimitedWriter.h"
 #include "library/outputs/JsonLinesWriter.h"
 #include "library/outputs/TextSink.h"

@@ -11,6 +11,7 @@
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/import/CommandImport.h"
+#include "library/import/testing/KeptErrors.h"
 #include "library/parts/testing/PartFiles.h"
 #include "library/parts/testing/RandomParts.h"
 #include "library/report/Digest.h"
@@ -19,14 +20,6 @@ namespace library {
 namespace {
 
 constexpr const char* kPath = "parts.txt";
-
-class KeptMessages : public ImportMessages {
- public:
-  void Post(std::string_view hostText, int kind) override {
-    if (kind == kMessageError) errors.emplace_back(hostText);
-  }
-  std::vector<std::string> errors;
-};
 
 // Counts cases; those of a pass by batches are counted by the watch.
 class Everything : public CaseReceiver {
@@ -77,7 +70,7 @@ Outcome Import(const PartFile& file, const PartOptions& parts, std::int64_t prob
   options.parts = parts;
   options.seed = 7;
   options.workers = 2;
-  KeptMessages messages;
+  KeptErrors messages;
   KeptProblems problems;
   Outcome outcome;
   CommandImport import(options, messages);

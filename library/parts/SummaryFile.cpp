@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <nlohmann/json.hpp>
 
-#include "library/import/EvidenceFields.h"
+#include "library/parts/EvidenceFields.h"
 
 namespace library {
 namespace {

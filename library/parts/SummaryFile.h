@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-#include "library/import/PartSummary.h"
-#include "library/import/RewritingOptions.h"
 #include "library/parts/CasePlan.h"
 #include "library/parts/PartLines.h"
+#include "library/parts/PartSummary.h"
+#include "library/rewriting/RewritingOptions.h"
 
 namespace library {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "library/import/RewritingOptions.h"
 #include "library/parts/PartOptions.h"
 #include "library/parts/SummaryFile.h"
+#include "library/rewriting/RewritingOptions.h"
 
 namespace library {
 

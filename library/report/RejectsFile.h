@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "HostFramework/ImportObserver.h"
+#include "library/input/ByteSource.h"
 #include "library/outputs/ByteSink.h"
-#include "library/sniff/ByteSource.h"
 
 namespace library {
 

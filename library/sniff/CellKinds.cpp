@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "detection/BlankTrim.h"
-#include "library/import/ValueReader.h"
 #include "library/report/ImportWatch.h"
+#include "library/types/ValueReader.h"
 #include "model/ImportSettings.h"
 
 namespace library {

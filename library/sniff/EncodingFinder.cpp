@@ -9,7 +9,7 @@
 #include <unicode/ucnv.h>
 #include <unicode/ucsdet.h>
 
-#include "library/import/FileKind.h"
+#include "library/input/FileKind.h"
 #include "library/sniff/CodePageScore.h"
 #include "library/sniff/MultiByteScore.h"
 #include "library/sniff/Utf8.h"

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "library/import/QuoteRewriter.h"
-#include "library/import/StandIns.h"
+#include "library/rewriting/QuoteRewriter.h"
+#include "library/rewriting/StandIns.h"
 #include "library/sniff/Dialect.h"
 #include "reading/FieldSplitter.h"
 

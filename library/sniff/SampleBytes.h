@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "library/sniff/ByteSource.h"
+#include "library/input/ByteSource.h"
 
 namespace library {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "library/import/QuoteRewriter.h"
+#include "library/rewriting/QuoteRewriter.h"
 #include "library/sniff/Utf8.h"
 
 namespace library {

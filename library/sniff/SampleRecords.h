@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "library/import/QuoteRules.h"
+#include "library/rewriting/QuoteRules.h"
 #include "library/sniff/Dialect.h"
 
 namespace library {

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "library/import/ColumnEvidence.h"
 #include "library/sniff/DialectFinder.h"
 #include "library/sniff/EncodingFinder.h"
 #include "library/sniff/SampleRecords.h"
@@ -13,6 +12,7 @@
 #include "library/sniff/SampleText.h"
 #include "library/sniff/SniffResult.h"
 #include "library/sniff/TableShape.h"
+#include "library/types/ColumnEvidence.h"
 
 namespace library {
 

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-namespace library {
+#include "library/types/DecimalCharacter.h"
 
-enum class DecimalCharacter : std::uint8_t { kPoint, kComma };
+namespace library {
 
 // Characters of a line, from 1, both ends included. `to` 0: to the end of the line.
 struct CharacterRange {

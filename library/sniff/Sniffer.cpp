@@ -8,9 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "library/import/ColumnEvidence.h"
-#include "library/import/FileKind.h"
-#include "library/import/TypeChoice.h"
+#include "library/input/FileKind.h"
 #include "library/outputs/FormatName.h"
 #include "library/report/ImportWatch.h"
 #include "library/sniff/ColumnGaps.h"
@@ -24,6 +22,8 @@
 #include "library/sniff/SniffEvidence.h"
 #include "library/sniff/TableShape.h"
 #include "library/sniff/Utf8.h"
+#include "library/types/ColumnEvidence.h"
+#include "library/types/TypeChoice.h"
 
 namespace library {
 namespace {

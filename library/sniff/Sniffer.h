@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "library/sniff/ByteSource.h"
+#include "library/input/ByteSource.h"
 #include "library/sniff/SniffResult.h"
 #include "library/sniff/SniffSettings.h"
 

@@ -15,7 +15,7 @@
 #include "HostFramework/embedded/data/CaseBuffer.h"
 #include "HostFramework/embedded/data/testing/MemoryDevice.h"
 #include "HostFramework/embedded/text/HostText.h"
-#include "library/import/RewritingDevice.h"
+#include "library/rewriting/RewritingDevice.h"
 #include "model/FormatCode.h"
 #include "reading/QANT_TextWizardIterator.h"
 #include "source/QANT_TextWizardSrc.h"

@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "library/import/testing/CompressedFile.h"
+#include "library/input/testing/CompressedFile.h"
 #include "tests/program/Program.h"
 
 namespace program {

@@ -18,9 +18,9 @@
 
 #include "HostFramework/Formats.h"
 #include "HostFramework/embedded/text/HostText.h"
+#include "library/command/CommandText.h"
 #include "library/import/BareImport.h"
 #include "library/import/CommandImport.h"
-#include "library/import/CommandText.h"
 #include "library/import/RunLine.h"
 #include "library/outputs/CaseBatch.h"
 #include "library/outputs/CaseWriter.h"

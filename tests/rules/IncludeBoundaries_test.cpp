@@ -1,7 +1,7 @@
 // The targets depend one way: the component sees only the host's declarations, the embedded host
 // knows nothing of the component, the library is a host that also calls the component's units, and
-// the program sees the library and the host, the component only through the library. Inside
-// the component, folders stand in levels and include only lower ones.
+// the program sees the library and the host, the component only through the library. Inside the
+// component and the library, folders stand in levels and include only lower ones.
 
 #include <cstddef>
 #include <cstdint>
@@ -62,38 +62,67 @@ void ExpectAll(const std::vector<Include>& includes,
 
 const fs::path kComponent = rules::TreeRoot() / "DataAccess/TextWizardDac";
 
+using Levels = std::vector<std::vector<std::string>>;
+
 // The component's folders, the lowest level first.
-const std::vector<std::vector<std::string>> kLevels = {{"model"},
-                                                       {"watch"},
-                                                       {"reading", "wizard"},
-                                                       {"detection", "map"},
-                                                       {"TxtWzMultiThreadMgr"},
-                                                       {"source"},
-                                                       {"plan"},
-                                                       {"command"},
-                                                       {"entry"}};
+const Levels kComponentLevels = {{"model"},
+                                 {"watch"},
+                                 {"reading", "wizard"},
+                                 {"detection", "map"},
+                                 {"TxtWzMultiThreadMgr"},
+                                 {"source"},
+                                 {"plan"},
+                                 {"command"},
+                                 {"entry"}};
+
+// The library's, in the same order. What tests share may be included from anywhere.
+const Levels kLibraryLevels = {{"include"}, {"columns", "input", "rewriting"},
+                               {"outputs"}, {"report"},
+                               {"types"},   {"sniff"},
+                               {"parts"},   {"command"},
+                               {"import"},  {"files"},
+                               {"capi"}};
 constexpr std::size_t kNoLevel = SIZE_MAX;
 
-std::size_t LevelOf(const std::string& folder) {
-  for (std::size_t level = 0; level < kLevels.size(); ++level) {
-    for (const std::string& name : kLevels[level]) {
+std::size_t LevelOf(const Levels& levels, const std::string& folder) {
+  for (std::size_t level = 0; level < levels.size(); ++level) {
+    for (const std::string& name : levels[level]) {
       if (name == folder) return level;
     }
   }
   return kNoLevel;
 }
 
-// The includes of `component` that neither stay in their folder nor go down a level.
-std::vector<std::string> Climbs(const fs::path& component) {
+// The includes of the sources below `root` that neither stay in their folder nor go down a level.
+// Paths are relative to `root`; what is included stands behind `prefix`.
+std::vector<std::string> Climbs(const fs::path& root, const Levels& levels,
+                                const std::string& prefix = "") {
   std::vector<std::string> found;
-  for (const Include& include : Includes("", component)) {
-    if (IsTestOrBenchmark(include.file) || !fs::exists(component / include.target)) continue;
+  for (const Include& include : Includes("", root)) {
+    if (IsTestOrBenchmark(include.file) || !include.target.starts_with(prefix)) continue;
+    const std::string target = include.target.substr(prefix.size());
+    if (!fs::exists(root / target)) continue;
     const std::string from = *fs::path(include.file).begin();
-    const std::string to = *fs::path(include.target).begin();
-    const bool descends = LevelOf(from) != kNoLevel && LevelOf(to) < LevelOf(from);
-    if (from != to && !descends) found.push_back(include.file + " includes " + include.target);
+    const std::string to = *fs::path(target).begin();
+    const bool descends =
+        LevelOf(levels, from) != kNoLevel && LevelOf(levels, to) < LevelOf(levels, from);
+    if (from != to && !descends) found.push_back(include.file + " includes " + target);
   }
   return found;
+}
+
+// That the folders of `root` and those of `levels` are the same ones, `besides` left out.
+void ExpectEachFolderHasALevel(const fs::path& root, const Levels& levels,
+                               const std::string& besides = "") {
+  std::size_t folders = 0;
+  for (const auto& entry : fs::directory_iterator(root)) {
+    if (!entry.is_directory() || entry.path().filename() == besides) continue;
+    ++folders;
+    EXPECT_NE(LevelOf(levels, entry.path().filename()), kNoLevel) << entry.path();
+  }
+  std::size_t listed = 0;
+  for (const auto& level : levels) listed += level.size();
+  EXPECT_EQ(folders, listed);
 }
 
 bool IsComponentHeader(const std::string& target) { return fs::exists(kComponent / target); }
@@ -111,42 +140,44 @@ TEST(IncludeBoundaries, TheComponentSeesOnlyTheHostsDeclarations) {
 }
 
 TEST(IncludeBoundaries, TheComponentsFoldersIncludeOnlyLowerLevels) {
-  EXPECT_EQ(Climbs(kComponent), std::vector<std::string>{});
+  EXPECT_EQ(Climbs(kComponent, kComponentLevels), std::vector<std::string>{});
 }
 
-TEST(IncludeBoundaries, EveryFolderOfTheComponentHasALevel) {
-  std::size_t folders = 0;
-  for (const auto& entry : fs::directory_iterator(kComponent)) {
-    if (!entry.is_directory()) continue;
-    ++folders;
-    EXPECT_NE(LevelOf(entry.path().filename()), kNoLevel) << entry.path();
-  }
-  std::size_t listed = 0;
-  for (const auto& level : kLevels) listed += level.size();
-  EXPECT_EQ(folders, listed);
+TEST(IncludeBoundaries, TheLibrarysFoldersIncludeOnlyLowerLevels) {
+  EXPECT_EQ(Climbs(rules::TreeRoot() / "library", kLibraryLevels, "library/"),
+            std::vector<std::string>{});
 }
 
+TEST(IncludeBoundaries, EveryFolderHasALevel) {
+  ExpectEachFolderHasALevel(kComponent, kComponentLevels);
+  ExpectEachFolderHasALevel(rules::TreeRoot() / "library", kLibraryLevels, "testing");
+}
+
+// Climbs are seen whether files include each other from the root or behind a prefix.
 TEST(IncludeBoundaries, APlantedClimbIsSeen) {
-  const library::TestFolder folder;
-  for (const char* name : {"model", "reading", "wizard", "plan", "attic"}) {
-    fs::create_directory(folder.path() / name);
-    folder.Write(std::string(name) + "/Header.h", "#pragma once\n");
-  }
-  folder.Write("reading/Down.cpp",
-               "#include \"reading/Header.h\"\n#include \"model/Header.h\"\n"
-               "#include \"HostFramework/Text.h\"\n");
-  EXPECT_EQ(Climbs(folder.path()), std::vector<std::string>{});
+  for (const std::string prefix : {"", "library/"}) {
+    const library::TestFolder folder;
+    for (const char* name : {"model", "reading", "wizard", "plan", "attic"}) {
+      fs::create_directory(folder.path() / name);
+      folder.Write(std::string(name) + "/Header.h", "#pragma once\n");
+    }
+    const auto climbs = [&] { return Climbs(folder.path(), kComponentLevels, prefix); };
+    folder.Write("reading/Down.cpp", "#include \"" + prefix + "reading/Header.h\"\n#include \"" +
+                                         prefix + "model/Header.h\"\n" +
+                                         "#include \"HostFramework/Text.h\"\n");
+    EXPECT_EQ(climbs(), std::vector<std::string>{});
 
-  const auto planted = [&folder](const std::string& file, const std::string& target) {
-    folder.Write(file, "  # include \"" + target + "\"\n");
-    const std::vector<std::string> found = Climbs(folder.path());
-    fs::remove(folder.path() / file);
-    return found == std::vector<std::string>{file + " includes " + target};
-  };
-  EXPECT_TRUE(planted("reading/Up.cpp", "plan/Header.h"));
-  EXPECT_TRUE(planted("wizard/Aside.h", "reading/Header.h"));
-  EXPECT_TRUE(planted("plan/Unlisted.h", "attic/Header.h"));
-  EXPECT_TRUE(planted("attic/Unlisted.h", "model/Header.h"));
+    const auto planted = [&](const std::string& file, const std::string& target) {
+      folder.Write(file, "  # include \"" + prefix + target + "\"\n");
+      const std::vector<std::string> found = climbs();
+      fs::remove(folder.path() / file);
+      return found == std::vector<std::string>{file + " includes " + target};
+    };
+    EXPECT_TRUE(planted("reading/Up.cpp", "plan/Header.h"));
+    EXPECT_TRUE(planted("wizard/Aside.h", "reading/Header.h"));
+    EXPECT_TRUE(planted("plan/Unlisted.h", "attic/Header.h"));
+    EXPECT_TRUE(planted("attic/Unlisted.h", "model/Header.h"));
+  }
 }
 
 TEST(IncludeBoundaries, TheEmbeddedHostKnowsNothingOfTheComponent) {

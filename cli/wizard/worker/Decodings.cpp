@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "cli/wizard/WizardServer.h"
-#include "library/import/InputFiles.h"
+#include "library/input/InputFiles.h"
 #include "library/sniff/SampleBytes.h"
 #include "library/sniff/SampleText.h"
 

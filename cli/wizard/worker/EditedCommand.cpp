@@ -10,8 +10,8 @@
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "cli/wizard/WizardServer.h"
 #include "cli/wizard/worker/PageSettings.h"
-#include "library/import/CommandFault.h"
-#include "library/import/CommandReading.h"
+#include "library/command/CommandFault.h"
+#include "library/command/CommandReading.h"
 #include "library/outputs/Utf8Converter.h"
 
 namespace cli {

@@ -7,7 +7,7 @@
 #include "cli/wizard/WizardServer.h"
 #include "cli/wizard/worker/PageSettings.h"
 #include "library/import/BareCut.h"
-#include "library/import/InputFiles.h"
+#include "library/input/InputFiles.h"
 #include "library/sniff/SniffJson.h"
 #include "library/sniff/Sniffer.h"
 

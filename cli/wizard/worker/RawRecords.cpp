@@ -11,8 +11,8 @@
 #include "HostFramework/FileMessages.h"
 #include "HostFramework/embedded/text/HostText.h"
 #include "cli/wizard/WizardServer.h"
-#include "library/import/InputFiles.h"
 #include "library/import/WizardRecords.h"
+#include "library/input/InputFiles.h"
 #include "library/outputs/Utf8Converter.h"
 
 namespace cli {

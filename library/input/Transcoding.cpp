@@ -1,0 +1,107 @@
+#include "library/input/Transcoding.h"
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include <fmt/format.h>
+#include <unicode/ucnv.h>
+#include <unicode/ucnv_err.h>
+#include <unistd.h>
+
+namespace library {
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{1} << 18;
+
+struct CloseConverter {
+  void operator()(UConverter* converter) const { ucnv_close(converter); }
+};
+using Converter = std::unique_ptr<UConverter, CloseConverter>;
+
+Converter OpenConverter(const std::string& name) {
+  UErrorCode error = U_ZERO_ERROR;
+  Converter converter(ucnv_open(name.c_str(), &error));
+  return U_SUCCESS(error) ? std::move(converter) : nullptr;
+}
+
+// Counts what is no character, and puts U+FFFD there.
+void Substitute(const void* context, UConverterToUnicodeArgs* arguments, const char* bytes,
+                int32_t length, UConverterCallbackReason reason, UErrorCode* error) {
+  if (reason <= UCNV_IRREGULAR) ++*static_cast<std::int64_t*>(const_cast<void*>(context));
+  UCNV_TO_U_CALLBACK_SUBSTITUTE(nullptr, arguments, bytes, length, reason, error);
+}
+
+}  // namespace
+
+bool IsEncodingName(const std::string& name) { return OpenConverter(name) != nullptr; }
+
+bool NeedsTranscoding(const std::string& encoding) {
+  const Converter converter = OpenConverter(encoding);
+  if (converter == nullptr) return false;
+  switch (ucnv_getType(converter.get())) {
+    case UCNV_UTF32_BigEndian:
+    case UCNV_UTF32_LittleEndian:
+    case UCNV_UTF32:
+    case UCNV_UTF7:
+    case UCNV_IMAP_MAILBOX:
+    case UCNV_ISO_2022:
+    case UCNV_HZ:
+    case UCNV_SCSU:
+    case UCNV_BOCU1:
+    case UCNV_EBCDIC_STATEFUL:
+    case UCNV_COMPOUND_TEXT:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool Transcode(int descriptor, const std::string& encoding, const TranscodingListener& listener,
+               std::int64_t* undecodable, std::string* problem) {
+  *undecodable = 0;
+  const Converter from = OpenConverter(encoding);
+  const Converter to = OpenConverter("UTF-8");
+  if (from == nullptr || to == nullptr) {
+    *problem = fmt::format("there is no encoding {}", encoding);
+    return false;
+  }
+  UErrorCode error = U_ZERO_ERROR;
+  ucnv_setToUCallBack(from.get(), Substitute, undecodable, nullptr, nullptr, &error);
+  std::vector<char> source(kBlock);
+  std::vector<char> target(kBlock);
+  std::vector<UChar> pivot(kBlock);
+  UChar* pivotSource = pivot.data();
+  UChar* pivotTarget = pivot.data();
+  std::int64_t read = 0;
+  bool begins = true;
+  for (bool ends = false; !ends;) {
+    const ssize_t got = pread(descriptor, source.data(), source.size(), read);
+    if (got < 0) {
+      *problem = std::strerror(errno);
+      return false;
+    }
+    ends = got == 0;
+    read += got;
+    const char* bytes = source.data();
+    do {
+      error = U_ZERO_ERROR;
+      char* text = target.data();
+      ucnv_convertEx(to.get(), from.get(), &text, target.data() + target.size(), &bytes,
+                     source.data() + got, pivot.data(), &pivotSource, &pivotTarget,
+                     pivot.data() + pivot.size(), begins ? 1 : 0, ends ? 1 : 0, &error);
+      begins = false;
+      if (U_FAILURE(error) && error != U_BUFFER_OVERFLOW_ERROR) {
+        *problem = fmt::format("not converted from {}: {}", encoding, u_errorName(error));
+        return false;
+      }
+      const auto length = static_cast<std::size_t>(text - target.data());
+      if (length > 0 && !listener.write({target.data(), length}, problem)) return false;
+    } while (error == U_BUFFER_OVERFLOW_ERROR);
+    if (!listener.progress(read)) return false;
+  }
+  return true;
+}
+
+}  // namespace library

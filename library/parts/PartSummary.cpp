@@ -1,0 +1,23 @@
+#include "library/parts/PartSummary.h"
+
+#include <algorithm>
+
+namespace library {
+
+std::size_t ColumnsOf(const ColumnCut& cut) {
+  return static_cast<std::size_t>(
+      std::count_if(cut.fields.begin(), cut.fields.end(),
+                    [](const ColumnCut::Field& field) { return field.imported; }));
+}
+
+void PartSummary::Append(const PartSummary& next) {
+  surplus.Append(next.surplus, lines);
+  unexpected.Append(next.unexpected, lines);
+  undecodable.Append(next.undecodable, lines);
+  for (std::size_t i = 0; i < columns.size(); ++i) columns[i].Append(next.columns[i], lines);
+  for (std::size_t i = 0; i < controls.size(); ++i) controls[i] += next.controls[i];
+  records += next.records;
+  lines += next.lines;
+}
+
+}  // namespace library
