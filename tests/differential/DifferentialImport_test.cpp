@@ -50,22 +50,32 @@ struct Tried {
   // Variables that became strings, and others.
   std::size_t foundStrings = 0;
   std::size_t foundNumbers = 0;
+  // Imports of fixed columns that had types to find, and cases.
+  std::size_t foundInFixed = 0;
   // Cases that were leapt over.
   std::size_t leapt = 0;
 };
 
-// Lets the types of every other variable of a delimited import be found.
+// Lets the types of every other variable be found. In fixed columns all of its columns are then
+// read, whatever the format's width.
 void FindTypes(naive::RandomImport& import) {
   for (std::size_t i = 0; i < import.variables.size(); i += 2) {
-    const std::size_t word = import.command.find(" v" + std::to_string(i) + " ") + 4;
+    naive::Variable& variable = import.variables[i];
+    std::size_t word = import.command.find(" v" + std::to_string(i) + " ") + 4;
+    if (import.settings.lines == naive::Lines::kFixed) {
+      // The columns, such as "3-10", stand before the format.
+      const std::size_t to = import.command.find('-', word) + 1;
+      variable.width = std::stoul(import.command.substr(to)) - variable.start + 1;
+      word = import.command.find(' ', to) + 1;
+    }
     const std::size_t end = import.command.find_first_of(" .", word);
     import.command.replace(word, end - word, "AUTO");
-    import.variables[i].format = kAuto;
+    variable.format = kAuto;
   }
 }
 
 // Gives the variables whose types were to be found those of the source.
-void TakeTypes(const QANT_DataSource& source, std::vector<naive::Variable>& variables,
+void TakeTypes(const QANT_DataSource& source, bool isFixed, std::vector<naive::Variable>& variables,
                Tried& tried) {
   std::size_t imported = 0;
   for (naive::Variable& variable : variables) {
@@ -73,11 +83,11 @@ void TakeTypes(const QANT_DataSource& source, std::vector<naive::Variable>& vari
     const QANT_Variable& found = *source.GetVariable(imported++);
     if (variable.format != kAuto) continue;
     variable.format = static_cast<int>(found.GetFormat().type);
-    variable.width = found.GetFormat().width;
-    ++(found.GetType() > 0 ? tried.foundStrings : tried.foundNumbers);
-    if (found.GetType() == 0) continue;
-    variable.width = static_cast<std::size_t>(found.GetType());
-    variable.fieldWidth = found.GetFormat().width;
+    const std::size_t width = found.GetFormat().width;
+    const auto bytes = static_cast<std::size_t>(found.GetType());
+    ++(bytes > 0 ? tried.foundStrings : tried.foundNumbers);
+    if (bytes > 0) variable.fieldWidth = width;
+    if (!isFixed) variable.width = bytes > 0 ? bytes : width;
   }
 }
 
@@ -118,7 +128,7 @@ void Compare(std::uint64_t seed, Tried& tried) {
   const embedded::InCodePage host(nullptr);
   naive::RandomImport import = naive::MakeRandomImport(seed, kPath);
   std::mt19937_64 random(seed);
-  const bool findsTypes = random() % 3 == 0 && import.settings.lines != naive::Lines::kFixed;
+  const bool findsTypes = random() % 3 == 0;
   if (findsTypes) FindTypes(import);
   const naive::HostText utf8;
   const naive::ChosenEncoding encoding(random() % naive::ChosenEncoding::kChoices);
@@ -143,8 +153,10 @@ void Compare(std::uint64_t seed, Tried& tried) {
   {
     const whole::Import command(import.command, workers);
     ASSERT_TRUE(command.made()) << testing::PrintToString(command.messages());
-    if (findsTypes) TakeTypes(command.source(), import.variables, tried);
+    const bool isFixed = import.settings.lines == naive::Lines::kFixed;
+    if (findsTypes) TakeTypes(command.source(), isFixed, import.variables, tried);
     expected = naive::Read(import.bytes, import.settings, import.variables, text);
+    tried.foundInFixed += findsTypes && isFixed && !expected.cases.empty() ? 1 : 0;
     for (const whole::Reading reading : {whole::Reading::kOneThread, whole::Reading::kChosen}) {
       ASSERT_EQ(naive::PassDifference(command.Read(reading), command.source(), expected), "");
     }
@@ -184,6 +196,7 @@ TEST(DifferentialImport, BothEnginesReadWhatTheNaiveReaderReads) {
   EXPECT_GT(tried.decimalComma, count / 10);
   EXPECT_GT(tried.foundStrings, count / 100);
   EXPECT_GT(tried.foundNumbers, count / 100);
+  EXPECT_GT(tried.foundInFixed, count / 100);
   EXPECT_GT(tried.leapt, count / 10);
 }
 
