@@ -19,6 +19,15 @@ constexpr std::size_t kMaxStates = 20000;
 
 using StateSet = std::vector<std::uint32_t>;
 
+struct HashOfSet {
+  std::size_t operator()(const StateSet& set) const {
+    constexpr std::size_t kPrime = 0x9E3779B97F4A7C15;
+    std::size_t hash = set.size();
+    for (const std::uint32_t state : set) hash = (std::rotl(hash, 5) ^ state) * kPrime;
+    return hash;
+  }
+};
+
 // Characters that share all bytes of their UTF-8 but the last.
 constexpr std::size_t kBlockSize = 64;
 constexpr std::size_t kTwoByteBlocks = 0x800 / kBlockSize;
@@ -60,6 +69,8 @@ struct PatternAutomaton::Construction {
     std::vector<std::uint32_t> alternatives;
     std::uint64_t accepts = 0;
     std::uint64_t pattern = 0;
+    // The classes of its ASCII characters: those of its place among the sets of characters.
+    std::size_t set = 0;
   };
 
   void Add(const PatternNfa& nfa, std::uint64_t pattern) {
@@ -100,46 +111,88 @@ struct PatternAutomaton::Construction {
     return closed;
   }
 
-  StateSet Closure(const StateSet& seeds) {
-    if (seeds.size() == 1) return Closure(seeds.front());
-    StateSet all;
+  // The same of several, put into `closed`.
+  void Close(const StateSet& seeds, StateSet& closed) {
+    closed.clear();
     for (const std::uint32_t seed : seeds) {
-      const StateSet& closed = Closure(seed);
-      all.insert(all.end(), closed.begin(), closed.end());
+      const StateSet& ofSeed = Closure(seed);
+      closed.insert(closed.end(), ofSeed.begin(), ofSeed.end());
     }
-    std::sort(all.begin(), all.end());
-    all.erase(std::unique(all.begin(), all.end()), all.end());
-    return all;
+    Order(closed);
   }
 
-  StateSet Step(const StateSet& from, std::size_t character) {
-    StateSet seeds;
-    for (const std::uint32_t state : from) {
-      if (states[state].characters.test(character)) seeds.push_back(states[state].next);
-    }
-    return Closure(seeds);
+  static void Order(StateSet& set) {
+    std::sort(set.begin(), set.end());
+    set.erase(std::unique(set.begin(), set.end()), set.end());
   }
 
   std::vector<State> states;
   StateSet starts;
+  // Per set of characters that states have: its classes. Few sets are different ones.
+  std::vector<std::vector<std::uint8_t>> classes;
   std::vector<bool> reached;
   // Of single states: the same few are met again and again.
   std::unordered_map<std::uint32_t, StateSet> closures;
 };
 
+// Gives each set of states a number, in the order in which they are met. A step leads to few sets
+// from many: the places that it leads to are looked up before what they stand for is made.
+class PatternAutomaton::Numbering {
+ public:
+  explicit Numbering(Construction& construction) : construction_(construction) {
+    OfClosed();  // kDead
+  }
+
+  std::size_t size() const { return sets_.size(); }
+  const StateSet& set(std::size_t number) const { return *sets_[number]; }
+  // A number of its own, for no state at all.
+  void AddEmpty() { sets_.push_back(sets_.front()); }
+
+  // The set that `seeds`, which is left in order, stands for.
+  std::uint16_t Of(StateSet& seeds) {
+    Construction::Order(seeds);
+    const auto known = ofSeeds_.find(seeds);
+    if (known != ofSeeds_.end()) return known->second;
+    construction_.Close(seeds, closed_);
+    return ofSeeds_.emplace(seeds, OfClosed()).first->second;
+  }
+
+ private:
+  using Numbers = std::unordered_map<StateSet, std::uint16_t, HashOfSet>;
+
+  std::uint16_t OfClosed() {
+    const auto [place, isNew] =
+        numbers_.try_emplace(closed_, static_cast<std::uint16_t>(sets_.size()));
+    if (isNew) sets_.push_back(&place->first);
+    return place->second;
+  }
+
+  Construction& construction_;
+  Numbers ofSeeds_;
+  Numbers numbers_;
+  std::vector<const StateSet*> sets_;
+  StateSet closed_;
+};
+
 // Characters that every edge treats alike share a class.
-void PatternAutomaton::SetClasses(const Construction& construction) {
+void PatternAutomaton::SetClasses(Construction& construction) {
+  std::unordered_map<CharacterSet, std::size_t> places;
+  std::vector<CharacterSet> sets;
+  for (Construction::State& state : construction.states) {
+    const auto [place, isNew] = places.try_emplace(state.characters, sets.size());
+    if (isNew) sets.push_back(state.characters);
+    state.set = place->second;
+  }
   std::array<std::uint8_t, kAsciiCount> classOf{};
   std::size_t count = 1;
-  for (const Construction::State& state : construction.states) {
-    if (state.characters.none()) continue;
+  for (const CharacterSet& characters : sets) {
     // Splits every class into the characters that the edge takes and those that it does not.
     constexpr std::uint8_t kNoClass = 0xFF;
     std::array<std::uint8_t, 2 * kAsciiCount> split;
     split.fill(kNoClass);
     count = 0;
     for (std::size_t c = 0; c < kAsciiCount; ++c) {
-      std::uint8_t& part = split[std::size_t{2} * classOf[c] + state.characters.test(c)];
+      std::uint8_t& part = split[std::size_t{2} * classOf[c] + characters.test(c)];
       if (part == kNoClass) part = static_cast<std::uint8_t>(count++);
       classOf[c] = part;
     }
@@ -149,6 +202,16 @@ void PatternAutomaton::SetClasses(const Construction& construction) {
   }
   classCount_ = count + kWideClasses;
   classBits_ = static_cast<unsigned>(std::bit_width(classCount_ - 1));
+  for (const CharacterSet& characters : sets) {
+    std::bitset<kAsciiCount + kWideClasses> known;
+    for (std::size_t c = 0; c < kAsciiCount; ++c) {
+      if (characters.test(c)) known.set(classOf_[c]);
+    }
+    std::vector<std::uint8_t>& classes = construction.classes.emplace_back();
+    for (std::size_t c = kWideClasses; c < classCount_; ++c) {
+      if (known.test(c)) classes.push_back(static_cast<std::uint8_t>(c));
+    }
+  }
 }
 
 PatternAutomaton::PatternAutomaton(const std::vector<std::string>& patterns) {
@@ -163,38 +226,33 @@ PatternAutomaton::PatternAutomaton(const std::vector<std::string>& patterns) {
     }
   }
   SetClasses(construction);
-  std::array<std::size_t, kAsciiCount + kWideClasses> member{};
-  for (std::size_t c = 0; c < kAsciiCount; ++c) member[classOf_[c]] = c;
-
-  std::map<StateSet, std::uint16_t> numbers;
-  std::vector<StateSet> sets;
-  const auto number = [&](StateSet set) {
-    const auto [place, isNew] =
-        numbers.emplace(std::move(set), static_cast<std::uint16_t>(sets.size()));
-    if (isNew) sets.push_back(place->first);
-    return place->second;
-  };
-  number({});  // kDead
-  if (number(construction.Closure(construction.starts)) == kDead) sets.emplace_back();
-  for (std::size_t from = 0; from < sets.size() && sets.size() <= kMaxStates; ++from) {
-    const StateSet set = sets[from];
+  Numbering numbers(construction);
+  if (numbers.Of(construction.starts) == kDead) numbers.AddEmpty();
+  // Where each class leads to from the set that is looked at.
+  std::vector<StateSet> seeds(classCount_);
+  for (std::size_t from = 0; from < numbers.size() && numbers.size() <= kMaxStates; ++from) {
     std::uint64_t accepted = 0, wide = 0, wideOther = 0;
-    for (const std::uint32_t index : set) {
+    for (const std::uint32_t index : numbers.set(from)) {
       const Construction::State& state = construction.states[index];
       accepted |= state.accepts;
       if (state.characters.test(kWideDigitOrSpace)) wide |= state.pattern;
       if (state.characters.test(kWideOther)) wideOther |= state.pattern;
+      for (const std::uint8_t byteClass : construction.classes[state.set]) {
+        seeds[byteClass].push_back(state.next);
+      }
     }
     accepted_.push_back(accepted);
     wide_.push_back(wide | wideOther);
     wideOther_.push_back(wideOther);
     next_.insert(next_.end(), kWideClasses, kDead);  // never looked up
     for (std::size_t c = kWideClasses; c < classCount_; ++c) {
-      next_.push_back(std::uint32_t{number(construction.Step(set, member[c]))} << classBits_);
+      const std::size_t to = seeds[c].empty() ? kDead : numbers.Of(seeds[c]);
+      next_.push_back(static_cast<std::uint32_t>(to << classBits_));
+      seeds[c].clear();
     }
     next_.resize((from + 1) << classBits_, kDead);
   }
-  if (sets.size() > kMaxStates) {
+  if (numbers.size() > kMaxStates) {
     // Everything is undecided from the first byte on.
     for (std::size_t i = 0; i < patterns.size() && i < kMaxPatterns; ++i) {
       uncompiled_ |= std::uint64_t{1} << i;

@@ -76,9 +76,10 @@ class PatternAutomaton {
   static constexpr std::size_t kSureLength = 1024;
 
   struct Construction;
+  class Numbering;
   // The patterns that could go on from the state with the character that `rest` begins with.
   std::uint64_t GoingOn(std::size_t state, std::uint8_t wideClass, std::string_view rest) const;
-  void SetClasses(const Construction& construction);
+  void SetClasses(Construction& construction);
 
   std::array<std::uint8_t, kAsciiCount> classOf_{};
   std::size_t classCount_ = kWideClasses;
