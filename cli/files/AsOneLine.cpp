@@ -15,16 +15,6 @@ FileReading ReadingOf(const DataSetFile& file) {
 
 }  // namespace
 
-std::string CommandsText(const library::DataSetPlan& plan) {
-  std::string commands;
-  for (const DataSetFile& file : plan.files) {
-    if (!file.isRead()) continue;
-    if (!commands.empty()) commands += "\n";
-    commands += file.import.command;
-  }
-  return commands;
-}
-
 std::string AsOneLine(const library::DataSetPlan& plan, const std::string& sourceColumn,
                       const std::vector<std::string>& nulls, const std::string& commandFile) {
   std::vector<FileReading> readings;

@@ -1,4 +1,4 @@
-// The commands of a data set, and the line that runs them as one.
+// The line that runs the commands of a data set as one.
 #pragma once
 
 #include <string>
@@ -7,9 +7,6 @@
 #include "library/files/DataSetPlan.h"
 
 namespace cli {
-
-// The commands of the files that are read, one behind the other.
-std::string CommandsText(const library::DataSetPlan& plan);
 
 // "textwizard run COMMAND-FILE --as-one ...", with what the host and the files need; `sourceColumn`
 // is empty for none, `nulls` are the texts that mean a missing value.

@@ -102,13 +102,7 @@ CommandEnd Running::OpenOutputs() {
 std::string Running::FilesJson() const {
   nlohmann::ordered_json files = nlohmann::ordered_json::array();
   for (const library::FileAccount& file : import_.accounts()) {
-    nlohmann::ordered_json entry = {{"file", file.name},
-                                    {"cases", file.account.cases},
-                                    {"first_case", file.casesBefore + 1},
-                                    {"problems", file.account.problems.total()}};
-    if (file.account.digest) entry["digest"] = file.account.digest->Hex();
-    entry["ledger"] = file.account.ledger.Json();
-    files.push_back(std::move(entry));
+    files.push_back(library::FileJson(file.name, file.casesBefore, file.account));
   }
   for (const LeftOutFile& file : run_.leftOut) {
     files.push_back({{"file", file.name}, {"left_out", file.why}});

@@ -36,7 +36,7 @@ class FilesImport : public BareDataImport {
   void SetRunOptions() override;
   void ShowFindings() override;
   CommandEnd Read(library::ImportStats* stats) override;
-  std::string CommandText() const override { return CommandsText(plan_); }
+  std::string CommandText() const override { return library::CommandsText(plan_); }
   const char* CommandWord() const override { return "the commands"; }
   std::string RunLineFor(const std::string& name) const override {
     return AsOneLine(plan_, options().sourceColumn, options().run.report.nullTexts, name);
@@ -115,6 +115,9 @@ void FilesImport::ShowFindings() {
 
 CommandEnd FilesImport::Read(library::ImportStats* stats) {
   DataSetRun data{run(), console(), messages(), files(), library::CommandsOf(plan_), dataName_};
+  for (library::DataSetCommand& command : data.commands) {
+    command.rewriting.keepStrayQualifiers |= run().report.keepStrayQualifiers;
+  }
   for (std::size_t i = 0; i < plan_.files.size(); ++i) {
     const DataSetFile& file = plan_.files[i];
     if (file.kind == DataSetFile::Kind::kLeftOut) {

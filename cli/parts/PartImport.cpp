@@ -84,7 +84,7 @@ int MergeFiles(const ImportOptions& options, const std::vector<library::FilePart
     return kExitCommandFailed;
   }
   const std::string& commandFile = options.run.commandOutput;
-  if (!WriteText(CommandsText(plan), commandFile.empty() ? "-" : commandFile, &problem)) {
+  if (!WriteText(library::CommandsText(plan), commandFile.empty() ? "-" : commandFile, &problem)) {
     console.Error(problem);
     return kExitUsage;
   }

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "library/capi/DataSetSession.h"
 #include "library/capi/Failure.h"
 #include "library/capi/ImportSession.h"
 
@@ -18,6 +19,10 @@ struct textwizard_import {
   std::string ledger;
   std::string digest;
   std::string recipe;
+};
+
+struct textwizard_data_set {
+  std::unique_ptr<const library::DataSetSession> session;
 };
 
 namespace library {

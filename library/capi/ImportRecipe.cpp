@@ -24,6 +24,39 @@ std::string BytesOf(const json& list) {
   return bytes;
 }
 
+json FormatJson(const QANT_Format& format) { return {format.type, format.width, format.decimals}; }
+
+QANT_Format FormatOf(const json& list) {
+  return {list.at(0).get<int>(), list.at(1).get<int>(), list.at(2).get<int>()};
+}
+
+json DataSetJson(const RecipeDataSet& set) {
+  json variables = json::array();
+  for (const DataSetVariable& variable : set.variables) {
+    variables.push_back({variable.name, variable.type, FormatJson(variable.format),
+                         FormatJson(variable.writeFormat), variable.displayWidth});
+  }
+  json text = {{"variables", std::move(variables)},
+               {"name", set.fileName},
+               {"source", nullptr},
+               {"cases_before", set.casesBefore}};
+  if (set.sourceText) text["source"] = BytesJson(*set.sourceText);
+  return text;
+}
+
+RecipeDataSet DataSetOf(const json& text) {
+  RecipeDataSet set;
+  for (const json& variable : text.at("variables")) {
+    set.variables.push_back({variable.at(0).get<std::string>(), variable.at(1).get<int>(),
+                             FormatOf(variable.at(2)), FormatOf(variable.at(3)),
+                             variable.at(4).get<int>()});
+  }
+  text.at("name").get_to(set.fileName);
+  if (const json& source = text.at("source"); !source.is_null()) set.sourceText = BytesOf(source);
+  text.at("cases_before").get_to(set.casesBefore);
+  return set;
+}
+
 }  // namespace
 
 std::string RecipeText(const ImportRecipe& recipe) {
@@ -47,6 +80,7 @@ std::string RecipeText(const ImportRecipe& recipe) {
     text["stand_ins"] = BytesJson(
         {recipe.standIns->lineFeed, recipe.standIns->carriageReturn, recipe.standIns->nothing});
   }
+  if (recipe.dataSet) text["data_set"] = DataSetJson(*recipe.dataSet);
   if (recipe.state) text["state"] = {recipe.state->bytes, recipe.state->modified};
   return text.dump(-1, ' ', true, json::error_handler_t::replace);
 }
@@ -76,6 +110,9 @@ ImportRecipe ReadRecipe(const std::string& text) {
     read.at("integers").get_to(recipe.integers);
     read.at("names_as_variables").get_to(recipe.namesAsVariables);
     recipe.file = BytesOf(read.at("file"));
+    if (const auto set = read.find("data_set"); set != read.end()) {
+      recipe.dataSet = DataSetOf(*set);
+    }
     if (const json& state = read.at("state"); !state.is_null()) {
       recipe.state = FileState{state.at(0).get<std::int64_t>(), state.at(1).get<std::int64_t>()};
     }

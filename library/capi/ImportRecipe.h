@@ -6,12 +6,25 @@
 #include <string>
 #include <vector>
 
+#include "library/files/DataSetSource.h"
 #include "library/import/HostSettings.h"
 #include "library/parts/SummaryFile.h"
 #include "library/rewriting/RewritingOptions.h"
 #include "library/rewriting/StandIns.h"
 
 namespace library {
+
+// The data set that a file is one of, and the file's place in it.
+struct RecipeDataSet {
+  // In their order; names are UTF-8.
+  std::vector<DataSetVariable> variables;
+  // As problems and accounts name the file (UTF-8).
+  std::string fileName;
+  // What the last variable has in the file's cases, as bytes; nothing where there is no such one.
+  std::optional<std::string> sourceText;
+  // Of the files before it.
+  std::int64_t casesBefore = 0;
+};
 
 // The command (UTF-8) with all that the command language has no words for. Texts that name bytes of
 // the file system are such bytes.
@@ -22,6 +35,8 @@ struct ImportRecipe {
   std::string shownMark;
   std::optional<StandIns> standIns;
   std::vector<std::string> nullTexts;  // UTF-8
+  // One of several files.
+  std::optional<RecipeDataSet> dataSet;
   // Of the columns, in their order; each may be empty.
   std::vector<std::string> labels;
   std::vector<bool> integers;

@@ -116,10 +116,15 @@ ImportSession::ImportSession(const ImportRecipe& recipe, SessionOptions options)
   opened.shownMark = recipe.shownMark;
   opened.standIns = recipe.standIns;
   Open(std::move(opened));
+  if (recipe.dataSet) {
+    placed_ = std::make_unique<PlacedFile>(*recipe.dataSet, import_->source());
+    variables_ = ReportVariablesOf(source());
+    columnOptions_.severalFiles = true;
+  }
   columnOptions_.labels = recipe.labels;
   columnOptions_.integers = recipe.integers;
   columnOptions_.namesAsVariables = recipe.namesAsVariables;
-  fields_ = FieldsOf(import_->source(), columnOptions_);
+  fields_ = FieldsOf(source(), columnOptions_);
   use_.reset();
 }
 
@@ -307,20 +312,26 @@ std::uint64_t ImportSession::BeginPass() {
   const std::lock_guard guard(mutex_);
   PreparePass();
   columns_ = std::make_unique<ColumnSink>(
-      fields_, import_->source().GetObsAreaSize() / sizeof(OBS),
+      fields_, source().GetObsAreaSize() / sizeof(OBS),
       [this](ColumnBatch batch) { ready_.push_back(std::move(batch)); });
   StartPass(*columns_, [this](const ProblemRow& row) { problems_.Add(row); });
   return pass_;
 }
 
 void ImportSession::StartPass(CaseSink& sink, std::function<void(const ProblemRow&)> problem) {
-  const QANT_DataSource& source = import_->source();
   problems_ = {};
   problemSink_.emplace(variables_, options_.problemLimit, std::move(problem));
   watch_->UseNone();
-  watch_->Use(digest_.emplace(source));
-  watch_->Use(sink);
-  watch_->Prepare(source, {.problems = {&*problemSink_}, .rejects = nullptr},
+  digest_.emplace(source());
+  ProblemSink* problems = &*problemSink_;
+  if (placed_) {
+    watch_->Use(placed_->Cases({&*digest_, &sink}));
+    problems = &placed_->Problems(*problemSink_);
+  } else {
+    watch_->Use(*digest_);
+    watch_->Use(sink);
+  }
+  watch_->Prepare(import_->source(), {.problems = {problems}, .rejects = nullptr},
                   {.batches = true, .sampled = import_->isSampled()});
   sink_ = &sink;
   isReading_ = true;
@@ -337,7 +348,7 @@ void ImportSession::WriteCases(const std::string& target, CaseFormat format, Arr
   options.arrowBody = arrowBody;
   options.threads = options_.workers;
   try {
-    StartPass(file_->Begin(import_->source(), options), [this](const ProblemRow& row) {
+    StartPass(file_->Begin(source(), options), [this](const ProblemRow& row) {
       problems_.Add(row);
       file_->AddProblem(row);
     });
@@ -430,6 +441,7 @@ void ImportSession::Conclude(std::optional<Failure> failure) {
   undecodable_.BeginCommand();
   account_ = watch_->TakeAccount();
   account_->digest = digest_->digest();
+  if (placed_) placed_->Place(&*account_);
   for (const Misfit& misfit : PassMisfits()) problems_.Add(RowOf(misfit));
   use_.reset();
 }
@@ -472,6 +484,7 @@ std::vector<std::shared_ptr<const ColumnBatch>> ImportSession::Problems() {
 
 std::string ImportSession::EvidenceOf(std::size_t variable) const {
   if (variable < evidence_.size()) return evidence_[variable];
+  if (placed_) return {};
   const ImportEvidence* const evidence = watch_->EvidenceOf(variable);
   return evidence == nullptr ? std::string() : EvidenceJson(*evidence, variables_[variable]).dump();
 }
@@ -482,10 +495,10 @@ std::string ImportSession::Dictionary() {
   // Names are host text.
   const bool used = use_ != nullptr;
   UseHost();
-  const DictionaryReport report{Ledger(), [this](std::size_t index) { return EvidenceOf(index); }};
+  DictionaryReport report{Ledger(), [this](std::size_t index) { return EvidenceOf(index); }};
+  if (placed_ && account_) report.files = placed_->FilesText(*account_);
   KeptText json;
-  WriteDictionary(import_->source(), outline_.DataFile(), account_ ? account_->cases : 0, json,
-                  &report);
+  WriteDictionary(source(), outline_.DataFile(), account_ ? account_->cases : 0, json, &report);
   if (!used) use_.reset();
   json.text.pop_back();
   return json.text;

@@ -15,6 +15,7 @@
 
 #include "library/capi/Failure.h"
 #include "library/capi/ImportRecipe.h"
+#include "library/capi/PlacedFile.h"
 #include "library/capi/ProblemColumns.h"
 #include "library/command/CommandOutline.h"
 #include "library/import/BareImport.h"
@@ -108,6 +109,10 @@ class ImportSession : private ImportMessages, private CaseReceiver {
 
  private:
   void Open(ImportOptions settings);
+  // What cases are delivered as: the file's, or those of the data set that it is one of.
+  const QANT_DataSource& source() const {
+    return placed_ ? placed_->source() : static_cast<const QANT_DataSource&>(import_->source());
+  }
   BareImport Understand(const BareSource& source, BareImportSettings settings);
   // What of the recipe is known once the import is open, which was opened with `opened`.
   void CompleteRecipe(const ImportOptions& opened);
@@ -169,6 +174,7 @@ class ImportSession : private ImportMessages, private CaseReceiver {
   UndecodableWarnings undecodable_;
   std::optional<ImportWatch> watch_;
   std::unique_ptr<CommandImport> import_;  // null once it was closed
+  std::unique_ptr<PlacedFile> placed_;     // the file is one of several
   CasesFileOptions columnOptions_;
   std::vector<ColumnField> fields_;
   ReportVariables variables_;

@@ -144,6 +144,29 @@ SniffSettings SniffSettingsOf(const textwizard_file_options* options) {
   return settings;
 }
 
+DataSetOptions DataSetOptionsOf(const char* const* paths, std::size_t count,
+                                const textwizard_data_set_options* options) {
+  const textwizard_data_set_options given = Given(options);
+  DataSetOptions set;
+  set.paths.assign(paths, paths + count);
+  set.name = TextOrEmpty(given.name);
+  const std::string by = TextOrEmpty(given.by);
+  if (by == "name") {
+    set.by = FileAlignment::kName;
+  } else if (by == "position") {
+    set.by = FileAlignment::kPosition;
+  } else if (!by.empty()) {
+    Refuse(fmt::format("by is \"{}\": give \"name\" or \"position\"", by));
+  }
+  set.skipMisfits = given.skip_misfits != 0;
+  set.sourceColumn = TextOrEmpty(given.source_column);
+  for (std::size_t i = 0; i < given.summary_count; ++i) {
+    set.summaries.push_back(
+        SummaryFrom({static_cast<const char*>(given.summaries[i]), given.summary_sizes[i]}));
+  }
+  return set;
+}
+
 char DecimalOf(const textwizard_options* options) { return Given(options).decimal; }
 
 BareImportSettings FileSettingsOf(const textwizard_file_options* options, char decimal) {

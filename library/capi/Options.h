@@ -1,6 +1,7 @@
 // The option structs of the C interface as the library's own.
 #pragma once
 
+#include "library/capi/DataSetSession.h"
 #include "library/capi/ImportSession.h"
 #include "library/include/textwizard/textwizard.h"
 #include "library/sniff/SniffSettings.h"
@@ -20,5 +21,9 @@ struct WriteSettings {
 // `path`: whose ending names the format that is not given.
 WriteSettings WriteSettingsOf(const char* path, const textwizard_write_options* options);
 SniffSettings SniffSettingsOf(const textwizard_file_options* options);
+
+// Of `count` paths.
+DataSetOptions DataSetOptionsOf(const char* const* paths, std::size_t count,
+                                const textwizard_data_set_options* options);
 
 }  // namespace library

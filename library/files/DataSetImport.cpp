@@ -6,7 +6,6 @@
 #include <fmt/format.h>
 
 #include "HostFramework/embedded/messages/Attention.h"
-#include "library/files/CaseLayout.h"
 #include "library/files/FileLook.h"
 #include "library/files/FileSinks.h"
 #include "library/import/UndecodableWarnings.h"
@@ -66,9 +65,12 @@ class DataSetImport::FileReading : public CaseReceiver {
         command_(data.commands_[file]),
         outputs_(outputs),
         casesBefore_(casesBefore),
-        problems_(outputs.problems, variables_, casesBefore),
+        place_(command_.name, data.options_.sourceColumn.empty()
+                                  ? std::nullopt
+                                  : std::optional<std::string>(command_.file)),
+        problems_(outputs.problems, place_.variables(), casesBefore),
         messages_(command_.file, data.messages_),
-        watch_(SettingsOf(data.options_)),
+        watch_(SettingsOf(data.options_, command_)),
         import_(OptionsOf(parts), messages_) {}
 
   ImportEnd Run(FileAccount* account);
@@ -84,8 +86,10 @@ class DataSetImport::FileReading : public CaseReceiver {
   }
 
  private:
-  static WatchSettings SettingsOf(const DataSetImportOptions& options) {
+  static WatchSettings SettingsOf(const DataSetImportOptions& options,
+                                  const DataSetCommand& command) {
     WatchSettings settings = options.watch;
+    settings.keepStrayQualifiers = command.rewriting.keepStrayQualifiers;
     settings.rejects = settings.evidence = false;
     settings.trail = options.verify;
     return settings;
@@ -108,17 +112,14 @@ class DataSetImport::FileReading : public CaseReceiver {
 
   DataSetImport& data_;
   const DataSetCommand& command_;
-  // Of each variable of the file that of the data set, once the file is open.
-  std::vector<std::size_t> variables_;
   const Outputs& outputs_;
   const std::int64_t casesBefore_;
+  FilePlace place_;
   FileProblems problems_;
   FileMessages messages_;
   ImportWatch watch_;
   CommandImport import_;
-  // Once the file is open.
-  std::optional<CaseLayout> layout_;
-  std::optional<DigestSink> digest_;
+  std::optional<DigestSink> digest_;  // once the file is open
 };
 
 PassAccount DataSetImport::FileReading::TakeAccount() {
@@ -131,17 +132,15 @@ ImportEnd DataSetImport::FileReading::Run(FileAccount* account) {
   messages_.BeginReading();
   ImportEnd end = import_.Open(command_.tokens);
   if (end != ImportEnd::kDone) return end;
-  if (!data_.source_.Find(import_.source(), &variables_)) {
+  if (!place_.Open(import_.source(), data_.source_)) {
     Post("the command gives other variables than before");
     return ImportEnd::kFailed;
   }
-  const std::string* const source = data_.options_.sourceColumn.empty() ? nullptr : &command_.file;
-  layout_.emplace(import_.source(), data_.source_, variables_, source);
   std::vector<CaseSink*> sinks = outputs_.cases;
   if (data_.options_.digest || data_.options_.verify) {
     sinks.push_back(&digest_.emplace(data_.source_));
   }
-  FileCases cases(*layout_, sinks, casesBefore_);
+  FileCases cases(place_.layout(), sinks, casesBefore_);
   watch_.Use(cases);
   ImportWatch::Outputs outputs;
   if (!outputs_.problems.empty()) outputs.problems.push_back(&problems_);
@@ -155,26 +154,14 @@ ImportEnd DataSetImport::FileReading::Run(FileAccount* account) {
     end = Verify(account->account);
     if (end != ImportEnd::kDone) return end;
   }
-  PassAccount& read = account->account;
-  const std::size_t others = data_.source_.GetNVariables() - variables_.size();
-  const std::size_t sourceTexts = source != nullptr ? 1 : 0;
-  read.ledger.AddVariables(static_cast<std::int64_t>(others - sourceTexts),
-                           static_cast<std::int64_t>(sourceTexts));
-  read.problems = read.problems.OfFile(command_.name, variables_);
-  if (!read.textsBeyondColumn.empty()) {
-    std::vector<std::int64_t> texts(data_.source_.GetNVariables());
-    for (std::size_t i = 0; i < variables_.size(); ++i) {
-      texts[variables_[i]] = read.textsBeyondColumn[i];
-    }
-    read.textsBeyondColumn = std::move(texts);
-  }
+  place_.Place(&account->account);
   return ImportEnd::kDone;
 }
 
 ImportEnd DataSetImport::FileReading::Verify(const PassAccount& first) {
   const bool threads = import_.stats().threads > 1;
   const std::vector<CaseSink*> sinks = {&digest_.emplace(data_.source_)};
-  FileCases cases(*layout_, sinks, casesBefore_);
+  FileCases cases(place_.layout(), sinks, casesBefore_);
   watch_.UseNone();
   watch_.Use(cases);
   watch_.Prepare(import_.source(), {}, {.batches = true, .oneThread = threads});

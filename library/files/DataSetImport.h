@@ -12,6 +12,7 @@
 #include "HostFramework/embedded/command/CommandLanguage.h"
 #include "library/files/DataSetPlan.h"
 #include "library/files/DataSetSource.h"
+#include "library/files/FilePlace.h"
 #include "library/import/CommandImport.h"
 #include "library/import/ImportMessages.h"
 #include "library/import/ImportStats.h"
@@ -46,17 +47,10 @@ struct DataSetImportOptions {
   InputFiles* files = nullptr;    // opens the data files; outlives the import
   std::int64_t partBytes = 0;     // each file part after part; 0: at once
   std::string sourceColumn = {};  // a last variable that has each case's file; empty for none
-  WatchSettings watch = {};       // without rejects and evidence
+  WatchSettings watch = {};       // without rejects and evidence; qualifiers as each command says
   bool digest = false;
   // Reads each file once more, on the other engine, and compares.
   bool verify = false;
-};
-
-// What one file came to.
-struct FileAccount {
-  std::string name;              // UTF-8
-  std::int64_t casesBefore = 0;  // of the files before it
-  PassAccount account;           // with the data set's variables
 };
 
 // The variables of all commands in the order in which they are met, and the cases in the order of
@@ -74,6 +68,7 @@ class DataSetImport {
   ImportEnd Open();
   // After Open has done.
   const QANT_DataSource& source() const { return source_; }
+  const std::vector<DataSetVariable>& variables() const { return source_.variables(); }
   std::size_t files() const { return commands_.size(); }
 
   struct Outputs {

@@ -104,7 +104,7 @@ bool Planning::AllFit() {
   }
   if (count == 0) return true;
   if (count > kNamedFiles) problem_ += fmt::format("; and {} more files", count - kNamedFiles);
-  problem_ += "; --skip-misfits leaves such files out";
+  problem_ += fmt::format("; {} leaves such files out", settings_.skipMisfitsName);
   return false;
 }
 
@@ -365,6 +365,16 @@ bool PlanDataSet(const std::vector<std::string>& names, InputFiles& files,
   *plan = {};
   problem->clear();
   return Planning(files, settings, plan, problem).Run(names);
+}
+
+std::string CommandsText(const DataSetPlan& plan) {
+  std::string commands;
+  for (const DataSetFile& file : plan.files) {
+    if (!file.isRead()) continue;
+    if (!commands.empty()) commands += "\n";
+    commands += file.import.command;
+  }
+  return commands;
 }
 
 std::vector<std::string> RemarksOf(const DataSetPlan& plan) {

@@ -34,6 +34,9 @@ struct DataSetSettings {
                      const RewritingOptions& rewriting, std::int64_t shownMark,
                      PartSummary* summary, std::string* problem)>
       summarize;
+  // How sentences name these settings to whoever gives them.
+  std::string skipMisfitsName = "--skip-misfits";
+  std::string byPositionName = "--by position";
   // Told before each file is read how many of how many were.
   std::function<void(std::size_t done, std::size_t files)> progress;
 };
@@ -89,6 +92,9 @@ struct DataSetPlan {
 // thread.
 bool PlanDataSet(const std::vector<std::string>& names, InputFiles& files,
                  const DataSetSettings& settings, DataSetPlan* plan, std::string* problem);
+
+// The commands of the files that are read, one behind the other.
+std::string CommandsText(const DataSetPlan& plan);
 
 // What the plan says of its columns, a sentence each, as RemarksOf.
 std::vector<std::string> RemarksOf(const DataSetPlan& plan);

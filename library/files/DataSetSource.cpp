@@ -39,7 +39,7 @@ bool DataSetSource::Add(const QANT_DataSource& source, std::string* problem) {
                           variable.GetWriteFormat(), variable.GetDisplayWidth()});
       continue;
     }
-    Planned& known = planned_[place->second];
+    DataSetVariable& known = planned_[place->second];
     const bool strings = known.type > 0 && variable.GetType() > 0;
     if (strings && variable.GetType() > known.type) {
       known.type = variable.GetType();
@@ -60,7 +60,7 @@ bool DataSetSource::Add(const QANT_DataSource& source, std::string* problem) {
 }
 
 void DataSetSource::Make() {
-  for (const Planned& planned : planned_) {
+  for (const DataSetVariable& planned : planned_) {
     QANT_Variable& variable = *MakeVariable(this, planned.type, nullptr);
     variable.SetName(planned.name.c_str());
     variable.SetFormat(planned.format.type, planned.format.width, planned.format.decimals);
@@ -68,6 +68,11 @@ void DataSetSource::Make() {
                             planned.writeFormat.decimals);
     variable.SetDisplayWidth(planned.displayWidth);
   }
+}
+
+void DataSetSource::Add(const DataSetVariable& variable) {
+  indices_.try_emplace(Upper(variable.name), planned_.size());
+  planned_.push_back(variable);
 }
 
 bool DataSetSource::Find(const QANT_DataSource& source, std::vector<std::size_t>* variables) const {

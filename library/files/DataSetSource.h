@@ -10,6 +10,14 @@
 
 namespace library {
 
+struct DataSetVariable {
+  std::string name;  // host text
+  int type = 0;      // bytes of a string; 0: a number
+  QANT_Format format;
+  QANT_Format writeFormat;
+  int displayWidth = 0;
+};
+
 // Holds variables, and no cases of its own: those are the sources'. Host's thread.
 class DataSetSource final : public QANT_DataSource {
  public:
@@ -22,8 +30,11 @@ class DataSetSource final : public QANT_DataSource {
   // Appends a string of `bytes` bytes. False, with a sentence, when the name (UTF-8) is none, or
   // taken. Before Make.
   bool AddText(const std::string& name, std::size_t bytes, std::string* problem);
+  // Appends a variable as variables() of another one has it. Before Make.
+  void Add(const DataSetVariable& variable);
   // Makes all variables, in the order in which they were met. Once.
   void Make();
+  const std::vector<DataSetVariable>& variables() const { return planned_; }
   // Of each variable of a source that of this one. False when one is not there, or would not fit.
   // After Make.
   bool Find(const QANT_DataSource& source, std::vector<std::size_t>* variables) const;
@@ -32,15 +43,7 @@ class DataSetSource final : public QANT_DataSource {
   QANT_InputCaseIterator* MakeIterator(OBS* obs) const override;
 
  private:
-  struct Planned {
-    std::string name;  // host text
-    int type = 0;
-    QANT_Format format;
-    QANT_Format writeFormat;
-    int displayWidth = 0;
-  };
-
-  std::vector<Planned> planned_;
+  std::vector<DataSetVariable> planned_;
   // By name in capital letters.
   std::unordered_map<std::string, std::size_t> indices_;
 };

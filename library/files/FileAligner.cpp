@@ -137,7 +137,8 @@ bool FileAligner::FitFile(const DataSetFile& file, Fit* fit, std::string* proble
   if (plan_.by == FileAlignment::kPosition) return FitByPlace(file, fit, problem);
   if (HasHeader(file)) return FitByName(file, fit, problem);
   if (settings_.by != FileAlignment::kName) return FitByPlace(file, fit, problem);
-  *problem = "no names stand above its columns; --by position takes them by place";
+  *problem = fmt::format("no names stand above its columns; {} takes them by place",
+                         settings_.byPositionName);
   return false;
 }
 

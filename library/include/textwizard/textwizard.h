@@ -248,6 +248,62 @@ TEXTWIZARD_API textwizard_status textwizard_open_recipe(const char* recipe,
                                                         textwizard_error** error);
 TEXTWIZARD_API void textwizard_bytes_free(void* bytes);
 
+/* --- Several files of one structure as one data set: columns go by name or by place, types are
+   those of all files. Each file is read by a recipe of its own, in parts or not, and gives the data
+   set's columns; cases are counted through all files, in their order. */
+
+typedef struct textwizard_data_set textwizard_data_set;
+
+typedef struct textwizard_data_set_options {
+  size_t size;
+  const char* name; /* what the dictionary calls the data; null: the paths */
+  const char* by;   /* "name", "position"; null: by name where names stand above the columns */
+  /* 1: a file that does not fit, or cannot be read, is left out; else it is an error. */
+  int32_t skip_misfits;
+  const char* source_column; /* a last column with each case's file; null: none */
+  /* Summaries of all of a file (textwizard_merge_summaries), of any of the files: those are not
+     read again for their types. A file that has changed since is an error. */
+  const void* const* summaries;
+  const size_t* summary_sizes;
+  size_t summary_count;
+} textwizard_data_set_options;
+
+/* The files that `given` names, paths and patterns of * ? and []: those of a pattern in the order
+   of their names' bytes, each file once. *names has them one behind the other, each with a zero
+   byte at its end; *size is in bytes. Free *names with textwizard_bytes_free. Fails
+   (TEXTWIZARD_FILE) where a pattern matches none. */
+TEXTWIZARD_API textwizard_status textwizard_list_files(const char* const* given, size_t count,
+                                                       void** names, size_t* size,
+                                                       textwizard_error** error);
+/* Understands `count` bare files and finds the types from all of all; reads no cases. The options,
+   any of which may be null, are those of textwizard_open_file for each. Nothing else is opened or
+   read meanwhile; else TEXTWIZARD_BUSY. */
+TEXTWIZARD_API textwizard_status textwizard_open_data_set(
+    const char* const* paths, size_t count, const textwizard_data_set_options* set_options,
+    const textwizard_file_options* file_options, const textwizard_options* options,
+    textwizard_data_set** data_set, textwizard_error** error);
+/* Null is accepted. */
+TEXTWIZARD_API void textwizard_close_data_set(textwizard_data_set* data_set);
+
+/* Texts, good until textwizard_close_data_set. */
+
+/* The commands of the files that are read, one behind the other. */
+TEXTWIZARD_API const char* textwizard_data_set_command(const textwizard_data_set* data_set);
+/* JSON as of textwizard_dictionary; witnesses in "evidence" name their files; "drift" where files
+   differ. */
+TEXTWIZARD_API const char* textwizard_data_set_dictionary(const textwizard_data_set* data_set);
+/* JSON as of textwizard_reading, of the file whose structure most have. */
+TEXTWIZARD_API const char* textwizard_data_set_reading(const textwizard_data_set* data_set);
+/* JSON: of each path, in order: file, kind ("data", "header-only", "empty", "left-out"), problem
+   (why it is no data), file_bytes, modified; of those that are read records, command, and
+   summarized: false where no summary goes with how it is cut among the others; then summaries of
+   its parts do not stand before parts of it. */
+TEXTWIZARD_API const char* textwizard_data_set_files(const textwizard_data_set* data_set);
+/* For textwizard_open_recipe: the import of path number `file` (from 0), whose "files" in
+   textwizard_dictionary has what it came to. Null where that is not read. */
+TEXTWIZARD_API const char* textwizard_data_set_recipe(const textwizard_data_set* data_set,
+                                                      size_t file);
+
 /* --- Without an import. Free the texts with textwizard_text_free. */
 
 /* JSON: how a bare file is built. */

@@ -296,4 +296,73 @@ class Import {
   std::unique_ptr<textwizard_import, Close> handle_;
 };
 
+// The files that paths and patterns name, in order.
+inline Result<std::vector<std::string>> ListFiles(const std::vector<std::string>& given) {
+  std::vector<const char*> texts;
+  for (const std::string& text : given) texts.push_back(text.c_str());
+  void* names = nullptr;
+  std::size_t size = 0;
+  textwizard_error* error = nullptr;
+  const textwizard_status status =
+      textwizard_list_files(texts.data(), texts.size(), &names, &size, &error);
+  if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+  const std::unique_ptr<void, void (*)(void*)> owned(names, textwizard_bytes_free);
+  std::vector<std::string> files;
+  const char* const begin = static_cast<const char*>(names);
+  for (const char* at = begin; at < begin + size; at += files.back().size() + 1) {
+    files.emplace_back(at);
+  }
+  return files;
+}
+
+// Several files of one structure. Moved, not copied.
+class DataSet {
+ public:
+  // The summaries are of whole files; those of `set_options` play no role.
+  static Result<DataSet> Open(const std::vector<std::string>& paths,
+                              const textwizard_data_set_options* set_options = nullptr,
+                              const std::vector<Summary>& summaries = {},
+                              const textwizard_file_options* file_options = nullptr,
+                              const textwizard_options* options = nullptr) {
+    std::vector<const char*> texts;
+    for (const std::string& path : paths) texts.push_back(path.c_str());
+    std::vector<const void*> data;
+    std::vector<std::size_t> sizes;
+    for (const Summary& summary : summaries) {
+      data.push_back(summary.bytes().data());
+      sizes.push_back(summary.bytes().size());
+    }
+    textwizard_data_set_options given{};
+    if (set_options != nullptr) given = *set_options;
+    given.size = sizeof given;
+    given.summaries = data.data();
+    given.summary_sizes = sizes.data();
+    given.summary_count = data.size();
+    textwizard_data_set* opened = nullptr;
+    textwizard_error* error = nullptr;
+    const textwizard_status status = textwizard_open_data_set(
+        texts.data(), texts.size(), &given, file_options, options, &opened, &error);
+    if (status != TEXTWIZARD_OK) return Error::Take(status, error);
+    return DataSet(opened);
+  }
+
+  std::string Command() const { return Text(textwizard_data_set_command(handle_.get())); }
+  std::string Dictionary() const { return Text(textwizard_data_set_dictionary(handle_.get())); }
+  std::string Reading() const { return Text(textwizard_data_set_reading(handle_.get())); }
+  std::string Files() const { return Text(textwizard_data_set_files(handle_.get())); }
+  // Of path number `file` (from 0); empty where that is not read.
+  std::string Recipe(std::size_t file) const {
+    return Text(textwizard_data_set_recipe(handle_.get(), file));
+  }
+
+ private:
+  struct Close {
+    void operator()(textwizard_data_set* set) const { textwizard_close_data_set(set); }
+  };
+  explicit DataSet(textwizard_data_set* set) : handle_(set) {}
+  static std::string Text(const char* text) { return text == nullptr ? std::string() : text; }
+
+  std::unique_ptr<textwizard_data_set, Close> handle_;
+};
+
 }  // namespace textwizard
