@@ -88,6 +88,8 @@ PYBIND11_MODULE(_native, module) {
   module.def("summarize_part", &python::SummarizePart);
   module.def("merge_summaries", &python::MergeSummaries);
   module.def("summary_json", &python::SummaryJson);
+  module.def("list_files", &python::ListFiles);
+  module.def("open_data_set", &python::OpenDataSet);
   module.def("sniff_file", &python::SniffFile);
   module.def("version", &textwizard_version);
 }

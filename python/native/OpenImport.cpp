@@ -306,4 +306,45 @@ std::string SummaryJson(const std::string& summary) {
   return Wanted(textwizard::Summary(summary).Json());
 }
 
+std::vector<py::bytes> ListFiles(const std::vector<std::string>& given) {
+  const std::vector<std::string> files = Wanted(textwizard::ListFiles(given));
+  return {files.begin(), files.end()};
+}
+
+py::dict OpenDataSet(const std::vector<std::string>& paths,
+                     const std::vector<std::string>& summaries, const py::dict& set_options,
+                     const py::dict& file_options, const py::dict& options) {
+  Settings settings;
+  const textwizard_data_set_options set = settings.DataSet(set_options);
+  const textwizard_file_options file = settings.File(file_options);
+  textwizard_options all = settings.Import(options);
+  Callbacks callbacks{py::none()};
+  callbacks.AddTo(all);
+  const std::vector<textwizard::Summary> given(summaries.begin(), summaries.end());
+  std::optional<textwizard::Result<textwizard::DataSet>> opened;
+  {
+    const py::gil_scoped_release release;
+    const Turn turn;
+    opened.emplace(textwizard::DataSet::Open(paths, &set, given, &file, &all));
+  }
+  callbacks.Rethrow();
+  if (!*opened) throw ImportError(opened->error());
+  const textwizard::DataSet& found = **opened;
+  py::list recipes;
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    const std::string recipe = found.Recipe(i);
+    recipes.append(recipe.empty() ? py::object(py::none()) : py::object(py::str(recipe)));
+  }
+  py::dict texts;
+  texts["command"] = found.Command();
+  texts["dictionary"] = found.Dictionary();
+  texts["reading"] = found.Reading();
+  texts["files"] = found.Files();
+  texts["recipes"] = recipes;
+  py::list warnings;
+  for (const std::string& text : callbacks.TakeWarnings()) warnings.append(py::str(text));
+  texts["warnings"] = warnings;
+  return texts;
+}
+
 }  // namespace python

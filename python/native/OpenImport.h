@@ -102,4 +102,14 @@ pybind11::bytes SummarizePart(const std::string& path, std::int64_t number, std:
 pybind11::bytes MergeSummaries(const std::vector<std::string>& summaries, bool linesOnly);
 std::string SummaryJson(const std::string& summary);
 
+// The files that paths and patterns name. Paths are bytes.
+std::vector<pybind11::bytes> ListFiles(const std::vector<std::string>& given);
+// Several files as one data set: "command", "dictionary", "reading", "files" (texts) and "recipes"
+// (a list, None where a file is not read), "warnings". `set_options` holds members of
+// textwizard_data_set_options by their names.
+pybind11::dict OpenDataSet(const std::vector<std::string>& paths,
+                           const std::vector<std::string>& summaries,
+                           const pybind11::dict& set_options, const pybind11::dict& file_options,
+                           const pybind11::dict& options);
+
 }  // namespace python

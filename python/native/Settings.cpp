@@ -64,6 +64,16 @@ textwizard_file_options Settings::File(const py::dict& given) {
   return options;
 }
 
+textwizard_data_set_options Settings::DataSet(const py::dict& given) {
+  textwizard_data_set_options options{};
+  options.size = sizeof options;
+  options.name = Text(given, "name");
+  options.by = Text(given, "by");
+  options.skip_misfits = Whole<std::int32_t>(given, "skip_misfits");
+  options.source_column = Text(given, "source_column");
+  return options;
+}
+
 textwizard_options Settings::Import(const py::dict& given) {
   textwizard_options options{};
   options.size = sizeof options;

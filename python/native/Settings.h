@@ -21,6 +21,8 @@ class Settings {
   Settings& operator=(const Settings&) = delete;
 
   textwizard_file_options File(const pybind11::dict& given);
+  // But for its summaries.
+  textwizard_data_set_options DataSet(const pybind11::dict& given);
   // Also "part": where it begins and ends, and the summary of what stands before, which may be
   // empty.
   textwizard_options Import(const pybind11::dict& given);

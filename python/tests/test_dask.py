@@ -147,7 +147,7 @@ def test_a_second_run_finishes_what_is_there(client, survey, tmp_path):
     plan = done._plan
     (folder / "manifest.json").unlink()
     second.unlink()
-    assert _parts.write(plan.recipe, plan.parts[1], plan.options, store, "csv")["key"] == keys[second.name]
+    assert _parts.write(*plan.calls()[1], store, "csv")["key"] == keys[second.name]
     (folder / ".parts/00001.half.csv").write_text("half")
     (folder / "part-00001.csv").write_text("stale")
     written = second.stat().st_ino

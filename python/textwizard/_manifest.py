@@ -39,7 +39,7 @@ def _read(path: str) -> Optional[dict[str, Any]]:
     return value if isinstance(value, dict) else None
 
 
-def key_of(recipe: str, first: int, last: int, ending: str) -> str:
+def key_of(recipe: str, first: int, last: Optional[int], ending: str) -> str:
     """What the content of a part depends on: the recipe names file, size and time of change."""
     return hashlib.sha256(f"{first}-{last} {ending} {recipe}".encode()).hexdigest()
 

@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any, NamedTuple, Optional
 
 from . import _native
 from ._columns import Columns
-from ._errors import FileError
+from ._errors import CommandError, FileError
 from ._manifest import Folder, key_of
 
 if TYPE_CHECKING:
@@ -33,6 +33,13 @@ def source_of(path: str) -> Source:
     return Source(path, found.st_size, found.st_mtime_ns)
 
 
+def source_if_there(path: str) -> Optional[Source]:
+    try:
+        return source_of(path)
+    except FileError:
+        return None
+
+
 def check(source: Source) -> None:
     """Raises FileError where the file is no longer what it was."""
     if source_of(source.path) != source:
@@ -41,11 +48,12 @@ def check(source: Source) -> None:
 
 
 class Part(NamedTuple):
-    """What stands before it is a summary of lines, empty for the first part."""
+    """What stands before it is a summary of lines, empty for the first part of a file."""
 
-    number: int  # from 1
+    number: int  # from 1, of all parts of all files
+    file: int  # from 0
     first: int
-    last: int
+    last: Optional[int]  # None: where the file ends
     before: bytes
 
 
@@ -73,16 +81,31 @@ def summarize(source: Source, number: int, count: int, file_options: dict[str, A
     return summary
 
 
+def summarize_if_fit(source: Source, number: int, count: int, file_options: dict[str, Any],
+                     options: dict[str, Any]) -> Optional[bytes]:
+    """None where the file is none that can be read, which whoever looks at all files tells."""
+    try:
+        return summarize(source, number, count, file_options, options)
+    except (FileError, CommandError):
+        check(source)
+        return None
+
+
 def _opened(recipe: str, part: Part, options: dict[str, Any]) -> _native.Import:
-    part_options = {**_threads(options), "part": (part.first, part.last, part.before)}
-    return _native.open_recipe(recipe, part_options, None)
+    options = _threads(options)
+    if part.last is not None:
+        options = {**options, "part": (part.first, part.last, part.before)}
+    return _native.open_recipe(recipe, options, None)
 
 
 def _account(opened: _native.Import) -> dict[str, Any]:
     """Of a pass that came to its end: small."""
-    ledger = json.loads(opened.ledger())
-    return {"cases": json.loads(opened.dictionary())["cases"], "digest": opened.digest(),
-            "ledger": ledger}
+    dictionary = json.loads(opened.dictionary())
+    account = {"cases": dictionary["cases"], "digest": opened.digest(),
+               "ledger": json.loads(opened.ledger())}
+    if "files" in dictionary:
+        account["of_file"] = dictionary["files"][0]
+    return account
 
 
 def account(recipe: str, part: Part, options: dict[str, Any]) -> tuple[dict[str, Any], Any]:
@@ -90,7 +113,11 @@ def account(recipe: str, part: Part, options: dict[str, Any]) -> tuple[dict[str,
     opened = _opened(recipe, part, options)
     while opened.next() is not None:
         pass
-    return _account(opened), Columns(opened.problems()).to_pandas()
+    told = _account(opened)
+    problems = Columns(opened.problems()).to_pandas()
+    if "of_file" in told:
+        problems.insert(0, "file", told["of_file"]["file"])
+    return told, problems
 
 
 def frame(recipe: str, part: Part, options: dict[str, Any],
@@ -133,6 +160,19 @@ def write(recipe: str, part: Part, options: dict[str, Any], folder: Folder,
     written = {"key": key, **_account(opened)}
     folder.publish_part(temporary, part.number, ending, written)
     return written
+
+
+def added_files(accounts: list[dict[str, Any]]) -> list[dict[str, Any]]:
+    """What each of several files came to, of the accounts of their parts."""
+    files: dict[str, list[dict[str, Any]]] = {}
+    for account in accounts:
+        files.setdefault(account["of_file"]["file"], []).append(account["of_file"])
+    return [{"file": name, "cases": sum(part["cases"] for part in parts),
+             "first_case": parts[0]["first_case"],
+             "problems": sum(part["problems"] for part in parts),
+             "digest": added_digests([part["digest"] for part in parts]),
+             "ledger": added_ledgers([part["ledger"] for part in parts])}
+            for name, parts in files.items()]
 
 
 def added_digests(digests: list[str]) -> str:

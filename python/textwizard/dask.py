@@ -5,6 +5,7 @@
     >>> frame = textwizard.dask.read("/shared/big.csv", client)   # a dask.dataframe
     >>> frame.textwizard.command, frame.textwizard.digest
     >>> textwizard.dask.convert("/shared/big.csv", "/shared/big", "parquet", client)
+    >>> textwizard.dask.read("/shared/2024-*.csv", client, source_column="file")   # one data set
 
 Every worker has to see the file under the same path, and the folder that is written to. Types are
 never found from a sample: workers sum up their parts of the whole file first. Where no client is given
@@ -15,6 +16,7 @@ from __future__ import annotations
 import json
 import os
 import re
+import warnings
 from collections.abc import Callable, Sequence
 from typing import TYPE_CHECKING, Any, Optional, Union, Unpack
 
@@ -23,9 +25,10 @@ import dask.dataframe
 import pandas
 
 from . import _native, _parts
-from ._columns import Columns, Field
-from ._errors import Error, FileError, SettingError
-from ._manifest import MANIFEST, Folder, part_name
+from ._columns import Field
+from ._errors import Error, FileError, ImportWarning, SettingError
+from ._manifest import MANIFEST, Folder, key_of, part_name
+from ._plan import DataSet, OneFile, Plan, Run
 from ._reading import ReadSettings, split
 
 if TYPE_CHECKING:
@@ -52,7 +55,7 @@ class DaskImport:
     is asked for; of an import that was written to files they are known.
     """
 
-    def __init__(self, plan: _Plan, run: Callable[..., list[Any]],
+    def __init__(self, plan: Plan, run: Run,
                  manifest: Optional[dict[str, Any]] = None) -> None:
         self._plan = plan
         self._run = run
@@ -62,17 +65,20 @@ class DaskImport:
 
     @property
     def command(self) -> str:
-        """The GET DATA command that gives these cases."""
+        """The GET DATA command that gives these cases; of several files theirs, one behind the
+        other."""
         return self._plan.command
 
     @property
     def reading(self) -> dict[str, Any]:
-        """How the file was understood, as ``textwizard.sniff`` gives it."""
+        """How the file was understood, as ``textwizard.sniff`` gives it; of several files the one
+        whose structure most have."""
         return json.loads(self._plan.reading)
 
     @property
     def evidence(self) -> dict[str, Any]:
-        """What types were found from, by variable, as of ``textwizard.read``."""
+        """What types were found from, by variable, as of ``textwizard.read``. Of several files
+        lines are those of the ``file`` beside them."""
         return {variable["name"]: variable["evidence"]
                 for variable in json.loads(self._plan.dictionary)["variables"]
                 if "evidence" in variable}
@@ -83,9 +89,35 @@ class DaskImport:
         return self._plan.columns.fields
 
     @property
-    def parts(self) -> list[tuple[int, int]]:
-        """Where each part begins and ends, in bytes (of a compressed file, decompressed)."""
-        return [(part.first, part.last) for part in self._plan.parts]
+    def dictionary(self) -> dict[str, Any]:
+        """The variables and what their cases come to: ``file``, ``cases``, ``variables``,
+        ``ledger``; of several files also ``files``, what each came to, and ``drift``, how they
+        differ."""
+        told = json.loads(self._plan.dictionary)
+        of_cases = self._manifest
+        if of_cases is None:
+            of_cases = _totals(self._accounted())
+        told.update({name: of_cases[name] for name in ("cases", "ledger", "files")
+                     if name in of_cases})
+        return told
+
+    @property
+    def files(self) -> Optional[list[dict[str, Any]]]:
+        """Of several files what each is (``kind`` is ``"data"``, ``"header-only"``, ``"empty"`` or
+        ``"left-out"``), and what is wrong with it (``problem``); None of one file."""
+        return self._plan.files
+
+    @property
+    def drift(self) -> list[dict[str, Any]]:
+        """How several files differ."""
+        return json.loads(self._plan.dictionary).get("drift", [])
+
+    @property
+    def parts(self) -> list[tuple[str, int, Optional[int]]]:
+        """Of each part its file, and where it begins and ends there, in bytes (of a compressed file,
+        decompressed; None for the end of the file)."""
+        return [(self._plan.sources[part.file].path, part.first, part.last)
+                for part in self._plan.parts]
 
     @property
     def manifest(self) -> Optional[dict[str, Any]]:
@@ -108,17 +140,17 @@ class DaskImport:
 
     @property
     def problems(self) -> pandas.DataFrame:
-        """Values and records that did not fit, in the order of the file: kind, case and line (from
-        1), byte (from 0), variable, format, text and detail; the first ``problem_limit`` (10,000
-        unless given) of them."""
+        """Values and records that did not fit, in the order of the cases: kind, case and line (from
+        1), byte (from 0), variable, format, text and detail, and of several files first the file;
+        the first ``problem_limit`` (10,000 unless given) of them."""
         self._accounted()
         return self._problems
 
     def _accounted(self) -> list[dict[str, Any]]:
         if self._accounts is None:
             plan = self._plan
-            done = self._run(_parts.account, [(plan.recipe, part, plan.options)
-                                              for part in plan.parts])
+            done = self._run(_parts.account, plan.calls())
+            plan.check_counts([account for account, _ in done])
             problems = [each for _, each in done if len(each)] or [done[0][1]]
             limit = plan.options["problem_limit"]
             self._problems = pandas.concat(problems, ignore_index=True)[:max(limit, 0)]
@@ -126,98 +158,56 @@ class DaskImport:
         return self._accounts
 
 
-class _Plan:
-    """How one file is imported in parts: made by the first pass."""
-
-    def __init__(self, source: _parts.Source, part_bytes: int, file_options: dict[str, Any],
-                 options: dict[str, Any], run: Callable[..., list[Any]]) -> None:
-        self.source = source
-        self.options = options
-        path = os.fsencode(source.path)
-        # A look at no line of it: whether it can be read, and how long it is decompressed.
-        nothing = _native.summarize_part(path, 1, 1_000_000_000, file_options, options)
-        data_bytes = json.loads(_native.summary_json(nothing))["data_bytes"]
-        count = max(1, -(-data_bytes // part_bytes))
-        if data_bytes != source.size:
-            # Whoever reads a part of a compressed file decompresses all of it.
-            count = 1
-        summaries = run(_parts.summarize, [(source, number, count, file_options, options)
-                                           for number in range(1, count + 1)])
-        _parts.check(source)
-        whole = _native.merge_summaries(summaries, False)
-        opened = _native.open_summary(whole, file_options, options, None)
-        self.command = opened.command()
-        self.reading = opened.reading()
-        self.dictionary = opened.dictionary()
-        self.recipe = opened.recipe()
-        self.columns = Columns(opened.no_cases())
-        self.records = json.loads(_native.summary_json(whole))["records"]
-        opened.close()
-        self.parts = []
-        before = b""
-        for number, summary in enumerate(summaries, 1):
-            of = json.loads(_native.summary_json(summary))
-            if of["to"] > of["from"] or number == 1:
-                self.parts.append(_parts.Part(number, of["from"], max(of["to"], 1), before))
-            lines = _native.merge_summaries([summary], True)
-            before = _native.merge_summaries([before, lines], True) if before else lines
-
-    def meta(self, objects: bool) -> pandas.DataFrame:
-        """A frame without rows: whole numbers are nullable where one is missing anywhere, which the
-        evidence of the whole file says."""
-        meta = self.columns.to_pandas()
-        variables = json.loads(self.dictionary)["variables"]
-        meta.columns = pandas.Index(self.columns._unique_names(), dtype=object)
-        for name, field, variable in zip(meta.columns, self.columns.fields, variables):
-            if field.type in ("int64", "int8"):
-                read = [candidate["read"] for candidate in variable["evidence"]["candidates"]
-                        if candidate["format"] == variable["format"]]
-                complete = bool(read) and read[0] == self.records
-                meta[name] = meta[name].astype(
-                    field.type if complete else field.type.capitalize())
-            elif objects and field.type in ("date32", "timestamp[us]", "duration[us]"):
-                meta[name] = meta[name].astype(object)
-        return meta
-
-
 def read(paths: Paths, client: Optional[Client] = None, part_size: Union[int, str] = "64MiB", *,
-         times: str = "ns", **settings: Unpack[ReadSettings]) -> dask.dataframe.DataFrame:
-    """A text file as a ``dask.dataframe``, a partition for each part of it.
+         times: str = "ns", by: Optional[str] = None, skip_misfits: bool = False,
+         source_column: Optional[str] = None,
+         **settings: Unpack[ReadSettings]) -> dask.dataframe.DataFrame:
+    """A text file, or several of one structure, as a ``dask.dataframe``, a partition for each part.
 
-    The file is read once when this returns, for its types, by all workers; a partition is read when it
+    All is read once when this returns, for its types, by all workers; a partition is read when it
     is computed. The frame's attribute ``textwizard`` is a ``DaskImport`` (frames that are made from
     this one have none).
 
     Args:
-        paths: the file; workers read it under its absolute path.
+        paths: the file, or several, or patterns such as "data/*.csv"; workers read them under their
+            absolute paths. Several files are one data set as ``textwizard import`` has them: types
+            from all, cases in the order of the files (those of a pattern by name). A compressed file
+            is one part.
         client: a ``distributed.Client``; by default the current one.
         part_size: bytes of a part, or a text such as "64MiB" or "100 MB".
         times: "ns": dates and times are datetime64[ns] and timedelta64[ns], and a value that these do
             not reach is an error; "objects": objects of Python's datetime.
+        by: how the columns of several files go together: "name" or "position"; by name where names
+            stand above the columns, unless given.
+        skip_misfits: a file that does not fit, or cannot be read, is left out (``.textwizard.files``
+            says why); else it is an error.
+        source_column: the name of a last column with each case's file.
 
-    The other settings are those of ``textwizard.read``; ``progress`` cannot be given.
+    The other settings are those of ``textwizard.read``, of each file; ``progress`` cannot be given.
 
     Raises:
-        FileError: the file cannot be read, or changed between the passes.
+        FileError: a file cannot be read, does not fit, or changed between the passes.
         SchedulerLost: the scheduler died.
         SettingError, CommandError: as ``textwizard.read``.
     """
     if times not in ("ns", "objects"):
         raise SettingError(f"times is {times!r}: give \"ns\" or \"objects\"")
     run = _runner(client)
-    plan = _planned(paths, part_size, settings, run)
+    plan = _planned(paths, part_size, _set_options(by, skip_misfits, source_column), settings, run)
     meta = plan.meta(times == "objects")
     work = dask.delayed(_parts.frame, pure=True)
-    frames = [work(plan.recipe, part, plan.options, meta) for part in plan.parts]
+    frames = [work(*call, meta) for call in plan.calls()]
     frame = dask.dataframe.from_delayed(frames, meta=meta, prefix="textwizard", verify_meta=True)
     object.__setattr__(frame, "textwizard", DaskImport(plan, run))
     return frame
 
 
 def convert(paths: Paths, folder: Union[str, "os.PathLike[str]"], format: str = "parquet",
-            client: Optional[Client] = None, part_size: Union[int, str] = "64MiB",
+            client: Optional[Client] = None, part_size: Union[int, str] = "64MiB", *,
+            by: Optional[str] = None, skip_misfits: bool = False,
+            source_column: Optional[str] = None,
             **settings: Unpack[ReadSettings]) -> DaskImport:
-    """Writes a text file as a folder of files, one for each part, and a manifest.
+    """Writes a text file, or several, as a folder of files, one for each part, and a manifest.
 
     Parts are written under temporary names and renamed; ``manifest.json`` comes last: it names the
     parts with their cases, bytes and digests, the command, the ledger and the digest of all. A folder
@@ -235,7 +225,7 @@ def convert(paths: Paths, folder: Union[str, "os.PathLike[str]"], format: str = 
     run = _runner(client)
     target = Folder(os.path.abspath(os.fspath(folder)))
     target.prepare()
-    plan = _planned(paths, part_size, settings, run)
+    plan = _planned(paths, part_size, _set_options(by, skip_misfits, source_column), settings, run)
     wanted = [_key(plan, part, format) for part in plan.parts]
     manifest = target.manifest()
     if manifest is not None and [part["key"] for part in manifest["parts"]] == wanted:
@@ -244,17 +234,18 @@ def convert(paths: Paths, folder: Union[str, "os.PathLike[str]"], format: str = 
     if manifest is not None:
         # Whoever looks at the folder meanwhile sees that it is not finished.
         os.unlink(os.path.join(target.path, MANIFEST))
-    written = run(_parts.write, [(plan.recipe, part, plan.options, target, format)
-                                 for part in plan.parts])
-    _parts.check(plan.source)
+    written = run(_parts.write, [(*call, target, format) for call in plan.calls()])
+    plan.check()
+    plan.check_counts(written)
+    read = [source._asdict() for source, recipe in zip(plan.sources, plan.recipes)
+            if recipe is not None]
     manifest = {
         "format": format,
-        "source": plan.source._asdict(),
+        **({"source": read[0]} if plan.files is None else {"sources": read}),
         "command": plan.command,
-        "cases": sum(account["cases"] for account in written),
-        "digest": _parts.added_digests([account["digest"] for account in written]),
-        "ledger": _parts.added_ledgers([account["ledger"] for account in written]),
-        "parts": [{"file": part_name(part.number, format), "from": part.first, "to": part.last,
+        **_totals(written),
+        "parts": [{"file": part_name(part.number, format),
+                   "of": plan.sources[part.file].path, "from": part.first, "to": part.last,
                    "cases": account["cases"], "bytes": account["bytes"],
                    "digest": account["digest"], "key": account["key"]}
                   for part, account in zip(plan.parts, written)],
@@ -263,14 +254,29 @@ def convert(paths: Paths, folder: Union[str, "os.PathLike[str]"], format: str = 
     return DaskImport(plan, run, manifest)
 
 
-def _key(plan: _Plan, part: _parts.Part, format: str) -> str:
-    from ._manifest import key_of
-
-    return key_of(plan.recipe, part.first, part.last, format)
+def _key(plan: Plan, part: _parts.Part, format: str) -> str:
+    return key_of(plan.recipes[part.file], part.first, part.last, format)
 
 
-def _planned(paths: Paths, part_size: Union[int, str], settings: dict[str, Any],
-             run: Callable[..., list[Any]]) -> _Plan:
+def _totals(accounts: list[dict[str, Any]]) -> dict[str, Any]:
+    """What the parts come to together."""
+    totals = {"cases": sum(account["cases"] for account in accounts),
+              "digest": _parts.added_digests([account["digest"] for account in accounts]),
+              "ledger": _parts.added_ledgers([account["ledger"] for account in accounts])}
+    if "of_file" in accounts[0]:
+        totals["files"] = _parts.added_files(accounts)
+    return totals
+
+
+def _set_options(by: Optional[str], skip_misfits: bool,
+                 source_column: Optional[str]) -> dict[str, Any]:
+    """Those that make a data set even of one file."""
+    given = {"by": by, "skip_misfits": 1 if skip_misfits else None, "source_column": source_column}
+    return {name: value for name, value in given.items() if value is not None}
+
+
+def _planned(paths: Paths, part_size: Union[int, str], set_options: dict[str, Any],
+             settings: dict[str, Any], run: Run) -> Plan:
     if settings.get("progress") is not None:
         raise SettingError("progress cannot be told from other machines: look at Dask's own")
     if settings.get("sample_lines"):
@@ -280,17 +286,19 @@ def _planned(paths: Paths, part_size: Union[int, str], settings: dict[str, Any],
         options["problem_limit"] = _PROBLEM_LIMIT
     if options.get("null_texts") is not None:
         options["null_texts"] = list(options["null_texts"])
-    source = _parts.source_of(os.path.abspath(_one(paths)))
-    return _Plan(source, _bytes_of(part_size), file_options, options, run)
-
-
-def _one(paths: Paths) -> str:
-    if isinstance(paths, (str, os.PathLike)):
-        return os.fspath(paths)
-    listed = [os.fspath(path) for path in paths]
-    if len(listed) != 1:
-        raise SettingError(f"{len(listed)} files are given: give one")
-    return listed[0]
+    part_bytes = _bytes_of(part_size)
+    one = isinstance(paths, (str, os.PathLike))
+    given = [os.path.abspath(os.fsdecode(path)) for path in ([paths] if one else paths)]
+    if not given:
+        raise SettingError("no file is given")
+    files = [os.fsdecode(name) for name in _native.list_files([os.fsencode(path) for path in given])]
+    if len(files) == 1 and not set_options:
+        return OneFile(_parts.source_of(files[0]), part_bytes, file_options, options, run)
+    plan = DataSet([_parts.source_if_there(path) for path in files], files, part_bytes,
+                   {"name": " ".join(given), **set_options}, file_options, options, run)
+    for text in plan.warnings:
+        warnings.warn(text, ImportWarning, stacklevel=3)
+    return plan
 
 
 def _bytes_of(size: Union[int, str]) -> int:
@@ -307,7 +315,7 @@ def _bytes_of(size: Union[int, str]) -> int:
     return number * factor
 
 
-def _runner(client: Optional[Client]) -> Callable[..., list[Any]]:
+def _runner(client: Optional[Client]) -> Run:
     """What does a function for each tuple of arguments, and gives the results in their order."""
     if client is None:
         try:
