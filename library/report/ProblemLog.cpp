@@ -83,8 +83,10 @@ std::vector<ProblemLog::Entry> ProblemLog::Entries() const {
 }
 
 ProblemLog::Entry& ProblemLog::EntryOf(ImportProblemKind kind, std::int32_t variable) {
-  return entries_.try_emplace(KeyOf(kind, variable), Entry{variable, kind, 0, 0, {}, {}})
-      .first->second;
+  const std::int64_t key = KeyOf(kind, variable);
+  const auto found = entries_.find(key);
+  if (found != entries_.end()) return found->second;
+  return entries_.emplace(key, Entry{variable, kind, 0, 0, {}, {}}).first->second;
 }
 
 }  // namespace library

@@ -22,6 +22,7 @@ class ProblemRows {
       : variables_(variables), detail_(variables) {}
   // Those that follow are of the file of that name (UTF-8), one of several.
   void SetFile(std::string_view name) { file_ = name; }
+  const std::string& file() const { return file_; }
   // Good until the next call.
   ProblemRow Of(const ImportProblem& problem);
 

@@ -1,6 +1,9 @@
 #include "library/report/ProblemWriter.h"
 
 #include <charconv>
+#include <functional>
+
+#include "library/report/ProblemKind.h"
 
 namespace library {
 namespace {
@@ -8,20 +11,23 @@ namespace {
 constexpr std::size_t kBufferBytes = std::size_t{64} * 1024;
 constexpr std::string_view kHeader = "kind,case,line,byte,variable,format,text,detail\n";
 
-// No decision within the loops, so that they take many characters at once.
+// Texts of values that are kept as they were written: how many, and how long in bytes.
+constexpr std::size_t kSaidTexts = 4096;
+constexpr std::size_t kLongestSaid = 64;
+
+// No decision within the loops and bytes only, so that they take many characters at once.
 bool HasCsvSpecial(std::string_view text) {
-  unsigned found = 0;
+  unsigned char found = 0;
   for (const char c : text) {
-    found |= static_cast<unsigned>(c == ',') | static_cast<unsigned>(c == '"') |
-             static_cast<unsigned>(c == '\r') | static_cast<unsigned>(c == '\n');
+    found |= static_cast<unsigned char>((c == ',') | (c == '"') | (c == '\r') | (c == '\n'));
   }
   return found != 0;
 }
 
 bool HasJsonSpecial(std::string_view text) {
-  unsigned found = 0;
+  unsigned char found = 0;
   for (const char c : text) {
-    found |= static_cast<unsigned>(c == '"') | static_cast<unsigned>(c == '\\');
+    found |= static_cast<unsigned char>((c == '"') | (c == '\\'));
   }
   return found != 0;
 }
@@ -39,17 +45,51 @@ void ProblemWriter::WriteHeader() {
 }
 
 void ProblemWriter::Write(const ImportProblem& problem) {
-  if (left_ > 0) WriteRow(made_.Of(problem));
+  if (left_ <= 0) return;
+  // What is said of a record depends on more than its text.
+  if (problem.variable < 0 || problem.text.size() > kLongestSaid) {
+    return WriteRow(made_.Of(problem));
+  }
+  --left_;
+  AppendPlace(made_.file(), NameOf(problem.kind), problem.caseNumber, problem.line, problem.byte);
+  Said& said = SaidOf(problem);
+  if (said.IsOf(problem)) {
+    rows_ += said.written;
+  } else {
+    const std::size_t begin = rows_.size();
+    AppendSaid(made_.Of(problem));
+    said.written.clear();
+    said.kind = problem.kind;
+    said.variable = problem.variable;
+    said.amount = problem.amount;
+    said.text = problem.text;
+    said.written.assign(rows_, begin);
+  }
+  EndRow();
+}
+
+ProblemWriter::Said& ProblemWriter::SaidOf(const ImportProblem& problem) {
+  if (said_.empty()) said_.resize(kSaidTexts);
+  const std::size_t hash = std::hash<std::string_view>()(problem.text);
+  const std::size_t place = (hash + static_cast<std::size_t>(problem.variable)) % kSaidTexts;
+  Said& one = said_[place];
+  Said& other = said_[place ^ 1];
+  if (one.IsOf(problem)) return one;
+  if (other.IsOf(problem)) return other;
+  if (one.written.empty() || other.written.empty()) return one.written.empty() ? one : other;
+  replacesOther_ = !replacesOther_;
+  return replacesOther_ ? other : one;
 }
 
 void ProblemWriter::WriteRow(const ProblemRow& row) {
   if (left_ <= 0) return;
   --left_;
-  if (format_ == ProblemFormat::kCsv) {
-    AppendCsv(row);
-  } else {
-    AppendJson(row);
-  }
+  AppendPlace(row.file, row.kind, row.caseNumber, row.line, row.byte);
+  AppendSaid(row);
+  EndRow();
+}
+
+void ProblemWriter::EndRow() {
   if (rows_.size() >= kBufferBytes) Flush();
 }
 
@@ -58,47 +98,47 @@ void ProblemWriter::Flush() {
   rows_.clear();
 }
 
-void ProblemWriter::AppendCsv(const ProblemRow& row) {
-  if (files_ == Files::kSeveral) {
-    AppendCsvField(row.file);
-    rows_ += ',';
+void ProblemWriter::AppendPlace(std::string_view file, std::string_view kind,
+                                std::int64_t caseNumber, std::int64_t line, std::int64_t byte) {
+  const bool csv = format_ == ProblemFormat::kCsv;
+  if (csv) {
+    if (files_ == Files::kSeveral) {
+      AppendCsvField(file);
+      rows_ += ',';
+    }
+    rows_ += kind;
+  } else {
+    rows_ += '{';
+    if (files_ == Files::kSeveral) {
+      rows_ += "\"file\":";
+      AppendJsonText(file);
+      rows_ += ',';
+    }
+    rows_ += "\"kind\":\"";
+    rows_ += kind;
+    rows_ += '"';
   }
-  rows_ += row.kind;
-  rows_ += ',';
-  if (row.caseNumber > 0) AppendNumber(row.caseNumber);
-  rows_ += ',';
-  if (row.line > 0) AppendNumber(row.line);
-  rows_ += ',';
-  if (row.byte >= 0) AppendNumber(row.byte);
-  rows_ += ',';
-  AppendCsvField(row.variable);
-  rows_ += ',';
-  AppendCsvField(row.format);
-  rows_ += ',';
-  AppendCsvField(row.text);
-  rows_ += ',';
-  AppendCsvField(row.detail);
-  rows_ += '\n';
-}
-
-void ProblemWriter::AppendJson(const ProblemRow& row) {
-  rows_ += '{';
-  if (files_ == Files::kSeveral) {
-    rows_ += "\"file\":";
-    AppendJsonText(row.file);
-    rows_ += ',';
-  }
-  rows_ += "\"kind\":\"";
-  rows_ += row.kind;
-  rows_ += '"';
-  const auto appendNumber = [this](const char* key, std::int64_t number, bool present) {
+  // A column stays, empty; a key does not.
+  const auto append = [&](std::string_view key, std::int64_t number, bool present) {
+    if (csv) rows_ += ',';
     if (!present) return;
-    rows_ += key;
+    if (!csv) rows_ += key;
     AppendNumber(number);
   };
-  appendNumber(",\"case\":", row.caseNumber, row.caseNumber > 0);
-  appendNumber(",\"line\":", row.line, row.line > 0);
-  appendNumber(",\"byte\":", row.byte, row.byte >= 0);
+  append(",\"case\":", caseNumber, caseNumber > 0);
+  append(",\"line\":", line, line > 0);
+  append(",\"byte\":", byte, byte >= 0);
+}
+
+void ProblemWriter::AppendSaid(const ProblemRow& row) {
+  if (format_ == ProblemFormat::kCsv) {
+    for (const std::string_view text : {row.variable, row.format, row.text, row.detail}) {
+      rows_ += ',';
+      AppendCsvField(text);
+    }
+    rows_ += '\n';
+    return;
+  }
   if (row.variable.empty()) {
     rows_ += ",\"variable\":null,\"format\":null";
   } else {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "HostFramework/ImportObserver.h"
 #include "library/outputs/ByteSink.h"
@@ -35,8 +36,26 @@ class ProblemWriter : public ProblemSink {
   void Flush();
 
  private:
-  void AppendCsv(const ProblemRow& row);
-  void AppendJson(const ProblemRow& row);
+  // What a row says of a value, as it was written: the same text often comes again.
+  struct Said {
+    ImportProblemKind kind;
+    std::int32_t variable;
+    std::int64_t amount;
+    std::string text;
+    std::string written;
+    bool IsOf(const ImportProblem& problem) const {
+      return text == problem.text && variable == problem.variable && kind == problem.kind &&
+             amount == problem.amount && !written.empty();
+    }
+  };
+
+  // Where what is said of the problem is kept, or what can make way for it.
+  Said& SaidOf(const ImportProblem& problem);
+  // A row is where the problem is, then what it is.
+  void AppendPlace(std::string_view file, std::string_view kind, std::int64_t caseNumber,
+                   std::int64_t line, std::int64_t byte);
+  void AppendSaid(const ProblemRow& row);
+  void EndRow();
   void AppendNumber(std::int64_t number);
   void AppendCsvField(std::string_view text);
   void AppendJsonText(std::string_view text);
@@ -47,6 +66,9 @@ class ProblemWriter : public ProblemSink {
   ByteSink& sink_;
   ProblemRows made_;
   std::string rows_;
+  // By a hash of the text, two places for each. Made with the first.
+  std::vector<Said> said_;
+  bool replacesOther_ = false;
 };
 
 }  // namespace library

@@ -1,5 +1,7 @@
 #include "library/report/ProblemWriter.h"
 
+#include <iterator>
+#include <random>
 #include <sstream>
 
 #include <gmock/gmock.h>
@@ -118,6 +120,41 @@ TEST_F(ProblemWriterTest, HandsOnRowsAsItsBufferFills) {
   ProblemWriter writer(ProblemFormat::kCsv, variables_, 100000, sink);
   for (int count = 0; count < 5000; ++count) writer.Write(Problem(Kind::kNul, -1, "1", 1));
   EXPECT_NE(sink.text, "");
+}
+
+// However often texts come again, each row is that of its own problem.
+TEST_F(ProblemWriterTest, ATextThatComesAgainIsWrittenAsTheFirstTime) {
+  const ReportVariables variables = {
+      {"fee", "F8.2", 5, 0}, {"day", "ADATE10", 23, 0}, {"name", "A5", 1, 5}};
+  constexpr Kind kKinds[] = {Kind::kUnreadable,  Kind::kRounded,   Kind::kCut,
+                             Kind::kUndecodable, Kind::kOpenQuote, Kind::kShortRecord,
+                             Kind::kSurplus};
+  std::vector<std::string> texts = {"", std::string(63, 'x'), std::string(64, 'x'),
+                                    std::string(65, 'x')};
+  for (int n = 0; n < 9000; ++n) texts.push_back("x\"" + std::to_string(n));
+  std::mt19937 random(7);
+  const auto draw = [&random](std::size_t below) { return random() % below; };
+  for (const ProblemFormat format : {ProblemFormat::kCsv, ProblemFormat::kJsonLines}) {
+    TextSink written, expected;
+    ProblemWriter writer(format, variables, 100000, written);
+    ProblemRows rows(variables);
+    for (int n = 0; n < 30000; ++n) {
+      // Most are one of a few.
+      const std::string& text = texts[draw(n % 3 == 0 ? texts.size() : 12)];
+      ImportProblem problem = Problem(kKinds[draw(std::size(kKinds))],
+                                      static_cast<std::int32_t>(draw(4)) - 1, text, 1 + draw(2));
+      problem.caseNumber = n;
+      problem.line = n + 2;
+      problem.byte = 40 * n;
+      writer.Write(problem);
+      // Another writer meets nothing twice.
+      ProblemWriter once(format, variables, 1, expected);
+      once.WriteRow(rows.Of(problem));
+      once.Flush();
+    }
+    writer.Flush();
+    EXPECT_TRUE(written.text == expected.text);
+  }
 }
 
 }  // namespace
