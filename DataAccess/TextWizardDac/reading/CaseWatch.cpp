@@ -38,6 +38,7 @@ CaseWatch::CaseWatch(const ImportObserver& observer, const ImportSource& source,
     : fields_(fields),
       nulls_(observer.NullTexts()),
       leadingSpaces_(source.settings().leadingSpaces),
+      keepsSpaces_(!leadingSpaces_ && !source.settings().multipleSpaces),
       countsValues_(source.settings().arrangement == kDelimitedCount),
       origin_(source.settings().encoding) {
   const ImportSettings& settings = source.settings();
@@ -90,7 +91,7 @@ void CaseWatch::TakeUnread(std::uint32_t variable, std::string_view field) {
   odd_ = true;
   if (!WithoutBlanks(field).empty()) {
     ++cells_.unreadable;
-    findings_.push_back({variable, Kind::kUnreadable});
+    findings_.push_back({variable, Kind::kUnreadable, field});
   } else if (field.data() != nullptr) {
     ++cells_.empty;
   } else {
@@ -101,16 +102,16 @@ void CaseWatch::TakeUnread(std::uint32_t variable, std::string_view field) {
 void CaseWatch::TakeLong(std::uint32_t variable, std::string_view field, std::uint32_t format,
                          double value) {
   if (IsNumberFormat(format) && IsRounded(field, value)) {
-    findings_.push_back({variable, Kind::kRounded});
+    findings_.push_back({variable, Kind::kRounded, field});
     odd_ = true;
   }
 }
 
 void CaseWatch::TakeLong(std::uint32_t variable, std::string_view field, std::size_t width) {
-  field = field.substr(0, LengthWithoutPadding(field));
-  if (leadingSpaces_) field.remove_prefix(std::min(field.find_first_not_of(' '), field.size()));
-  if (field.size() <= width) return;
-  findings_.push_back({variable, Kind::kCut});
+  std::string_view text = field.substr(0, LengthWithoutPadding(field));
+  if (leadingSpaces_) text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  if (text.size() <= width) return;
+  findings_.push_back({variable, Kind::kCut, field});
   odd_ = true;
 }
 
@@ -181,14 +182,16 @@ void CaseWatch::AddQuotes(unsigned quotes, std::int32_t column, std::string_view
   }
 }
 
+std::int64_t CaseWatch::AmountOf(ImportProblemKind kind, std::string_view field) {
+  return kind == Kind::kCut ? static_cast<std::int64_t>(LengthWithoutPadding(field)) : 0;
+}
+
 // The field was cut last. `finding`: what its conversion came to, or null.
 void CaseWatch::AddFieldProblems(const Finding* finding, std::int32_t column,
                                  std::string_view field, std::size_t begin, std::size_t end) {
   const std::int64_t byte = OffsetOf(begin);
   if (finding) {
-    const bool isCut = finding->kind == Kind::kCut;
-    const std::size_t amount = isCut ? LengthWithoutPadding(field) : 0;
-    Add(finding->kind, column, true, byte, static_cast<std::int64_t>(amount), field);
+    Add(finding->kind, column, true, byte, AmountOf(finding->kind, field), field);
   }
   if (substitutes_ || undecodable_) {
     const std::int64_t count = Origin().Substitutes(begin, std::min(end, record_.text.size()));

@@ -124,9 +124,12 @@ class CaseWatch {
   void EndCase(std::int64_t absent, std::int64_t lost);
 
  private:
+  // What the conversion of a field came to; the field as it was cut, which need not be there any
+  // more unless it lies in the record.
   struct Finding {
     std::uint32_t variable;
     ImportProblemKind kind;
+    std::string_view field;
   };
   // A problem of the case in hand, by whose members the problems of a case are ordered.
   struct Noted {
@@ -147,12 +150,14 @@ class CaseWatch {
   void TakeBlank(std::uint32_t variable, std::string_view field, std::size_t width);
   bool HasSubstitutes(const WatchedRecord& record) const;
   void EndUnusual(const WatchedRecord& record);
-  bool CountsFindingsAlone(const WatchedRecord& record) const;
-  void EndCounted(const WatchedRecord& record);
+  bool HasFindingsAlone(const WatchedRecord& record) const;
+  void EndFound(const WatchedRecord& record);
   void SettleEmptyField();
   void ExamineFields();
   void ExamineRest(std::size_t offset);
   bool AnyWantsDetail() const;
+  // Of a problem of a value.
+  static std::int64_t AmountOf(ImportProblemKind kind, std::string_view field);
   void AddFieldProblems(const Finding* finding, std::int32_t column, std::string_view field,
                         std::size_t begin, std::size_t end);
   void AddQuotes(unsigned quotes, std::int32_t column, std::string_view field, std::int64_t byte);
@@ -178,6 +183,8 @@ class CaseWatch {
   FieldSplitter& fields_;
   const NullTexts nulls_;
   const bool leadingSpaces_;
+  // A field's text is what lies between its delimiters or qualifiers.
+  const bool keepsSpaces_;
   const bool countsValues_;
   // By position in the source's list: index among its variables, -1 for a skipped one.
   std::vector<std::int32_t> columns_;

@@ -12,7 +12,7 @@ using Kind = ImportProblemKind;
 // One case in a line.
 
 void CaseWatch::EndUnusual(const WatchedRecord& record) {
-  if (CountsFindingsAlone(record)) return EndCounted(record);
+  if (HasFindingsAlone(record)) return EndFound(record);
   record_ = record;
   recordNumber_ = 0;
   originStarted_ = false;
@@ -41,18 +41,35 @@ void CaseWatch::EndUnusual(const WatchedRecord& record) {
   EndCells();
 }
 
-// Nothing is wrong with the record but values of which nobody is told more than that they are
-// there.
-bool CaseWatch::CountsFindingsAlone(const WatchedRecord& record) const {
-  return cells_.absent == 0 && !undecodable_ && !fields_.MetQuotes() &&
-         fields_.offset() == record.text.size() && record.place.droppedBytes == 0 &&
-         record.raw.data() == record.text.data() && !findings_.empty() && !AnyWantsDetail();
+// Nothing is wrong with the record but values, which stand in the file as they were cut. Where
+// their places are wanted, they must tell these by themselves.
+bool CaseWatch::HasFindingsAlone(const WatchedRecord& record) const {
+  const bool valuesAlone = cells_.absent == 0 && !undecodable_ && !fields_.MetQuotes() &&
+                           fields_.offset() == record.text.size() &&
+                           record.place.droppedBytes == 0 &&
+                           record.raw.data() == record.text.data() && !findings_.empty();
+  if (!valuesAlone || !AnyWantsDetail()) return valuesAlone;
+  const auto address = [](const char* at) { return reinterpret_cast<std::uintptr_t>(at); };
+  const std::uintptr_t begin = address(record.text.data());
+  return keepsSpaces_ &&
+         std::all_of(findings_.begin(), findings_.end(), [&](const Finding& finding) {
+           return address(finding.field.data()) - begin < record.text.size();
+         });
 }
 
 // Findings come by rising variable, which is the order of their problems.
-void CaseWatch::EndCounted(const WatchedRecord& record) {
+void CaseWatch::EndFound(const WatchedRecord& record) {
+  NotedProblems& problems = batch_->problems;
   for (const Finding& finding : findings_) {
-    batch_->problems.Add(case_, ProblemCode(finding.kind, columns_[finding.variable]));
+    const std::uint32_t code = ProblemCode(finding.kind, columns_[finding.variable]);
+    if (problems.WantsDetail(code)) {
+      const auto offset = static_cast<std::int64_t>(fields_.OffsetOf(finding.field));
+      problems.Add(case_, code,
+                   {record.place.line, record.place.begin + offset,
+                    AmountOf(finding.kind, finding.field), problems.Keep(finding.field)});
+    } else {
+      problems.Add(case_, code);
+    }
   }
   batch_->cases.push_back({case_, record.place.line, record.place.begin, record.place.end});
   findings_.clear();

@@ -96,6 +96,13 @@ class FieldSplitter {
 
   // Byte offset in the record where the next field begins.
   std::size_t offset() const { return static_cast<std::size_t>(cursor_ - begin_); }
+  // The same of a field that was cut without space options and is a view into the record: its
+  // qualifier belongs to it.
+  std::size_t OffsetOf(std::string_view field) const {
+    const char* const text = field.data();
+    const bool enclosed = text != begin_ && kinds_.OfByte(text[-1]) == Kind::kQualifier;
+    return static_cast<std::size_t>(text - begin_) - (enclosed ? 1 : 0);
+  }
   // At most the record's size.
   void SetOffset(std::size_t offset) { cursor_ = told_ = begin_ + offset; }
 

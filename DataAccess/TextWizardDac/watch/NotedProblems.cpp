@@ -4,7 +4,8 @@
 
 namespace textwizard {
 void NotedProblems::Clear(bool all) {
-  for (const Problem& problem : problems_) seen_[problem.code] = 0;
+  for (const std::uint32_t code : codes_) counts_[code] = 0;
+  codes_.clear();
   problems_.clear();
   details_.clear();
   detailed_.clear();

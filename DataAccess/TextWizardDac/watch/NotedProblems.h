@@ -46,27 +46,33 @@ class NotedProblems {
   };
 
   // `variables`: those of the source.
-  explicit NotedProblems(std::size_t variables) : seen_((variables + 1) * kImportProblemKinds) {}
+  explicit NotedProblems(std::size_t variables) : counts_((variables + 1) * kImportProblemKinds) {
+    codes_.reserve(counts_.size());
+  }
 
   // Forgets all. `all`: keep the details of every problem; else of the first of each code only.
   void Clear(bool all);
   // Whether the next problem of the code needs details.
-  bool WantsDetail(std::uint32_t code) const { return all_ || !seen_[code]; }
+  bool WantsDetail(std::uint32_t code) const { return all_ || counts_[code] == 0; }
   // Adds a problem of a case, none of a later one having been added.
   void Add(std::uint32_t record, std::uint32_t code) {
     problems_.push_back({record, code});
-    seen_[code] = 1;
+    if (counts_[code]++ == 0) codes_.push_back(code);
   }
   void Add(std::uint32_t record, std::uint32_t code, const Detail& detail) {
-    detailed_.push_back(problems_.size());
-    details_.push_back(detail);
+    // In this order, so that lack of memory leaves no details without a problem.
     Add(record, code);
+    details_.push_back(detail);
+    detailed_.push_back(problems_.size() - 1);
   }
   // Keeps a text for details, as much of it as is told: at most kImportTextBytes bytes, in whole
   // characters (host text).
   Text Keep(std::string_view text);
 
   const std::vector<Problem>& problems() const { return problems_; }
+  // The codes of all problems, and how many have one.
+  const std::vector<std::uint32_t>& codes() const { return codes_; }
+  std::uint32_t CountOf(std::uint32_t code) const { return counts_[code]; }
   const std::vector<Detail>& details() const { return details_; }
   // By rising number, of each detail: the problem's number.
   const std::vector<std::size_t>& detailed() const { return detailed_; }
@@ -81,8 +87,9 @@ class NotedProblems {
   std::vector<std::size_t> detailed_;
   std::string texts_;
   Text latest_;
-  // By code: one was added.
-  std::vector<std::uint8_t> seen_;
+  // By code: how many were added. The codes of which one was.
+  std::vector<std::uint32_t> counts_;
+  std::vector<std::uint32_t> codes_;
 };
 
 }  // namespace textwizard

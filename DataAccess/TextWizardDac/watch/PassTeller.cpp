@@ -1,5 +1,6 @@
 #include "watch/PassTeller.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace textwizard {
@@ -18,6 +19,7 @@ PassTeller::PassTeller(ImportObserver& observer, std::size_t variables, bool fix
   for (std::uint32_t code = 0; code < codes; ++code) {
     counts_.push_back({KindOf(code), VariableOf(code), 0});
   }
+  told_.resize(codes);
 }
 
 void PassTeller::Begin(std::int64_t markBytes, std::int64_t preambleEnd) {
@@ -33,7 +35,7 @@ void PassTeller::StartBatch(const WatchedBatch& batch, std::int64_t firstCase) {
   batch_ = &batch;
   firstCase_ = firstCase;
   delivered_ = 0;
-  nextProblem_ = nextDetail_ = nextProblemCase_ = nextCells_ = 0;
+  nextDetail_ = nextProblemCase_ = nextCells_ = 0;
   nextNoted_ = 0;
   FindNoted();
 }
@@ -41,8 +43,14 @@ void PassTeller::StartBatch(const WatchedBatch& batch, std::int64_t firstCase) {
 void PassTeller::FindNoted() {
   // Else every case has cells to tell of.
   if (tellsCellsPerCase_) return;
-  const auto& problems = batch_->problems.problems();
-  nextNoted_ = nextProblem_ < problems.size() ? problems[nextProblem_].record : UINT32_MAX;
+  nextNoted_ = UINT32_MAX;
+  const NotedProblems& noted = batch_->problems;
+  if (nextDetail_ < noted.detailed().size()) {
+    nextNoted_ = noted.problems()[noted.detailed()[nextDetail_]].record;
+  }
+  if (tellsProblemCases_ && nextProblemCase_ < batch_->cases.size()) {
+    nextNoted_ = std::min(nextNoted_, batch_->cases[nextProblemCase_].record);
+  }
 }
 
 void PassTeller::TellNoted() {
@@ -54,16 +62,13 @@ void PassTeller::TellNoted() {
 }
 
 void PassTeller::TellCase(std::uint32_t record) {
+  // Details are missing only of problems that nobody is told of.
   const auto& problems = batch_->problems.problems();
   const std::vector<std::size_t>& detailed = batch_->problems.detailed();
-  for (; nextProblem_ < problems.size() && problems[nextProblem_].record == record;
-       ++nextProblem_) {
-    // Details are missing only of problems that nobody is told of.
-    if (nextDetail_ < detailed.size() && detailed[nextDetail_] == nextProblem_) {
-      TellProblem(problems[nextProblem_], batch_->problems.details()[nextDetail_++]);
-    } else {
-      ++counts_[problems[nextProblem_].code].count;
-    }
+  for (; nextDetail_ < detailed.size(); ++nextDetail_) {
+    const NotedProblems::Problem& problem = problems[detailed[nextDetail_]];
+    if (problem.record != record) break;
+    TellProblem(problem, batch_->problems.details()[nextDetail_]);
   }
   const auto& cases = batch_->cases;
   if (nextProblemCase_ < cases.size() && cases[nextProblemCase_].record == record) {
@@ -86,8 +91,8 @@ void PassTeller::TellCase(std::uint32_t record) {
 
 void PassTeller::TellProblem(const NotedProblems::Problem& problem,
                              const NotedProblems::Detail& detail) {
-  const bool isFirst = ++counts_[problem.code].count == 1;
-  if (!isFirst && toldProblems_ >= problemLimit_) return;
+  if (told_[problem.code] && toldProblems_ >= problemLimit_) return;
+  told_[problem.code] = 1;
   ++toldProblems_;
   if (toldProblems_ >= problemLimit_) limitReached_.store(true, std::memory_order_relaxed);
   observer_.OnProblem({KindOf(problem.code), VariableOf(problem.code),
@@ -95,8 +100,22 @@ void PassTeller::TellProblem(const NotedProblems::Problem& problem,
                        detail.amount, batch_->problems.TextOf(detail)});
 }
 
+void PassTeller::CountProblems() {
+  const NotedProblems& noted = batch_->problems;
+  const auto& problems = noted.problems();
+  if (problems.empty() || problems.back().record < delivered_) {
+    for (const std::uint32_t code : noted.codes()) counts_[code].count += noted.CountOf(code);
+    return;
+  }
+  for (const NotedProblems::Problem& problem : problems) {
+    if (problem.record >= delivered_) break;
+    ++counts_[problem.code].count;
+  }
+}
+
 void PassTeller::EndBatch(std::int64_t runLines) {
   if (!batch_) return;
+  CountProblems();
   for (const WatchedBatch::Stretch& stretch : batch_->stretches) {
     if (stretch.record >= delivered_) break;
     std::int64_t end = stretch.end;

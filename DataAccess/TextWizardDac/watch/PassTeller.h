@@ -44,6 +44,8 @@ class PassTeller {
   void TellCase(std::uint32_t record);
   void TellProblem(const NotedProblems::Problem& problem, const NotedProblems::Detail& detail);
   void FindNoted();
+  // Counts the problems of the cases that were delivered.
+  void CountProblems();
   // The next stretch, which ends at `end`.
   void AddSpan(ImportSpan::Kind kind, std::int64_t end, std::int64_t records = 0,
                std::int64_t lineEndBytes = 0, std::int64_t droppedBytes = 0);
@@ -62,8 +64,9 @@ class PassTeller {
   std::int64_t cases_ = 0;
   std::int64_t records_ = 0;
   std::int64_t toldProblems_ = 0;
-  // By code, until the pass ends.
+  // By code, until the pass ends: problems of the batches so far, and whether one was told.
   std::vector<ImportProblemCount> counts_;
+  std::vector<std::uint8_t> told_;
   ImportCellCounts cells_;
   std::vector<std::int64_t> textsBeyondColumn_;
   // The stretch that may go on.
@@ -77,7 +80,6 @@ class PassTeller {
   std::uint32_t delivered_ = 0;
   // The next case that there is something to tell of.
   std::uint32_t nextNoted_ = UINT32_MAX;
-  std::size_t nextProblem_ = 0;
   std::size_t nextDetail_ = 0;
   std::size_t nextProblemCase_ = 0;
   std::size_t nextCells_ = 0;
