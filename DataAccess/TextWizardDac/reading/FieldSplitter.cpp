@@ -72,21 +72,29 @@ bool FieldSplitter::Next(std::string_view& field) {
     field = {};
     return false;
   }
-  if (mode_ == Mode::kUnknown) mode_ = ModeOf(Text(begin_, end_));
-  if (mode_ == Mode::kCharacters) {
-    Walk<DecodedCharacters>(field);
+  if (mode_ != Mode::kBytes) [[unlikely]] {
+    NextOfOther(field);
   } else if (spaceOptions_ || CutViews(&field, 1) == 0) {
     NextOfBytes(field);
   }
-  if (mode_ == Mode::kBroken) TellBroken();
   return true;
 }
 
+// Of a record that was not cut yet, or is not cut by bytes alone.
+void FieldSplitter::NextOfOther(std::string_view& field) {
+  if (mode_ == Mode::kUnknown) mode_ = ModeOf(Text(begin_, end_));
+  if (mode_ == Mode::kCharacters) return Walk<DecodedCharacters>(field);
+  if (spaceOptions_ || CutViews(&field, 1) == 0) NextOfBytes(field);
+  if (mode_ == Mode::kBroken) TellBroken();
+}
+
 std::size_t FieldSplitter::Cut(std::string_view* fields, std::size_t count) {
+  if (mode_ == Mode::kUnknown && cursor_ != end_) mode_ = ModeOf(Text(begin_, end_));
+  // Blanks are data or cut like any other delimiter.
+  const bool cutsViews = !spaceOptions_ && mode_ != Mode::kCharacters;
   std::size_t done = 0;
   while (done < count) {
-    // Blanks are data or cut like any other delimiter.
-    if ((mode_ == Mode::kBytes || mode_ == Mode::kBroken) && !spaceOptions_) {
+    if (cutsViews) {
       done += CutViews(fields + done, count - done);
       if (mode_ == Mode::kBroken) TellBroken();
       if (done == count) break;
