@@ -75,6 +75,16 @@ void QuoteIndex::Note(std::int64_t offset, const QuotePosition& position) {
   if (static_cast<std::int64_t>(places_.size()) * spacing_ == offset) places_.push_back(position);
 }
 
+std::int64_t QuoteIndex::UntouchedUntil(std::int64_t offset) const {
+  const auto replacesNothing = [](const QuotePosition& from, const QuotePosition& to) {
+    return from.feeds == to.feeds && from.returns == to.returns && from.escapes == to.escapes;
+  };
+  const sfGuard guard(mutex_);
+  auto place = static_cast<std::size_t>(offset / spacing_);
+  while (place + 1 < places_.size() && replacesNothing(places_[place], places_[place + 1])) ++place;
+  return std::max(offset, static_cast<std::int64_t>(place) * spacing_);
+}
+
 RewritingDevice::RewritingDevice(std::unique_ptr<StreamDevice> file,
                                  std::shared_ptr<QuoteIndex> index)
     : file_(std::move(file)), index_(std::move(index)) {}
@@ -108,8 +118,17 @@ std::ptrdiff_t RewritingDevice::ReadAt(std::int64_t offset, char* buffer, std::s
 std::ptrdiff_t RewritingDevice::ReadUnits(std::int64_t offset, char* buffer, std::size_t bytes) {
   const QuoteRewriter& rewriter = index_->rewriter();
   const auto unit = static_cast<std::ptrdiff_t>(rewriter.unitBytes());
+  if (offset < untouchedFrom_ || offset >= untouchedUntil_) {
+    untouchedFrom_ = offset;
+    untouchedUntil_ = index_->UntouchedUntil(offset);
+  }
+  // Where the walk has been and replaced nothing there is no need to walk again.
+  const bool untouched = offset < untouchedUntil_;
+  if (untouched) {
+    bytes = std::min(bytes, static_cast<std::size_t>(untouchedUntil_ - offset));
+  }
   std::ptrdiff_t got = file_->ReadAt(offset, buffer, bytes);
-  if (got <= 0) return got;
+  if (got <= 0 || (untouched && got % unit == 0)) return got;
   if (got % unit != 0) {
     const std::ptrdiff_t more = file_->ReadAt(offset + got, buffer + got, 1);
     if (more < 0) return more;

@@ -27,11 +27,14 @@ class QuoteIndex {
   bool Find(std::int64_t offset, embedded::StreamDevice& file, QuotePosition* position);
   // The walk stands at `position` in front of `offset`: remembered where it helps.
   void Note(std::int64_t offset, const QuotePosition& position);
+  // A remembered place behind `offset`, before which nothing is replaced from `offset` on; `offset`
+  // itself where none is known. A whole number of units where `offset` is one.
+  std::int64_t UntouchedUntil(std::int64_t offset) const;
 
  private:
   const QuoteRewriter rewriter_;
   const std::int64_t spacing_;
-  sfMutex mutex_;
+  mutable sfMutex mutex_;
   // Place i is in front of i x spacing_ bytes.
   std::vector<QuotePosition> places_ SF_GUARDED_BY(mutex_);
 };
@@ -54,6 +57,9 @@ class RewritingDevice : public embedded::StreamDevice {
   // Where the latest read ended, and how the walk stands there.
   std::int64_t place_ = -1;
   QuotePosition position_;
+  // Bytes that are the file's own.
+  std::int64_t untouchedFrom_ = 0;
+  std::int64_t untouchedUntil_ = 0;
 };
 
 // Shows a byte-order mark that the file lacks in front of its bytes: everything stands as many

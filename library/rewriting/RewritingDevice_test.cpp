@@ -77,6 +77,34 @@ void ExpectRewritten(const std::string& text, const QuoteRules& rules) {
   }
 }
 
+TEST(RewritingDevice, ShowsTheSameWhereTheWalkHasBeen) {
+  // Blocks with nothing to replace before, between and behind those that have something.
+  std::string text = std::string(100, 'a') + ",\"b\nc\"\n" + Text();
+  for (int i = 0; i < 40; ++i) text += "plain,\"quoted, plainly\",1\n";
+  text += "a,\"\\\"b\n\"\n" + std::string(100, 'z');
+  const auto index = Index(Rules(), 32);
+  embedded::MemoryDevice file(text);
+  QuotePosition end;
+  ASSERT_TRUE(index->Find(file.Size(), file, &end));
+  EXPECT_EQ(index->UntouchedUntil(1), 96);
+  EXPECT_EQ(index->UntouchedUntil(97), 97);
+  const std::string expected = Rewritten(text, Rules());
+  for (const std::size_t block : {1, 7, 64, 4096}) {
+    RewritingDevice device(std::make_unique<embedded::MemoryDevice>(text), index);
+    EXPECT_EQ(ReadAll(device, block), expected) << "block of " << block;
+    char buffer[11];
+    for (std::size_t step = 0; step < text.size(); ++step) {
+      const std::size_t offset = step * 37 % text.size();
+      const std::ptrdiff_t got =
+          device.ReadAt(static_cast<std::int64_t>(offset), buffer, sizeof buffer);
+      ASSERT_GT(got, 0);
+      EXPECT_EQ(std::string(buffer, static_cast<std::size_t>(got)),
+                expected.substr(offset, static_cast<std::size_t>(got)))
+          << "at " << offset;
+    }
+  }
+}
+
 TEST(RewritingDevice, ShowsTheSameWhereverAndHoweverItIsRead) { ExpectRewritten(Text(), Rules()); }
 
 TEST(RewritingDevice, KeepsTheMarkOutOfTheFirstField) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "detection/BlankTrim.h"
+#include "library/sniff/ColumnBorders.h"
 #include "library/sniff/Utf8.h"
 #include "model/FormatCode.h"
 #include "reading/FixedFields.h"
@@ -22,6 +23,8 @@ constexpr std::int64_t kLongestDense = 500;
 constexpr std::size_t kFewestPieces = 3;
 // Lines without blanks are cut where so many agree.
 constexpr std::size_t kFewestDense = 3;
+// Columns stand two blanks apart where so many do.
+constexpr std::size_t kFewestApart = 2;
 // Lines that are looked at for dates that are no more than their parts.
 constexpr std::size_t kLinesOfDates = 60;
 
@@ -31,22 +34,6 @@ Edge EdgeOf(char byte) {
   if (byte >= '0' && byte <= '9') return Edge::kDigit;
   if ((byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z')) return Edge::kLetter;
   return Edge::kOther;
-}
-
-// The values of a run end at its last place, and do not all begin at its first one.
-bool IsRightAligned(const std::vector<std::string_view>& lines, const CharacterRange& run) {
-  std::size_t ends = 0;
-  std::size_t begins = 0;
-  std::size_t values = 0;
-  for (const std::string_view line : lines) {
-    const std::string_view text = CutCharacters(line, run);
-    if (text.find_first_not_of(' ') == std::string_view::npos) continue;
-    ++values;
-    begins += text.front() != ' ' ? 1 : 0;
-    ends +=
-        text.back() != ' ' && static_cast<std::int64_t>(CountUtf8(text)) == run.to - run.from + 1;
-  }
-  return 10 * ends >= 9 * values && begins < ends;
 }
 
 // Adds cuts inside runs that no line leaves blank, where every line changes between digits and
@@ -88,48 +75,78 @@ bool HoldOneDate(const std::vector<std::string_view>& lines, const CharacterRang
     const std::string_view text =
         textwizard::TrimRight(textwizard::TrimLeft(CutCharacters(lines[i], {first.from, last.to})));
     if (text.empty()) continue;
+    const std::string_view begin = CutCharacters(lines[i], first);
+    // Signs of missing values stand at either end.
+    if (begin.find_first_not_of(' ') == std::string_view::npos &&
+        kinds.Of(text) == CellKind::kMissing) {
+      continue;
+    }
     ++values;
     // Three parts are a day, a month in letters and a year; two are a date and a time.
     const bool letters = std::any_of(text.begin(), text.end(),
                                      [](char byte) { return EdgeOf(byte) == Edge::kLetter; });
-    const bool parts =
-        runs == 3 ? letters : kinds.Of(CutCharacters(lines[i], first)) == CellKind::kDate;
+    const bool parts = runs == 3 ? letters : kinds.Of(begin) == CellKind::kDate;
     dates += parts && kinds.Of(text) == CellKind::kDate ? 1 : 0;
   }
   return values > 0 && 10 * dates >= 9 * values;
 }
 
-// Whether what is in run `right` are the last words of texts that begin in run `left`: it is there
-// in few lines, and never where the text before it has ended.
-bool AreLastWords(const std::vector<std::string_view>& lines, const CharacterRange& left,
-                  const CharacterRange& right) {
+bool HoldsLetters(std::string_view text) {
+  return std::any_of(text.begin(), text.end(), [](char byte) {
+    return EdgeOf(byte) == Edge::kLetter || static_cast<unsigned char>(byte) >= 0x80;
+  });
+}
+
+// What the lines have in run `left` and, behind one blank, in run `right`.
+struct WordPair {
+  // `right` is filled in few lines, and never where the text before it has ended: it holds the last
+  // words of texts that begin in `left`.
+  bool lastWords = false;
+  // Every value in either run has letters.
+  bool words = false;
+};
+
+WordPair PairOf(const std::vector<std::string_view>& lines, const CharacterRange& left,
+                const CharacterRange& right) {
   std::size_t texts = 0;
-  std::size_t words = 0;
+  std::size_t ends = 0;
+  bool goesOn = true;
+  bool words = true;
   for (const std::string_view line : lines) {
     const std::string_view begin = CutCharacters(line, left);
     const std::string_view end = CutCharacters(line, right);
-    const bool ends = end.find_first_not_of(' ') != std::string_view::npos;
-    texts += begin.find_first_not_of(' ') != std::string_view::npos ? 1 : 0;
-    if (!ends) continue;
-    ++words;
-    const bool goesOn = !begin.empty() && begin.back() != ' ' && end.front() != ' ';
-    const bool isNumber = std::none_of(end.begin(), end.end(), [](char byte) {
-      return EdgeOf(byte) == Edge::kLetter || static_cast<unsigned char>(byte) >= 0x80;
-    });
-    if (!goesOn || isNumber) return false;
+    const bool begins = begin.find_first_not_of(' ') != std::string_view::npos;
+    texts += begins ? 1 : 0;
+    words = words && (!begins || HoldsLetters(begin));
+    if (end.find_first_not_of(' ') == std::string_view::npos) continue;
+    ++ends;
+    const bool isWord = HoldsLetters(end);
+    words = words && isWord;
+    goesOn = goesOn && isWord && !begin.empty() && begin.back() != ' ' && end.front() != ' ';
   }
-  return words > 0 && 2 * words <= texts;
+  return {goesOn && ends > 0 && 2 * ends <= texts, words && ends > 0};
 }
 
+// Joins runs with one blank between them that are words of the same texts: the last ones of few of
+// them, or words where two blanks stand between the columns everywhere else.
 void JoinWords(const std::vector<std::string_view>& lines, std::vector<CharacterRange>* runs) {
+  std::size_t twoBlanks = 0;
+  std::size_t oneBlank = 0;
+  for (std::size_t i = 1; i < runs->size(); ++i) {
+    twoBlanks += (*runs)[i].from == (*runs)[i - 1].to + 3 ? 1 : 0;
+    oneBlank += (*runs)[i].from == (*runs)[i - 1].to + 2 ? 1 : 0;
+  }
+  const bool standApart = twoBlanks >= kFewestApart && twoBlanks > oneBlank;
   std::vector<CharacterRange> joined;
   for (const CharacterRange& run : *runs) {
-    if (!joined.empty() && run.from == joined.back().to + 2 &&
-        AreLastWords(lines, joined.back(), run)) {
-      joined.back().to = run.to;
-    } else {
-      joined.push_back(run);
+    if (!joined.empty() && run.from == joined.back().to + 2) {
+      const WordPair pair = PairOf(lines, joined.back(), run);
+      if (pair.lastWords || (standApart && pair.words)) {
+        joined.back().to = run.to;
+        continue;
+      }
     }
+    joined.push_back(run);
   }
   *runs = joined;
 }
@@ -154,69 +171,6 @@ void JoinDates(const std::vector<std::string_view>& lines, CellKinds& kinds,
     i = last;
   }
   *runs = joined;
-}
-
-// Where the longest text ends that begins in run `left`, of which hardly any line is so long: texts
-// that go on to run `right` without a blank before them begin there. The run's end where lines
-// cross from one to the other, or differ in where to cut.
-std::int64_t EndOfLongest(const std::vector<std::string_view>& lines, const CharacterRange& left,
-                          const CharacterRange& right) {
-  const CharacterRange gap{left.to + 1, right.from - 1};
-  std::int64_t end = left.to;
-  std::int64_t begin = right.from;
-  for (const std::string_view line : lines) {
-    std::string_view between = CutCharacters(line, gap);
-    const std::size_t lastBlank = between.find_last_of(' ');
-    const auto size = static_cast<std::int64_t>(CountUtf8(between));
-    if (size == gap.to - gap.from + 1 && lastBlank != std::string_view::npos) {
-      const auto behind = static_cast<std::int64_t>(CountUtf8(between.substr(lastBlank + 1)));
-      begin = std::min(begin, right.from - behind);
-      between = between.substr(0, lastBlank);
-    }
-    const std::size_t filled = between.find_last_not_of(' ') + 1;
-    end = std::max(end, left.to + static_cast<std::int64_t>(CountUtf8(between.substr(0, filled))));
-  }
-  return end < std::min(begin, gap.to) ? end : left.to;
-}
-
-// Of lines above the data, those whose texts stand in most of the runs, and cross from none to the
-// next: names of the columns.
-std::vector<std::string_view> LinesOfNames(const std::vector<std::string_view>& lines,
-                                           const std::vector<CharacterRange>& runs) {
-  std::vector<std::string_view> names;
-  for (const std::string_view line : lines) {
-    std::size_t texts = 0;
-    bool crosses = false;
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-      const std::string_view text = CutCharacters(line, runs[i]);
-      texts += text.find_first_not_of(' ') != std::string_view::npos ? 1 : 0;
-      if (i == 0) continue;
-      const std::string_view gap = CutCharacters(line, {runs[i - 1].to + 1, runs[i].from - 1});
-      crosses = crosses || (!gap.empty() && gap.find(' ') == std::string_view::npos);
-    }
-    if (!crosses && 2 * texts > runs.size()) names.push_back(line);
-  }
-  return names;
-}
-
-// The runs with the blanks between them; `names`: lines above `lines`, whose texts are not cut
-// either.
-std::vector<CharacterRange> Widened(const std::vector<std::string_view>& lines,
-                                    const std::vector<std::string_view>& names,
-                                    const std::vector<CharacterRange>& runs) {
-  std::vector<std::string_view> whole = lines;
-  whole.insert(whole.end(), names.begin(), names.end());
-  std::vector<CharacterRange> columns = runs;
-  columns.front().from = 1;
-  for (std::size_t i = 1; i < runs.size(); ++i) {
-    if (IsRightAligned(lines, runs[i])) {
-      columns[i - 1].to = EndOfLongest(whole, runs[i - 1], runs[i]);
-      columns[i].from = columns[i - 1].to + 1;
-    } else {
-      columns[i - 1].to = runs[i].from - 1;
-    }
-  }
-  return columns;
 }
 
 }  // namespace
@@ -283,30 +237,29 @@ std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::str
       rules.Add(line);
     }
   }
-  std::vector<std::string_view> titles;
+  const std::size_t first = std::min(kMostAbove, body.size() / kShareAbove);
+  const std::vector<std::string_view> above(body.begin(),
+                                            body.begin() + static_cast<std::ptrdiff_t>(first));
+  const std::vector<std::string_view> data(body.begin() + static_cast<std::ptrdiff_t>(first),
+                                           body.end());
   const auto add = [&](const std::vector<CharacterRange>& runs) {
     if (runs.size() < 2 || runs.size() > kMostColumns) return;
-    const std::vector<CharacterRange> columns = Widened(body, LinesOfNames(titles, runs), runs);
+    const std::vector<CharacterRange> columns = ColumnsOfRuns(data, above, runs);
     if (std::find(ways.begin(), ways.end(), columns) == ways.end()) ways.push_back(columns);
   };
   add(rules.Runs());
   BlankMask all;
   for (const std::string_view line : body) all.Add(line);
-  const std::size_t above = std::min(kMostAbove, body.size() / kShareAbove);
-  const std::vector<std::string_view> data(body.begin() + static_cast<std::ptrdiff_t>(above),
-                                           body.end());
   std::vector<CharacterRange> runs = all.Runs();
   JoinDates(data, kinds, &runs);
   JoinWords(data, &runs);
   add(runs);
-  titles.assign(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(above));
-  body.erase(body.begin(), body.begin() + static_cast<std::ptrdiff_t>(above));
   BlankMask below;
-  for (const std::string_view line : body) below.Add(line);
+  for (const std::string_view line : data) below.Add(line);
   runs = below.Runs();
-  if (runs.size() == 1) CutDense(body, &runs);
-  JoinDates(body, kinds, &runs);
-  JoinWords(body, &runs);
+  if (runs.size() == 1) CutDense(data, &runs);
+  JoinDates(data, kinds, &runs);
+  JoinWords(data, &runs);
   add(runs);
   return ways;
 }

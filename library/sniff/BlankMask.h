@@ -23,6 +23,11 @@ class BlankMask {
   void Merge(const BlankMask& other);
 
   std::uint64_t lines() const { return lines_; }
+  // Lines that are not blank at a place, from 1.
+  std::uint64_t FilledAt(std::int64_t place) const {
+    const auto index = static_cast<std::size_t>(place - 1);
+    return index < filled_.size() ? filled_[index] : 0;
+  }
   // The runs of places between those that hardly any line fills, from the first column's start to
   // the last one's end. Fewer than two: the lines have no columns.
   std::vector<CharacterRange> Runs() const;
@@ -34,10 +39,10 @@ class BlankMask {
 
 // The ways in which the lines may be cut at fixed places, the likeliest first; none where they have
 // no columns. A line of rules ("---- ------") shows the columns; else the mask's runs do, of all
-// lines or of those below the first ones, which may be titles. Each run is widened by the blanks
-// beside it: they belong to a column of right-aligned values behind them, and else to the column
-// before them. The blanks within "1 Jan 2020" and before a date's time are no such. Without any
-// blanks, lines are cut where all of them change between digits and letters.
+// lines or of those below the first ones, which may be titles, each with blanks beside it (see
+// ColumnsOfRuns). The blanks within "1 Jan 2020" and before a date's time are no such, nor is one
+// blank between words where the columns stand two apart. Without any blanks, lines are cut where
+// all of them change between digits and letters.
 std::vector<std::vector<CharacterRange>> FixedColumns(const std::vector<std::string_view>& lines,
                                                       CellKinds& kinds);
 

@@ -106,6 +106,19 @@ TEST(FixedColumns, TheBlanksWithinDatesCutNothing) {
   EXPECT_EQ(Columns({"12 11 2001", "13 12 2002", "14 10 2003"})[0].size(), 3U);
 }
 
+TEST(FixedColumns, SignsOfMissingValuesDoNotCutDatesFromTimes) {
+  const auto ways = Columns({"Anna  2020-01-02 03:04:05", "Bo                      -",
+                             "Carl  2022-05-06 12:13:14", "Dora                 null"});
+  ASSERT_FALSE(ways.empty());
+  EXPECT_EQ(ways[0].size(), 2U);
+}
+
+TEST(FixedColumns, OneBlankBetweenWordsCutsNothingWhereColumnsStandTwoApart) {
+  EXPECT_EQ(Columns({"12  green hill  7", "34  small town  8", "56  large wood  9"})[0].size(), 3U);
+  // Where one blank separates columns elsewhere it does here.
+  EXPECT_EQ(Columns({"12 green hill 7", "34 small town 8", "56 large wood 9"})[0].size(), 4U);
+}
+
 TEST(CutCharacters, EndsWithTheLine) {
   EXPECT_EQ(CutCharacters("äbc", {2, 9}), "bc");
   EXPECT_EQ(CutCharacters("äbc", {4, 9}), "");

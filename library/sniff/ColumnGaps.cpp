@@ -8,15 +8,25 @@ namespace library {
 namespace {
 
 constexpr std::size_t kMostLines = 300;
-// A place is in a gap where at most one of so many lines fills it.
-constexpr std::size_t kLinesAFill = 10;
+// A border has blanks beside it in four of five lines, or it is none that a line may cross.
+constexpr std::size_t kLinesAFill = 5;
 
-// Calls `take` with each place of the line, from 0, and whether it is filled.
+// The blanks on end around each border, one after the other, as far as two.
 template <typename Take>
-void ForPlaces(std::string_view line, std::size_t places, const Take& take) {
+void ForBorders(std::string_view line, const std::vector<std::size_t>& borders, const Take& take) {
+  // Blanks at the line's end are no part of it.
+  line = line.substr(0, line.find_last_not_of(' ') + 1);
   std::size_t place = 0;
-  for (std::size_t at = 0; at < line.size() && place < places; at += Utf8Length(line[at])) {
-    take(place++, line[at] != ' ');
+  std::size_t at = 0;
+  std::size_t blanks = 0;  // on end, before the place
+  for (std::size_t i = 0; i < borders.size(); ++i) {
+    for (; place < borders[i] && at < line.size(); ++place, at += Utf8Length(line[at])) {
+      blanks = line[at] == ' ' ? blanks + 1 : 0;
+    }
+    if (at >= line.size()) return;
+    std::size_t behind = 0;
+    while (behind < 2 && line[at + behind] == ' ') ++behind;
+    take(i, std::min<std::size_t>(2, blanks + behind));
   }
 }
 
@@ -24,47 +34,33 @@ void ForPlaces(std::string_view line, std::size_t places, const Take& take) {
 
 ColumnGaps::ColumnGaps(const std::vector<std::string_view>& lines,
                        const std::vector<CharacterRange>& columns) {
-  if (columns.size() < 2) return;
-  gaps_.resize(static_cast<std::size_t>(columns.back().from));
-  std::vector<std::size_t> filled(gaps_.size());
-  const std::size_t count = std::min(lines.size(), kMostLines);
-  for (std::size_t i = 0; i < count; ++i) {
-    ForPlaces(lines[i], filled.size(),
-              [&](std::size_t place, bool isFilled) { filled[place] += isFilled ? 1 : 0; });
-  }
-  const auto isGap = [&](std::int64_t place) {
-    return filled[static_cast<std::size_t>(place)] * kLinesAFill <= count;
-  };
   for (std::size_t i = 0; i + 1 < columns.size(); ++i) {
-    // The column's last place, and the next one's first; the blank ones beside them are the gap.
-    const std::int64_t last = columns[i].to - 1;
-    const std::int64_t least = columns[i].from - 1;
-    const std::int64_t most = columns[i + 1].to == 0 ? columns[i + 1].from : columns[i + 1].to;
-    for (std::int64_t place = last; place > least && isGap(place); --place) {
-      gaps_[static_cast<std::size_t>(place)] = i + 1;
-    }
-    for (std::int64_t place = last + 1;
-         place < std::min(most, static_cast<std::int64_t>(gaps_.size())) && isGap(place); ++place) {
-      gaps_[static_cast<std::size_t>(place)] = i + 1;
-    }
+    borders_.push_back(static_cast<std::size_t>(columns[i].to));
+  }
+  // Lines that have at least one blank at the border, and at least two.
+  std::vector<std::size_t> one(borders_.size());
+  std::vector<std::size_t> two(borders_.size());
+  std::vector<std::size_t> met(borders_.size());
+  for (std::size_t i = 0; i < std::min(lines.size(), kMostLines); ++i) {
+    ForBorders(lines[i], borders_, [&](std::size_t border, std::size_t blanks) {
+      ++met[border];
+      one[border] += blanks > 0 ? 1 : 0;
+      two[border] += blanks > 1 ? 1 : 0;
+    });
+  }
+  for (std::size_t i = 0; i < borders_.size(); ++i) {
+    const std::size_t most = (kLinesAFill - 1) * met[i];
+    least_.push_back(kLinesAFill * two[i] >= most ? 2 : kLinesAFill * one[i] >= most ? 1 : 0);
   }
 }
 
 bool ColumnGaps::AreCrossedBy(std::string_view line) const {
   std::size_t met = 0;
   std::size_t crossed = 0;
-  std::size_t lastMet = 0;
-  std::size_t lastCrossed = 0;
-  // Blanks at the line's end are no part of it.
-  line = line.substr(0, line.find_last_not_of(' ') + 1);
-  ForPlaces(line, gaps_.size(), [&](std::size_t place, bool isFilled) {
-    const std::size_t gap = gaps_[place];
-    if (gap == 0) return;
-    if (gap != lastMet) ++met;
-    lastMet = gap;
-    if (!isFilled) return;
-    if (gap != lastCrossed) ++crossed;
-    lastCrossed = gap;
+  ForBorders(line, borders_, [&](std::size_t border, std::size_t blanks) {
+    if (least_[border] == 0) return;
+    ++met;
+    crossed += blanks < least_[border] ? 1 : 0;
   });
   return crossed > 0 && 2 * crossed >= met;
 }

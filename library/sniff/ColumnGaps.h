@@ -1,4 +1,4 @@
-// The blank places between fixed columns, and lines that run across them: titles and notes.
+// The blanks between fixed columns, and lines that run across them: titles and notes.
 #pragma once
 
 #include <cstddef>
@@ -16,12 +16,15 @@ class ColumnGaps {
   ColumnGaps(const std::vector<std::string_view>& lines,
              const std::vector<CharacterRange>& columns);
 
-  // The line fills at least half of the gaps that it reaches, so that it is no record.
+  // The line has fewer blanks than hardly any other at half of the borders that it reaches, so that
+  // it is no record.
   bool AreCrossedBy(std::string_view line) const;
 
  private:
-  // Of each place of a line, from 0: the gap that it is in, from 1; 0 for none.
-  std::vector<std::size_t> gaps_;
+  // Characters before each border between two columns, and the blanks around it (0, 1 or 2) that
+  // hardly any line has fewer of.
+  std::vector<std::size_t> borders_;
+  std::vector<std::size_t> least_;
 };
 
 }  // namespace library

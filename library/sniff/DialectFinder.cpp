@@ -5,6 +5,7 @@
 #include <string>
 
 #include "library/sniff/BlankMask.h"
+#include "library/sniff/CommasInNumbers.h"
 #include "library/sniff/CommentLines.h"
 
 namespace library {
@@ -29,6 +30,12 @@ constexpr std::size_t kGlanceText = 6 << 10;
 constexpr std::size_t kGlanceDelimiters = 4;
 // Apostrophes that are data are at most this share of those that qualify.
 constexpr double kMostApostrophes = 0.1;
+// Records that are cut alike by chance.
+constexpr std::size_t kFewestAlike = 3;
+// Titles and names that stand above the data.
+constexpr std::size_t kMostAbove = 3;
+// No part of a time has more digits, a fraction of a second neither.
+constexpr std::size_t kMostDigits = 9;
 
 using Lines = std::vector<std::string_view>;
 
@@ -223,27 +230,104 @@ std::vector<Scored> Search::Run() {
   return scored_;
 }
 
-// Whether what a comma cuts in two everywhere is one number with a decimal comma: parts behind the
-// comma of one length, some of them with a zero in front, and no sign there.
-bool IsDecimalComma(const Lines& lines, CellKinds& kinds) {
-  std::size_t numbers = 0;
-  std::size_t zeros = 0;
-  std::size_t filled = 0;
-  std::size_t length = 0;
-  for (const std::string_view line : lines) {
-    if (line.empty()) continue;
-    ++filled;
-    std::string_view text = line;
-    if (text.size() > 2 && text.front() == '"' && text.back() == '"') {
-      text = text.substr(1, text.size() - 2);
-    }
-    if (kinds.Of(text) != CellKind::kCommaNumber) continue;
-    const std::string_view fraction = text.substr(text.rfind(',') + 1);
-    if (numbers++ == 0) length = fraction.size();
-    if (fraction.size() != length) return false;
-    zeros += fraction.size() > 1 && fraction.front() == '0' ? 1 : 0;
+// What cuts lines most often, and what a colon is as well: a part of times.
+constexpr std::string_view kSeparators = ",;\t|^~:";
+
+bool IsSeparator(const Scored& one) {
+  return one.dialect.delimiter.size() == 1 && !one.dialect.fixed() &&
+         kSeparators.find(one.dialect.delimiter[0]) != std::string_view::npos;
+}
+
+std::size_t LongestDigits(std::string_view text) {
+  std::size_t longest = 0;
+  std::size_t here = 0;
+  for (const char byte : text) {
+    here = byte >= '0' && byte <= '9' ? here + 1 : 0;
+    longest = std::max(longest, here);
   }
-  return zeros > 0 && 20 * numbers >= 19 * filled;
+  return longest;
+}
+
+bool HasDigit(std::string_view text) { return LongestDigits(text) > 0; }
+
+// Puts another dialect first where lines say more than the price of their values, or tells that
+// nothing says which one is meant.
+class Rivalry {
+ public:
+  Rivalry(const Lines& lines, CellKinds& kinds, std::vector<Scored>* scored)
+      : lines_(lines), kinds_(kinds), scored_(*scored) {}
+
+  // True where it stays open.
+  bool IsOpen() {
+    const Dialect& best = scored_.front().dialect;
+    if (best.fixed()) return false;
+    return best.delimiter == "," ? AgainstCommas() : best.delimiter.empty() && AgainstUncut();
+  }
+
+ private:
+  template <typename Wanted>
+  bool PutFirst(const Wanted& wanted) {
+    const auto found = std::find_if(scored_.begin(), scored_.end(), wanted);
+    if (found == scored_.end()) return false;
+    std::rotate(scored_.begin(), found, found + 1);
+    return true;
+  }
+  bool AgainstCommas();
+  bool AgainstUncut();
+
+  const Lines& lines_;
+  CellKinds& kinds_;
+  std::vector<Scored>& scored_;
+};
+
+// Commas that stand in numbers everywhere cut nothing where something else cuts.
+bool Rivalry::AgainstCommas() {
+  if (scored_.front().score.modalWidth == 2 && AreDecimalCommas(lines_, kinds_)) {
+    PutFirst(
+        [](const Scored& one) { return one.dialect.delimiter.empty() && !one.dialect.fixed(); });
+    return false;
+  }
+  bool open = false;
+  const bool other = PutFirst([&](const Scored& one) {
+    const DialectScore& score = one.score;
+    if (!IsSeparator(one) || one.dialect.delimiter == "," || score.modalWidth < 2 ||
+        2 * score.modalRecords <= score.records ||
+        score.records - score.modalRecords > std::max(kMostAbove, score.records / 10)) {
+      return false;
+    }
+    const CommaPlaces commas = FindCommas(lines_, one.dialect, score.modalWidth);
+    // Times stand beside numbers as well.
+    const bool decides = one.dialect.delimiter != ":" || commas.underNames;
+    open = open || (commas.betweenDigits && !decides && score.modalRecords == score.records);
+    return commas.betweenDigits && decides;
+  });
+  return open && !other;
+}
+
+// What nothing cuts is cut by a separator that cuts all lines of values alike, and so the names
+// above them, which have no digits. It is open where one cuts all lines that are no values as they
+// stand, or blanks cut them.
+bool Rivalry::AgainstUncut() {
+  const std::size_t lines = lines_.size();
+  std::size_t above = 0;
+  while (above < std::min(lines, kMostAbove) && !HasDigit(lines_[above])) ++above;
+  const auto cuts = [&](const Scored& one, std::size_t least) {
+    return IsSeparator(one) && one.score.modalWidth > 1 &&
+           one.score.modalRecords >= std::max(least, kFewestAlike);
+  };
+  const bool digitsBelow =
+      std::all_of(lines_.begin() + static_cast<std::ptrdiff_t>(above), lines_.end(), HasDigit);
+  if (above > 0 && above < lines && digitsBelow &&
+      PutFirst([&](const Scored& one) { return cuts(one, lines - above + 1); })) {
+    return false;
+  }
+  const auto texts = std::count_if(lines_.begin(), lines_.end(), [&](std::string_view line) {
+    return kinds_.Of(line) == CellKind::kText || LongestDigits(line) > kMostDigits;
+  });
+  return std::any_of(scored_.begin(), scored_.end(), [&](const Scored& one) {
+    return one.dialect.fixed() ||
+           (cuts(one, lines - above) && 2 * static_cast<std::size_t>(texts) > lines);
+  });
 }
 
 bool CutsAlike(const Scored& a, const Scored& b) {
@@ -270,14 +354,8 @@ DialectAnswer FindDialect(const Lines& allLines, const SniffSettings& settings, 
   std::erase_if(lines, [&](std::string_view line) { return IsCommentLine(line, comment); });
   for (std::string_view& line : lines) line = line.substr(0, kLongestLine);
   std::vector<Scored> scored = Search(lines, settings, kinds).Run();
-  if (scored.front().dialect.delimiter == "," && !settings.delimiter &&
-      scored.front().score.modalWidth == 2 && IsDecimalComma(lines, kinds)) {
-    const auto uncut = std::find_if(scored.begin(), scored.end(), [](const Scored& one) {
-      return one.dialect.delimiter.empty() && !one.dialect.fixed();
-    });
-    if (uncut != scored.end()) std::iter_swap(scored.begin(), uncut);
-  }
   DialectAnswer answer;
+  answer.open = !settings.delimiter && Rivalry(lines, kinds, &scored).IsOpen();
   answer.dialect = scored.front().dialect;
   answer.score = scored.front().score;
   const auto other = std::find_if(scored.begin() + 1, scored.end(), [&](const Scored& next) {

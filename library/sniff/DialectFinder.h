@@ -19,6 +19,8 @@ struct DialectAnswer {
   // The best one that cuts otherwise.
   std::optional<Dialect> runnerUp;
   DialectScore runnerUpScore;
+  // Another one cuts all records alike, and nothing in the lines says which is meant.
+  bool open = false;
 };
 
 // `lines` as SampleText gives them; as many of the first are looked at as kMostText bytes hold.

@@ -58,6 +58,35 @@ TEST_F(DialectFinderTest, ADecimalCommaDoesNotCut) {
   EXPECT_EQ(Dialected("a;b;c\n1,5;2;x\n2,75;3;y\n3,25;4;z\n14,5;7;u\n").delimiter, ";");
 }
 
+TEST_F(DialectFinderTest, CommasThatStandInNumbersEverywhereDoNotCut) {
+  EXPECT_EQ(Dialected("library|Price\n6,7E-11|1,23397%\n3,7E-16|28,22432%\n9,4E-17|44,97463%\n")
+                .delimiter,
+            "|");
+  EXPECT_EQ(Dialected("Survey\nid;size\nA7x;4,45254E+25\n\"b;c\";7,47318E-22\nB9x;5,52048E-25\n")
+                .delimiter,
+            ";");
+  // A colon cuts them below names only; it is in times, too.
+  EXPECT_EQ(Dialected("a:b\n4,45254E+25:0,5\n7,47318E-22:1,5\n5,52048E-25:2,5\n").delimiter, ":");
+  const DialectAnswer times = Find("1,10:30\n2,11:45\n3,09:15\n4,08:20\n");
+  EXPECT_EQ(times.dialect.delimiter, ",");
+  EXPECT_TRUE(times.open);
+  EXPECT_FALSE(Find("n,at\n1,10:30\n2,11:45\n3,09:15\n4,08:20\n").open);
+}
+
+TEST_F(DialectFinderTest, WhatCutsNamesAndAllValuesAlikeCuts) {
+  EXPECT_EQ(Dialected("at,key\n1985-10-05 05:30:39,3995352871197481221\n"
+                      "1920-04-10 14:29:22,2970641656335621371\n"
+                      "2038-08-22 10:13:31,8657318756511959071\n")
+                .delimiter,
+            ",");
+  // Nothing says it without names.
+  const DialectAnswer open = Find(
+      "1553829417963660001:1656522196010543121\n1948698405311278691:3483994999663502021\n"
+      "1167039054473750941:5843160323796531261\n");
+  EXPECT_TRUE(open.open);
+  EXPECT_FALSE(Find("12:30\n13:45\n09:15\n23:59\n").open);
+}
+
 TEST_F(DialectFinderTest, TabsOfWhichEveryRecordHasAsManyCut) {
   EXPECT_EQ(Dialected("560649,6\tgarden\t-7,818E+19\n2335,5\told market\t-3,633E-20\n"
                       "61,8\tyellow\t-1,334E+18\n91028,7\triver\t2,662E+25\n7957,9\t\t-9,376E-06\n")

@@ -145,6 +145,29 @@ bool HoldsKeysAndValues(const SampleTable& table, std::size_t row) {
          7 * texts >= keys.size();
 }
 
+bool NamesContradict(const SampleTable& table, std::size_t row) {
+  const SampleRow& one = table.rows()[row];
+  bool values = false;
+  bool names = false;
+  for (std::size_t j = 0; j < std::min(one.count, kMostColumns); ++j) {
+    const std::string_view text = table.Cell(one, j).text;
+    if (text.empty()) continue;
+    std::vector<std::string_view> below;
+    const std::size_t end = std::min(table.rows().size(), row + 1 + kMostRows);
+    for (std::size_t i = row + 1; i < end; ++i) {
+      const SampleCell& cell = table.Cell(table.rows()[i], j);
+      if (!cell.empty()) below.push_back(cell.text);
+    }
+    const bool again = std::find(below.begin(), below.end(), text) != below.end();
+    values = values || again;
+    const std::size_t count = below.size();
+    std::sort(below.begin(), below.end());
+    below.erase(std::unique(below.begin(), below.end()), below.end());
+    names = names || HasNameWord(text) || (!again && 2 * below.size() < count);
+  }
+  return values && names;
+}
+
 double HeaderContrast(const SampleTable& table, std::size_t row) {
   const SampleRow& one = table.rows()[row];
   const SampleCell* const cells = table.Cells(one);

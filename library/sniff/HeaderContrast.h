@@ -16,4 +16,8 @@ bool HoldsKeysAndValues(const SampleTable& table, std::size_t row);
 // The row alone: every cell of it is a short text without digits, all of them different.
 bool LooksLikeNames(const SampleTable& table, std::size_t row);
 
+// The row's texts say both: one of them is a value of its column further down as well, and another
+// one is a word that names columns, or is none of the values though most of those come again.
+bool NamesContradict(const SampleTable& table, std::size_t row);
+
 }  // namespace library

@@ -89,7 +89,7 @@ Verdict DialectVerdict(const SniffFindings& findings, const SniffResult& result)
   const DialectAnswer& dialect = *findings.dialect;
   if (result.arrangement.given) return Verdict::kCertain;
   const DialectScore& score = dialect.score;
-  if (score.records == 0) return Verdict::kGuess;
+  if (score.records == 0 || dialect.open || findings.cutsWords) return Verdict::kGuess;
   const double ahead = dialect.runnerUp ? dialect.runnerUpScore.bits - score.bits : kCertainBits;
   const auto records = static_cast<double>(score.records);
   const double share = static_cast<double>(score.modalRecords) / records;

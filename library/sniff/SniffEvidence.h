@@ -32,6 +32,8 @@ struct SniffFindings {
   // Records that were looked at behind the head, and how many of them have the modal width.
   std::size_t otherRecords = 0;
   std::size_t otherModal = 0;
+  // A border between fixed columns goes through words of some lines.
+  bool cutsWords = false;
 };
 
 // Fills the evidence, runner-up and margin of every setting.

@@ -11,6 +11,7 @@
 #include "library/input/FileKind.h"
 #include "library/outputs/FormatName.h"
 #include "library/report/ImportWatch.h"
+#include "library/sniff/BlankMask.h"
 #include "library/sniff/ColumnGaps.h"
 #include "library/sniff/ColumnNames.h"
 #include "library/sniff/CommentLines.h"
@@ -53,6 +54,7 @@ class Sniffing {
                   std::size_t end, std::size_t mostCells);
   void CheckOtherRegions();
   bool HasLeadingBlanks() const;
+  bool CutsWords() const;
   void PlaceData();
   void PlaceEnd();
   void ListOtherLines();
@@ -246,6 +248,26 @@ bool Sniffing::HasLeadingBlanks() const {
   return filled > 0 && 10 * blank > 9 * filled;
 }
 
+// Whether a border between columns that were found goes through a word of the header, or of some
+// lines of data, but not of all.
+bool Sniffing::CutsWords() const {
+  const std::vector<CharacterRange>& columns = dialect_.dialect.columns;
+  if (settings_.fixed) return false;
+  const std::size_t end = std::min(shape_.endData, headRows_);
+  for (std::size_t i = 0; i + 1 < columns.size(); ++i) {
+    std::size_t names = 0;
+    std::size_t values = 0;
+    for (std::size_t row = shape_.headerBegin; row < end; ++row) {
+      const std::string_view line = text_.head()[table_->rows()[row].line];
+      const std::string_view beside = CutCharacters(line, {columns[i].to, columns[i].to + 1});
+      const bool cuts = CountUtf8(beside) == 2 && beside.find(' ') == std::string_view::npos;
+      (row < shape_.headerEnd ? names : values) += cuts ? 1 : 0;
+    }
+    if (names > 0 || (values > 0 && values < end - std::min(end, shape_.firstData))) return true;
+  }
+  return false;
+}
+
 void Sniffing::PlaceData() {
   const auto& rows = table_->rows();
   const auto lineOf = [&](std::size_t row) {
@@ -394,6 +416,7 @@ bool Sniffing::Run() {
   result_.strayQualifiers = records_.strays > 0;
   result_.comment = std::string(findings_.comments.empty() ? std::string_view() : comment_);
   shape_ = FindShape(*table_, reachesEnd_, settings_);
+  findings_.cutsWords = CutsWords();
   PlaceData();
   PlaceEnd();
   ListOtherLines();

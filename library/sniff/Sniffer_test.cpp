@@ -115,6 +115,23 @@ TEST_F(SnifferTest, WhatIsNotSureIsNotCalledCertain) {
   EXPECT_THAT(guess.advice, HasSubstr("give --"));
 }
 
+TEST_F(SnifferTest, ColumnsWhoseBordersCutWordsAreAGuess) {
+  std::string text;
+  for (int i = 0; i < 60; ++i) text += "green hill  " + std::to_string(100 + i) + "  north\n";
+  EXPECT_NE(Sniffed(text).verdict, Verdict::kGuess);
+  const SniffResult result = Sniffed(text + "a long street in town 7\n" + text);
+  ASSERT_EQ(result.arrangement.value, Arrangement::kFixed);
+  EXPECT_EQ(result.verdict, Verdict::kGuess);
+  EXPECT_THAT(result.advice, HasSubstr("--fixed"));
+}
+
+TEST_F(SnifferTest, NamesThatAreValuesAsWellAreAGuess) {
+  const std::string data = "red,small\nblue,large\nred,large\nblue,small\nred,small\n";
+  EXPECT_EQ(Sniffed("blue,large\n" + data).verdict, Verdict::kLikely);
+  EXPECT_EQ(Sniffed("blue,size\n" + data).verdict, Verdict::kGuess);
+  EXPECT_EQ(Sniffed("blue,huge\n" + data).verdict, Verdict::kGuess);
+}
+
 TEST_F(SnifferTest, SmallFilesAreTaken) {
   EXPECT_EQ(Sniffed("").columns.size(), 0U);
   EXPECT_EQ(Sniffed("").firstDataLine.value, 1);

@@ -223,7 +223,9 @@ void ShapeFinder::FindByTexts() {
     return;
   }
   const double contrast = HeaderContrast(table_, row);
-  if (std::abs(contrast) >= kLikelyContrast && row == 0) shape_.headerVerdict = Verdict::kLikely;
+  if (std::abs(contrast) >= kLikelyContrast && row == 0 && !NamesContradict(table_, row)) {
+    shape_.headerVerdict = Verdict::kLikely;
+  }
   if (contrast > 0) {
     TakeHeaderAbove(row);
     shape_.firstData = row + 1;

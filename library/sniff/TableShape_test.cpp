@@ -61,6 +61,8 @@ TEST_F(TableShapeTest, ALineDrawnBelowTheHeaderIsNoData) {
 TEST_F(TableShapeTest, OneColumnIsNoSumByChance) {
   ExpectShape("name,key\na,60000\nb,20000\nc,19000\nd,10000\ne,10900\nf,500\n", 1, 2, 7);
   ExpectShape("name,key\na,60000\nb,20000\nc,19000\nd,10000\ne,11000\nf,500\n", 1, 3, 7);
+  // Small numbers are sums all the time.
+  ExpectShape("name,key\na,68\nb,8\nc,32\nd,9\ne,19\nf,3\n", 1, 2, 7);
 }
 
 TEST_F(TableShapeTest, TitlesRunAcrossFixedColumns) {
@@ -72,6 +74,13 @@ TEST_F(TableShapeTest, TitlesRunAcrossFixedColumns) {
       "Genoa       560000   240\nTurin       840000   130\nMilan      1370000   182\n"
       "Parma       198000   261\n",
       1, 3, 12);
+}
+
+TEST_F(TableShapeTest, ALongValueOfOneFixedLineIsNoTitle) {
+  ExpectShape(
+      "people     town\n2800000    Rome\n 700000    Oslo\n 134000    Bern\n"
+      "  90000    Pisa\n 340000    Nice\n   5200    Llanfair Pwllgwyngyll by the sea\n",
+      1, 2, 7);
 }
 
 TEST_F(TableShapeTest, YearsAboveOtherNumbersNameTheColumns) {

@@ -18,6 +18,9 @@ constexpr std::size_t kMostRows = 300;
 // A total of rounded values differs by so much of itself.
 constexpr double kRounding = 0.005;
 constexpr double kOneRounding = 1e-7;
+// Small numbers are sums by chance, and those of one column alone up to larger ones.
+constexpr double kSmall = 20;
+constexpr double kSmallAlone = 10000;
 // A total of fewer than so many rows proves nothing.
 constexpr std::size_t kFewestParts = 2;
 
@@ -103,8 +106,7 @@ bool IsTotalAbove(const SampleTable& table, const TableFacts& facts, std::size_t
   for (std::size_t j = 0; j < facts.columns() && columns.size() < kMostColumns; ++j) {
     if (!facts.IsNumeric(j)) continue;
     const std::optional<double> value = NumberOf(table.Cell(table.rows()[row], j));
-    // Small numbers are sums by chance.
-    if (!value || std::abs(*value) < 20) continue;
+    if (!value || std::abs(*value) < kSmall) continue;
     columns.push_back(j);
     totals.push_back(*value);
   }
@@ -126,7 +128,8 @@ bool IsTotalAbove(const SampleTable& table, const TableFacts& facts, std::size_t
       equal += std::abs(sums[k] - totals[k]) <= rounding * std::abs(totals[k]) ? 1 : 0;
     }
     if (equal >= 2 ? 4 * equal >= 3 * columns.size()
-                   : columns.size() == 1 && equal == 1 && parts > 3) {
+                   : columns.size() == 1 && equal == 1 && parts > 3 &&
+                         std::abs(totals[0]) >= kSmallAlone) {
       return true;
     }
   }

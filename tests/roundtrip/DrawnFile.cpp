@@ -160,9 +160,29 @@ void DrawDialect(std::mt19937_64& random, DrawnDialect* dialect, TableWishes* wi
   wishes->lineBreaks = draw(4) == 0;
 }
 
-// Without quotes nothing may hold the delimiter.
+bool IsVisible(const DrawnColumn& column) {
+  return std::any_of(column.cells.begin(), column.cells.end(),
+                     [](const DrawnCell& cell) { return !cell.text.empty(); });
+}
+
+// A text that is a value of its column as well names nothing to who sees the file.
+bool IsNamedLikeAValue(const DrawnColumn& column) {
+  return std::any_of(column.cells.begin(), column.cells.end(),
+                     [&](const DrawnCell& cell) { return cell.text == column.header; });
+}
+
+// Without quotes nothing may hold the delimiter; a fixed column of blanks is there by its name
+// only.
 bool CanBeWritten(const DrawnFile& file) {
-  if (file.dialect.fixed || file.dialect.qualifier != 0) return true;
+  if (file.dialect.header &&
+      std::all_of(file.table.columns.begin(), file.table.columns.end(), IsNamedLikeAValue)) {
+    return false;
+  }
+  if (file.dialect.fixed) {
+    return file.dialect.header ||
+           std::all_of(file.table.columns.begin(), file.table.columns.end(), IsVisible);
+  }
+  if (file.dialect.qualifier != 0) return true;
   for (const DrawnColumn& column : file.table.columns) {
     if (column.header.find(file.dialect.delimiter) != std::string::npos) return false;
     for (const DrawnCell& cell : column.cells) {
