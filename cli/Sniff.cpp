@@ -11,6 +11,7 @@
 #include "cli/ExitStatus.h"
 #include "cli/terminal/Console.h"
 #include "cli/terminal/SniffScreen.h"
+#include "library/input/InputFiles.h"
 #include "library/sniff/SniffJson.h"
 #include "library/sniff/Sniffer.h"
 
@@ -19,9 +20,9 @@ namespace {
 
 constexpr char kExamples[] = R"(Examples:
   textwizard sniff data.csv
-  textwizard sniff --json data.csv
+  textwizard sniff --json data.csv.gz
 
-Exit status: 0 shown, 1 the file is no text, 2 it cannot be read, or wrong usage.
+Exit status: 0 shown, 1 the file is no text, or damaged, 2 it cannot be read, or wrong usage.
 )";
 
 struct SniffOptions {
@@ -32,8 +33,16 @@ struct SniffOptions {
 int Sniff(const SniffOptions& options) {
   Console console({});
   embedded::SetCodePage(nullptr);
+  library::InputFiles files;
+  const library::InputFiles::Input& input = files.Open(options.file);
+  if (!input.problem.empty()) {
+    console.Error(fmt::format("{}: {}{}{}", options.file, input.problem,
+                              input.wayOut.empty() ? "" : "; ", input.wayOut));
+    // Pipes are compressed or not only once they have been read.
+    return input.compression == library::Compression::kNone ? kExitUsage : kExitCommandFailed;
+  }
   std::string problem;
-  const auto source = library::FileSource::Open(options.file, &problem);
+  const auto source = library::FileSource::Open(input.path, &problem);
   if (!source) {
     console.Error(fmt::format("{}: {}", options.file, problem));
     return kExitUsage;
@@ -49,7 +58,11 @@ int Sniff(const SniffOptions& options) {
   } else {
     const std::size_t width = ScreenWidth(STDOUT_FILENO);
     const Style style = Style::Of(STDOUT_FILENO);
-    console.Print(SniffSettingsText(options.file, result, width, style));
+    std::string name = options.file == "-" ? "standard input" : options.file;
+    if (input.compression != library::Compression::kNone) {
+      name += fmt::format(" ({})", library::CompressionName(input.compression));
+    }
+    console.Print(SniffSettingsText(name, result, width, style));
     console.Print("\n" + SniffColumnsText(result, width, style));
   }
   return console.Flush() ? kExitSuccess : kExitUsage;
@@ -60,7 +73,11 @@ int Sniff(const SniffOptions& options) {
 void AddSniff(CLI::App& program, int* status) {
   CLI::App* sniff = program.add_subcommand("sniff", "Says how a bare file is built");
   const auto options = std::make_shared<SniffOptions>();
-  sniff->add_option("FILE", options->file, "The file to look at")->type_name("FILE")->required();
+  sniff
+      ->add_option("FILE", options->file,
+                   "The file to look at, also compressed; - for standard input")
+      ->type_name("FILE|-")
+      ->required();
   sniff->add_flag("--json", options->json, "As JSON");
   sniff->footer(kExamples);
   sniff->callback([options, status] { *status = Sniff(*options); });

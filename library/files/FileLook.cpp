@@ -4,6 +4,7 @@
 
 #include "HostFramework/embedded/messages/Attention.h"
 #include "library/input/ByteSource.h"
+#include "library/sniff/SniffEvidence.h"
 #include "library/sniff/Sniffer.h"
 
 namespace library {
@@ -40,7 +41,7 @@ bool LookAtFile(InputFiles& files, const SniffSettings& settings, DataSetFile* f
   if (embedded::AttentionRequested()) return false;
   if (sniffed && sniff.columns.empty()) {
     file->kind = DataSetFile::Kind::kEmpty;
-    file->problem = sniff.fileSize == 0 ? "it is empty" : "it holds nothing but blank lines";
+    file->problem = WhyNoColumns(sniff);
   } else if (sniffed) {
     const bool none = HoldsNoData(sniff);
     file->kind = none ? DataSetFile::Kind::kHeaderOnly : DataSetFile::Kind::kData;

@@ -291,7 +291,7 @@ bool Understanding::Run() {
     return false;
   }
   if (import_.columns.empty()) {
-    problem_ = import_.sniff.fileSize == 0 ? "it is empty" : "it holds nothing but blank lines";
+    problem_ = WhyNoColumns(import_.sniff);
     return false;
   }
   if (cut_.cut.settings.arrangement != textwizard::kFixedColumns) {

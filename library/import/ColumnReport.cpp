@@ -139,6 +139,8 @@ const char* NameOf(ColumnRemark::Kind kind) {
       return "lost digits";
     case ColumnRemark::kTooLong:
       return "too long";
+    case ColumnRemark::kTimeZone:
+      return "time zones";
     case ColumnRemark::kDayOrMonth:
     case ColumnRemark::kDecimalOrGroup:
       break;

@@ -58,6 +58,11 @@ std::string RemarkWriter::TextOf(const BareColumn& column, const ColumnRemark& r
       return fmt::format(
           "ambiguous, {} may have a decimal or a grouping character; {} for the other",
           First(remark.values), remark.other ? wish : "--decimal");
+    case ColumnRemark::kTimeZone:
+      return fmt::format(
+          "a text, because no format reads time zones, first {}; without them it would be a "
+          "date-time",
+          First(remark.values));
     case ColumnRemark::kTooLong:
       return fmt::format("a text of {} bytes in {}, longer than a string can be; cut",
                          remark.values.count, placeOf_(remark.values.line));

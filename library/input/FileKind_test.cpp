@@ -44,6 +44,8 @@ TEST(FileKind, NamesCompressedFilesAndDocuments) {
   EXPECT_EQ(What(std::string("SQLite format 3\0", 16)), "an SQLite database");
   EXPECT_EQ(What("PAR1" + std::string(50, '\x15')), "a Parquet file");
   EXPECT_EQ(What("%PDF-1.7\n%\x80\x01\x02\x03\x04\x05"), "a PDF document");
+  // One may be ASCII through and through.
+  EXPECT_EQ(What("%PDF-1.4\n1 0 obj<</Type/Catalog>>endobj\n"), "a PDF document");
 }
 
 TEST(FileKind, TextIsNoKind) {

@@ -153,6 +153,15 @@ std::string DecimalEvidence(const Witness& witness, std::int64_t against) {
   return evidence;
 }
 
+std::string WhyNoColumns(const SniffResult& result) {
+  // As long as the longest mark.
+  constexpr std::uint64_t kLongestMark = 4;
+  if (result.fileSize == 0) return "it is empty";
+  return result.byteOrderMark && result.fileSize <= kLongestMark
+             ? "it holds nothing but a byte-order mark"
+             : "it holds nothing but blank lines";
+}
+
 void JudgeConfidence(const SniffFindings& findings, SniffResult* result) {
   const DialectAnswer& dialect = *findings.dialect;
   const TableShape& shape = *findings.shape;

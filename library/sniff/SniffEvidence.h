@@ -49,4 +49,7 @@ std::string NameOfQualifier(const std::string& qualifier);
 // speak for the other one.
 std::string DecimalEvidence(const Witness& witness, std::int64_t against);
 
+// Why a file has no columns: a sentence without a full stop.
+std::string WhyNoColumns(const SniffResult& result);
+
 }  // namespace library

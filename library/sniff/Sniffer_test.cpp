@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include "library/sniff/SniffEvidence.h"
 #include "library/sniff/SniffJson.h"
 #include "library/sniff/testing/SniffTest.h"
 
@@ -123,6 +124,12 @@ TEST_F(SnifferTest, ColumnsWhoseBordersCutWordsAreAGuess) {
   ASSERT_EQ(result.arrangement.value, Arrangement::kFixed);
   EXPECT_EQ(result.verdict, Verdict::kGuess);
   EXPECT_THAT(result.advice, HasSubstr("--fixed"));
+}
+
+TEST_F(SnifferTest, SaysWhyThereAreNoColumns) {
+  EXPECT_EQ(WhyNoColumns(Sniffed("")), "it is empty");
+  EXPECT_EQ(WhyNoColumns(Sniffed("\xEF\xBB\xBF")), "it holds nothing but a byte-order mark");
+  EXPECT_EQ(WhyNoColumns(Sniffed("\n \n\n")), "it holds nothing but blank lines");
 }
 
 TEST_F(SnifferTest, NamesThatAreValuesAsWellAreAGuess) {

@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <string>
+#include <string_view>
+
+#include "library/types/ValueReader.h"
 
 namespace library {
 namespace {
@@ -19,6 +23,25 @@ Reading PlainOf(DecimalCharacter decimal) {
 }
 Reading PercentOf(DecimalCharacter decimal) {
   return decimal == DecimalCharacter::kComma ? Reading::kCommaPercent : Reading::kPointPercent;
+}
+
+// The text without a time zone at its end, such as "Z", "+01" or "-05:30"; all of it where there is
+// none.
+std::string_view WithoutZone(std::string_view text) {
+  if (text.ends_with('Z') || text.ends_with('z')) return text.substr(0, text.size() - 1);
+  const std::size_t sign = text.find_last_of("+-");
+  if (sign == std::string_view::npos) return text;
+  std::string zone(text.substr(sign + 1));
+  if (zone.size() == 5 && zone[2] == ':') zone.erase(2, 1);
+  const bool digits = zone.find_first_not_of("0123456789") == std::string::npos;
+  return digits && (zone.size() == 2 || zone.size() == 4) ? text.substr(0, sign) : text;
+}
+
+// The first value that is no date-time is one but for its time zone.
+bool HaveZones(const ColumnEvidence& column) {
+  const std::string first = column.Unread(Reading::kYearMonthDayTime).text;
+  const std::string_view rest = WithoutZone(first);
+  return rest.size() < first.size() && ReadValue(rest).set.Has(Reading::kYearMonthDayTime);
 }
 
 // What one column says about the order of days and months, and what it would take for the dates
@@ -199,7 +222,12 @@ ChosenType Chooser::TypeOf(std::size_t index) const {
                      (column.leadingZeros().count > 0 || column.lostDigits().count > 0);
   if (isText || loses) {
     type.format = FitFormat(kFormatA, column, choice_.decimal);
-    if (best) RemarkText(column, *best, &type);
+    if (isText && HaveZones(column)) {
+      type.remarks.push_back(
+          {ColumnRemark::kTimeZone, column.Unread(Reading::kYearMonthDayTime), std::nullopt});
+    } else if (best) {
+      RemarkText(column, *best, &type);
+    }
   } else {
     type.format = FormatFor(*best, column);
     const NumberEvidence& numbers = *best == Reading::kComma ? column.comma() : column.point();

@@ -29,6 +29,7 @@ struct ColumnRemark {
     kDayOrMonth,      // day and month may be meant the other way round
     kDecimalOrGroup,  // a point or comma may be meant as the other
     kTooLong,         // texts longer than the longest string
+    kTimeZone,        // texts that would be date-times without their time zones
   };
   Kind kind;
   // The values that it is about.

@@ -102,6 +102,20 @@ TEST(TypeChoice, WhatNothingReadsIsAText) {
   EXPECT_EQ(Type({"abc", "NULL", "x"}), "A4") << "a null text is a text here";
 }
 
+TEST(TypeChoice, DateTimesWithATimeZoneAreTextsAndSaidToBe) {
+  for (const char* zone : {"Z", "+01:00", "-0530", "+02"}) {
+    const Column column = {"2020-01-02T03:04:05" + std::string(zone), "",
+                           "2021-02-03 04:05:06" + std::string(zone)};
+    EXPECT_EQ(Type(column)[0], 'A') << zone;
+    const std::vector<ColumnRemark> remarks = Remarks(column);
+    ASSERT_EQ(remarks.size(), 1U) << zone;
+    EXPECT_EQ(remarks[0].kind, ColumnRemark::kTimeZone);
+    EXPECT_EQ(remarks[0].values.text, column[0]);
+    EXPECT_EQ(remarks[0].values.count, 2);
+  }
+  EXPECT_TRUE(Remarks({"A-05", "Z", "2020-01Z"}).empty());
+}
+
 TEST(TypeChoice, TextsStayTextsWhereANumberWouldLoseSomething) {
   EXPECT_EQ(Type({"01234", "12345"}), "A5");
   EXPECT_EQ(Remarks({"01234", "12345"})[0].kind, ColumnRemark::kLeadingZeros);

@@ -7,6 +7,7 @@
 #include <unistd.h>
 #include <nlohmann/json.hpp>
 
+#include "library/input/testing/CompressedFile.h"
 #include "tests/program/Program.h"
 
 namespace program {
@@ -14,6 +15,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 class Sniff : public ProgramTest {
  protected:
@@ -72,6 +74,28 @@ TEST_F(Sniff, WhatIsNoTextEndsWithStatusOneAndItsName) {
   EXPECT_EQ(ended.status, 1);
   EXPECT_THAT(ended.out, IsEmpty());
   EXPECT_THAT(ended.err, HasSubstr("error: data.csv: it is a PNG image, not a text file"));
+}
+
+TEST_F(Sniff, StandardInputAndCompressedFilesAreTaken) {
+  const auto expected = nlohmann::json::parse(Sniffed(kTowns, {"--json"}).out);
+  auto json = nlohmann::json::parse(Run({"sniff", "--json", "-"}, kTowns).out);
+  EXPECT_EQ(json["file"], "-");
+  json["file"] = "data.csv";
+  EXPECT_EQ(json, expected);
+  EXPECT_THAT(Run({"sniff", "-"}, kTowns).out, StartsWith("standard input  "));
+  const std::string zip = library::testing_support::Compressed(kTowns, library::Compression::kZip);
+  json = nlohmann::json::parse(Sniffed(zip, {"--json"}).out);
+  EXPECT_EQ(json, expected);
+  EXPECT_THAT(Sniffed(zip).out, StartsWith("data.csv (zip)  "));
+}
+
+TEST_F(Sniff, ADamagedFileEndsWithStatusOne) {
+  std::string gzip =
+      library::testing_support::Compressed(std::string(100000, 'x'), library::Compression::kGzip);
+  gzip.resize(gzip.size() - 9);
+  const Ended ended = Sniffed(gzip);
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_THAT(ended.err, HasSubstr("data.csv: the gzip data is damaged: it ends too early"));
 }
 
 TEST_F(Sniff, WhatCannotBeOpenedEndsWithStatusTwo) {
