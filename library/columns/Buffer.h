@@ -48,6 +48,12 @@ class Buffer {
   void Reserve(std::size_t bytes) {
     if (bytes > capacity_) Grow(bytes);
   }
+  // Where the next bytes will stand; `bytes` of them can be written there before the buffer is made
+  // longer.
+  std::byte* Room(std::size_t bytes) {
+    Reserve(size_ + bytes);
+    return data_ + size_;
+  }
   // Makes the buffer `bytes` bytes longer and returns where they begin; what they hold is
   // undefined.
   std::byte* Extend(std::size_t bytes) {

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
 #include "HostFramework/Text.h"
+#include "library/columns/CellText.h"
 #include "library/columns/NumberCells.h"
 #include "library/columns/PaddedText.h"
 
@@ -66,8 +68,6 @@ void BuildNumbers(const Cases& cases, std::size_t columns, std::size_t number,
 class TextConverter {
  public:
   std::string_view ToUtf8(std::string_view text) {
-    const bool ascii = std::none_of(text.begin(), text.end(), [](char c) { return c < 0; });
-    if (ascii) return text;
     if (converter_ == nullptr) converter_.reset(QANTMBConverterNew_A(nullptr));
     QANTMBCodePageToU8(converter_.get(), converted_, text);
     return converted_;
@@ -78,6 +78,11 @@ class TextConverter {
   std::string converted_;
 };
 
+// A text in a variable of at most so many bytes is copied with its padding, which is then left out
+// again: where it ends is hard to foresee, and to find out first takes longer. In a wider variable
+// padding may be most of it.
+constexpr std::size_t kMostCopied = 128;
+
 template <class Offset>
 void BuildTexts(const Cases& cases, const ColumnField& field, TextConverter& converter,
                 Column& column) {
@@ -86,8 +91,19 @@ void BuildTexts(const Cases& cases, const ColumnField& field, TextConverter& con
   *offsets++ = 0;
   const OBS* cell = cases.first + field.cell;
   for (std::size_t i = 0; i < cases.count; ++i, cell += cases.cells) {
-    const std::string_view text = converter.ToUtf8(WithoutPadding(cell, field.bytes));
-    column.text.Append(text.data(), text.size());
+    const auto* const text = reinterpret_cast<const char*>(cell->bytes);
+    const std::size_t bytes =
+        field.bytes <= kMostCopied ? field.bytes : WithoutPadding(cell, field.bytes).size();
+    auto* const room = reinterpret_cast<char*>(column.text.Room(CellRoom(bytes)));
+    std::uint64_t seen = 0;
+    const std::size_t length =
+        CopyCells(text, bytes, room, [&seen](std::uint64_t word) { seen |= word; });
+    if (WordScan::HasNoAscii(seen) == 0) {
+      column.text.Extend(length);
+    } else {
+      const std::string_view converted = converter.ToUtf8({text, length});
+      column.text.Append(converted.data(), converted.size());
+    }
     *offsets++ = static_cast<Offset>(column.text.size());
   }
 }

@@ -1,6 +1,6 @@
 #include "library/outputs/CaseWriter.h"
 
-#include "library/outputs/CellText.h"
+#include "library/columns/CellText.h"
 
 namespace library {
 

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "library/outputs/CellText.h"
+#include "library/columns/CellText.h"
 #include "library/outputs/ValueText.h"
 
 namespace library {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "library/outputs/CellText.h"
+#include "library/columns/CellText.h"
 #include "library/outputs/JsonText.h"
 #include "library/outputs/ValueText.h"
 

@@ -9,6 +9,8 @@
 #include <fmt/format.h>
 #include <xxhash.h>
 
+#include "library/columns/PaddedText.h"
+
 namespace library {
 namespace {
 
@@ -30,17 +32,6 @@ bool NumberIn(const unsigned char* cell, double* value) {
   if (IsMissing(*value)) return false;
   *value += 0.0;
   return true;
-}
-
-// Of a string whose trailing blanks do not count; eight of them at a time.
-std::size_t LengthWithoutPadding(const char* text, std::size_t bytes) {
-  constexpr std::uint64_t kBlanks = 0x2020202020202020U;
-  while (bytes >= sizeof kBlanks &&
-         std::memcmp(text + bytes - sizeof kBlanks, &kBlanks, sizeof kBlanks) == 0) {
-    bytes -= sizeof kBlanks;
-  }
-  while (bytes > 0 && text[bytes - 1] == ' ') --bytes;
-  return bytes;
 }
 
 void AppendCharacter(std::string& out, std::uint32_t code) {
@@ -110,11 +101,11 @@ std::string_view CaseDigester::BytesAsTheyLie(const OBS* obs) {
       }
       continue;
     }
-    const auto* const text = reinterpret_cast<const char*>(cell);
-    const auto length = static_cast<std::uint32_t>(LengthWithoutPadding(text, column.bytes));
+    const std::string_view text = WithoutPadding(obs + column.cell, column.bytes);
+    const auto length = static_cast<std::uint32_t>(text.size());
     *out = kString;
     std::memcpy(out + 1, &length, sizeof length);
-    std::memcpy(out + kBesideCell, text, length);
+    std::memcpy(out + kBesideCell, text.data(), length);
     out += kBesideCell + length;
   }
   return {bytes_.data(), static_cast<std::size_t>(out - bytes_.data())};
@@ -127,8 +118,7 @@ std::string_view CaseDigester::ConvertedBytes(const OBS* obs) {
     if (column.bytes == 0) {
       AppendNumber(cell);
     } else {
-      const auto* const text = reinterpret_cast<const char*>(cell);
-      AppendText({text, LengthWithoutPadding(text, column.bytes)});
+      AppendText(WithoutPadding(obs + column.cell, column.bytes));
     }
   }
   return bytes_;
