@@ -33,12 +33,9 @@ DetectionCounters::DetectionCounters(const RegExMappings& table, const Detection
 
 CountedAs DetectionCounters::CountUnplain(std::string_view field, unsigned possible,
                                           TxtWzVar& variable) {
-  if (CountNumber(field, variable)) return CountedAs::kNumber;
-  return CountOther(field, possible, variable);
-}
-
-CountedAs DetectionCounters::CountOther(std::string_view field, unsigned possible,
-                                        TxtWzVar& variable) {
+  if ((possible & ValueClassifier::kNumber) != 0 && CountNumber(field, variable)) {
+    return CountedAs::kNumber;
+  }
   order_ = DayAndMonth::kNone;
   if (rules_.leadingSpaces || rules_.multipleSpaces) {
     if (rules_.leadingSpaces) field = TrimLeft(field);
@@ -48,9 +45,9 @@ CountedAs DetectionCounters::CountOther(std::string_view field, unsigned possibl
   if ((possible & ValueClassifier::kDate) != 0 && CountDate(field, variable)) {
     return CountedAs::kDate;
   }
-  CountedAs as = CountedAs::kString;
-  if ((possible & ValueClassifier::kNumberForm) != 0 && CountNumberForm(field, variable, &as)) {
-    return as;
+  if ((possible & ValueClassifier::kNumberForm) != 0) {
+    const CountedAs as = CountNumberForm(field, variable);
+    if (as != CountedAs::kString) return as;
   }
   CountString(field, variable);
   return CountedAs::kString;
@@ -143,7 +140,7 @@ bool DetectionCounters::KeepsMinutes(const TxtWzVar& variable) const {
   return rules_.pass == DetectionPass::kSampling && variable.dateKey >= kMTime5;
 }
 
-bool DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& variable, CountedAs* as) {
+CountedAs DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& variable) {
   struct Form {
     char character;
     NumberForm form;
@@ -158,16 +155,15 @@ bool DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& variab
       {'.', NumberForm::kDot, CountedAs::kDot, &TxtWzVar::dotCount, ","},
   };
   forms_ = classifier_.FormsOf(field);
-  if (forms_.none()) return false;
+  if (forms_.none()) return CountedAs::kString;
   for (const Form& form : kForms) {
     // The patterns alone would take plain digits, too.
     if (!forms_.test(static_cast<std::size_t>(form.form)) || !Has(field, form.character)) continue;
     ++(variable.*form.count);
     UpdateVarSizes(variable, field, form.decimalCharacters, rules_.arrangement);
-    *as = form.as;
-    return true;
+    return form.as;
   }
-  return false;
+  return CountedAs::kString;
 }
 
 void DetectionCounters::CountString(std::string_view field, TxtWzVar& variable) const {

@@ -64,10 +64,10 @@ class DetectionCounters {
   CountedAs Count(std::string_view field, TxtWzVar& variable) {
     // Most strings show by their first byte that they are nothing else.
     const unsigned possible = classifier_.PossibleClasses(field);
-    if ((possible & ValueClassifier::kNumber) == 0) return CountOther(field, possible, variable);
     // Digits and a point are a number in every respect that matters here.
     std::size_t point = 0;
-    if (rules_.swapDecimal || !classifier_.IsPlainNumber(field, &point)) {
+    if ((possible & ValueClassifier::kPlainNumber) == 0 || rules_.swapDecimal ||
+        !classifier_.IsPlainNumber(field, &point)) {
       return CountUnplain(field, possible, variable);
     }
     ++variable.numericCount;
@@ -93,14 +93,14 @@ class DetectionCounters {
   static void Merge(const TxtWzVar& from, TxtWzVar& into);
 
  private:
-  // Any field but a plain number; any but a number. `possible`: its classes by its first byte.
+  // Any field but a plain number. `possible`: its classes by its first byte.
   CountedAs CountUnplain(std::string_view field, unsigned possible, TxtWzVar& variable);
-  CountedAs CountOther(std::string_view field, unsigned possible, TxtWzVar& variable);
   bool IsNumeric(std::string_view field);
   // Each counts the field when it is of its class; else leaves the variable alone.
   bool CountNumber(std::string_view field, TxtWzVar& variable);
   bool CountDate(std::string_view field, TxtWzVar& variable);
-  bool CountNumberForm(std::string_view field, TxtWzVar& variable, CountedAs* as);
+  // kString: it is of none.
+  CountedAs CountNumberForm(std::string_view field, TxtWzVar& variable);
   void CountString(std::string_view field, TxtWzVar& variable) const;
   void AdoptDateKey(int key, std::string_view field, TxtWzVar& variable);
   bool KeepsMinutes(const TxtWzVar& variable) const;

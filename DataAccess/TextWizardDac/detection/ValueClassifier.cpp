@@ -60,8 +60,10 @@ ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrange
     // A date is looked for behind blanks.
     const bool date = byte == ' ' || rowAutomaton_->MayBegin(rowClasses_[byte]);
     const bool form = formAutomaton_->MayBegin(formClasses_[byte]);
-    possible_[byte] = static_cast<std::uint8_t>((number ? kNumber : 0) | (date ? kDate : 0) |
-                                                (form ? kNumberForm : 0));
+    const bool plain = (byte >= '0' && byte <= '9') || byte == '+' || byte == '-';
+    possible_[byte] =
+        static_cast<std::uint8_t>((number ? kNumber : 0) | (date ? kDate : 0) |
+                                  (form ? kNumberForm : 0) | (plain ? kPlainNumber : 0));
   }
 }
 
@@ -91,7 +93,12 @@ int ValueClassifier::IsDateTime(std::string_view value) {
   if (trimDates_) value = TrimLeft(TrimRight(value));
   const PatternAutomaton::Verdict verdict = rowAutomaton_->Match(value, rowClasses_);
   order_ = OrderOf(verdict);
+  // Most strings.
   if ((verdict.matched | verdict.undecided) == 0) return 0;
+  return FirstRow(value, verdict);
+}
+
+int ValueClassifier::FirstRow(std::string_view value, PatternAutomaton::Verdict verdict) {
   const std::uint64_t rows = (std::uint64_t{1} << rows_.size()) - 1;
   std::uint64_t candidates = (verdict.matched | verdict.undecided) & rows;
   const icu::UnicodeString* text = nullptr;

@@ -38,10 +38,10 @@ class ValueClassifier {
   ValueClassifier(const RegExMappings& table, Arrangement arrangement);
 
   // What a value, by its first byte, can be besides a string: any of these bits. Its blanks are
-  // not trimmed.
-  enum Possible : std::uint8_t { kNumber = 1, kDate = 2, kNumberForm = 4 };
+  // not trimmed. Without kPlainNumber, IsPlainNumber is false.
+  enum Possible : std::uint8_t { kNumber = 1, kDate = 2, kNumberForm = 4, kPlainNumber = 8 };
   unsigned PossibleClasses(std::string_view value) const {
-    if (value.empty()) return kNumber | kDate | kNumberForm;
+    if (value.empty()) return kNumber | kDate | kNumberForm | kPlainNumber;
     return possible_[static_cast<unsigned char>(value.front())];
   }
 
@@ -93,6 +93,8 @@ class ValueClassifier {
     const std::uint64_t matched = verdict.matched >> rows_.size();
     return static_cast<DayAndMonth>(matched - (matched >> 2));
   }
+  // Key of the first row that the automaton's verdict of the value leaves, 0 for none.
+  [[gnu::noinline]] int FirstRow(std::string_view value, PatternAutomaton::Verdict verdict);
   bool Decide(const PatternMatcher& matcher, const icu::UnicodeString& text) const;
   const icu::UnicodeString& LowerCased(std::string_view value);
 
