@@ -166,29 +166,6 @@ CountedAs DetectionCounters::CountNumberForm(std::string_view field, TxtWzVar& v
   return CountedAs::kString;
 }
 
-void DetectionCounters::CountString(std::string_view field, TxtWzVar& variable) const {
-  // Never a blank text: that is a number.
-  ++variable.stringCount;
-  const std::uint32_t length =
-      static_cast<std::uint32_t>(std::min<std::size_t>(field.size(), kMaxStringWidth + 1));
-  if (rules_.pass == DetectionPass::kSampling) {
-    // Measured against the width, so the latest such length stays and not the longest.
-    if (length > kMaxStringWidth) {
-      variable.maxStringLength = kMaxStringWidth;
-    } else if (variable.width < length) {
-      variable.maxStringLength = length;
-    }
-    return;
-  }
-  if (length > kMaxStringWidth) {
-    variable.maxStringLength = kMaxStringWidth;
-  } else if (length > variable.maxStringLength) {
-    // On a worker the flag says that lengths vary.
-    if (variable.maxStringLength != 0) variable.stringTruncated = true;
-    variable.maxStringLength = length;
-  }
-}
-
 void DetectionCounters::Merge(const TxtWzVar& from, TxtWzVar& into) {
   into.width = std::max(into.width, from.width);
   into.decimals = std::max(into.decimals, from.decimals);

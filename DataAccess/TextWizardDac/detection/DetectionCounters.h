@@ -10,6 +10,7 @@
 #include "detection/RegExMappings.h"
 #include "detection/ValueClassifier.h"
 #include "detection/VariableWidening.h"
+#include "model/FormatCode.h"
 #include "model/ImportSettings.h"
 #include "model/TxtWzVar.h"
 
@@ -64,6 +65,11 @@ class DetectionCounters {
   CountedAs Count(std::string_view field, TxtWzVar& variable) {
     // Most strings show by their first byte that they are nothing else.
     const unsigned possible = classifier_.PossibleClasses(field);
+    if (possible == 0 && !rules_.multipleSpaces) {
+      order_ = DayAndMonth::kNone;
+      CountString(field, variable);
+      return CountedAs::kString;
+    }
     // Digits and a point are a number in every respect that matters here.
     std::size_t point = 0;
     if ((possible & ValueClassifier::kPlainNumber) == 0 || rules_.swapDecimal ||
@@ -114,5 +120,28 @@ class DetectionCounters {
   DayAndMonth order_ = DayAndMonth::kNone;
   NumberForms forms_;
 };
+
+inline void DetectionCounters::CountString(std::string_view field, TxtWzVar& variable) const {
+  // Never a blank text: that is a number.
+  ++variable.stringCount;
+  const std::uint32_t length =
+      static_cast<std::uint32_t>(std::min<std::size_t>(field.size(), kMaxStringWidth + 1));
+  if (rules_.pass == DetectionPass::kSampling) {
+    // Measured against the width, so the latest such length stays and not the longest.
+    if (length > kMaxStringWidth) {
+      variable.maxStringLength = kMaxStringWidth;
+    } else if (variable.width < length) {
+      variable.maxStringLength = length;
+    }
+    return;
+  }
+  if (length > kMaxStringWidth) {
+    variable.maxStringLength = kMaxStringWidth;
+  } else if (length > variable.maxStringLength) {
+    // On a worker the flag says that lengths vary.
+    if (variable.maxStringLength != 0) variable.stringTruncated = true;
+    variable.maxStringLength = length;
+  }
+}
 
 }  // namespace textwizard
