@@ -72,6 +72,7 @@ int MergeFiles(const ImportOptions& options, const std::vector<library::FilePart
                                     std::int64_t /*shownMark*/, library::PartSummary* values,
                                     std::string* why) {
     // Found in another way among the other files: it is read again.
+    if (!library::HoldsFor(summaries[file], rewriting, why)) return false;
     return library::ValuesOfSummary(summaries[file], data, rewriting, values) ||
            library::SummarizeFile(data, values, why);
   };

@@ -1,6 +1,8 @@
 #include "library/import/BareImport.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -36,6 +38,7 @@ class Understanding {
   bool CutIt();
   bool NameAll();
   bool ReadData();
+  std::int64_t GuessedOffset() const;
   bool Summarize(const RewritingOptions& rewriting, QuotePosition* totals);
   bool SettleRewriting(const QuotePosition& totals);
   bool Clashes(const QuotePosition& totals) const;
@@ -130,13 +133,25 @@ bool Understanding::NameAll() {
          ReadGivenTypes(settings_.types, &import_.columns, &given_, &problem_);
 }
 
+// Where how the quotes stand is to be found by trying: behind the head of the file.
+std::int64_t Understanding::GuessedOffset() const {
+  std::error_code failed;
+  const std::uintmax_t bytes = std::filesystem::file_size(path_, failed);
+  if (!settings_.readsFrom || failed) return 0;
+  const std::int64_t from = settings_.readsFrom(static_cast<std::int64_t>(bytes));
+  const auto data = static_cast<std::int64_t>(import_.sniff.firstDataOffset);
+  return from > data ? from + static_cast<std::int64_t>(cut_.shownMark.size()) : 0;
+}
+
 // Reads all values once, the file shown with such rewriting.
 bool Understanding::Summarize(const RewritingOptions& rewriting, QuotePosition* totals) {
   textwizard::ImportSettings& cut = cut_.cut.settings;
   cut.keepsStrayQualifiers = rewriting.keepStrayQualifiers;
   std::unique_ptr<ShownFile> shown;
   if (rewriting.RewritesBytes() || !cut_.shownMark.empty()) {
-    shown = ShownFile::Show({path_, cut_.shownMark, rewriting, standIns_}, cut, &problem_);
+    shown = ShownFile::Show(
+        {path_, cut_.shownMark, rewriting, standIns_, std::nullopt, GuessedOffset()}, cut,
+        &problem_);
     if (shown == nullptr) return false;
   }
   const SniffResult& sniff = import_.sniff;
@@ -145,6 +160,11 @@ bool Understanding::Summarize(const RewritingOptions& rewriting, QuotePosition* 
   summary.cut = cut_.cut;
   summary.nulls = settings_.nulls;
   summary.standIns = shown != nullptr ? shown->standIns() : nullptr;
+  if (summary.standIns != nullptr) {
+    summary.quotesAt = [&shown](std::int64_t offset, QuotePosition* position) {
+      return shown->PositionAt(offset, position);
+    };
+  }
   const auto mark = static_cast<std::int64_t>(cut_.shownMark.size());
   summary.begin = static_cast<std::int64_t>(sniff.firstDataOffset) + mark;
   summary.end = static_cast<std::int64_t>(sniff.dataEndOffset) + mark;
@@ -173,7 +193,10 @@ bool Understanding::Summarize(const RewritingOptions& rewriting, QuotePosition* 
   if (!read) return false;
   import_.summary = std::move(whole);
   *totals = {};
-  if (shown != nullptr && !settings_.firstLook && !shown->Totals(totals)) {
+  if (import_.summary.quotes) {
+    *totals = *import_.summary.quotes;
+    import_.summary.quotes.reset();
+  } else if (shown != nullptr && !settings_.firstLook && !shown->Totals(totals)) {
     problem_ = "reading the file failed";
     return false;
   }

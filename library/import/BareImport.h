@@ -52,6 +52,8 @@ struct BareImportSettings {
   std::function<bool(const FileSummarySettings& data, const RewritingOptions& rewriting,
                      std::int64_t shownMark, PartSummary* summary, std::string* problem)>
       summarize;
+  // Where in a file of so many bytes `summarize` begins to read; without it at the beginning.
+  std::function<std::int64_t(std::int64_t bytes)> readsFrom;
   // Told now and then how many bytes of how many were read.
   std::function<void(std::int64_t bytes, std::int64_t size)> progress;
   // Told now and then, while all values are read: the columns, their types and the summary as the

@@ -33,6 +33,24 @@ std::string CutText(const FileSummarySettings& data) {
 // Which part, of a file of so many bytes.
 using PartOfFile = std::function<PartRange(std::int64_t fileBytes)>;
 
+// The walk over the lines of a part.
+bool CountQuotes(const FileSummarySettings& data, const PartLines& lines, PartSummary* values) {
+  if (lines.end < 0) return true;
+  QuotePosition before;
+  QuotePosition behind;
+  if (!data.quotesAt(lines.begin, &before) || !data.quotesAt(lines.end, &behind)) return false;
+  QuotePosition& quotes = values->quotes.emplace();
+  quotes.state = behind.IsOpen() ? QuotePosition::kQualified : QuotePosition::kStart;
+  quotes.joinedLines = behind.joinedLines - before.joinedLines;
+  quotes.escapes = behind.escapes - before.escapes;
+  quotes.strays = behind.strays - before.strays;
+  quotes.longestJoin = behind.longestJoin;
+  quotes.feeds = behind.feeds - before.feeds;
+  quotes.returns = behind.returns - before.returns;
+  quotes.removed = behind.removed - before.removed;
+  return true;
+}
+
 // Reads the lines that begin in one part.
 bool ReadPart(const FileSummarySettings& data, const PartOfFile& partOf,
               const RewritingOptions& rewriting, std::int64_t shownMark, FilePartSummary* summary,
@@ -44,6 +62,7 @@ bool ReadPart(const FileSummarySettings& data, const PartOfFile& partOf,
   }
   summary->fileBytes = stream.Size() - shownMark;
   summary->range = partOf(summary->fileBytes);
+  summary->shownMark = shownMark;
   summary->rewriting = rewriting;
   summary->cut = CutText(data);
   // A mark that the file lacks stands in front of its first byte.
@@ -55,6 +74,10 @@ bool ReadPart(const FileSummarySettings& data, const PartOfFile& partOf,
     return false;
   }
   summary->values = PartSummary(ColumnsOf(data.cut));
+  if (data.quotesAt && !CountQuotes(data, summary->lines, &summary->values)) {
+    *problem = "reading the file failed";
+    return false;
+  }
   // No line begins in it.
   if (summary->lines.lines == 0 && summary->lines.units == 0) return true;
   FileSummarySettings part = data;
@@ -63,7 +86,10 @@ bool ReadPart(const FileSummarySettings& data, const PartOfFile& partOf,
   part.beginsInLine = shown.from > data.begin;
   part.linesBefore = 0;
   part.progress = nullptr;
-  return SummarizeFile(part, &summary->values, problem);
+  const std::optional<QuotePosition> quotes = summary->values.quotes;
+  if (!SummarizeFile(part, &summary->values, problem)) return false;
+  summary->values.quotes = quotes;
+  return true;
 }
 
 bool CheckState(const FilePartSummary& summary, std::string* problem) {
@@ -82,14 +108,17 @@ bool Summarize(const std::string& name, const PartOfFile& partOf, InputFiles& fi
     return false;
   }
   BareImportSettings own = settings;
+  own.readsFrom = [&](std::int64_t bytes) { return partOf(bytes).from; };
+  bool isRead = false;
   own.summarize = [&](const FileSummarySettings& data, const RewritingOptions& rewriting,
-                      std::int64_t shownMark, PartSummary* values, std::string* why) {
-    if (!ReadPart(data, partOf, rewriting, shownMark, summary, why)) return false;
-    *values = summary->values;
-    return true;
+                      std::int64_t shownMark, PartSummary* /*values*/, std::string* why) {
+    isRead = ReadPart(data, partOf, rewriting, shownMark, summary, why);
+    // What comes of it is found by whoever has all parts.
+    return false;
   };
   BareImport import;
-  return UnderstandFile(name, files, own, &import, problem) && CheckState(*summary, problem);
+  UnderstandFile(name, files, own, &import, problem);
+  return isRead && CheckState(*summary, problem);
 }
 
 }  // namespace
@@ -122,6 +151,16 @@ bool ValuesOfSummary(const FilePartSummary& summary, const FileSummarySettings& 
   return true;
 }
 
+bool HoldsFor(const FilePartSummary& summary, const RewritingOptions& rewriting,
+              std::string* problem) {
+  const bool joined = summary.values.quotes && summary.values.quotes->joinedLines > 0;
+  if (summary.parts == 1 || rewriting.joinQuotedLines || !joined) return true;
+  *problem =
+      "a quote is never closed, or only far behind it, so its line ends are not within quotes, "
+      "which the parts cannot know: the file is one part";
+  return false;
+}
+
 bool UnderstandParts(const FilePartSummary& summary, InputFiles& files,
                      const BareImportSettings& settings, BareImport* import, std::string* problem) {
   if (!summary.isWhole()) {
@@ -134,6 +173,7 @@ bool UnderstandParts(const FilePartSummary& summary, InputFiles& files,
   own.summarize = [&](const FileSummarySettings& data, const RewritingOptions& rewriting,
                       std::int64_t /*shownMark*/, PartSummary* values, std::string* why) {
     // What was tried in vain by those who read the parts is not in the summaries.
+    if (!HoldsFor(summary, rewriting, why)) return false;
     return ValuesOfSummary(summary, data, rewriting, values) || SummarizeFile(data, values, why);
   };
   return UnderstandFile(summary.file, files, own, import, problem);

@@ -27,6 +27,12 @@ bool SummarizeFilePart(const std::string& name, const PartRange& part, InputFile
 bool UnderstandParts(const FilePartSummary& summary, InputFiles& files,
                      const BareImportSettings& settings, BareImport* import, std::string* problem);
 
+// Whether the lines of parts were cut as they are where the file is shown with such rewriting.
+// False, with a sentence (UTF-8), where line ends were taken for those of values in vain: then what
+// stands before a part cannot be told from the summaries.
+bool HoldsFor(const FilePartSummary& summary, const RewritingOptions& rewriting,
+              std::string* problem);
+
 // What the summary of all parts of a file says of its data, which is shown with such rewriting.
 // False where it was made of the file as somebody else has it cut or shown: then nobody has read
 // the data yet.

@@ -1,5 +1,8 @@
 #include "library/import/BareParts.h"
 
+#include <algorithm>
+#include <atomic>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -7,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "HostFramework/embedded/data/StreamDevice.h"
 #include "HostFramework/embedded/text/testing/TextTest.h"
 #include "library/parts/testing/PartFiles.h"
 #include "library/parts/testing/RandomParts.h"
@@ -16,6 +20,7 @@
 namespace library {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 
 struct Understood {
@@ -221,6 +226,119 @@ TEST_F(BarePartsTest, BytesThatAreNoSummaryAreRefused) {
     broken[random() % broken.size()] = static_cast<char>(random());
     ReadSummary(broken, &summary);
   }
+}
+
+// Counts what is read of all files while it lives.
+class ReadBytes {
+ public:
+  ReadBytes() {
+    before_ = embedded::SetStreamDeviceOpener([this](const char* path) {
+      return std::make_unique<Counting>(embedded::OpenPosixDevice(path), bytes_);
+    });
+  }
+  ~ReadBytes() { embedded::SetStreamDeviceOpener(before_); }
+  std::int64_t bytes() const { return bytes_; }
+
+ private:
+  class Counting : public embedded::StreamDevice {
+   public:
+    Counting(std::unique_ptr<embedded::StreamDevice> file, std::atomic<std::int64_t>& bytes)
+        : file_(std::move(file)), bytes_(bytes) {}
+    std::ptrdiff_t ReadAt(std::int64_t offset, char* buffer, std::size_t bytes) override {
+      const std::ptrdiff_t got = file_->ReadAt(offset, buffer, bytes);
+      bytes_ += std::max<std::ptrdiff_t>(got, 0);
+      return got;
+    }
+    std::int64_t Size() const override { return file_->Size(); }
+    std::unique_ptr<embedded::StreamDevice> Duplicate() const override {
+      return std::make_unique<Counting>(file_->Duplicate(), bytes_);
+    }
+
+   private:
+    const std::unique_ptr<embedded::StreamDevice> file_;
+    std::atomic<std::int64_t>& bytes_;
+  };
+
+  std::atomic<std::int64_t> bytes_{0};
+  embedded::StreamDeviceOpener before_;
+};
+
+std::string ManyQuoted(int rows) {
+  std::string text = "id,text,n\n";
+  for (int i = 1; i <= rows; ++i) {
+    text += std::to_string(i) + ",\"a" + (i % 4 == 0 ? "\n" : " ") + "b, " +
+            std::string(static_cast<std::size_t>(i % 90), 'x') + "\"," + std::to_string(i % 50) +
+            "\n";
+  }
+  return text;
+}
+
+TEST_F(BarePartsTest, OfAFileWithLineBreaksWithinQuotesCostTheirBytes) {
+  const std::string text = ManyQuoted(400'000);
+  const std::string path = folder_.Write("quoted.csv", text);
+  constexpr std::int64_t kParts = 40;
+  const auto size = static_cast<std::int64_t>(text.size());
+  ASSERT_GT(size, 20'000'000);
+  FilePartSummary merged = Part(path, 1, kParts);
+  for (std::int64_t number = 2; number <= kParts; ++number) {
+    const ReadBytes read;
+    FilePartSummary part = Part(path, number, kParts);
+    // How the file is built is looked at; a megabyte is tried; the part is read for its lines, its
+    // quotes and its values, by blocks of a megabyte at most.
+    EXPECT_LT(read.bytes(), 6 * (size / kParts) + 6'000'000) << "part " << number;
+    std::string problem;
+    ASSERT_TRUE(merged.Append(part, &problem)) << problem;
+  }
+  const ReadBytes read;
+  ExpectSame(Whole(path), Merged(merged), "quoted");
+}
+
+TEST_F(BarePartsTest, ThatBeginWithinALongValueAreNotTaken) {
+  // More lines of a value than are tried, without a quote among them.
+  std::string text = "id,text,n\n";
+  for (int i = 1; i < 100; ++i) text += std::to_string(i) + ",\"a b\"," + std::to_string(i) + "\n";
+  text += "100,\"";
+  const auto begin = static_cast<std::int64_t>(text.size());
+  for (int i = 0; i < 30; ++i) text += std::string(50'000, 'x') + ",y,z\n";
+  text += "\",100\n";
+  for (int i = 101; i < 300; ++i)
+    text += std::to_string(i) + ",\"c\nd\"," + std::to_string(i) + "\n";
+  const std::string path = folder_.Write("long.csv", text);
+  const auto size = static_cast<std::int64_t>(text.size());
+  const auto part = [&](std::int64_t from, std::int64_t to) {
+    embedded::SetCodePage(nullptr);
+    FilePartSummary summary;
+    InputFiles files;
+    std::string problem;
+    EXPECT_TRUE(SummarizeFilePart(path, {from, to}, files, Settings(), &summary, &problem))
+        << problem;
+    return summary;
+  };
+  std::string problem;
+  FilePartSummary merged = part(0, begin + 200'000);
+  EXPECT_FALSE(merged.Append(part(begin + 200'000, size), &problem));
+  EXPECT_THAT(problem, AllOf(HasSubstr("not certain at byte"), HasSubstr("the file is one part")));
+  // Behind it the lines are certain again, and a part within the value has none.
+  FilePartSummary others = part(0, begin + 1'400'000);
+  ASSERT_TRUE(others.Append(part(begin + 1'400'000, size), &problem)) << problem;
+  ExpectSame(Whole(path), Merged(others), "long");
+}
+
+TEST_F(BarePartsTest, OfAFileWhoseQuoteIsNeverClosedAreOnePart) {
+  std::string text = "id,text,n\n";
+  for (int i = 1; i < 400000; ++i) {
+    text +=
+        std::to_string(i) + (i == 250000 ? ",\"open," : ",\"closed\",") + std::to_string(i) + "\n";
+  }
+  const std::string path = folder_.Write("open.csv", text);
+  FilePartSummary merged = Part(path, 1, 2);
+  std::string problem;
+  const bool joins = merged.Append(Part(path, 2, 2), &problem);
+  Understood understood;
+  if (joins) understood = Merged(merged);
+  EXPECT_FALSE(understood.ok);
+  EXPECT_THAT(problem + understood.problem, HasSubstr("the file is one part"));
+  ExpectSame(Whole(path), Merged(Part(path, 1, 1)), "one part");
 }
 
 }  // namespace

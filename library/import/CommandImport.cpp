@@ -72,6 +72,14 @@ void CommandImport::Post(std::string_view hostText, int kind) {
   messages_.Post(hostText, kind);
 }
 
+// What whoever counted the lines before a part knows of the quotes behind them.
+std::optional<QuoteAnchor> CommandImport::KnownQuotes() const {
+  const std::optional<PartOptions::Single>& part = options_.parts.single;
+  if (!part || !part->before || !part->quotes) return std::nullopt;
+  if (part->before->end < 0 || part->before->dataEnds) return std::nullopt;
+  return QuoteAnchor{part->before->end, *part->quotes};
+}
+
 // Shows the component the file of the command as the options ask. A command with a fault of its own
 // is the component's to refuse.
 bool CommandImport::ShowFile(const std::vector<embedded::CommandToken>& tokens) {
@@ -83,9 +91,9 @@ bool CommandImport::ShowFile(const std::vector<embedded::CommandToken>& tokens) 
   const std::unique_ptr<textwizard::TxtWzExecFile> plan = parser.ParseToExecutor();
   if (plan == nullptr) return true;
   std::string problem;
-  shown_ = ShownFile::Show(
-      {files_.Open(parser.GetFile()).path, options_.shownMark, rewriting, options_.standIns},
-      plan->settings, &problem);
+  shown_ = ShownFile::Show({files_.Open(parser.GetFile()).path, options_.shownMark, rewriting,
+                            options_.standIns, KnownQuotes()},
+                           plan->settings, &problem);
   if (shown_ == nullptr) {
     PostError(fmt::format("{}: line breaks and escapes within quotes cannot be kept: {}",
                           parser.GetFile(), problem));

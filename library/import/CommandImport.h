@@ -102,6 +102,7 @@ class CommandImport : private ImportMessages {
   // Counts errors on the way to the messages.
   void Post(std::string_view hostText, int kind) override;
   void PostError(std::string_view text) { Post(text, kMessageError); }
+  std::optional<QuoteAnchor> KnownQuotes() const;
   bool ShowFile(const std::vector<embedded::CommandToken>& tokens);
   bool StartReading(CaseReceiver& receiver);
   bool MakeIterator();

@@ -48,7 +48,11 @@ class Planning {
     if (known != nullptr) before = *known;
     if (known == nullptr && !Count({0, part.from}, &before)) return false;
     PartLines lines;
-    if (!Count(part, &lines)) return false;
+    // Whoever counted what stands before has found where the next line begins.
+    const bool knowsLine = known != nullptr && known->end >= std::max(part.from, start_.byte + 1);
+    if (knowsLine ? !counter_.CountFrom(known->end, part.to, &lines) : !Count(part, &lines)) {
+      return false;
+    }
     const auto own = StretchOf(lines, before);
     if (!own) {
       *plan = {part.from, part.from, {}};

@@ -17,6 +17,8 @@ struct FileSummarySettings {
   std::vector<std::string> nulls;
   // Those that the file is shown with; null where it is shown as it is.
   const StandIns* standIns = nullptr;
+  // How the walk over the quotes stands in front of a shown byte; null where it is shown as it is.
+  std::function<bool(std::int64_t offset, QuotePosition* position)> quotesAt;
   // The bytes that hold the data: the lines that begin in them. The line that `begin` lies in is
   // one of them where it begins there, or unless `beginsInLine`.
   std::int64_t begin = 0;

@@ -62,6 +62,17 @@ bool LineCounter::Count(std::int64_t from, std::int64_t to, bool atStart, PartLi
   if (atStart ? !reader_.SeekTo(from) : !SeekToLine(from, to, stream_, reader_)) {
     return !stream_.ReadFailed() && !reader_.failed();
   }
+  return CountLines(to, atStart, lines);
+}
+
+bool LineCounter::CountFrom(std::int64_t from, std::int64_t to, PartLines* lines) {
+  lines->unitsPerCase = unitsPerCase_;
+  if (from >= to) return true;
+  return reader_.SeekTo(from) && CountLines(to, false, lines);
+}
+
+bool LineCounter::CountLines(std::int64_t to, bool first, PartLines* lines) {
+  if (reader_.position() < to) lines->begin = reader_.position();
   while (reader_.position() < to) {
     const PartLines::Start start{lines->units, reader_.nextLine() - 1, reader_.position()};
     if (!reader_.Read(true)) {
@@ -69,10 +80,11 @@ bool LineCounter::Count(std::int64_t from, std::int64_t to, bool atStart, PartLi
       break;
     }
     // What stands before the data is read with its first line.
-    const bool isFirst = atStart && start.byte == from;
+    const bool isFirst = first && start.byte == lines->begin;
     if (isFirst || !LooksMarked()) lines->AddStart(start);
     lines->units += UnitsOfRecord();
   }
+  if (lines->begin >= 0) lines->end = reader_.position();
   lines->lines = reader_.nextLine() - 1;
   return !reader_.failed();
 }

@@ -47,6 +47,8 @@ class LineCounter {
   // last line, which may be long; a part in which no line begins costs its bytes. False when the
   // file cannot be read.
   bool Count(std::int64_t from, std::int64_t to, bool atStart, PartLines* lines);
+  // The same where a line begins at `from` that is not the first of the data.
+  bool CountFrom(std::int64_t from, std::int64_t to, PartLines* lines);
   // Reads the lines that begin at `from`, where one does, and before `to`, until `units` units are
   // read; *end is then behind the line that the last of them is in. Returns how many units are
   // left: 0 when they end with the line, fewer when that has more, more when `to` comes before.
@@ -55,6 +57,7 @@ class LineCounter {
   bool failed() const { return reader_.failed(); }
 
  private:
+  bool CountLines(std::int64_t to, bool first, PartLines* lines);
   std::int64_t UnitsOfRecord();
   bool LooksMarked() const;
 

@@ -26,6 +26,8 @@ void PartLines::Append(const PartLines& next) {
   for (const Start& start : next.starts) {
     AddStart({units + start.units, lines + start.lines, start.byte});
   }
+  if (begin < 0) begin = next.begin;
+  if (next.end >= 0) end = next.end;
   lines += next.lines;
   units += next.units;
   dataEnds = next.dataEnds;

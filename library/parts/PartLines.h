@@ -27,6 +27,10 @@ struct PartLines {
   std::int64_t units = 0;
   // The data ends in the part, whatever bytes follow.
   bool dataEnds = false;
+  // Where the first line that begins in the part does, and where the line behind its last one will;
+  // -1 where no line begins in it.
+  std::int64_t begin = -1;
+  std::int64_t end = -1;
   // The first start for each remainder of its units by those of a case, in the order of the file.
   std::vector<Start> starts;
 

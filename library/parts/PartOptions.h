@@ -6,6 +6,7 @@
 
 #include "library/parts/CasePlan.h"
 #include "library/parts/PartLines.h"
+#include "library/rewriting/QuoteRewriter.h"
 
 namespace library {
 
@@ -18,6 +19,8 @@ struct PartOptions {
     PartRange range;
     // The parts before; null: the file is read to find it.
     std::optional<PartLines> before;
+    // The walk over their lines, where bytes are replaced and it is known.
+    std::optional<QuotePosition> quotes = std::nullopt;
   };
   std::optional<Single> single;
 

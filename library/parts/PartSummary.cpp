@@ -16,6 +16,10 @@ void PartSummary::Append(const PartSummary& next) {
   undecodable.Append(next.undecodable, lines);
   for (std::size_t i = 0; i < columns.size(); ++i) columns[i].Append(next.columns[i], lines);
   for (std::size_t i = 0; i < controls.size(); ++i) controls[i] += next.controls[i];
+  if (next.quotes) {
+    if (!quotes) quotes.emplace();
+    quotes->Append(*next.quotes);
+  }
   records += next.records;
   lines += next.lines;
 }

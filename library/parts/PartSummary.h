@@ -4,9 +4,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "library/rewriting/QuoteRewriter.h"
 #include "library/types/ColumnEvidence.h"
 #include "model/ImportSettings.h"
 
@@ -45,6 +47,9 @@ struct PartSummary {
   // Control characters in the records (host text) but TAB, LF and CR, by number; where line ends
   // may be joined.
   std::array<std::int64_t, 32> controls{};
+  // Of a part of a file in which line ends or escapes are replaced: the walk over its lines, from
+  // the beginning of the first to the end of the last.
+  std::optional<QuotePosition> quotes;
   // Of the imported fields, in their order.
   std::vector<ColumnEvidence> columns;
 

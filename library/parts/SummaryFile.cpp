@@ -19,7 +19,7 @@ using nlohmann::json;
 
 // What the bytes begin with, and the version of what follows.
 constexpr char kKind[] = "textwizard summary";
-constexpr int kVersion = 1;
+constexpr int kVersion = 2;
 
 // Texts are of any bytes: they are written as such.
 class Writer {
@@ -88,6 +88,8 @@ void Visit(Summary& summary, Visitor& visit) {
   visit(summary.fileBytes);
   visit(summary.range.from);
   visit(summary.range.to);
+  visit(summary.parts);
+  visit(summary.shownMark);
   visit(summary.rewriting.joinQuotedLines);
   visit(summary.rewriting.backslashEscapes);
   visit(summary.rewriting.keepStrayQualifiers);
@@ -96,7 +98,32 @@ void Visit(Summary& summary, Visitor& visit) {
   visit(summary.lines.lines);
   visit(summary.lines.units);
   visit(summary.lines.dataEnds);
+  visit(summary.lines.begin);
+  visit(summary.lines.end);
   EvidenceFields::OfPart(summary.values, visit);
+}
+
+// Of how the walk stands at the end, what a field that is still open says.
+constexpr auto kOpen = QuotePosition::kQualified;
+
+json QuotesJson(const std::optional<QuotePosition>& quotes) {
+  if (!quotes) return nullptr;
+  return {quotes->IsOpen(),    quotes->joinedLines, quotes->escapes, quotes->strays,
+          quotes->longestJoin, quotes->feeds,       quotes->returns, quotes->removed};
+}
+
+std::optional<QuotePosition> QuotesOf(const json& list) {
+  if (list.is_null()) return std::nullopt;
+  QuotePosition quotes;
+  quotes.state = list.at(0).get<bool>() ? kOpen : QuotePosition::kStart;
+  list.at(1).get_to(quotes.joinedLines);
+  list.at(2).get_to(quotes.escapes);
+  list.at(3).get_to(quotes.strays);
+  list.at(4).get_to(quotes.longestJoin);
+  list.at(5).get_to(quotes.feeds);
+  list.at(6).get_to(quotes.returns);
+  list.at(7).get_to(quotes.removed);
+  return quotes;
 }
 
 }  // namespace
@@ -106,6 +133,13 @@ bool GetFileState(const std::string& path, FileState* state) {
   if (stat(path.c_str(), &file) != 0 || !S_ISREG(file.st_mode)) return false;
   *state = {file.st_size, std::int64_t{file.st_mtim.tv_sec} * 1'000'000'000 + file.st_mtim.tv_nsec};
   return true;
+}
+
+bool FilePartSummary::JoinsLines(const FilePartSummary& next) const {
+  // Nothing was tried where no byte is replaced, or no line has begun.
+  if (!rewriting.RewritesBytes() || lines.dataEnds || lines.end < 0) return true;
+  if (next.lines.begin < 0) return lines.end >= next.range.to + shownMark;
+  return lines.end == next.lines.begin;
 }
 
 bool FilePartSummary::Append(const FilePartSummary& next, std::string* problem) {
@@ -119,10 +153,15 @@ bool FilePartSummary::Append(const FilePartSummary& next, std::string* problem) 
   } else if (range.to != next.range.from) {
     *problem = fmt::format("it begins at byte {} of {}, and byte {} is missing", next.range.from,
                            file, range.to);
+  } else if (!JoinsLines(next)) {
+    *problem = fmt::format(
+        "which line ends of {} lie within quotes is not certain at byte {}: the file is one part",
+        file, range.to);
   } else {
     lines.Append(next.lines);
     values.Append(next.values);
     range.to = next.range.to;
+    parts += next.parts;
     return true;
   }
   return false;
@@ -135,8 +174,8 @@ std::string SummaryBytes(const FilePartSummary& summary) {
   for (const PartLines::Start& start : summary.lines.starts) {
     starts.push_back({start.units, start.lines, start.byte});
   }
-  const std::vector<std::uint8_t> bytes =
-      json::to_cbor(json::array({kKind, kVersion, writer.Take(), std::move(starts)}));
+  const std::vector<std::uint8_t> bytes = json::to_cbor(json::array(
+      {kKind, kVersion, writer.Take(), std::move(starts), QuotesJson(summary.values.quotes)}));
   return {bytes.begin(), bytes.end()};
 }
 
@@ -154,6 +193,7 @@ bool ReadSummary(std::string_view bytes, FilePartSummary* summary) {
       if (place.units < 0) return false;
       summary->lines.AddStart(place);
     }
+    summary->values.quotes = QuotesOf(read.at(4));
     return true;
   } catch (const json::exception&) {
     return false;

@@ -31,6 +31,10 @@ struct FilePartSummary {
   // Bytes of the data file, decompressed.
   std::int64_t fileBytes = 0;
   PartRange range;
+  // Of how many parts.
+  std::int64_t parts = 1;
+  // Bytes of a byte-order mark that the file lacks and is shown with: `lines` counts them.
+  std::int64_t shownMark = 0;
   // How the file was shown when it was summed up, and how its columns were cut.
   RewritingOptions rewriting;
   std::string cut;
@@ -38,6 +42,8 @@ struct FilePartSummary {
   PartSummary values = PartSummary();
 
   bool isWhole() const { return range.from == 0 && range.to == fileBytes; }
+  // Whether lines of `next` begin where those of this end: what each tried by itself was right.
+  bool JoinsLines(const FilePartSummary& next) const;
   // False, with a sentence (UTF-8), when `next` is not what follows in the same file.
   bool Append(const FilePartSummary& next, std::string* problem);
   bool operator==(const FilePartSummary&) const = default;

@@ -26,7 +26,9 @@ bool MergeSummaries(std::vector<FilePartSummary> summaries, FilePartSummary* mer
 }
 
 FilePartSummary LinesAlone(FilePartSummary summary) {
+  const std::optional<QuotePosition> quotes = summary.values.quotes;
   summary.values = PartSummary();
+  summary.values.quotes = quotes;
   summary.cut.clear();
   return summary;
 }
@@ -44,6 +46,7 @@ bool PutBefore(const FilePartSummary& before, PartOptions::Single* part,
     return false;
   }
   part->before = before.lines;
+  part->quotes = before.values.quotes;
   rewriting->joinQuotedLines |= before.rewriting.joinQuotedLines;
   rewriting->backslashEscapes |= before.rewriting.backslashEscapes;
   rewriting->keepStrayQualifiers |= before.rewriting.keepStrayQualifiers;

@@ -62,6 +62,18 @@ class QuoteRewriter::Replacing {
   const std::string_view following_;
 };
 
+void QuotePosition::Append(const QuotePosition& next) {
+  QuotePosition all = next;
+  all.joinedLines += joinedLines;
+  all.escapes += escapes;
+  all.strays += strays;
+  all.longestJoin = std::max(longestJoin, next.longestJoin);
+  all.feeds += feeds;
+  all.returns += returns;
+  all.removed += removed;
+  *this = all;
+}
+
 QuoteRewriter::QuoteRewriter(QuoteRules rules, const StandIns& standIns)
     : rules_(std::move(rules)),
       standIns_(standIns),

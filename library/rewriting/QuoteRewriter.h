@@ -55,6 +55,8 @@ struct QuotePosition {
   // A field is open that only a qualifier closes.
   bool IsOpen() const { return state == kQualified || state == kEscape; }
 
+  // Goes on with the walk over the lines behind, which began anew at a line.
+  void Append(const QuotePosition& next);
   bool operator==(const QuotePosition&) const = default;
 };
 

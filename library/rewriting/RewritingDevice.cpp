@@ -46,43 +46,55 @@ bool WalkTo(const QuoteRewriter& rewriter, StreamDevice& file, std::int64_t from
 
 }  // namespace
 
-QuoteIndex::QuoteIndex(QuoteRewriter rewriter, std::int64_t spacing)
-    : rewriter_(std::move(rewriter)), spacing_(spacing), places_{rewriter_.Begin()} {}
+QuoteIndex::QuoteIndex(QuoteRewriter rewriter, const std::optional<QuoteAnchor>& anchor,
+                       std::int64_t spacing)
+    : rewriter_(std::move(rewriter)),
+      anchor_(anchor ? anchor->offset : 0),
+      spacing_(spacing),
+      places_{anchor ? anchor->position : rewriter_.Begin()} {}
 
 bool QuoteIndex::Find(std::int64_t offset, StreamDevice& file, QuotePosition* position) {
   const std::int64_t mark = rewriter_.rules().markBytes;
-  const auto wanted = static_cast<std::size_t>(offset / spacing_);
+  if (offset < anchor_) {
+    *position = rewriter_.Begin();
+    return WalkTo(rewriter_, file, mark, offset, *position);
+  }
+  const auto wanted = static_cast<std::size_t>((offset - anchor_) / spacing_);
   std::int64_t from = 0;
   {
     const sfGuard guard(mutex_);
     while (places_.size() <= wanted) {
       const auto last = static_cast<std::int64_t>(places_.size()) - 1;
       QuotePosition next = places_.back();
-      if (!WalkTo(rewriter_, file, std::max(last * spacing_, mark), (last + 1) * spacing_, next)) {
+      if (!WalkTo(rewriter_, file, std::max(anchor_ + last * spacing_, mark),
+                  anchor_ + (last + 1) * spacing_, next)) {
         return false;
       }
       places_.push_back(next);
     }
     *position = places_[wanted];
-    from = static_cast<std::int64_t>(wanted) * spacing_;
+    from = anchor_ + static_cast<std::int64_t>(wanted) * spacing_;
   }
   return WalkTo(rewriter_, file, std::max(from, mark), offset, *position);
 }
 
 void QuoteIndex::Note(std::int64_t offset, const QuotePosition& position) {
-  if (offset % spacing_ != 0) return;
+  if (offset <= anchor_ || (offset - anchor_) % spacing_ != 0) return;
   const sfGuard guard(mutex_);
-  if (static_cast<std::int64_t>(places_.size()) * spacing_ == offset) places_.push_back(position);
+  if (anchor_ + static_cast<std::int64_t>(places_.size()) * spacing_ == offset) {
+    places_.push_back(position);
+  }
 }
 
 std::int64_t QuoteIndex::UntouchedUntil(std::int64_t offset) const {
   const auto replacesNothing = [](const QuotePosition& from, const QuotePosition& to) {
     return from.feeds == to.feeds && from.returns == to.returns && from.escapes == to.escapes;
   };
+  if (offset < anchor_) return offset;
   const sfGuard guard(mutex_);
-  auto place = static_cast<std::size_t>(offset / spacing_);
+  auto place = static_cast<std::size_t>((offset - anchor_) / spacing_);
   while (place + 1 < places_.size() && replacesNothing(places_[place], places_[place + 1])) ++place;
-  return std::max(offset, static_cast<std::int64_t>(place) * spacing_);
+  return std::max(offset, anchor_ + static_cast<std::int64_t>(place) * spacing_);
 }
 
 RewritingDevice::RewritingDevice(std::unique_ptr<StreamDevice> file,
@@ -99,6 +111,11 @@ std::ptrdiff_t RewritingDevice::ReadAt(std::int64_t offset, char* buffer, std::s
   const std::int64_t mark = index_->rewriter().rules().markBytes;
   if (offset < mark) {
     return file_->ReadAt(offset, buffer, std::min(bytes, static_cast<std::size_t>(mark - offset)));
+  }
+  // What is before the anchor is walked over by itself.
+  if (offset < index_->anchor()) {
+    bytes = static_cast<std::size_t>(
+        std::min(static_cast<std::int64_t>(bytes), index_->anchor() - offset));
   }
   const std::size_t unit = index_->rewriter().unitBytes();
   const std::size_t into = static_cast<std::size_t>(offset) % unit;
@@ -134,7 +151,8 @@ std::ptrdiff_t RewritingDevice::ReadUnits(std::int64_t offset, char* buffer, std
     if (more < 0) return more;
     got += more;
   }
-  if (offset != place_ && !index_->Find(offset, *file_, &position_)) return -1;
+  const bool goesOn = offset == place_ && offset != index_->anchor();
+  if (!goesOn && !index_->Find(offset, *file_, &position_)) return -1;
 
   // Half a unit at the end of the file is left as it is.
   std::ptrdiff_t whole = got - got % unit;
@@ -181,6 +199,10 @@ std::unique_ptr<StreamDevice> MarkedDevice::Duplicate() const {
 
 JoinedLines::JoinedLines(std::unique_ptr<StreamDevice> file, std::shared_ptr<QuoteIndex> index)
     : file_(std::move(file)), index_(std::move(index)), rewritten_(file_->Duplicate(), index_) {}
+
+bool JoinedLines::PositionAt(std::int64_t offset, QuotePosition* position) {
+  return index_->Find(offset, *file_, position);
+}
 
 bool JoinedLines::AtEnd(QuotePosition* position) {
   return index_->Find(file_->Size(), *file_, position);

@@ -4,7 +4,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "HostFramework/Threads.h"
@@ -13,14 +15,28 @@
 
 namespace library {
 
+// A place in a file, and how the walk stands there. From there on the bytes before it are not
+// needed.
+struct QuoteAnchor {
+  std::int64_t offset = 0;  // a whole number of units, behind the mark
+  QuotePosition position;
+};
+
 // The walk over one file, remembered at intervals, so that it can be taken up anywhere. Any thread:
 // synchronises itself.
 class QuoteIndex {
  public:
   // Bytes between two places that are remembered; even.
-  explicit QuoteIndex(QuoteRewriter rewriter, std::int64_t spacing = std::int64_t{1} << 20);
+  explicit QuoteIndex(QuoteRewriter rewriter, std::int64_t spacing = std::int64_t{1} << 20)
+      : QuoteIndex(std::move(rewriter), {}, spacing) {}
+  // What is asked for at the anchor or behind it is found from there; what is before it, from the
+  // beginning each time.
+  QuoteIndex(QuoteRewriter rewriter, const std::optional<QuoteAnchor>& anchor,
+             std::int64_t spacing = std::int64_t{1} << 20);
 
   const QuoteRewriter& rewriter() const { return rewriter_; }
+  // Where the anchor is; 0 without one.
+  std::int64_t anchor() const { return anchor_; }
   // Where the walk stands in front of byte `offset`: a whole number of units, behind the mark.
   // Reads what it has to from `file`, the file whatever handle of it; at the end of the file it is
   // the position there. False when reading failed.
@@ -33,9 +49,10 @@ class QuoteIndex {
 
  private:
   const QuoteRewriter rewriter_;
+  const std::int64_t anchor_;
   const std::int64_t spacing_;
   mutable sfMutex mutex_;
-  // Place i is in front of i x spacing_ bytes.
+  // Place i is in front of i x spacing_ bytes behind the anchor.
   std::vector<QuotePosition> places_ SF_GUARDED_BY(mutex_);
 };
 
@@ -84,6 +101,8 @@ class JoinedLines {
   JoinedLines(std::unique_ptr<embedded::StreamDevice> file, std::shared_ptr<QuoteIndex> index);
   // In front of byte `offset`; 0 when the file cannot be read there.
   std::int64_t Before(std::int64_t offset);
+  // Where the walk stands in front of byte `offset`; false when the file cannot be read.
+  bool PositionAt(std::int64_t offset, QuotePosition* position);
   // Where the walk stands at the end of the file; false when it cannot be read.
   bool AtEnd(QuotePosition* position);
   // The physical line (from 1) in which line `line` of the rewritten file begins.

@@ -185,5 +185,37 @@ TEST(MarkedDevice, ShowsAMarkInFrontOfTheFile) {
   EXPECT_LT(copy->ReadAt(-1, &byte, 1), 0);
 }
 
+TEST(RewritingDevice, ShowsTheSameFromAKnownPlaceOn) {
+  const std::string text = Text();
+  const std::string expected = Rewritten(text, Rules());
+  const QuoteRewriter rewriter(Rules(), kStandIns);
+  for (std::size_t offset = 1; offset < text.size(); offset += 13) {
+    QuotePosition position = rewriter.Begin();
+    rewriter.Advance({text.data(), offset}, position);
+    const QuoteAnchor anchor{static_cast<std::int64_t>(offset), position};
+    RewritingDevice device(std::make_unique<embedded::MemoryDevice>(text),
+                           std::make_shared<QuoteIndex>(rewriter, anchor, 32));
+    EXPECT_EQ(ReadAll(device, 64), expected) << "known at " << offset;
+    EXPECT_EQ(ReadAll(device, 7), expected) << "known at " << offset;
+  }
+}
+
+TEST(RewritingDevice, WhatIsBeforeAKnownPlaceIsNotReadBehindIt) {
+  QuoteRules rules = Rules();
+  rules.options = {true, false, false};
+  // Wrong where it is known: the place goes for all that is behind it, and for nothing before.
+  const std::string text = "a,\"b\nc\",d\na,\"b\nc\",d\n";
+  QuotePosition inside;
+  inside.state = QuotePosition::kQualified;
+  const std::size_t second = text.find("\na") + 1;
+  RewritingDevice device(
+      std::make_unique<embedded::MemoryDevice>(text),
+      std::make_shared<QuoteIndex>(QuoteRewriter(rules, kStandIns),
+                                   QuoteAnchor{static_cast<std::int64_t>(second), inside}));
+  EXPECT_EQ(ReadAll(device, 4096),
+            "a,\"b\x01"
+            "c\",d\na,\"b\nc\",d\x01");
+}
+
 }  // namespace
 }  // namespace library

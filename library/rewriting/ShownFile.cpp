@@ -8,6 +8,7 @@
 
 #include "HostFramework/Threads.h"
 #include "library/rewriting/Controls.h"
+#include "library/rewriting/QuoteGuess.h"
 
 namespace library {
 namespace {
@@ -125,7 +126,10 @@ std::unique_ptr<ShownFile> ShownFile::Show(const Settings& settings,
   const std::optional<StandIns> standIns =
       settings.standIns ? settings.standIns : Choose(*device, rules.units, problem);
   if (!standIns) return nullptr;
-  auto index = std::make_shared<QuoteIndex>(QuoteRewriter(std::move(rules), *standIns));
+  const QuoteRewriter rewriter(std::move(rules), *standIns);
+  std::optional<QuoteAnchor> anchor = settings.known;
+  if (!anchor && settings.guessAt > 0) anchor = GuessQuotes(rewriter, *device, settings.guessAt);
+  auto index = std::make_shared<QuoteIndex>(rewriter, anchor);
   shown->joined_ = std::make_unique<JoinedLines>(std::move(device), index);
   shown->index_ = index;
   paths.Add({shown.get(), settings.path, settings.mark, std::move(index)});
@@ -133,6 +137,11 @@ std::unique_ptr<ShownFile> ShownFile::Show(const Settings& settings,
 }
 
 ShownFile::~ShownFile() { ShownPaths::Instance().Remove(this); }
+
+bool ShownFile::PositionAt(std::int64_t shown, QuotePosition* position) const {
+  *position = {};
+  return !joined_ || joined_->PositionAt(shown, position);
+}
 
 bool ShownFile::Totals(QuotePosition* totals) const {
   *totals = {};

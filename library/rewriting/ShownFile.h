@@ -26,6 +26,12 @@ class ShownFile {
     RewritingOptions rewriting{};
     // Those to use, where that is known; else they are chosen by reading the whole file.
     std::optional<StandIns> standIns{};
+    // How the quotes stand at a place, where that is known: what is before it need not be read.
+    std::optional<QuoteAnchor> known{};
+    // Reading begins at this shown offset, or a little before it, behind the head of the file: how
+    // the quotes stand there is found by trying (GuessQuotes). 0: at the beginning. What is shown
+    // is that of the whole file only where it turns out that the records begin where they should.
+    std::int64_t guessAt = 0;
   };
 
   // From now on streams that open the path read the file so, in an import with the settings
@@ -54,6 +60,9 @@ class ShownFile {
   std::int64_t PhysicalLine(std::int64_t line) const {
     return joined_ ? joined_->PhysicalLine(line) : line;
   }
+  // How the walk stands in front of a shown offset; as at the beginning of a file where no byte is
+  // replaced. False when the file cannot be read.
+  bool PositionAt(std::int64_t shown, QuotePosition* position) const;
   // The walk over the whole file: how many lines were joined, and so on. False when it cannot be
   // read.
   bool Totals(QuotePosition* totals) const;

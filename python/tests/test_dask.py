@@ -98,6 +98,20 @@ def test_line_breaks_within_quotes_are_kept(client, tmp_path):
     assert_same(frame.textwizard, whole)
 
 
+def test_a_file_whose_quotes_are_not_certain_is_one_part(client, tmp_path):
+    path = tmp_path / "long.csv"
+    # A value that is longer than what is tried of a part, in which it looks like lines of data.
+    path.write_text("id,text,n\n" + "".join(f'{i},"a b",{i}\n' for i in range(100))
+                    + '100,"' + 30 * ("x" * 50_000 + ",y,z\n") + '",100\n'
+                    + "".join(f'{i},"a{chr(10)}b",{i}\n' for i in range(101, 200)))
+    whole = textwizard.read(path)
+    with pytest.warns(textwizard.ImportWarning, match="one part: .*not certain at byte"):
+        frame = textwizard.dask.read(path, client, 300_000)
+    assert frame.npartitions == 1
+    assert_same(frame.textwizard, whole)
+    assert frame.compute()["n"].tolist() == list(range(200))
+
+
 def test_times_beyond_nanoseconds_are_an_error_or_objects(client, tmp_path):
     path = tmp_path / "old.csv"
     path.write_text("n,day\n" + "".join(f"{i},{1600 + i}-01-02\n" for i in range(300)))

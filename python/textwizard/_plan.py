@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import json
 import os
+import warnings
 from collections.abc import Callable
 from typing import Any, Optional
 
@@ -10,7 +11,7 @@ import pandas
 
 from . import _native, _parts
 from ._columns import Columns
-from ._errors import Error, FileError
+from ._errors import Error, FileError, ImportWarning, SettingError
 from ._parts import Part, Source
 
 Run = Callable[..., list[Any]]
@@ -98,6 +99,10 @@ def _part_count(source: Source, part_bytes: int, file_options: dict[str, Any],
     return 1 if data_bytes != source.size else -(-data_bytes // part_bytes)
 
 
+def _warn_of_one_part(source: Source, error: Error) -> None:
+    warnings.warn(f"{source.path} is read as one part: {error}", ImportWarning, stacklevel=6)
+
+
 class OneFile(Plan):
     """Of one file: raises what it cannot be read for."""
 
@@ -105,11 +110,22 @@ class OneFile(Plan):
                  options: dict[str, Any], run: Run) -> None:
         super().__init__([source], options)
         count = _part_count(source, part_bytes, file_options, options)
-        summaries = run(_parts.summarize, [(source, number, count, file_options, options)
-                                           for number in range(1, count + 1)])
-        _parts.check(source)
-        whole = _native.merge_summaries(summaries, False)
-        opened = _native.open_summary(whole, file_options, options, None)
+
+        def understood(count: int) -> tuple[list[bytes], bytes, _native.Import]:
+            summaries = run(_parts.summarize, [(source, number, count, file_options, options)
+                                               for number in range(1, count + 1)])
+            _parts.check(source)
+            whole = _native.merge_summaries(summaries, False)
+            return summaries, whole, _native.open_summary(whole, file_options, options, None)
+
+        try:
+            summaries, whole, opened = understood(count)
+        except (FileError, SettingError) as error:
+            _parts.check(source)
+            if count == 1:
+                raise
+            _warn_of_one_part(source, error)
+            summaries, whole, opened = understood(1)
         self.command = opened.command()
         self.reading = opened.reading()
         self.dictionary = opened.dictionary()
@@ -143,7 +159,20 @@ class DataSet(Plan):
         for file, summary in zip(owners, run(_parts.summarize_if_fit, calls)):
             parts[file].append(summary)
         summaries = [[] if None in of_file else of_file for of_file in parts]
-        whole = [_native.merge_summaries(of_file, False) for of_file in summaries if of_file]
+        whole = []
+        again = []
+        for file, of_file in enumerate(summaries):
+            try:
+                if of_file:
+                    whole.append(_native.merge_summaries(of_file, False))
+            except SettingError as error:
+                _parts.check(sources[file])
+                _warn_of_one_part(sources[file], error)
+                again.append(file)
+        for file, summary in zip(again, run(_parts.summarize, [
+                (sources[file], 1, 1, file_options, options) for file in again])):
+            summaries[file] = [summary]
+            whole.append(summary)
         opened = _native.open_data_set([os.fsencode(path) for path in paths], whole, set_options,
                                        file_options, options)
         self.warnings = opened["warnings"]
