@@ -124,6 +124,7 @@ std::vector<CharacterRange> ColumnsOfRuns(const std::vector<std::string_view>& l
                                           const std::vector<std::string_view>& above,
                                           const std::vector<CharacterRange>& runs) {
   std::vector<bool> rightAligned;
+  rightAligned.reserve(runs.size());
   for (const CharacterRange& run : runs) rightAligned.push_back(IsRightAligned(lines, run));
   const std::vector<std::string_view> names = LinesOfNames(above, runs, rightAligned);
   std::vector<CharacterRange> columns = WithEmptyColumns(names, runs);

@@ -38,6 +38,13 @@ constexpr std::size_t kRowsARegion = 40;
 // Records that are looked at for blanks behind delimiters.
 constexpr std::size_t kRowsForBlanks = 200;
 
+// Characters of ASCII that a person sees, and the blanks and line ends between them.
+bool IsPlainText(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char byte) {
+    return (byte >= ' ' && byte <= '~') || byte == '\t' || byte == '\r' || byte == '\n';
+  });
+}
+
 class Sniffing {
  public:
   Sniffing(ByteSource& source, const SniffSettings& settings, SniffResult* result,
@@ -106,11 +113,9 @@ bool Sniffing::ReadText() {
       encoding_.converter.starts_with("UTF-16") || encoding_.converter.starts_with("UTF-32");
   std::string text(head.substr(0, kFileHeadBytes));
   const std::size_t size = text.size();
-  // Zero bytes in what is text otherwise are dropped when it is read.
-  if (const std::size_t left = size - static_cast<std::size_t>(std::erase(text, '\0'));
-      2 * left < size) {
-    text = head.substr(0, kFileHeadBytes);
-  }
+  // Zero bytes are dropped when the file is read; where most are such, only plain text is one.
+  const std::size_t left = size - static_cast<std::size_t>(std::erase(text, '\0'));
+  if (2 * left < size && (left == 0 || !IsPlainText(text))) text = head.substr(0, kFileHeadBytes);
   if (const std::size_t controls = ControlsBeyondText(text); controls > 0 && !wide) {
     problem_ = fmt::format("it is no text file: {} of its first {} bytes are control characters",
                            controls, size);

@@ -176,6 +176,16 @@ TEST_F(SnifferTest, NulsInATextAreDropped) {
   EXPECT_EQ(result.firstDataLine.value, 2);
 }
 
+TEST_F(SnifferTest, PlainTextBehindManyNulsIsTaken) {
+  const std::string nuls(4000, '\0');
+  const SniffResult result = Sniffed(nuls + std::string(kPlain));
+  EXPECT_EQ(result.delimiter.value, ",");
+  EXPECT_EQ(result.columns.size(), 4U);
+  EXPECT_THAT(Refusal(nuls), HasSubstr("control characters"));
+  EXPECT_THAT(Refusal(nuls + std::string(90, '\xFF')), HasSubstr("control characters"));
+  EXPECT_THAT(Refusal(nuls + "a\x02" + std::string(90, 'b')), HasSubstr("control characters"));
+}
+
 TEST_F(SnifferTest, MixedLineEndsAreTold) {
   const SniffResult result = Sniffed("a,b\r\n1,2\n3,4\r5,6\r\n");
   EXPECT_EQ(result.lineEnd.value, LineEnd::kMixed);
