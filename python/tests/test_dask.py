@@ -275,11 +275,12 @@ class Commands:
 
 def test_a_scheduler_that_dies_is_an_error_and_a_second_run_finishes(survey, tmp_path):
     folder = tmp_path / "out"
-    with dask.config.set({"distributed.comm.timeouts.connect": "3s",
-                          "distributed.comm.retry.count": 0}):
-        commands = Commands(tmp_path)
-        try:
-            client = commands.connect()
+    commands = Commands(tmp_path)
+    try:
+        client = commands.connect()
+        # Once it is gone it is given up soon.
+        with dask.config.set({"distributed.comm.timeouts.connect": "3s",
+                              "distributed.comm.retry.count": 0}):
             with concurrent.futures.ThreadPoolExecutor(1) as pool:
                 work = pool.submit(textwizard.dask.convert, survey, folder, "csv", client, "400B")
                 while not work.done() and not list(pathlib.Path(folder).glob("part-*")):
@@ -288,8 +289,8 @@ def test_a_scheduler_that_dies_is_an_error_and_a_second_run_finishes(survey, tmp
                 with pytest.raises(textwizard.dask.SchedulerLost, match="do this again"):
                     work.result()
             client.close(timeout=1)
-        finally:
-            commands.stop()
+    finally:
+        commands.stop()
     assert not (folder / "manifest.json").exists()
     kept = {path.name: path.stat().st_ino for path in folder.glob("part-*")}
     assert kept
