@@ -1,6 +1,8 @@
 // The options of `textwizard run` that set the host: decimal character, code pages, workers, seed.
 
 #include <algorithm>
+#include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -196,14 +198,16 @@ TEST_F(RunWorkers, TheNumberOfWorkersChangesNothingButTheThreads) {
   EXPECT_THAT(first, StartsWith("n,s\n0,a text\n1,a text\n"));
 }
 
-TEST_F(RunWorkers, FixedColumnsAreReadOnOneThread) {
+TEST_F(RunWorkers, FixedColumnsAreReadByThemButForVeryLongCases) {
   folder_.Write("f.txt", "12ab\n34cd\n");
-  const Ended ended = Quiet(
-      "GET DATA /TYPE=TXT /FILE='f.txt' /ARRANGEMENT=FIXED /FIXCASE=1 /VARIABLES=/1 n 0-1 F2.0"
-      " s 2-3 A2.",
-      {"--stats", "--workers", "4"});
-  EXPECT_EQ(ended.status, 0) << ended.err;
-  EXPECT_EQ(nlohmann::json::parse(ended.out)["threads"], 1);
+  for (const auto& [lines, threads] : {std::pair("1", 2), std::pair("1001", 1)}) {
+    const Ended ended = Quiet(std::string("GET DATA /TYPE=TXT /FILE='f.txt' /ARRANGEMENT=FIXED") +
+                                  " /FIXCASE=" + lines + " /VARIABLES=/1 n 0-1 F2.0 s 2-3 A2.",
+                              {"--stats", "--workers", "4"});
+    EXPECT_EQ(ended.status, 0) << ended.err;
+    // One batch is converted by one worker.
+    EXPECT_EQ(nlohmann::json::parse(ended.out)["threads"], threads) << lines;
+  }
 }
 
 TEST_F(RunWorkers, AWrongNumberOfWorkersIsWrongUsage) {

@@ -41,6 +41,7 @@ class CaseBatch {
     fNotes.clear();
     fUndecodable.Clear();
     fFailed = false;
+    positions.clear();
     product.reset();
   }
   // Room for `count` cases of `cells` cells each. Throws when there is no memory for it.
@@ -97,6 +98,9 @@ class CaseBatch {
   std::vector<TxtWzVar> counters;
   std::vector<DetectionEvidence> evidence;
   std::int64_t runLines = 0;
+  // For an iterator that goes on by itself anywhere: of each case, the file position of the record
+  // read last for it.
+  std::vector<std::int64_t> positions;
   // For a host that watches, else null: what is to be told of the cases, and what it has made of
   // them.
   std::unique_ptr<WatchedBatch> watched;

@@ -28,7 +28,7 @@ bool SwapsDecimal(int decimalCharacter) {
 
 QANT_TextWizardMultiThreadedManager::QANT_TextWizardMultiThreadedManager(
     const ImportSource& source, QANT_InputCaseIterator& iterator, bool detection,
-    int decimalCharacter)
+    int decimalCharacter, bool anyArrangement)
     : sfThread(1),
       fSource(source),
       fIterator(iterator),
@@ -42,8 +42,9 @@ QANT_TextWizardMultiThreadedManager::QANT_TextWizardMultiThreadedManager(
     rules.swapDecimal = SwapsDecimal(decimalCharacter);
     rules.decimalCharacter = static_cast<char>(decimalCharacter);
   } else {
-    fPlan.Convert();
+    fPlan.Convert(anyArrangement);
     Watch();
+    if (!fPlan.caseIsLine && !fPlan.batchObserver) fPlan.keepsPlaces = fPlan.keepsPositions = true;
   }
 }
 
@@ -51,7 +52,8 @@ void QANT_TextWizardMultiThreadedManager::Watch() {
   ImportObserver* const observer = fSource.observer();
   if (!observer) return;
   if (observer->WantsProblems()) {
-    fTeller = std::make_unique<PassTeller>(*observer, fSource.GetNVariables(), false);
+    const bool fixedColumns = fSource.settings().arrangement == kFixedColumns;
+    fTeller = std::make_unique<PassTeller>(*observer, fSource.GetNVariables(), fixedColumns);
     fPlan.teller = fTeller.get();
     fPlan.keepsPlaces = true;
     fPlan.TakeNulls(observer->NullTexts());
@@ -78,6 +80,16 @@ void QANT_TextWizardMultiThreadedManager::Start() {
   if (!fRing.fFailed.load() && activate()) return;
   fRing.fFailed.store(true);
   fRing.RaiseReaderState(WorkerRing::kEnded);
+}
+
+std::int64_t QANT_TextWizardMultiThreadedManager::recordPosition() const {
+  fHost.Assume();
+  return fTaken.positions[fTaken.taken() - 1];
+}
+
+void QANT_TextWizardMultiThreadedManager::LeaveTelling() {
+  fHost.Assume();
+  EndTelling(false, false);
 }
 
 bool QANT_TextWizardMultiThreadedManager::Seek(long long n) {

@@ -30,16 +30,20 @@ class ImportSource;
 // Every operation but threadMain is called on the host's thread.
 class QANT_TextWizardMultiThreadedManager : public sfThread {
  public:
-  // `decimalCharacter`: the host's, in detection mode, by which numbers are told. Where the file
-  // cannot be opened once more, the pass fails when it is asked for. Throws only when memory runs
-  // out.
+  // `decimalCharacter`: the host's, in detection mode, by which numbers are told. `anyArrangement`:
+  // conversion mode also of cases that are not lines, of which nothing is converted else. Where the
+  // file cannot be opened once more, the pass fails when it is asked for. Throws only when memory
+  // runs out.
   QANT_TextWizardMultiThreadedManager(const ImportSource& source, QANT_InputCaseIterator& iterator,
-                                      bool detection, int decimalCharacter);
+                                      bool detection, int decimalCharacter,
+                                      bool anyArrangement = false);
   // Stops and joins all threads.
   ~QANT_TextWizardMultiThreadedManager() override;
 
   // Starts the reader. Conversion mode, once; detection starts it itself.
   void Start();
+  // The pass has been given up; what had been read before is still delivered.
+  bool failed() const { return fRing.fFailed.load(); }
 
   // False when the host takes cases by the batch.
   bool IsSeekOK() const { return !fPlan.batchObserver; }
@@ -51,6 +55,11 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
     return fCaseNumber;
   }
   void Commit() {}
+  // Of the case delivered last, where cases are not lines and not taken by the batch: the file
+  // position of the record read last for it.
+  std::int64_t recordPosition() const;
+  // The observer is told no more of the pass.
+  void LeaveTelling();
   // Copies the next case into the iterator's case buffer. At the end of the data, and when the pass
   // cannot go on, false; the latter posts one error.
   bool Next();

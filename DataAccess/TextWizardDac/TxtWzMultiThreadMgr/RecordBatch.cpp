@@ -1,6 +1,7 @@
 #include "TxtWzMultiThreadMgr/RecordBatch.h"
 
 #include <new>
+#include <utility>
 
 namespace textwizard {
 
@@ -18,6 +19,16 @@ bool RecordBatch::Begin(std::size_t bytes) {
     fCapacity = bytes;
   }
   fRoom = bytes;
+  return true;
+}
+
+bool RecordBatch::Grow(std::size_t bytes) {
+  std::unique_ptr<char[]> text(new (std::nothrow) char[bytes + kReadableCells]);
+  if (!text) return false;
+  std::memcpy(text.get(), fText.get(), fUsed);
+  std::memset(text.get() + bytes, 0, kReadableCells);
+  fText = std::move(text);
+  fCapacity = fRoom = bytes;
   return true;
 }
 

@@ -24,6 +24,8 @@ class RecordBatch {
   // Starts a batch with room for `bytes` of text; false, and the batch is empty, when there is no
   // memory for it.
   bool Begin(std::size_t bytes);
+  // Empty lines are records from now on. Before the first record.
+  void KeepEmpty() { fKeepsEmpty = true; }
   // Keeps where the records lie in the file from now on, beginning with this batch. Before the
   // first record; throws when there is no memory for it.
   void KeepPlaces() {
@@ -31,20 +33,27 @@ class RecordBatch {
     fPlaces->Clear();
   }
   // Adds a record and a LF; false when it does not fit. Only one that is host text already may be
-  // empty.
+  // empty, unless all may.
   bool Append(std::string_view record) {
     if (record.size() + 1 >= fRoom - fUsed) return false;
+    // The LF of an empty record would belong to a CR.
+    if (record.empty()) {
+      for (std::size_t at = fUsed; at > 0 && fText[at - 1] == '\r'; --at) fText[at - 1] = '\n';
+    }
     std::memcpy(fText.get() + fUsed, record.data(), record.size());
     fUsed += record.size();
     fText[fUsed++] = '\n';
     ++fRecordCount;
     return true;
   }
+  // Makes room for `bytes` of text in all; false, and the batch stays as it is, when there is no
+  // memory for them.
+  bool Grow(std::size_t bytes);
   // Adds the records that `reader` can copy at once, at most `most`, as they stand in the file.
   void AppendRun(RecordReader& reader, std::uint32_t most) {
     std::uint32_t count = 0;
     const std::size_t begin = fUsed;
-    fUsed += reader.ReadRun(fText.get() + fUsed, fRoom - fUsed, most, &count);
+    fUsed += reader.ReadRun(fText.get() + fUsed, fRoom - fUsed, most, &count, fKeepsEmpty);
     fRecordCount += count;
     if (fPlaces && count > 0) {
       fPlaces->AddRun(begin, reader.recordPosition(), reader.nextLine());
@@ -60,12 +69,24 @@ class RecordBatch {
   void End(std::int64_t firstCase, bool decoded, ByteOrderMark mark = ByteOrderMark::kNone) {
     fText[fUsed] = '\0';
     fFirstCase = firstCase;
+    fCaseCount = fRecordCount;
     fDecoded = decoded;
     fMark = mark;
   }
+  // Ends the text of cases that need not be records. Of a case that the data ends in,
+  // `recordPosition` is the file position where its next record was looked for.
+  void SetCases(std::uint32_t count, std::int64_t recordPosition) {
+    fCaseCount = count;
+    fDataEndPosition = recordPosition;
+  }
+  // Forgets the last `count` records.
+  void Drop(std::uint32_t count) { fRecordCount -= count; }
 
   std::string_view text() const { return {fText.get(), fUsed}; }
   std::uint32_t recordCount() const { return fRecordCount; }
+  std::uint32_t caseCount() const { return fCaseCount; }
+  std::int64_t dataEndPosition() const { return fDataEndPosition; }
+  bool keepsEmpty() const { return fKeepsEmpty; }
   std::int64_t firstCase() const { return fFirstCase; }
   bool decoded() const { return fDecoded; }
   // Of the file that decoded records come from.
@@ -85,7 +106,10 @@ class RecordBatch {
   std::size_t fRoom = 0;
   std::size_t fUsed = 0;
   std::uint32_t fRecordCount = 0;
+  std::uint32_t fCaseCount = 0;
   std::int64_t fFirstCase = 0;
+  std::int64_t fDataEndPosition = 0;
+  bool fKeepsEmpty = false;
   bool fDecoded = false;
   ByteOrderMark fMark = ByteOrderMark::kNone;
   std::unique_ptr<RecordPlaces> fPlaces;
@@ -98,6 +122,7 @@ class BatchRecords {
   void Start(const RecordBatch& batch) {
     fText = batch.text();
     fDecoded = batch.decoded();
+    fKeepsEmpty = batch.keepsEmpty();
     fCursor = 0;
     fMarkCount = 0;
   }
@@ -105,12 +130,14 @@ class BatchRecords {
   std::string_view Next() {
     // A record that was decoded may be empty; of a raw one, line ends have been left over that make
     // no record: the LF of a CR LF, and empty lines.
-    if (!fDecoded) {
+    if (!fDecoded && !fKeepsEmpty) {
       while (fText[fCursor] == '\n' || fText[fCursor] == '\r') ++fCursor;
     }
     const std::size_t begin = fCursor;
     const std::size_t end = LineEnd();
     fCursor = end + 1;
+    // There is a byte behind the text.
+    if (fKeepsEmpty && fText.data()[end] == '\r' && fText.data()[end + 1] == '\n') ++fCursor;
     return fText.substr(begin, end - begin);
   }
 
@@ -132,6 +159,7 @@ class BatchRecords {
 
   std::string_view fText;
   bool fDecoded = false;
+  bool fKeepsEmpty = false;
   std::size_t fCursor = 0;
   // Marks of line ends: fMarkCount words of 64 bytes from fFirstMark on.
   std::size_t fFirstMark = 0;

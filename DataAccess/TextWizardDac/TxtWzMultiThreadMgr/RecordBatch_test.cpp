@@ -67,6 +67,60 @@ TEST(RecordBatch, DecodedRecordsMayBeEmpty) {
   EXPECT_EQ(RecordsOf(batch), (std::vector<std::string>{"", "ab", "", "c\r", ""}));
 }
 
+// Of "\r" and a record without text no line end of two bytes is made.
+TEST(RecordBatch, EmptyLinesAreRecordsWhereTheyAreKept) {
+  const embedded::ScopedMemoryFiles files("data.txt", "\nab\r\n\r\n\rcd\n\n\ref\r\rg");
+  QANT_FileStream stream;
+  ASSERT_TRUE(stream.Open("data.txt", "", "rb"));
+  RecordReader reader(stream);
+  RecordBatch batch;
+  ASSERT_TRUE(batch.Begin(100));
+  batch.KeepEmpty();
+  ASSERT_TRUE(batch.Append(""));
+  batch.AppendRun(reader, 3);
+  EXPECT_EQ(batch.recordCount(), 4u);
+  batch.AppendRun(reader, 100);
+  EXPECT_EQ(batch.text().back(), '\r');
+  ASSERT_TRUE(batch.Append(""));
+  ASSERT_TRUE(batch.Append("last"));
+  batch.End(0, false);
+  EXPECT_EQ(RecordsOf(batch),
+            (std::vector<std::string>{"", "", "ab", "", "", "cd", "", "", "ef", "", "", "last"}));
+}
+
+TEST(RecordBatch, ARowOfLineEndsKeepsItsLines) {
+  const embedded::ScopedMemoryFiles files("data.txt", "a\n\r\r\rb");
+  QANT_FileStream stream;
+  ASSERT_TRUE(stream.Open("data.txt", "", "rb"));
+  for (const char* const last : {"", "b"}) {
+    RecordReader reader(stream);
+    RecordBatch batch;
+    ASSERT_TRUE(batch.Begin(100));
+    batch.KeepEmpty();
+    batch.AppendRun(reader, 100);
+    ASSERT_TRUE(batch.Append(last));
+    batch.End(0, false);
+    EXPECT_EQ(RecordsOf(batch), (std::vector<std::string>{"a", "", "", "", last}));
+  }
+}
+
+TEST(RecordBatch, GrowsAroundItsText) {
+  RecordBatch batch;
+  ASSERT_TRUE(batch.Begin(8));
+  ASSERT_TRUE(batch.Append("abc"));
+  EXPECT_FALSE(batch.Append("defg"));
+  ASSERT_TRUE(batch.Grow(16));
+  EXPECT_TRUE(batch.Append("defg"));
+  EXPECT_TRUE(batch.Append("hijk"));
+  EXPECT_FALSE(batch.Append("l"));
+  batch.End(0, false);
+  EXPECT_EQ(RecordsOf(batch), (std::vector<std::string>{"abc", "defg", "hijk"}));
+  EXPECT_EQ(batch.caseCount(), 3u);
+  batch.SetCases(1, 7);
+  EXPECT_EQ(batch.caseCount(), 1u);
+  EXPECT_EQ(batch.dataEndPosition(), 7);
+}
+
 TEST(RecordBatch, LongAndShortRecordsAreWalkedAcrossTheMarks) {
   RecordBatch batch;
   ASSERT_TRUE(batch.Begin(200000));

@@ -75,7 +75,7 @@ void RingReader::ReadFirstRecord() {
 
 void RingReader::ReadRecord() {
   try {
-    fPending = fReader.Read(false);
+    fPending = fReader.Read(fPlan.keepsEmpty);
     if (!fPending) {
       if (fReader.failed()) {
         GiveUp();
@@ -88,6 +88,7 @@ void RingReader::ReadRecord() {
     if (fReader.isUtf16()) fRecord = fDecoder.Decode16(fRecord, fReader.mark());
   } catch (...) {
     // A record that memory cannot hold.
+    fLacksMemory = true;
     GiveUp();
   }
 }
@@ -123,10 +124,14 @@ bool RingReader::FillBatch(const TextDataIteratorThread& worker) {
   }
   try {
     if (fPlan.keepsPlaces) fBatch.KeepPlaces();
-    while (fPending && fBatch.recordCount() < fPlan.maxRecords && AppendPending()) {
-      fBatch.AppendRun(fReader, fPlan.maxRecords - fBatch.recordCount());
+    if (fPlan.keepsEmpty) fBatch.KeepEmpty();
+    fGrown = false;
+    while (fPending && fBatch.recordCount() < fPlan.maxRecords && TakePending()) {
+      fBatch.AppendRun(fReader, RunLimit());
       ReadRecord();
     }
+    // Of a case that could not be read to its end nobody is told.
+    if (fLacksMemory && IsWithinCase()) fBatch.Drop(fBatch.recordCount() % fPlan.recordsPerCase);
   } catch (...) {
     // No memory for the places.
     GiveUp();
@@ -134,7 +139,28 @@ bool RingReader::FillBatch(const TextDataIteratorThread& worker) {
   }
   fOversize = fBatch.recordCount() == 0;
   fBatch.End(fCasesSent, fReader.isUtf16(), fReader.mark());
+  if (!fPlan.caseIsLine) {
+    const std::uint32_t lines = fPlan.recordsPerCase;
+    fBatch.SetCases(fBatch.recordCount() / lines + (IsWithinCase() ? 1 : 0),
+                    fReader.recordPosition());
+  }
   return true;
+}
+
+bool RingReader::TakePending() {
+  const bool within = IsWithinCase();
+  if (fGrown && !within) return false;
+  if (AppendPending()) return true;
+  if (!within) return false;
+  fGrown = true;
+  const std::size_t used = fBatch.text().size();
+  if (!fBatch.Grow(std::max(2 * used, used + fRecord.size() + 2))) throw std::bad_alloc();
+  return AppendPending();
+}
+
+std::uint32_t RingReader::RunLimit() const {
+  if (!fGrown) return fPlan.maxRecords - fBatch.recordCount();
+  return IsWithinCase() ? fPlan.recordsPerCase - fBatch.recordCount() % fPlan.recordsPerCase : 0;
 }
 
 bool RingReader::AppendPending() {
@@ -156,13 +182,13 @@ bool RingReader::SendBatch(TextDataIteratorThread& worker) {
   for (PatientWait wait; state == TextDataIteratorThread::kFreed; state = worker.state()) {
     wait.Pause();
   }
-  const std::uint32_t records = fBatch.recordCount();
+  const std::uint32_t cases = fBatch.caseCount();
   if (state == TextDataIteratorThread::kStopped ||
       fRing.fReaderState.load() != WorkerRing::kReading || !worker.SendBatch(fBatch)) {
     return false;
   }
   ++fInFlight;
-  fCasesSent += records;
+  fCasesSent += cases;
   return true;
 }
 

@@ -44,6 +44,14 @@ class RingReader {
   // memory for it.
   bool FillBatch(const TextDataIteratorThread& worker) SF_REQUIRES(fRole);
   bool AppendPending() SF_REQUIRES(fRole);
+  // The same, with more room where the batch must not end.
+  bool TakePending() SF_REQUIRES(fRole);
+  // The batch ends within a case.
+  bool IsWithinCase() const SF_REQUIRES(fRole) {
+    return fPlan.recordsPerCase > 1 && fBatch.recordCount() % fPlan.recordsPerCase != 0;
+  }
+  // Most records that a run may add.
+  std::uint32_t RunLimit() const SF_REQUIRES(fRole);
   // Hands fBatch to the worker; false when that has been stopped.
   bool SendBatch(TextDataIteratorThread& worker) SF_REQUIRES(fRole);
   // The pass cannot go on: what has been read is delivered, then the host's thread reports it.
@@ -62,6 +70,10 @@ class RingReader {
   std::string_view fRecord SF_GUARDED_BY(fRole);
   // The pending record did not fit an empty batch: the next one is made for it.
   bool fOversize SF_GUARDED_BY(fRole) = false;
+  // The batch was given more room to end its last case.
+  bool fGrown SF_GUARDED_BY(fRole) = false;
+  // There was no memory for the record that follows.
+  bool fLacksMemory SF_GUARDED_BY(fRole) = false;
   // Read while its slot is still being converted.
   RecordBatch fBatch SF_GUARDED_BY(fRole);
   std::int64_t fCasesSent SF_GUARDED_BY(fRole) = 0;

@@ -6,6 +6,7 @@
 #include "HostFramework/Text.h"
 #include "TxtWzMultiThreadMgr/PatientWait.h"
 #include "TxtWzMultiThreadMgr/StoreText.h"
+#include "reading/CaseReading.h"
 #include "reading/ImportSource.h"
 #include "watch/PassTeller.h"
 
@@ -116,7 +117,7 @@ void TextDataIteratorThread::ConvertBatch() {
   fCases.Begin(fRecords.firstCase());
   try {
     PrepareBatch();
-    ConvertRecords();
+    fPlan.caseIsLine ? ConvertRecords() : ConvertCases();
     if (fPlan.batchObserver) MakeProduct();
   } catch (...) {
     // Lack of memory, in whatever form a library reports it.
@@ -132,7 +133,7 @@ void TextDataIteratorThread::PrepareBatch() {
   fTextMarked = false;
   if (fPlan.keepsPlaces) fPlaces.Start(fRecords.places(), fRecords.text());
   if (!fPlan.detection) {
-    fCases.MakeRoom(fRecords.recordCount(), fPlan.caseBytes / sizeof(OBS));
+    fCases.MakeRoom(fRecords.caseCount(), fPlan.caseBytes / sizeof(OBS));
     if (fWatch) PrepareWatch();
     return;
   }
@@ -158,9 +159,7 @@ void TextDataIteratorThread::PrepareWatch() {
 void TextDataIteratorThread::ConvertRecords() {
   const bool byteText = fSplitter.CutsByBytes(fRecords.text());
   fBatchRecords.Start(fRecords);
-  const std::int64_t allowed = std::max<std::int64_t>(fPlan.caseLimit - fRecords.firstCase(), 0);
-  const auto count =
-      static_cast<std::uint32_t>(std::min<std::int64_t>(fRecords.recordCount(), allowed));
+  const std::uint32_t count = WantedCases();
   for (; fConvertIndex < count; ++fConvertIndex) {
     const std::string_view raw = StartRecord(byteText);
     const bool goesOn = fPlan.keepsPlaces && fPlaces.Step(raw);
@@ -177,7 +176,17 @@ void TextDataIteratorThread::ConvertRecords() {
   if (fPlan.keepsPlaces) fCases.runLines = fPlaces.runLines();
 }
 
+std::uint32_t TextDataIteratorThread::WantedCases() const {
+  const std::int64_t allowed = std::max<std::int64_t>(fPlan.caseLimit - fRecords.firstCase(), 0);
+  return static_cast<std::uint32_t>(std::min<std::int64_t>(fRecords.caseCount(), allowed));
+}
+
 void TextDataIteratorThread::EndWatched(std::string_view raw) {
+  TakeWatched(raw);
+  fWatch->EndLine(fWatched);
+}
+
+void TextDataIteratorThread::TakeWatched(std::string_view raw) {
   const bool decoded = fRecords.decoded();
   fWatched.place = fPlaces.place();
   fWatched.text = fRecord;
@@ -185,7 +194,6 @@ void TextDataIteratorThread::EndWatched(std::string_view raw) {
   fWatched.mark = decoded ? fRecords.mark() : ByteOrderMark::kNone;
   fWatched.nulsBegin = fPlaces.nulsBegin();
   fWatched.nulsEnd = fPlaces.nulsEnd();
-  fWatch->EndLine(fWatched);
 }
 
 void TextDataIteratorThread::MakeProduct() {
@@ -268,6 +276,100 @@ inline void TextDataIteratorThread::SetColumnValue(std::string_view text, const 
   QANTMBCopyToFixed_A(reinterpret_cast<char*>(cells), static_cast<int>(task.cellWidth), text.data(),
                       static_cast<int>(seen));
   std::memset(cells + task.cellWidth, ' ', task.cellBytes - task.cellWidth);
+}
+
+template <bool kWatched>
+struct TextDataIteratorThread::CaseEngine {
+  TextDataIteratorThread& worker;
+
+  CaseWatch* watch() {
+    worker.fRole.Assume();
+    return kWatched ? worker.fWatch.get() : nullptr;
+  }
+  bool NextRecord(bool /*keepEmpty*/) {
+    worker.fRole.Assume();
+    worker.fHolder.Assume();
+    return worker.NextRecord<kWatched>();
+  }
+  std::uint32_t PositionOf(const FieldTask& task) const { return task.variable; }
+  bool CutColumn(const ColumnTask& task, std::string_view& field) {
+    worker.fRole.Assume();
+    return task.place.Cut(worker.fRecord, field);
+  }
+  void TakeColumn(std::string_view field, const ColumnTask& task) {
+    worker.fRole.Assume();
+    worker.fHolder.Assume();
+    worker.ConvertColumn<kWatched>(field, task);
+  }
+  void StoreMissing(const FieldTask& task, std::uint32_t line) {
+    worker.fRole.Assume();
+    worker.fHolder.Assume();
+    worker.StoreMissing(task, line);
+  }
+};
+
+void TextDataIteratorThread::ConvertCases() {
+  fBatchRecords.Start(fRecords);
+  fRecordsLeft = fRecords.recordCount();
+  const std::uint32_t count = WantedCases();
+  for (; fConvertIndex < count; ++fConvertIndex) {
+    fWatch ? ConvertCase<true>() : ConvertCase<false>();
+    if (fPlan.keepsPositions) fCases.positions.push_back(fRecordPosition);
+  }
+  if (fPlan.keepsPlaces) fCases.runLines = fPlaces.runLines();
+}
+
+template <bool kWatched>
+void TextDataIteratorThread::ConvertCase() {
+  OBS* const nextCase = fCases.Case(fConvertIndex);
+  fCurrentCase = reinterpret_cast<unsigned char*>(nextCase);
+  if (fPlan.clearCases) ClearCase(fPlan.source, nextCase);
+  ReadFixedCase(CaseEngine<kWatched>{*this}, fPlan.columns, fPlan.recordsPerCase,
+                fPlan.unreachable);
+}
+
+template <bool kWatched>
+bool TextDataIteratorThread::NextRecord() {
+  if (fRecordsLeft == 0) {
+    fRecordPosition = fRecords.dataEndPosition();
+    return false;
+  }
+  --fRecordsLeft;
+  const std::string_view raw = fBatchRecords.Next();
+  fRecord = fRecords.decoded() ? raw : fDecoder.Decode8(raw);
+  if (fPlan.keepsPlaces) {
+    fPlaces.Step(raw);
+    fRecordPosition = fPlaces.begin();
+  }
+  if constexpr (kWatched) {
+    TakeWatched(raw);
+    fWatch->TakeRecord(fWatched);
+  }
+  return true;
+}
+
+template <bool kWatched>
+inline void TextDataIteratorThread::ConvertColumn(std::string_view field, const ColumnTask& task) {
+  // A field without a place in memory would pass for none.
+  if (kWatched && field.empty()) field = {"", 0};
+  if (task.use == FieldUse::kString) {
+    SetColumnValue(field, task);
+    if constexpr (kWatched) {
+      // What the format shows behind the column belongs to other columns.
+      field = field.substr(0, task.cellWidth);
+      fWatch->TakeString(task.variable, field, task.cellWidth);
+    }
+  } else {
+    ConvertVar<kWatched>(field, task);
+  }
+  if constexpr (kWatched) fWatch->EndColumn(task.variable, field, task.place.start);
+}
+
+// The flag of a missing number lands by the line's place, as that of one thread does.
+void TextDataIteratorThread::StoreMissing(const FieldTask& task, std::uint32_t line) {
+  if (task.use == FieldUse::kString) return SetColumnValue({"", 0}, task);
+  std::memcpy(fCurrentCase + task.offset, &kSystemMissing, sizeof kSystemMissing);
+  if (line <= fPlan.variableCount) NoteFlag(BatchNote::kMissingStored, line - 1);
 }
 
 template <bool kWatched>

@@ -90,9 +90,26 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   void ConvertBatch() SF_REQUIRES(fRole);
   void PrepareBatch() SF_REQUIRES(fRole, fHolder);
   void ConvertRecords() SF_REQUIRES(fRole, fHolder);
+  // The same where cases are not lines.
+  void ConvertCases() SF_REQUIRES(fRole, fHolder);
+  template <bool kWatched>
+  void ConvertCase() SF_REQUIRES(fRole, fHolder);
+  // What reads one case after another (reading/CaseReading.h) asks for.
+  template <bool kWatched>
+  struct CaseEngine;
+  // Cases of the batch, as many as are wanted.
+  std::uint32_t WantedCases() const SF_REQUIRES(fRole, fHolder);
+  // Goes to the next record of the case in hand; false when the batch has no more.
+  template <bool kWatched>
+  bool NextRecord() SF_REQUIRES(fRole, fHolder);
+  template <bool kWatched>
+  void ConvertColumn(std::string_view field, const ColumnTask& task) SF_REQUIRES(fRole, fHolder);
+  void StoreMissing(const FieldTask& task, std::uint32_t line) SF_REQUIRES(fRole, fHolder);
   void PrepareWatch() SF_REQUIRES(fRole, fHolder);
   // The record has been converted.
   void EndWatched(std::string_view raw) SF_REQUIRES(fRole, fHolder);
+  // fRecord with its place becomes fWatched. `raw`: as it stands in the batch.
+  void TakeWatched(std::string_view raw) SF_REQUIRES(fRole, fHolder);
   void MakeProduct() SF_REQUIRES(fRole, fHolder);
   // Makes fSplitter ready for the next record of the text, which becomes fRecord; returns it as it
   // stands in the batch.
@@ -150,6 +167,9 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   PlaceWalk fPlaces SF_GUARDED_BY(fRole);
   WatchedRecord fWatched SF_GUARDED_BY(fRole);
   std::string_view fRecord SF_GUARDED_BY(fRole);
+  // Where cases are not lines: records of the batch behind it, and where it begins in the file.
+  std::uint32_t fRecordsLeft SF_GUARDED_BY(fRole) = 0;
+  std::int64_t fRecordPosition SF_GUARDED_BY(fRole) = 0;
   std::optional<RegExMappings> fRegEx SF_GUARDED_BY(fRole);
   std::optional<DetectionCounters> fCounters SF_GUARDED_BY(fRole);
   // fSplitter knows the batch text as one of bytes; a record that was decoded makes it forget.

@@ -13,6 +13,21 @@ namespace {
 // share a batch does not change a case.
 constexpr std::size_t kCaseArrayBudget = std::size_t{4} << 20;
 
+// A batch holds whole cases, so that it takes the memory of one at least.
+constexpr std::uint32_t kMostRecordsPerCase = 1000;
+
+void TakeCells(const TxtWzVar& variable, const QANT_Variable& target, FieldTask& task) {
+  task.formatType = variable.formatType;
+  task.offset = target.ObsIndex() * sizeof(OBS);
+  if (variable.formatType != kFormatA) {
+    task.use = FieldUse::kNumber;
+    return;
+  }
+  task.use = FieldUse::kString;
+  task.cellWidth = static_cast<std::uint32_t>(target.GetType());
+  task.cellBytes = (task.cellWidth + 7) / 8 * 8;
+}
+
 }  // namespace
 
 WorkerPlan::WorkerPlan(const ImportSource& src)
@@ -21,32 +36,57 @@ WorkerPlan::WorkerPlan(const ImportSource& src)
   stringRules.enclosedFitsUnmarked = true;
 }
 
-void WorkerPlan::Convert() {
+bool WorkerPlan::Converts(const ImportSettings& settings) {
+  switch (settings.arrangement) {
+    case kDelimitedLines:
+      return true;
+    case kDelimitedCount:
+      return false;
+    case kFixedColumns:
+      return settings.recordsPerCase > 0 && settings.recordsPerCase <= kMostRecordsPerCase;
+  }
+  return false;
+}
+
+void WorkerPlan::Convert(bool anyArrangement) {
+  const ImportSettings& settings = source.settings();
+  caseIsLine = settings.arrangement == kDelimitedLines || !anyArrangement;
+  keepsEmpty = settings.arrangement == kFixedColumns && !caseIsLine;
+  if (!caseIsLine) {
+    recordsPerCase = settings.recordsPerCase;
+    // On one thread such a field is counted as any other.
+    stringRules.enclosedFitsUnmarked = false;
+  }
   variableCount = source.variables().size();
   if (caseBytes > 0) {
-    maxRecords = static_cast<std::uint32_t>(std::max<std::size_t>(1, kCaseArrayBudget / caseBytes));
+    const std::size_t cases = std::max<std::size_t>(1, kCaseArrayBudget / caseBytes);
+    maxRecords = static_cast<std::uint32_t>(cases * recordsPerCase);
   }
+  maxRecords -= maxRecords % recordsPerCase;
   clearCases = true;
-  if (source.settings().arrangement != kDelimitedLines) return;
-  fields.reserve(variableCount);
+  if (caseIsLine && settings.arrangement != kDelimitedLines) return;
+  std::size_t stored = 0;
   std::size_t column = 0;
   for (std::uint32_t i = 0; i < variableCount; ++i) {
     const TxtWzVar& variable = *source.variables()[i];
-    FieldTask& task = fields.emplace_back();
+    FieldTask task;
     task.variable = i;
-    if (variable.formatType == kFormatSkip || column == source.GetNVariables()) continue;
-    const QANT_Variable& target = *source.GetVariable(column++);
-    task.formatType = variable.formatType;
-    task.offset = target.ObsIndex() * sizeof(OBS);
-    if (variable.formatType == kFormatA) {
-      task.use = FieldUse::kString;
-      task.cellWidth = static_cast<std::uint32_t>(target.GetType());
-      task.cellBytes = (task.cellWidth + 7) / 8 * 8;
-    } else {
-      task.use = FieldUse::kNumber;
+    if (variable.formatType != kFormatSkip && column < source.GetNVariables()) {
+      TakeCells(variable, *source.GetVariable(column++), task);
+    }
+    if (settings.arrangement != kFixedColumns) {
+      fields.push_back(task);
+      stored += task.use != FieldUse::kDiscard ? 1 : 0;
+    } else if (task.use != FieldUse::kDiscard) {
+      const std::uint32_t line = variable.recordNumber;
+      columns.push_back({task, line, FixedColumn(variable)});
+      stored += line > 0 && line <= recordsPerCase ? 1 : 0;
+      unreachable += line > recordsPerCase ? 1 : 0;
     }
   }
-  clearCases = column < source.GetNVariables();
+  std::stable_sort(columns.begin(), columns.end(),
+                   [](const ColumnTask& a, const ColumnTask& b) { return a.line < b.line; });
+  clearCases = stored < source.GetNVariables();
 }
 
 void WorkerPlan::TakeNulls(const std::vector<std::string>& texts) {
@@ -55,12 +95,14 @@ void WorkerPlan::TakeNulls(const std::vector<std::string>& texts) {
     return text.find_first_of("0123456789") != std::string::npos ||
            ConvertNumber(text, format, &value) || ConvertNumber(" " + text + " ", format, &value);
   };
-  for (FieldTask& task : fields) {
-    if (task.use != FieldUse::kNumber) continue;
+  const auto take = [&](FieldTask& task) {
+    if (task.use != FieldUse::kNumber) return;
     task.nullsAreValues = std::any_of(texts.begin(), texts.end(), [&](const std::string& text) {
       return mayBeValue(text, task.formatType);
     });
-  }
+  };
+  std::for_each(fields.begin(), fields.end(), take);
+  std::for_each(columns.begin(), columns.end(), take);
 }
 
 void WorkerPlan::Detect(TxtWzVar* const* variables, std::size_t count) {

@@ -11,6 +11,7 @@
 #include "model/ImportSettings.h"
 #include "model/TxtWzVar.h"
 #include "reading/FieldSplitter.h"
+#include "reading/FixedFields.h"
 #include "reading/ValueConverter.h"
 
 namespace textwizard {
@@ -41,13 +42,24 @@ struct FieldTask {
   std::size_t offset = 0;
 };
 
+// A field of fixed columns.
+struct ColumnTask : FieldTask {
+  // The record of the case, from 1, and where in it.
+  std::uint32_t line = 0;
+  FixedColumn place;
+};
+
 // Made on the host's thread; constant while a worker runs, and outlives all of them.
 struct WorkerPlan {
   // Only the settings that both modes share; Convert or Detect completes it.
   explicit WorkerPlan(const ImportSource& source);
 
-  // Every variable of the source into its cells.
-  void Convert();
+  // Whether workers can make the cases of such an import.
+  static bool Converts(const ImportSettings& settings);
+
+  // Every variable of the source into its cells. Of another arrangement than one case per line
+  // nothing is converted unless it is asked for, and can be (Converts).
+  void Convert(bool anyArrangement = false);
   // Then, for a host that names texts that mean a missing number: settles nullsAreValues.
   void TakeNulls(const std::vector<std::string>& texts);
   // Counts for the AUTO variables among `variables`, by detectionRules.
@@ -56,8 +68,17 @@ struct WorkerPlan {
   const ImportSource& source;
   FieldRules fieldRules;
   bool detection = false;
-  // In file order. Empty for an arrangement that is not cut by delimiters.
+  // Of delimited records, in file order.
   std::vector<FieldTask> fields;
+  // Of fixed columns, imported ones by rising line; and how many of them are on lines that no case
+  // has.
+  std::vector<ColumnTask> columns;
+  std::int64_t unreachable = 0;
+  // Cases are lines. Else empty lines may count.
+  bool caseIsLine = true;
+  bool keepsEmpty = false;
+  // Records of a case, all lines then.
+  std::uint32_t recordsPerCase = 1;
   StringRules stringRules;
   DetectionRules detectionRules;
   // A host watches what detection sees.
@@ -71,8 +92,10 @@ struct WorkerPlan {
   bool clearCases = false;
   // Most records of one batch.
   std::uint32_t maxRecords = 0xFFFFFFFF;
-  // Batches of records keep where these lie in the file.
+  // Batches of records keep where these lie in the file, and batches of cases where the last record
+  // of each begins.
   bool keepsPlaces = false;
+  bool keepsPositions = false;
   // For a host that watches the cases: who is told of them, else null; and who wants whole batches,
   // of which no case is behind the first `caseLimit`.
   const PassTeller* teller = nullptr;

@@ -28,6 +28,7 @@ struct Scans {
   std::size_t (*findLineEnd8)(const char* text, std::size_t size);
   std::size_t (*findLineEnd16)(const char* text, std::size_t size);
   LineRun (*findLineRun)(const char* text, std::size_t size, std::uint32_t most);
+  LineRun (*findRunOfAllLines)(const char* text, std::size_t size, std::uint32_t most);
   void (*markBytes)(const char* text, std::size_t size, const ByteSet& set, std::uint64_t* words);
   bool (*isAscii)(const char* text, std::size_t size);
   bool (*isUtf8)(const char* text, std::size_t size);
@@ -183,9 +184,12 @@ void MarkBytes(const char* text, std::size_t size, const ByteSet& set, std::uint
 // Bits of 64 bytes.
 struct LineBits {
   std::uint64_t ends = 0;  // LF or CR
+  std::uint64_t feeds = 0;
   std::uint64_t nuls = 0;
 };
 
+// `kFeeds`: the LF of their own are wanted, too.
+template <bool kFeeds>
 LineBits LineBitsOf(const std::uint8_t* text) {
   static_assert(64 % kLanes == 0);
   const Vector lf = hn::Set(kBytes, '\n');
@@ -201,6 +205,7 @@ LineBits LineBitsOf(const std::uint8_t* text) {
   for (std::size_t k = 0; k < 64; k += kLanes) {
     const Vector v = hn::LoadU(kBytes, text + k);
     found.ends |= bits(hn::Or(hn::Eq(v, lf), hn::Eq(v, cr))) << k;
+    if (kFeeds) found.feeds |= bits(hn::Eq(v, lf)) << k;
     found.nuls |= bits(hn::Eq(v, hn::Zero(kBytes))) << k;
   }
   return found;
@@ -208,25 +213,36 @@ LineBits LineBitsOf(const std::uint8_t* text) {
 
 constexpr bool IsLineEnd(char byte) { return byte == '\n' || byte == '\r'; }
 
-// A record ends at a byte that ends lines behind one that does not, whichever the line ends are.
-LineRun FindLineRun(const char* text, std::size_t size, std::uint32_t most) {
+// The first byte of the line end before the one at `last`.
+std::size_t LineEndBefore(const char* text, std::size_t last) {
+  while (!IsLineEnd(text[last - 1])) --last;
+  --last;
+  return last > 0 && text[last] == '\n' && text[last - 1] == '\r' ? last - 1 : last;
+}
+
+// A record ends at a byte that ends lines behind one that does not, whichever the line ends are;
+// where empty lines are records, at the first byte of every line end.
+template <bool kAllLines>
+LineRun FindRun(const char* text, std::size_t size, std::uint32_t most) {
   std::uint32_t records = 0;
   // The byte behind the last record.
   std::size_t last = 0;
-  // The byte before the word ends lines.
-  std::uint64_t before = 1;
+  // The byte before the word ends lines, or is the CR that a LF may belong to.
+  std::uint64_t before = kAllLines ? 0 : 1;
   for (std::size_t i = 0; i < size; i += 64) {
     LineBits bits;
     if (i + 64 <= size) {
-      bits = LineBitsOf(AsBytes(text) + i);
+      bits = LineBitsOf<kAllLines>(AsBytes(text) + i);
     } else {
       std::uint8_t rest[64];
       std::memset(rest, ' ', sizeof rest);
       std::memcpy(rest, text + i, size - i);
-      bits = LineBitsOf(rest);
+      bits = LineBitsOf<kAllLines>(rest);
     }
-    std::uint64_t ends = bits.ends & ~(bits.ends << 1 | before);
-    before = bits.ends >> 63;
+    const std::uint64_t returns = bits.ends & ~bits.feeds;
+    std::uint64_t ends = kAllLines ? returns | (bits.feeds & ~(returns << 1 | before))
+                                   : bits.ends & ~(bits.ends << 1 | before);
+    before = (kAllLines ? returns : bits.ends) >> 63;
     auto found = static_cast<std::uint32_t>(std::popcount(ends));
     const bool stops = bits.nuls != 0 || found > most - records;
     if (stops) {
@@ -244,12 +260,20 @@ LineRun FindLineRun(const char* text, std::size_t size, std::uint32_t most) {
   if (records > 0 && last + 1 == size && text[last] == '\r') {
     // Its line is left out: back to the end of the record before.
     if (--records > 0) {
-      while (!IsLineEnd(text[last - 1])) --last;
-      while (IsLineEnd(text[last - 1])) --last;
+      last = LineEndBefore(text, last);
+      while (!kAllLines && IsLineEnd(text[last - 1])) --last;
     }
   }
   if (records == 0) return {};
   return {last + (text[last] == '\r' && text[last + 1] == '\n' ? 2 : 1), records};
+}
+
+LineRun FindLineRun(const char* text, std::size_t size, std::uint32_t most) {
+  return FindRun<false>(text, size, most);
+}
+
+LineRun FindRunOfAllLines(const char* text, std::size_t size, std::uint32_t most) {
+  return FindRun<true>(text, size, most);
 }
 
 bool IsAsciiVector(const std::uint8_t* text) {
@@ -401,7 +425,7 @@ bool IsUtf8(const char* text, std::size_t size) {
 }
 
 const Scans* TheScans() {
-  static constexpr Scans kScans = {&FindLineEnd8, &FindLineEnd16, &FindLineRun,
+  static constexpr Scans kScans = {&FindLineEnd8, &FindLineEnd16, &FindLineRun, &FindRunOfAllLines,
                                    &MarkBytes,    &IsAscii,       &IsUtf8};
   return &kScans;
 }
@@ -497,6 +521,10 @@ std::size_t FindLineEnd16(std::string_view text) {
 
 LineRun FindLineRun(std::string_view text, std::uint32_t most) {
   return Chosen().findLineRun(text.data(), text.size(), most);
+}
+
+LineRun FindRunOfAllLines(std::string_view text, std::uint32_t most) {
+  return Chosen().findRunOfAllLines(text.data(), text.size(), most);
 }
 
 void MarkBytes(std::string_view text, const ByteSet& set, std::uint64_t* words) {

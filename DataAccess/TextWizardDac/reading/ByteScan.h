@@ -29,7 +29,7 @@ std::size_t FindLineEnd16(std::string_view text);
 // A stretch of lines.
 struct LineRun {
   std::size_t length = 0;
-  // Its lines that are not empty.
+  // Its lines that are not empty, or all of them.
   std::uint32_t records = 0;
 };
 
@@ -37,6 +37,10 @@ struct LineRun {
 // holds at most `most` of those and no NUL. A line ends with LF, CR or CR LF; one that a CR at the
 // text's very end ends is not whole: an LF may follow. Its cost does not depend on the line ends.
 LineRun FindLineRun(std::string_view text, std::uint32_t most);
+
+// The same where empty lines count, too: the longest run of whole lines at the text's start, at
+// most `most` and without a NUL.
+LineRun FindRunOfAllLines(std::string_view text, std::uint32_t most);
 
 // Sets bit i % 64 of words[i / 64] when byte i is in the set, for every byte of the text; the
 // remaining bits of the last word are 0. `words` has room for (size + 63) / 64 words.

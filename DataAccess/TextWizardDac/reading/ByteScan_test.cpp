@@ -65,7 +65,7 @@ std::size_t NaiveLineEnd16(std::string_view text) {
   return i;
 }
 
-LineRun NaiveLineRun(std::string_view text, std::uint32_t most) {
+LineRun NaiveLineRun(std::string_view text, std::uint32_t most, bool allLines) {
   LineRun run;
   for (std::size_t begin = 0;;) {
     const std::size_t end = begin + NaiveLineEnd8(text.substr(begin));
@@ -75,7 +75,7 @@ LineRun NaiveLineRun(std::string_view text, std::uint32_t most) {
       if (next == text.size()) return run;
       if (text[next] == '\n') ++next;
     }
-    if (end > begin) {
+    if (end > begin || allLines) {
       if (run.records == most) return run;
       run = {next, run.records + 1};
     }
@@ -139,12 +139,15 @@ INSTANTIATE_TEST_SUITE_P(Targets, ByteScan, testing::ValuesIn(ScanTargets()),
                          [](const auto& target) { return hwy::TargetName(target.param); });
 
 void ExpectLineRun(std::string_view text, std::uint32_t most) {
-  const LineRun expected = NaiveLineRun(text, most);
-  for (std::size_t offset = 0; offset < 3; ++offset) {
-    const Placed placed(text, offset);
-    const LineRun run = FindLineRun(placed.view(), most);
-    ASSERT_EQ(run.length, expected.length) << testing::PrintToString(text) << most;
-    ASSERT_EQ(run.records, expected.records) << testing::PrintToString(text) << most;
+  for (const bool allLines : {false, true}) {
+    const LineRun expected = NaiveLineRun(text, most, allLines);
+    for (std::size_t offset = 0; offset < 3; ++offset) {
+      const Placed placed(text, offset);
+      const LineRun run =
+          allLines ? FindRunOfAllLines(placed.view(), most) : FindLineRun(placed.view(), most);
+      ASSERT_EQ(run.length, expected.length) << testing::PrintToString(text) << most << allLines;
+      ASSERT_EQ(run.records, expected.records) << testing::PrintToString(text) << most << allLines;
+    }
   }
 }
 
@@ -171,6 +174,32 @@ TEST_P(ByteScan, LineRunsHaveWholeLinesWithoutNul) {
   EXPECT_EQ(run("ab\r\ncd\nef\n", 2), "7:2");
   EXPECT_EQ(run("ab\r\ncd\nef\n", 1), "4:1");
   EXPECT_EQ(run("ab\n", 0), "0:0");
+}
+
+TEST_P(ByteScan, RunsOfAllLinesHaveEmptyOnes) {
+  const auto run = [](std::string_view text, std::uint32_t most = 100) {
+    const LineRun found = FindRunOfAllLines(text, most);
+    return std::to_string(found.length) + ":" + std::to_string(found.records);
+  };
+  using namespace std::string_view_literals;
+  EXPECT_EQ(run(""), "0:0");
+  EXPECT_EQ(run("ab"), "0:0");
+  EXPECT_EQ(run("\n"), "1:1");
+  EXPECT_EQ(run("\n\r\r\n"), "4:3");
+  EXPECT_EQ(run("\n\nab\n\r\n\ncd\n\n\nef"), "13:8");
+  EXPECT_EQ(run("ab\r\ncd\r\nef"), "8:2");
+  // Whether a LF belongs to the last CR is not known.
+  EXPECT_EQ(run("\r"), "0:0");
+  EXPECT_EQ(run("ab\r\r"), "3:1");
+  EXPECT_EQ(run("ab\r\n\r"), "4:1");
+  EXPECT_EQ(run("ab\n\ncd\r"), "4:2");
+  EXPECT_EQ(run("\n\0\n"sv), "1:1");
+  EXPECT_EQ(run("ab\r\0\n"sv), "3:1");
+  EXPECT_EQ(run("\r\n\n\n", 2), "3:2");
+  EXPECT_EQ(run("\r\n\n\n", 1), "2:1");
+  EXPECT_EQ(run("\n", 0), "0:0");
+  // Across words.
+  EXPECT_EQ(run(std::string(63, 'x') + "\r\ny\n"), "67:2");
 }
 
 TEST_P(ByteScan, LineRunsOfRandomText) {

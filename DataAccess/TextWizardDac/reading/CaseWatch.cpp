@@ -83,6 +83,9 @@ void CaseWatch::StartBatch(WatchedBatch& batch, bool notesEnds) {
   undecodable_ = false;
   odd_ = false;
   begun_ = false;
+  records_ = 0;
+  // Lines are counted anew in a batch that may be delivered in part.
+  if (notesEnds) firstPlace_.begin = -1;
 }
 
 // Fields.

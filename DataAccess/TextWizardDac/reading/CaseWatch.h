@@ -42,7 +42,7 @@ class CaseWatch {
   CaseWatch(const ImportObserver& observer, const ImportSource& source, FieldSplitter& fields);
 
   // Notes go there from now on, for cases from number 0 of the batch on. `notesEnds`: the batch may
-  // be delivered in part; each of its cases then has one record.
+  // be delivered in part.
   void StartBatch(WatchedBatch& batch, bool notesEnds);
   WatchedBatch& batch() { return *batch_; }
 
@@ -94,7 +94,7 @@ class CaseWatch {
     return true;
   }
   void EndLine(const WatchedRecord& record) {
-    batch_->AddRecord(case_, record.place);
+    batch_->AddRecord(record.place);
     if (notesEnds_) batch_->ends.push_back(record.place.end);
     if (IsPlain(record)) {
       EndCells();
@@ -216,6 +216,8 @@ class CaseWatch {
   bool substitutes_ = false;
   // It is no case's yet.
   bool recordIsNew_ = false;
+  // Records of the batch in hand that belong to a case.
+  std::uint32_t records_ = 0;
   std::uint32_t recordNumber_ = 0;
   std::size_t fieldsEnd_ = 0;
   // The bytes of the case in hand, and the record that it begins in; its text is kept while the

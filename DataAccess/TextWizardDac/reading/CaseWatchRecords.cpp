@@ -144,7 +144,8 @@ void CaseWatch::UseRecord() { TakeFieldOfRecord(0); }
 
 void CaseWatch::AddRecord() {
   recordIsNew_ = false;
-  batch_->AddRecord(case_, record_.place);
+  batch_->AddRecord(record_.place);
+  ++records_;
   if (record_.place.droppedBytes > 0) {
     AddOfRecord(Kind::kNul, record_.place.droppedBytes, record_.text);
   }
@@ -187,7 +188,7 @@ void CaseWatch::CountBeyond(std::uint32_t variable) {
   const auto [behind, free] = edges_[variable];
   const std::string_view text = record_.text;
   if (!free || text.size() <= behind || text[behind] == ' ' || text[behind - 1] == ' ') return;
-  batch_->beyondColumn.push_back(static_cast<std::uint32_t>(columns_[variable]));
+  batch_->beyondColumn.push_back({case_, static_cast<std::uint32_t>(columns_[variable])});
 }
 
 void CaseWatch::TakeShortRecord(std::uint32_t variable) {
@@ -205,6 +206,10 @@ void CaseWatch::EndCase(std::int64_t absent, std::int64_t lost) {
   }
   Flush();
   EndCells();
+  if (notesEnds_) {
+    batch_->ends.push_back(records_ == 0 ? 0 : batch_->stretches.back().end);
+    batch_->recordsBehind.push_back(records_);
+  }
   ++case_;
   begun_ = false;
 }

@@ -5,12 +5,11 @@
 namespace textwizard {
 
 bool CutFixedField(std::string_view record, const TxtWzVar& variable, std::string_view& field) {
-  field = {};
-  if (record.size() < variable.startColumn) return false;
-  const std::uint32_t width =
-      variable.formatType == kFormatA ? variable.maxStringLength : variable.width;
-  field = record.substr(variable.startColumn, width);
-  return true;
+  return FixedColumn(variable).Cut(record, field);
 }
+
+FixedColumn::FixedColumn(const TxtWzVar& variable)
+    : start(variable.startColumn),
+      length(variable.formatType == kFormatA ? variable.maxStringLength : variable.width) {}
 
 }  // namespace textwizard

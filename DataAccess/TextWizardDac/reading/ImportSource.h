@@ -12,6 +12,7 @@
 #include "HostFramework/ImportObserver.h"
 #include "model/ImportSettings.h"
 #include "model/TxtWzVar.h"
+#include "reading/CaseFeed.h"
 
 namespace textwizard {
 
@@ -40,6 +41,12 @@ class ImportSource : public QANT_DataSource {
   // An iterator for type detection, owned by the caller; `obs` may be null. Throws when memory runs
   // out. Host's thread.
   virtual QANT_InputCaseIterator* MakeAutoDetectIterator(OBS* obs) const = 0;
+  // The cases of a whole pass, for an iterator of one thread over the source that has a case buffer
+  // and delivers them from the first one on; null when the iterator reads them itself. Throws when
+  // memory runs out. Host's thread.
+  virtual std::unique_ptr<CaseFeed> MakeCaseFeed(QANT_InputCaseIterator& /*iterator*/) const {
+    return nullptr;
+  }
   // A pass has reached the end of the data after `cases` cases: when no earlier pass found so many,
   // keeps the count and, when the command asked for it, writes the variable map to `monitor`.
   // Host's thread.

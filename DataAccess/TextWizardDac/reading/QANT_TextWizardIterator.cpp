@@ -6,7 +6,7 @@
 #include "HostFramework/Sampling.h"
 #include "model/FormatCode.h"
 #include "model/MessageText.h"
-#include "reading/FixedFields.h"
+#include "reading/CaseReading.h"
 #include "reading/ImportSource.h"
 #include "reading/ValueConverter.h"
 
@@ -17,6 +17,24 @@ namespace {
 constexpr std::int64_t kComplete = CaseWatch::kComplete;
 
 }  // namespace
+
+struct QANT_TextWizardIterator::CaseEngine {
+  QANT_TextWizardIterator& it;
+
+  bool NextRecord(bool keepEmpty) { return it.ReadRecord(keepEmpty); }
+  CaseWatch* watch() { return it.watch_ ? &it.watch_->cases() : nullptr; }
+  std::uint32_t PositionOf(const Column& column) const { return column.position; }
+  bool CutColumn(const Column& column, std::string_view& field) {
+    return column.place.Cut(it.record_, field);
+  }
+  void TakeColumn(std::string_view field, const Column& column) { it.ConvertColumn(field, column); }
+  // The flag of a missing number lands by the line's place, not on the number's variable: the
+  // variable map shows it there.
+  void StoreMissing(const Column& column, std::uint32_t line) {
+    const bool exists = line <= it.columns_.size();
+    it.StoreMissing(column, exists ? it.columns_[line - 1].variable : nullptr);
+  }
+};
 
 QANT_TextWizardIterator::QANT_TextWizardIterator(const ImportSource& source, OBS* obs)
     : QANT_InputCaseIterator(source, obs),
@@ -31,7 +49,8 @@ QANT_TextWizardIterator::QANT_TextWizardIterator(const ImportSource& source, OBS
       suppliedFields_(rules_, SplitUse::kSuppliedRecord, this) {
   unsigned column = 0;
   for (const auto& variable : source.variables()) {
-    columns_.push_back({variable.get(), column, static_cast<std::uint32_t>(columns_.size()), 0});
+    columns_.push_back({variable.get(), column, static_cast<std::uint32_t>(columns_.size()), 0,
+                        variable->recordNumber, FixedColumn(*variable)});
     if (variable->formatType == kFormatSkip) continue;
     const QANT_Variable* const target = source.GetVariable(column);
     if (target) columns_.back().width = static_cast<std::size_t>(target->GetType());
@@ -40,9 +59,8 @@ QANT_TextWizardIterator::QANT_TextWizardIterator(const ImportSource& source, OBS
     if (variable->recordNumber > settings_.recordsPerCase) ++unreachable_;
     ++column;
   }
-  std::stable_sort(lineColumns_.begin(), lineColumns_.end(), [](const Column& a, const Column& b) {
-    return a.variable->recordNumber < b.variable->recordNumber;
-  });
+  std::stable_sort(lineColumns_.begin(), lineColumns_.end(),
+                   [](const Column& a, const Column& b) { return a.line < b.line; });
   ImportObserver* const observer = obs ? source.observer() : nullptr;
   if (observer && observer->WantsProblems()) {
     watch_ = std::make_unique<PassWatch>(*observer, source, fields_, reader_);
@@ -111,6 +129,9 @@ void QANT_TextWizardIterator::Position() {
 
 bool QANT_TextWizardIterator::Next() {
   if (ended_ && requestedCase_ == currentCase_) return false;
+  if (std::exchange(mayUseFeed_, false) && requestedCase_ == 0) StartFeed();
+  if (feed_ && requestedCase_ == currentCase_) return NextOfFeed();
+  if (feed_ && LeaveFeed()) return true;
   if (watch_ && requestedCase_ != currentCase_) watch_->Leave();
   ended_ = false;
   outOfMemory_ = false;
@@ -139,6 +160,60 @@ bool QANT_TextWizardIterator::ReadOn() {
   }
   requestedCase_ = currentCase_;
   return true;
+}
+
+void QANT_TextWizardIterator::StartFeed() {
+  try {
+    // A 16-bit unit that ends the data within a case does not end it for the case that follows.
+    if (settings_.arrangement == kDelimitedCount || settings_.recordsPerCase > 1) {
+      SeekBegin();
+      HandleByteOrderMark();
+      if (reader_.isUtf16()) return;
+    }
+    feed_ = source_.MakeCaseFeed(*this);
+  } catch (...) {
+    // No memory for threads: perhaps there is some for the cases.
+  }
+}
+
+bool QANT_TextWizardIterator::NextOfFeed() {
+  const bool found = feed_->Next();
+  try {
+    if (found && !gatherer_) index_.Add(currentCase_, feed_->recordPosition());
+    requestedCase_ = currentCase_ = feed_->caseCount();
+    ended_ = !found;
+    return found;
+  } catch (...) {
+    outOfMemory_ = true;
+  }
+  feed_->EndTelling();
+  try {
+    return EndOfData();
+  } catch (...) {
+    // Not even the report could be made: the end is all that is left to tell.
+    return false;
+  }
+}
+
+bool QANT_TextWizardIterator::LeaveFeed() {
+  feed_->EndTelling();
+  std::int64_t nearest = 0;
+  std::int64_t position = 0;
+  const bool known = index_.GetPos(requestedCase_, &nearest, &position);
+  if (!known && requestedCase_ < currentCase_) {
+    // There is no such case.
+    requestedCase_ = currentCase_;
+    ended_ = false;
+    return true;
+  }
+  feed_.reset();
+  if (watch_) watch_->Leave();
+  // The width of the file's characters is not known here.
+  SeekBegin();
+  HandleByteOrderMark();
+  // Cases that the index could not take are read from the first one on.
+  if (!known) currentCase_ = 0;
+  return false;
 }
 
 bool QANT_TextWizardIterator::ReadBatch() {
@@ -394,32 +469,7 @@ bool QANT_TextWizardIterator::ProcessDlmCount() {
 }
 
 bool QANT_TextWizardIterator::ProcessFixedLines() {
-  bool ended = false;
-  std::int64_t absent = 0;
-  auto column = lineColumns_.cbegin();
-  for (std::uint32_t line = 1; line <= settings_.recordsPerCase; ++line) {
-    if (!ended) ended = !ReadRecord(true);
-    if (ended && line == 1) return false;
-    if (watch_ && !ended) watch_->cases().UseRecord();
-    while (column != lineColumns_.cend() && column->variable->recordNumber < line) ++column;
-    if (ended && column == lineColumns_.cend()) break;
-    // The flag of a missing number lands by the line's place, not on the number's variable: the
-    // variable map shows it there.
-    TxtWzVar* const flagged = line <= columns_.size() ? columns_[line - 1].variable : nullptr;
-    for (; column != lineColumns_.cend() && column->variable->recordNumber == line; ++column) {
-      std::string_view field;
-      if (!ended && CutFixedField(record_, *column->variable, field)) {
-        ConvertColumn(field, *column);
-        continue;
-      }
-      StoreMissing(*column, flagged);
-      if (ended) ++absent;
-      if (watch_ && !ended) watch_->cases().TakeShortRecord(column->position);
-    }
-    if (line == UINT32_MAX) break;
-  }
-  if (watch_) watch_->cases().EndCase(absent + unreachable_, ended ? absent : kComplete);
-  return true;
+  return ReadFixedCase(CaseEngine{*this}, lineColumns_, settings_.recordsPerCase, unreachable_);
 }
 
 // The text of cases, for dictionary building.

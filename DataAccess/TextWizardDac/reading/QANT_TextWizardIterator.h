@@ -13,8 +13,10 @@
 #include "HostFramework/DataSource.h"
 #include "model/TxtWzVar.h"
 #include "model/UndecodableWarnings.h"
+#include "reading/CaseFeed.h"
 #include "reading/DecimalCharacterPin.h"
 #include "reading/FieldSplitter.h"
+#include "reading/FixedFields.h"
 #include "reading/PassWatch.h"
 #include "reading/RecordDecoder.h"
 #include "reading/RecordReader.h"
@@ -34,6 +36,10 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   // ever stored. Never throws for the file: see readFailed.
   QANT_TextWizardIterator(const ImportSource& source, OBS* obs);
   ~QANT_TextWizardIterator() override;
+
+  // Lets the source's threads read ahead for it (ImportSource::MakeCaseFeed) from the first Next on
+  // until cases are wanted out of order. What is delivered and told is the same. Before Next.
+  void UseFeed() { mayUseFeed_ = true; }
 
   // False when the host takes cases by the batch.
   bool IsSeekOK() override { return !gatherer_; }
@@ -118,7 +124,12 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
     std::uint32_t position;
     // Bytes of a string's cells.
     std::size_t width;
+    // Fixed columns: the record of the case, and where in it.
+    std::uint32_t line;
+    FixedColumn place;
   };
+  // What reads one case after another (CaseReading.h) asks for.
+  struct CaseEngine;
   // Bytes of text that a string may have and lose none.
   std::size_t StringRoom(const TxtWzVar& variable, unsigned column) const;
 
@@ -138,6 +149,11 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   void Position();
   // Delivers the case that is wanted, or ends the data. Throws when memory runs out.
   bool ReadOn();
+  void StartFeed();
+  // The next case of feed_, or the end of the data.
+  bool NextOfFeed();
+  // Another case than the next one is wanted; true when it is there already.
+  bool LeaveFeed();
   // Delivers the batch that follows, or ends the data. Throws when memory runs out.
   bool ReadBatch();
   bool EndOfData();
@@ -168,6 +184,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   // Null when nobody watches.
   std::unique_ptr<PassWatch> watch_;
   std::unique_ptr<CaseGatherer> gatherer_;
+  // Null when cases are read here.
+  std::unique_ptr<CaseFeed> feed_;
   // Fixed columns: imported variables on lines that no case has.
   std::int64_t unreachable_ = 0;
 
@@ -186,6 +204,7 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   bool batchesEnded_ = false;
   bool batchesFailed_ = false;
   bool randomSeeded_ = false;
+  bool mayUseFeed_ = false;
 };
 
 }  // namespace textwizard

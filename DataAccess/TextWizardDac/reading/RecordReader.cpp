@@ -105,14 +105,15 @@ bool RecordReader::Read16(bool keepEmpty) {
 }
 
 std::size_t RecordReader::ReadRun(char* out, std::size_t room, std::uint32_t most,
-                                  std::uint32_t* count) {
+                                  std::uint32_t* count, bool keepEmpty) {
   *count = 0;
   record_ = {};
   if (isUtf16() || ended_ || stopped()) return 0;
   recordPosition_ = stream_.Position();
   if (room == 0) return 0;
   const std::string_view block = stream_.Buffered();
-  const LineRun run = FindLineRun(block.substr(0, room - 1), most);
+  const std::string_view lines = block.substr(0, room - 1);
+  const LineRun run = keepEmpty ? FindRunOfAllLines(lines, most) : FindLineRun(lines, most);
   if (run.records == 0) return 0;
   std::memcpy(out, block.data(), run.length);
   stream_.Consume(run.length);

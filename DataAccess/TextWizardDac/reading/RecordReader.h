@@ -53,8 +53,10 @@ class RecordReader {
   // those that follow without a NUL and lie in the block in hand. A record of them is what lies
   // between line ends (LF and CR, in any number); *count becomes the number of records, `most` at
   // most. Returns the bytes, fewer than `room`. Any other record, and every 16-bit one, waits for
-  // Read. Leaves record() empty; recordPosition() is that of the first byte copied.
-  std::size_t ReadRun(char* out, std::size_t room, std::uint32_t most, std::uint32_t* count);
+  // Read. Leaves record() empty; recordPosition() is that of the first byte copied. With
+  // `keepEmpty` every line is a record; it ends with LF, CR or CR LF.
+  std::size_t ReadRun(char* out, std::size_t room, std::uint32_t most, std::uint32_t* count,
+                      bool keepEmpty = false);
   // The record read last; valid until the next Read or Seek.
   std::string_view record() const { return record_; }
   // File position in bytes where that record, or the latest run, began.

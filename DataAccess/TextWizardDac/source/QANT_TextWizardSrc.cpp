@@ -6,6 +6,7 @@
 
 #include "HostFramework/ValueInput.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
+#include "TxtWzMultiThreadMgr/WorkerFeed.h"
 #include "map/VariableMap.h"
 #include "model/MessageText.h"
 #include "reading/QANT_TextWizardIterator.h"
@@ -54,7 +55,9 @@ QANT_InputCaseIterator* QANT_TextWizardSrc::MakeIterator(OBS* obs) const {
     if (settings_.arrangement == kDelimitedLines && !oneThread) {
       return new QANT_TextWizardMultiThreadedIterator(*this, obs, false);
     }
-    return new QANT_TextWizardIterator(*this, obs);
+    auto iterator = std::make_unique<QANT_TextWizardIterator>(*this, obs);
+    if (obs && !oneThread) iterator->UseFeed();
+    return iterator.release();
   } catch (...) {
     // Lack of memory, in whatever form a library reports it (docs/decisions.md).
     return nullptr;
@@ -70,6 +73,13 @@ QANT_InputCaseIterator* QANT_TextWizardSrc::MakeAutoDetectIterator(OBS* obs) con
   auto iterator = std::make_unique<QANT_TextWizardMultiThreadedIterator>(*this, obs, true);
   iterator->SetDacAdapter(adapter_);
   return iterator.release();
+}
+
+std::unique_ptr<CaseFeed> QANT_TextWizardSrc::MakeCaseFeed(QANT_InputCaseIterator& iterator) const {
+  if (!WorkerPlan::Converts(settings_)) return nullptr;
+  auto feed = std::make_unique<WorkerFeed>(*this, iterator);
+  if (!feed->started()) return nullptr;
+  return feed;
 }
 
 void QANT_TextWizardSrc::SetSettings(const ImportSettings& settings) {

@@ -116,15 +116,17 @@ void PassTeller::CountProblems() {
 void PassTeller::EndBatch(std::int64_t runLines) {
   if (!batch_) return;
   CountProblems();
+  std::uint32_t left = batch_->RecordsOf(delivered_);
   for (const WatchedBatch::Stretch& stretch : batch_->stretches) {
-    if (stretch.record >= delivered_) break;
+    if (left == 0) break;
     std::int64_t end = stretch.end;
     std::int64_t records = stretch.records;
-    // Cut where delivery stopped: each case has one record then.
-    if (!batch_->ends.empty() && stretch.record + stretch.records > delivered_) {
-      records = delivered_ - stretch.record;
+    // Cut where delivery stopped.
+    if (stretch.records > left) {
+      records = left;
       end = batch_->ends[delivered_ - 1];
     }
+    left -= static_cast<std::uint32_t>(records);
     AddSpan(ImportSpan::kSkipped, stretch.begin);
     AddSpan(ImportSpan::kRecords, end, records, records * std::int64_t{stretch.lineEndBytes},
             stretch.droppedBytes);
@@ -137,7 +139,10 @@ void PassTeller::EndBatch(std::int64_t runLines) {
     cells_.unreadable += cells.unreadable;
     cells_.absent += cells.absent;
   }
-  for (const std::uint32_t variable : batch_->beyondColumn) ++textsBeyondColumn_[variable];
+  for (const WatchedBatch::BeyondColumn& text : batch_->beyondColumn) {
+    if (text.record >= delivered_) break;
+    ++textsBeyondColumn_[text.variable];
+  }
   cases_ += delivered_;
   runLines_ += runLines;
   batch_ = nullptr;

@@ -62,6 +62,10 @@ class PlaceWalk {
   // --- Of the record stepped to
   // Lines are counted without those of runs in earlier batches.
   const RecordPlace& place();
+  // Offset in the file where it begins: its place's.
+  std::int64_t begin() const {
+    return runEnd_ != 0 ? runShift_ + static_cast<std::int64_t>(recordStart_) : place_.begin;
+  }
   // Offset in the file behind its line end, when it goes on a run.
   std::int64_t end() const { return runShift_ + static_cast<std::int64_t>(lineStart_); }
   const NulRun* nulsBegin() const { return places_->nuls_.data() + nulsBegin_; }

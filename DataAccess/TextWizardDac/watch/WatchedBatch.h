@@ -18,8 +18,6 @@ class WatchedBatch {
   // Records without anything between them, with line ends of one length. Of several nothing was
   // dropped.
   struct Stretch {
-    // The first one's case in the batch.
-    std::uint32_t record;
     std::uint32_t records;
     std::int64_t begin;
     std::int64_t end;
@@ -47,13 +45,14 @@ class WatchedBatch {
   void Clear(bool allProblems) {
     stretches.clear();
     ends.clear();
+    recordsBehind.clear();
     cells.clear();
     problems.Clear(allProblems);
     cases.clear();
     beyondColumn.clear();
   }
-  // Adds a record of case `record`, none of a later case having been added.
-  void AddRecord(std::uint32_t record, const RecordPlace& place) {
+  // Adds a record, none of a later case having been added.
+  void AddRecord(const RecordPlace& place) {
     if (!stretches.empty()) {
       Stretch& last = stretches.back();
       if (last.end == place.begin && last.lineEndBytes == place.lineEndBytes &&
@@ -63,8 +62,7 @@ class WatchedBatch {
         return;
       }
     }
-    stretches.push_back(
-        {record, 1, place.begin, place.end, place.droppedBytes, place.lineEndBytes});
+    stretches.push_back({1, place.begin, place.end, place.droppedBytes, place.lineEndBytes});
   }
 
   // The same of a record right behind the latest one, with a line end of the same length.
@@ -74,14 +72,27 @@ class WatchedBatch {
     ++last.records;
   }
 
+  // Records that belong to the batch's first `count` cases.
+  std::uint32_t RecordsOf(std::uint32_t count) const {
+    if (count == 0) return 0;
+    if (!recordsBehind.empty()) return recordsBehind[count - 1];
+    return ends.empty() ? UINT32_MAX : count;
+  }
+
   std::vector<Stretch> stretches;
-  // Where the record of each case ends. Only where every case has one record.
+  // Where batches may be delivered in part: the end of the last record that belongs to a case or
+  // to one before it, and, where a case need not have one record, how many records these are.
   std::vector<std::int64_t> ends;
+  std::vector<std::uint32_t> recordsBehind;
   std::vector<CellsNotRead> cells;
   NotedProblems problems;
   std::vector<ProblemCase> cases;
   // Fixed columns: the variable of each text that goes on behind its column.
-  std::vector<std::uint32_t> beyondColumn;
+  struct BeyondColumn {
+    std::uint32_t record;
+    std::uint32_t variable;
+  };
+  std::vector<BeyondColumn> beyondColumn;
 };
 
 }  // namespace textwizard

@@ -44,6 +44,9 @@ struct Column {
   std::uint32_t width = 8;
   // Strings: the format's width, when it differs from the cells' (0: same).
   std::uint32_t formatWidth = 0;
+  // Fixed columns: the first byte, and the record of the case.
+  std::uint32_t start = 0;
+  std::uint32_t line = 1;
 };
 
 inline std::vector<Column> Numbers(std::size_t n) { return std::vector<Column>(n); }
@@ -58,11 +61,12 @@ inline ImportSettings CommaSettings() {
 }
 
 // A source over `path` with the variables that a dictionary pass would have made.
-inline std::unique_ptr<QANT_TextWizardSrc> MakeSource(const std::string& path, int workers,
-                                                      const std::vector<Column>& columns,
-                                                      const ImportSettings& settings,
-                                                      DACAdapterBase* adapter = nullptr) {
-  auto source = std::make_unique<QANT_TextWizardSrc>(path.c_str(), workers, 0, adapter);
+template <class Source = QANT_TextWizardSrc>
+std::unique_ptr<Source> MakeSource(const std::string& path, int workers,
+                                   const std::vector<Column>& columns,
+                                   const ImportSettings& settings,
+                                   DACAdapterBase* adapter = nullptr) {
+  auto source = std::make_unique<Source>(path.c_str(), workers, 0, adapter);
   source->SetSettings(settings);
   std::vector<std::unique_ptr<TxtWzVar>> variables;
   for (std::size_t i = 0; i < columns.size(); ++i) {
@@ -71,6 +75,8 @@ inline std::unique_ptr<QANT_TextWizardSrc> MakeSource(const std::string& path, i
     variable->SetVarName(("v" + std::to_string(i + 1)).c_str());
     variable->formatType = column.format;
     variable->width = column.width;
+    variable->startColumn = column.start;
+    variable->recordNumber = column.line;
     const bool isString = column.format == kFormatA;
     if (isString) {
       variable->maxStringLength = column.formatWidth ? column.formatWidth : column.width;
