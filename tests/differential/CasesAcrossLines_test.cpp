@@ -124,4 +124,19 @@ TEST(CasesAcrossLines, FixedColumnsOfSeveralLines) {
   }
 }
 
+TEST(CasesAcrossLines, ValuesThatRunAcrossLines) {
+  const embedded::InCodePage host(nullptr);
+  std::mt19937 random(8);
+  for (const std::string encoding : {"'UTF-8'", "LOCALE"}) {
+    for (const std::string options :
+         {"", " /MULTIPLESPACES IGNORE=YES /LEADINGSPACES IGNORE=YES"}) {
+      const std::string command =
+          "GET DATA /TYPE=TXT /FILE='" + std::string(kPath) + "' /ENCODING=" + encoding +
+          " /DELCASE=VARIABLES 5 /DELIMITERS=', ' /QUALIFIER='\"' /FIRSTCASE=3" + options +
+          " /VARIABLES=a F8 b A4 c X d ADATE10 e A8.";
+      ExpectSame(command, Lines(random, ",", 400000) + std::string(3, '7'));
+    }
+  }
+}
+
 }  // namespace

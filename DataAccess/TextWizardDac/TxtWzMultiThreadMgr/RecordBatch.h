@@ -2,6 +2,7 @@
 // stand between the records, and a zero byte behind it.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -49,11 +50,13 @@ class RecordBatch {
   // Makes room for `bytes` of text in all; false, and the batch stays as it is, when there is no
   // memory for them.
   bool Grow(std::size_t bytes);
-  // Adds the records that `reader` can copy at once, at most `most`, as they stand in the file.
-  void AppendRun(RecordReader& reader, std::uint32_t most) {
+  // Adds the records that `reader` can copy at once, at most `most` and `bytes` of text, as they
+  // stand in the file.
+  void AppendRun(RecordReader& reader, std::uint32_t most, std::size_t bytes = SIZE_MAX - 1) {
     std::uint32_t count = 0;
     const std::size_t begin = fUsed;
-    fUsed += reader.ReadRun(fText.get() + fUsed, fRoom - fUsed, most, &count, fKeepsEmpty);
+    const std::size_t room = std::min(fRoom - fUsed, bytes + 1);
+    fUsed += reader.ReadRun(fText.get() + fUsed, room, most, &count, fKeepsEmpty);
     fRecordCount += count;
     if (fPlaces && count > 0) {
       fPlaces->AddRun(begin, reader.recordPosition(), reader.nextLine());
@@ -79,14 +82,20 @@ class RecordBatch {
     fCaseCount = count;
     fDataEndPosition = recordPosition;
   }
-  // Forgets the last `count` records.
-  void Drop(std::uint32_t count) { fRecordCount -= count; }
+  // The fields of the first record before that byte of its host text are those of an earlier batch;
+  // `leftOut`: so is the text before it.
+  void SetFieldOffset(std::size_t offset, bool leftOut) {
+    fFieldOffset = leftOut ? 0 : offset;
+    fTextOffset = leftOut ? offset : 0;
+  }
 
   std::string_view text() const { return {fText.get(), fUsed}; }
   std::uint32_t recordCount() const { return fRecordCount; }
   std::uint32_t caseCount() const { return fCaseCount; }
   std::int64_t dataEndPosition() const { return fDataEndPosition; }
   bool keepsEmpty() const { return fKeepsEmpty; }
+  std::size_t fieldOffset() const { return fFieldOffset; }
+  std::size_t textOffset() const { return fTextOffset; }
   std::int64_t firstCase() const { return fFirstCase; }
   bool decoded() const { return fDecoded; }
   // Of the file that decoded records come from.
@@ -110,6 +119,8 @@ class RecordBatch {
   std::int64_t fFirstCase = 0;
   std::int64_t fDataEndPosition = 0;
   bool fKeepsEmpty = false;
+  std::size_t fFieldOffset = 0;
+  std::size_t fTextOffset = 0;
   bool fDecoded = false;
   ByteOrderMark fMark = ByteOrderMark::kNone;
   std::unique_ptr<RecordPlaces> fPlaces;

@@ -65,12 +65,25 @@ void RingReader::ReadFirstRecord() {
     fReader.HandleByteOrderMark();
     fRing.fMarkBytes = fReader.position();
     const ImportSettings& settings = fSource.settings();
-    fReader.SkipLines(settings.arrangement == kDelimitedCount ? 0 : 1, settings.firstCase);
-    fRing.fPreambleEnd = fReader.position();
+    if (fPlan.fieldsPerCase > 0) {
+      ReadFirstFields();
+    } else {
+      fReader.SkipLines(settings.arrangement == kDelimitedCount ? 0 : 1, settings.firstCase);
+      fRing.fPreambleEnd = fReader.position();
+    }
   } catch (...) {
     return GiveUp();
   }
-  ReadRecord();
+  if (!fPending) ReadRecord();
+}
+
+void RingReader::ReadFirstFields() {
+  const std::int64_t firstLine = fSource.settings().firstCase;
+  const bool found = fReader.SkipLines(0, firstLine) && firstLine > 0;
+  fRing.fPreambleEnd = found ? fReader.recordPosition() : fReader.position();
+  fCounter = std::make_unique<FieldCounter>(fPlan.fieldRules);
+  fRecord = fReader.record();
+  fPending = found && !fRecord.empty();
 }
 
 void RingReader::ReadRecord() {
@@ -126,12 +139,7 @@ bool RingReader::FillBatch(const TextDataIteratorThread& worker) {
     if (fPlan.keepsPlaces) fBatch.KeepPlaces();
     if (fPlan.keepsEmpty) fBatch.KeepEmpty();
     fGrown = false;
-    while (fPending && fBatch.recordCount() < fPlan.maxRecords && TakePending()) {
-      fBatch.AppendRun(fReader, RunLimit());
-      ReadRecord();
-    }
-    // Of a case that could not be read to its end nobody is told.
-    if (fLacksMemory && IsWithinCase()) fBatch.Drop(fBatch.recordCount() % fPlan.recordsPerCase);
+    fPlan.fieldsPerCase > 0 ? FillWithFields() : FillWithRecords();
   } catch (...) {
     // No memory for the places.
     GiveUp();
@@ -140,11 +148,77 @@ bool RingReader::FillBatch(const TextDataIteratorThread& worker) {
   fOversize = fBatch.recordCount() == 0;
   fBatch.End(fCasesSent, fReader.isUtf16(), fReader.mark());
   if (!fPlan.caseIsLine) {
-    const std::uint32_t lines = fPlan.recordsPerCase;
-    fBatch.SetCases(fBatch.recordCount() / lines + (IsWithinCase() ? 1 : 0),
-                    fReader.recordPosition());
+    const std::size_t whole = fPlan.fieldsPerCase > 0 ? fFields / fPlan.fieldsPerCase
+                                                      : fBatch.recordCount() / fPlan.recordsPerCase;
+    // Of a case that could not be read to its end nobody is told.
+    const bool begun = IsWithinCase() && !fLacksMemory;
+    fBatch.SetCases(static_cast<std::uint32_t>(whole + (begun ? 1 : 0)), fReader.recordPosition());
   }
   return true;
+}
+
+void RingReader::FillWithRecords() {
+  while (fPending && fBatch.recordCount() < fPlan.maxRecords && TakePending()) {
+    fBatch.AppendRun(fReader, RunLimit());
+    ReadRecord();
+  }
+}
+
+// Runs are counted as a whole. So that a batch ends where a case does, its last records are read
+// one by one; the one that the last case ends in begins the next batch, too, unless it is used up.
+// Of a very long one each batch has the part that it needs.
+void RingReader::FillWithFields() {
+  fFields = 0;
+  fBatch.SetFieldOffset(fFieldOffset, IsSliced());
+  while (fPending && (fFields < fPlan.maxFields || IsWithinCase())) {
+    const std::string_view record = fRecord;
+    const bool sliced = IsSliced();
+    std::size_t behind = fFieldOffset;
+    std::size_t fields = 0;
+    if (sliced) {
+      fields = CountPending(&behind);
+      fRecord = record.substr(fFieldOffset, behind - fFieldOffset);
+    }
+    const bool taken = TakePending();
+    fRecord = record;
+    if (!taken) return;
+    fFields += sliced ? fields : CountPending(&behind);
+    fFieldOffset = behind == kUsedUp ? 0 : behind;
+    if (fFieldOffset > 0) return;
+    if (!fGrown && fFields < fPlan.maxFields) AppendFields();
+    ReadRecord();
+  }
+}
+
+std::size_t RingReader::CountPending(std::size_t* offset) {
+  const std::size_t ofCase = fFields % fPlan.fieldsPerCase;
+  const bool endsCase = fGrown || fFields >= fPlan.maxFields;
+  const std::size_t most = endsCase ? fPlan.fieldsPerCase - ofCase : fPlan.maxFields - fFields;
+  const std::string_view text = fDecoder.Decode8(fRecord);
+  const std::size_t count = fCounter->CountRecord(text, most, offset);
+  if (*offset == text.size()) *offset = kUsedUp;
+  return count;
+}
+
+bool RingReader::IsSliced() {
+  return !fPlan.teller && fRecord.size() > kLongRecord && fDecoder.Keeps(fRecord);
+}
+
+void RingReader::AppendFields() {
+  const std::size_t begin = fBatch.text().size();
+  // A field takes a byte at least.
+  fBatch.AppendRun(fReader, UINT32_MAX, fPlan.maxFields - fFields);
+  std::string_view run = fBatch.text().substr(begin);
+  if (fDecoder.Keeps(run)) {
+    fFields += fCounter->CountLines(run);
+    return;
+  }
+  while (!run.empty()) {
+    const std::size_t length = FindLineEnd8(run);
+    std::size_t offset = 0;
+    fFields += fCounter->CountRecord(fDecoder.Decode8(run.substr(0, length)), SIZE_MAX, &offset);
+    run.remove_prefix(std::min(length + 1, run.size()));
+  }
 }
 
 bool RingReader::TakePending() {

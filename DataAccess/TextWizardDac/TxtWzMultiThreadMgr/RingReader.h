@@ -13,6 +13,7 @@
 #include "TxtWzMultiThreadMgr/TextDataIteratorThread.h"
 #include "TxtWzMultiThreadMgr/WorkerPlan.h"
 #include "TxtWzMultiThreadMgr/WorkerRing.h"
+#include "reading/FieldCounter.h"
 #include "reading/RecordDecoder.h"
 #include "reading/RecordReader.h"
 
@@ -34,8 +35,14 @@ class RingReader {
   void Run();
 
  private:
+  static constexpr std::size_t kUsedUp = SIZE_MAX;
+  // A record that goes through the ring in parts.
+  static constexpr std::size_t kLongRecord = std::size_t{1} << 20;
+
   void WalkRing() SF_REQUIRES(fRole);
   void ReadFirstRecord() SF_REQUIRES(fRole);
+  // The same where values run across lines: the line where they begin is a record already.
+  void ReadFirstFields() SF_REQUIRES(fRole);
   // Reads the record that is to be added next; fPending tells whether there is one.
   void ReadRecord() SF_REQUIRES(fRole);
   // A worker for the slot, started; null, with the pass given up, when that is not possible.
@@ -46,9 +53,20 @@ class RingReader {
   bool AppendPending() SF_REQUIRES(fRole);
   // The same, with more room where the batch must not end.
   bool TakePending() SF_REQUIRES(fRole);
+  // Fills it with whole cases of records, or of fields that run across records.
+  void FillWithRecords() SF_REQUIRES(fRole);
+  void FillWithFields() SF_REQUIRES(fRole);
+  // Adds a run and its fields.
+  void AppendFields() SF_REQUIRES(fRole);
+  // Fields of the pending record from byte *offset on, as many as the batch takes; the offset
+  // becomes the one behind them, or kUsedUp.
+  std::size_t CountPending(std::size_t* offset) SF_REQUIRES(fRole);
+  // Batches have parts of the pending record.
+  bool IsSliced() SF_REQUIRES(fRole);
   // The batch ends within a case.
   bool IsWithinCase() const SF_REQUIRES(fRole) {
-    return fPlan.recordsPerCase > 1 && fBatch.recordCount() % fPlan.recordsPerCase != 0;
+    return fPlan.fieldsPerCase > 0 ? fFields % fPlan.fieldsPerCase != 0
+                                   : fBatch.recordCount() % fPlan.recordsPerCase != 0;
   }
   // Most records that a run may add.
   std::uint32_t RunLimit() const SF_REQUIRES(fRole);
@@ -72,6 +90,11 @@ class RingReader {
   bool fOversize SF_GUARDED_BY(fRole) = false;
   // The batch was given more room to end its last case.
   bool fGrown SF_GUARDED_BY(fRole) = false;
+  // Where values run across records: fields of the batch's cases, and the byte of the pending
+  // record's host text behind its fields in earlier batches.
+  std::unique_ptr<FieldCounter> fCounter SF_GUARDED_BY(fRole);
+  std::size_t fFields SF_GUARDED_BY(fRole) = 0;
+  std::size_t fFieldOffset SF_GUARDED_BY(fRole) = 0;
   // There was no memory for the record that follows.
   bool fLacksMemory SF_GUARDED_BY(fRole) = false;
   // Read while its slot is still being converted.

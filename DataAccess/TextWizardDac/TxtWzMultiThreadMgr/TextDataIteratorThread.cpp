@@ -281,6 +281,9 @@ inline void TextDataIteratorThread::SetColumnValue(std::string_view text, const 
 template <bool kWatched>
 struct TextDataIteratorThread::CaseEngine {
   TextDataIteratorThread& worker;
+  // Fields of the case that are cut already.
+  std::size_t cut = 0;
+  std::size_t next = 0;
 
   CaseWatch* watch() {
     worker.fRole.Assume();
@@ -306,11 +309,41 @@ struct TextDataIteratorThread::CaseEngine {
     worker.fHolder.Assume();
     worker.StoreMissing(task, line);
   }
+  const FieldSplitter& fields() {
+    worker.fRole.Assume();
+    return worker.fSplitter;
+  }
+  bool NextField(std::string_view& field, std::size_t left) {
+    worker.fRole.Assume();
+    if constexpr (kWatched) return worker.fSplitter.Next(field);
+    // Not those of the next case: of what the splitter tells, the case in hand is told.
+    if (next == cut) {
+      cut = worker.GetNextVars(left);
+      next = 0;
+    }
+    field = worker.fFields[next++];
+    if (field.data() != nullptr) return true;
+    next = cut = 0;
+    return false;
+  }
+  bool IsImported(const FieldTask& task) const { return task.use != FieldUse::kDiscard; }
+  void TakeField(std::string_view field, const FieldTask& task) {
+    worker.fRole.Assume();
+    worker.fHolder.Assume();
+    worker.ConvertVar<kWatched>(field, task);
+  }
+  void StoreMissing(const FieldTask& task) { StoreMissing(task, task.variable + 1); }
 };
 
 void TextDataIteratorThread::ConvertCases() {
   fBatchRecords.Start(fRecords);
   fRecordsLeft = fRecords.recordCount();
+  fRecord = {};
+  fTextOffset = 0;
+  if (fPlan.fieldsPerCase > 0) {
+    fByteText = fSplitter.CutsByBytes(fRecords.text());
+    fSplitter.SetRecord(fRecord);
+  }
   const std::uint32_t count = WantedCases();
   for (; fConvertIndex < count; ++fConvertIndex) {
     fWatch ? ConvertCase<true>() : ConvertCase<false>();
@@ -324,8 +357,19 @@ void TextDataIteratorThread::ConvertCase() {
   OBS* const nextCase = fCases.Case(fConvertIndex);
   fCurrentCase = reinterpret_cast<unsigned char*>(nextCase);
   if (fPlan.clearCases) ClearCase(fPlan.source, nextCase);
-  ReadFixedCase(CaseEngine<kWatched>{*this}, fPlan.columns, fPlan.recordsPerCase,
-                fPlan.unreachable);
+  CaseEngine<kWatched> engine{*this};
+  if (fPlan.fieldsPerCase > 0) {
+    ReadCountedCase(engine, fPlan.fields);
+  } else {
+    ReadFixedCase(engine, fPlan.columns, fPlan.recordsPerCase, fPlan.unreachable);
+  }
+}
+
+std::string_view TextDataIteratorThread::StartNextRecord() {
+  if (fPlan.fieldsPerCase > 0) return StartRecord(fByteText);
+  const std::string_view raw = fBatchRecords.Next();
+  fRecord = fRecords.decoded() ? raw : fDecoder.Decode8(raw);
+  return raw;
 }
 
 template <bool kWatched>
@@ -334,16 +378,19 @@ bool TextDataIteratorThread::NextRecord() {
     fRecordPosition = fRecords.dataEndPosition();
     return false;
   }
-  --fRecordsLeft;
-  const std::string_view raw = fBatchRecords.Next();
-  fRecord = fRecords.decoded() ? raw : fDecoder.Decode8(raw);
+  const bool isFirst = fRecordsLeft-- == fRecords.recordCount();
+  const std::string_view raw = StartNextRecord();
+  // What is before is an earlier batch's; there is none in fixed columns.
+  const std::size_t offset = isFirst ? fRecords.fieldOffset() : 0;
+  if (offset > 0) fSplitter.SetOffset(offset);
+  fTextOffset = isFirst ? fRecords.textOffset() : 0;
   if (fPlan.keepsPlaces) {
     fPlaces.Step(raw);
     fRecordPosition = fPlaces.begin();
   }
   if constexpr (kWatched) {
     TakeWatched(raw);
-    fWatch->TakeRecord(fWatched);
+    offset > 0 ? fWatch->ResumeRecord(fWatched) : fWatch->TakeRecord(fWatched);
   }
   return true;
 }
@@ -423,7 +470,7 @@ void TextDataIteratorThread::OnUndecodable(const UndecodableRun& run) {
     if (fWatch->examining()) return;
     fWatch->NoteUndecodable();
   }
-  fCases.AddUndecodable(fConvertIndex, run);
+  fCases.AddUndecodable(fConvertIndex, {run.position + fTextOffset, run.count});
 }
 
 }  // namespace textwizard

@@ -102,6 +102,9 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   // Goes to the next record of the case in hand; false when the batch has no more.
   template <bool kWatched>
   bool NextRecord() SF_REQUIRES(fRole, fHolder);
+  // Makes fRecord and, where it is cut by delimiters, fSplitter ready; returns the record as it
+  // stands in the batch.
+  std::string_view StartNextRecord() SF_REQUIRES(fRole, fHolder);
   template <bool kWatched>
   void ConvertColumn(std::string_view field, const ColumnTask& task) SF_REQUIRES(fRole, fHolder);
   void StoreMissing(const FieldTask& task, std::uint32_t line) SF_REQUIRES(fRole, fHolder);
@@ -167,7 +170,11 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   PlaceWalk fPlaces SF_GUARDED_BY(fRole);
   WatchedRecord fWatched SF_GUARDED_BY(fRole);
   std::string_view fRecord SF_GUARDED_BY(fRole);
-  // Where cases are not lines: records of the batch behind it, and where it begins in the file.
+  // Where cases are not lines: the batch text can be cut by bytes; records of it behind fRecord,
+  // and where it begins in the file.
+  bool fByteText SF_GUARDED_BY(fRole) = false;
+  // Bytes of the record before fRecord.
+  std::size_t fTextOffset SF_GUARDED_BY(fRole) = 0;
   std::uint32_t fRecordsLeft SF_GUARDED_BY(fRole) = 0;
   std::int64_t fRecordPosition SF_GUARDED_BY(fRole) = 0;
   std::optional<RegExMappings> fRegEx SF_GUARDED_BY(fRole);

@@ -4,6 +4,7 @@
 #include "TxtWzMultiThreadMgr/WorkerFeed.h"
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <string>
@@ -107,7 +108,9 @@ void ExpectSameWalk(const Import& import, const std::vector<Step>& steps, bool f
   CaseBuffer buffer(*source);
   const std::unique_ptr<QANT_InputCaseIterator> chosen(source->MakeIterator(buffer.obs()));
   ASSERT_NE(dynamic_cast<QANT_TextWizardIterator*>(chosen.get()), nullptr);
-  EXPECT_EQ(Walk(*chosen, buffer, steps), expected);
+  const std::vector<std::string> seen = Walk(*chosen, buffer, steps);
+  ASSERT_EQ(seen.size(), expected.size());
+  for (std::size_t i = 0; i < seen.size(); ++i) ASSERT_EQ(seen[i], expected[i]) << i;
   EXPECT_EQ(source->feeds, fed ? 1 : 0);
 }
 
@@ -273,6 +276,174 @@ TEST(WorkerFeed, FixedColumnsInAHostWithACodePage) {
     const embedded::InCodePage host(page);
     for (int round = 0; round < 6; ++round) ExpectSame(RandomFixed(random, 20000));
   }
+}
+
+ImportSettings CountedSettings() {
+  ImportSettings settings = CommaSettings();
+  settings.arrangement = kDelimitedCount;
+  return settings;
+}
+
+// Values that run across lines: qualified ones, empty ones, blanks, bytes that are no character,
+// NULs, line ends of every kind, some lines with many values.
+std::string CountedBytes(std::mt19937& random, std::size_t size, bool odd) {
+  static const char* const kPieces[] = {"1",
+                                        "23.5",
+                                        "abc",
+                                        "\"q\"",
+                                        "\"a,b\"",
+                                        "\"",
+                                        "a\"b",
+                                        ",",
+                                        ",",
+                                        ",",
+                                        ",",
+                                        ",",
+                                        ",",
+                                        ";",
+                                        " ",
+                                        "  ",
+                                        "\t",
+                                        "\n",
+                                        "\n",
+                                        "\r\n",
+                                        "\r",
+                                        "\n\n",
+                                        ",,",
+                                        ",\n",
+                                        "NA",
+                                        "12:30:45",
+                                        "31/12/1999",
+                                        "\xC3\xA9",
+                                        "long text that fills"};
+  std::string bytes;
+  while (bytes.size() < size) {
+    if (odd && random() % 60 == 0) bytes += random() % 2 == 0 ? std::string(1, '\0') : "\xE2\x82";
+    bytes += kPieces[random() % std::size(kPieces)];
+    if (random() % 300 == 0) {
+      for (int i = 0; i < 200; ++i) bytes += "7,";
+    }
+  }
+  return bytes;
+}
+
+Import RandomCounted(std::mt19937& random, std::size_t size) {
+  static const std::uint32_t kFormats[] = {kFormatSkip, kFormatA,    kFormatA,   kFormatF,
+                                           kFormatF,    kFormatDate, kFormatTime};
+  static const char* const kDelimiters[] = {",", ",;", " ", ", ", ",;\t"};
+  Import import;
+  for (std::size_t columns = 1 + random() % 9; columns > 0; --columns) {
+    Column column;
+    column.format = kFormats[random() % 7];
+    column.width = column.format == kFormatA ? 1 + static_cast<std::uint32_t>(random() % 12) : 8;
+    // A batch has room for a few of such cases.
+    if (column.format == kFormatA && random() % 12 == 0) column.width = 30000;
+    import.columns.push_back(column);
+  }
+  ImportSettings& settings = import.settings;
+  settings = CountedSettings();
+  settings.delimiters = kDelimiters[random() % 5];
+  settings.qualifierSet = random() % 3 != 0;
+  settings.qualifier = settings.qualifierSet ? "\"" : "";
+  settings.leadingSpaces = random() % 3 == 0;
+  settings.multipleSpaces = random() % 3 == 0;
+  settings.encoding = random() % 3 == 0 ? kEncodingLocale : kEncodingUtf8;
+  settings.firstCase = static_cast<std::int64_t>(random() % 4);
+  if (random() % 6 == 0) {
+    settings.importMode = kImportFirst;
+    settings.caseLimit = 1 + static_cast<std::int64_t>(random() % 2000);
+  }
+  import.bytes = CountedBytes(random, size, random() % 2 == 0);
+  return import;
+}
+
+TEST(WorkerFeed, RandomFilesOfValuesAcrossLines) {
+  std::mt19937 random(4711);
+  for (int round = 0; round < 80 && !testing::Test::HasFailure(); ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
+    ExpectSame(RandomCounted(random, random() % 10 == 0 ? 700000 : random() % 3000));
+  }
+}
+
+TEST(WorkerFeed, ValuesAcrossLinesInAnyBlockSize) {
+  std::mt19937 random(98);
+  for (const std::size_t block : {1u, 2u, 3u, 7u, 64u, 4096u}) {
+    SCOPED_TRACE("blocks of " + std::to_string(block));
+    const embedded::ScopedBlockSize size(block);
+    for (int round = 0; round < 6; ++round) ExpectSame(RandomCounted(random, 20000));
+  }
+}
+
+TEST(WorkerFeed, ValuesAcrossLinesInAHostWithACodePage) {
+  std::mt19937 random(76);
+  for (const char* const page : {"windows-1252", "Shift_JIS"}) {
+    const embedded::InCodePage host(page);
+    for (int round = 0; round < 8; ++round) ExpectSame(RandomCounted(random, 20000));
+  }
+}
+
+TEST(WorkerFeed, LeapsOverValuesAcrossLines) {
+  std::mt19937 random(32);
+  for (int round = 0; round < 120 && !testing::Test::HasFailure(); ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
+    const Import import = RandomCounted(random, random() % 8 == 0 ? 300000 : 2000);
+    std::vector<Step> steps = {{kOn, static_cast<int>(1 + random() % 50)}};
+    for (std::size_t count = random() % 5; count > 0; --count) {
+      const auto to = static_cast<long long>(random() % 120);
+      steps.push_back({random() % 4 == 0 ? kOn : to, static_cast<int>(random() % 40)});
+    }
+    ExpectSameWalk(import, steps);
+  }
+}
+
+// Lines of all lengths around those that go through the ring in parts; a case may need many lines,
+// and a line may have very many cases.
+TEST(WorkerFeed, ValuesInLongLines) {
+  for (const std::size_t columns : {1u, 3u, 700u}) {
+    Import import;
+    import.settings = CountedSettings();
+    import.columns = Numbers(columns);
+    import.columns[0] = {kFormatA, 5};
+    int number = 0;
+    for (const std::size_t length : {10u, 3000000u, 0u, 130000u, 1u, 1048570u, 400000u, 5u}) {
+      std::string line;
+      while (line.size() < length) {
+        line += std::to_string(++number % 1000);
+        line += number % 5000 == 0 ? "\xFF," : ",";
+      }
+      import.bytes += line + "8\n";
+      for (int i = 0; i < 400; ++i) import.bytes += "\xC3\xA4" + std::to_string(i) + "\n";
+    }
+    ExpectSame(import);
+    ExpectSameWalk(import, {{kOn, 300}, {20, 5}, {100, 20}});
+  }
+}
+
+TEST(WorkerFeed, ReadErrorsInValuesAcrossLines) {
+  Import import;
+  import.settings = CountedSettings();
+  import.columns = {{kFormatF, 8}, {kFormatA, 6}, { kFormatF, 8 }};
+  for (int i = 1; i <= 40000; ++i) import.bytes += std::to_string(i) + ",text\n";
+  auto faults = std::make_shared<embedded::StreamFaults>();
+  const DataFile file(import.bytes, faults);
+  for (const std::int64_t offset : {0, 1, 2, 5, 6, 7, 124990, 300000}) {
+    SCOPED_TRACE("fails at " + std::to_string(offset));
+    faults->failAt = offset;
+    const Pass expected = ReadOnOneThread(file, import);
+    EXPECT_EQ(expected.errors.size(), 1u);
+    for (const int workers : {2, 8}) {
+      const auto source = SourceOf(file, import, workers);
+      EXPECT_TRUE(ReadAll(*source) == expected);
+    }
+  }
+}
+
+TEST(WorkerFeed, ValuesAcrossLinesOfUtf16AreReadOnOneThread) {
+  Import import;
+  import.settings = CountedSettings();
+  import.columns = Numbers(2);
+  import.bytes = Utf16(u"1,2,3\n4\n\uFFFF5,6\n7,\n");
+  ExpectSame(import, false);
 }
 
 }  // namespace

@@ -36,12 +36,13 @@ WorkerPlan::WorkerPlan(const ImportSource& src)
   stringRules.enclosedFitsUnmarked = true;
 }
 
-bool WorkerPlan::Converts(const ImportSettings& settings) {
+bool WorkerPlan::Converts(const ImportSource& source) {
+  const ImportSettings& settings = source.settings();
   switch (settings.arrangement) {
     case kDelimitedLines:
       return true;
     case kDelimitedCount:
-      return false;
+      return !source.variables().empty();
     case kFixedColumns:
       return settings.recordsPerCase > 0 && settings.recordsPerCase <= kMostRecordsPerCase;
   }
@@ -53,16 +54,20 @@ void WorkerPlan::Convert(bool anyArrangement) {
   caseIsLine = settings.arrangement == kDelimitedLines || !anyArrangement;
   keepsEmpty = settings.arrangement == kFixedColumns && !caseIsLine;
   if (!caseIsLine) {
-    recordsPerCase = settings.recordsPerCase;
+    if (keepsEmpty) recordsPerCase = settings.recordsPerCase;
     // On one thread such a field is counted as any other.
     stringRules.enclosedFitsUnmarked = false;
   }
   variableCount = source.variables().size();
-  if (caseBytes > 0) {
-    const std::size_t cases = std::max<std::size_t>(1, kCaseArrayBudget / caseBytes);
+  // A case without a cell takes none.
+  const std::size_t bytes = std::max(caseBytes, sizeof(OBS));
+  const std::size_t cases = std::max<std::size_t>(1, kCaseArrayBudget / bytes);
+  if (settings.arrangement == kDelimitedCount && !caseIsLine) {
+    fieldsPerCase = variableCount;
+    maxFields = cases * fieldsPerCase;
+  } else {
     maxRecords = static_cast<std::uint32_t>(cases * recordsPerCase);
   }
-  maxRecords -= maxRecords % recordsPerCase;
   clearCases = true;
   if (caseIsLine && settings.arrangement != kDelimitedLines) return;
   std::size_t stored = 0;

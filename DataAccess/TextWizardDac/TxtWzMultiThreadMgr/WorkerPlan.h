@@ -55,7 +55,7 @@ struct WorkerPlan {
   explicit WorkerPlan(const ImportSource& source);
 
   // Whether workers can make the cases of such an import.
-  static bool Converts(const ImportSettings& settings);
+  static bool Converts(const ImportSource& source);
 
   // Every variable of the source into its cells. Of another arrangement than one case per line
   // nothing is converted unless it is asked for, and can be (Converts).
@@ -79,6 +79,9 @@ struct WorkerPlan {
   bool keepsEmpty = false;
   // Records of a case, all lines then.
   std::uint32_t recordsPerCase = 1;
+  // Fields of a case that run across lines, else 0; and most fields of one batch, whole cases.
+  std::size_t fieldsPerCase = 0;
+  std::size_t maxFields = 0;
   StringRules stringRules;
   DetectionRules detectionRules;
   // A host watches what detection sees.

@@ -4,18 +4,26 @@
 // An engine says what it does with what is found:
 //   bool NextRecord(bool keepEmpty)      goes to the next record; false when there is none
 //   CaseWatch* watch()                   who is told of the case; null for nobody
-//   void StoreMissing(column, line)      the record of that line has nothing of the column
-// and of fixed columns
+//   std::uint32_t PositionOf(column)     the variable's place in the source's list
+// of fixed columns, which have `line`, the record of the case that holds them
 //   bool CutColumn(column, field)        see FixedColumn; of the record in hand
 //   void TakeColumn(field, column)       converts a field
-//   std::uint32_t PositionOf(column)     the variable's place in the source's list
-// Its columns have `line`, the record of the case that holds them.
+//   void StoreMissing(column, line)      the record of that line has nothing of the column
+// and of values that run across lines
+//   const FieldSplitter& fields()        of the record in hand
+//   bool NextField(field, left)          cuts its next field; false when it is used up. The case
+//                                        takes `left` more fields with this one
+//   bool IsImported(column)              false for a variable that is skipped
+//   void TakeField(field, column)        converts a field
+//   void StoreMissing(column)            the data ended before the column
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "reading/CaseWatch.h"
+#include "reading/FieldSplitter.h"
 
 namespace textwizard {
 
@@ -47,6 +55,41 @@ bool ReadFixedCase(Engine&& engine, const Columns& columns, std::uint32_t lines,
     if (line == UINT32_MAX) break;
   }
   if (watch) watch->EndCase(absent + unreachable, ended ? absent : CaseWatch::kComplete);
+  return true;
+}
+
+// A case of as many values as there are columns (skipped ones too, one at least), which go on in
+// the record in hand where the case before ended. False when there is no value for it.
+template <class Engine, class Columns>
+bool ReadCountedCase(Engine&& engine, const Columns& columns) {
+  bool linesLeft = true;
+  std::int64_t absent = 0;
+  CaseWatch* const watch = engine.watch();
+  const FieldSplitter& fields = engine.fields();
+  std::size_t left = columns.size();
+  for (const auto& column : columns) {
+    std::string_view field;
+    std::size_t begin = fields.offset();
+    bool found = engine.NextField(field, left);
+    while (!found && linesLeft) {
+      linesLeft = engine.NextRecord(false);
+      begin = fields.offset();
+      found = linesLeft && engine.NextField(field, left);
+    }
+    --left;
+    if (!found && &column == columns.data()) return false;
+    const bool imported = engine.IsImported(column);
+    if (imported && found) {
+      engine.TakeField(field, column);
+    } else if (imported) {
+      engine.StoreMissing(column);
+      ++absent;
+    }
+    if (watch && found) {
+      watch->EndField(engine.PositionOf(column), field, begin, fields.offset());
+    }
+  }
+  if (watch) watch->EndCase(absent, linesLeft ? CaseWatch::kComplete : absent);
   return true;
 }
 

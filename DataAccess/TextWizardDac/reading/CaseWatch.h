@@ -108,6 +108,11 @@ class CaseWatch {
   // --- Records, other arrangements
   // A record was read. It belongs to the case that has something of it first.
   void TakeRecord(const WatchedRecord& record);
+  // The same of a record that a case of an earlier batch began with.
+  void ResumeRecord(const WatchedRecord& record) {
+    TakeRecord(record);
+    recordIsNew_ = false;
+  }
   // The field of `variable` has been cut, and converted unless it is skipped: the record's text
   // from `begin` to `end`.
   void EndField(std::uint32_t variable, std::string_view field, std::size_t begin, std::size_t end);

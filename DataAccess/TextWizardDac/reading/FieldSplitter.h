@@ -62,6 +62,7 @@ class FieldSplitter {
   void SetRecordOfText(std::string_view record);
   // Whether `text` can be cut byte by byte; see CharacterKinds.
   bool CutsByBytes(std::string_view text) const { return kinds_.CutsByBytes(text); }
+  const CharacterKinds& kinds() const { return kinds_; }
 
   // Cuts the next field: a view into the record, or into a buffer of the splitter's when the field
   // differs from the record's bytes; valid until the next call. False, with an empty field, when

@@ -11,12 +11,6 @@
 #include "reading/ValueConverter.h"
 
 namespace textwizard {
-namespace {
-
-// Of a case that the file did not end in.
-constexpr std::int64_t kComplete = CaseWatch::kComplete;
-
-}  // namespace
 
 struct QANT_TextWizardIterator::CaseEngine {
   QANT_TextWizardIterator& it;
@@ -34,6 +28,11 @@ struct QANT_TextWizardIterator::CaseEngine {
     const bool exists = line <= it.columns_.size();
     it.StoreMissing(column, exists ? it.columns_[line - 1].variable : nullptr);
   }
+  const FieldSplitter& fields() { return it.fields_; }
+  bool NextField(std::string_view& field, std::size_t /*left*/) { return it.fields_.Next(field); }
+  bool IsImported(const Column& column) const { return column.variable->formatType != kFormatSkip; }
+  void TakeField(std::string_view field, const Column& column) { it.ConvertField(field, column); }
+  void StoreMissing(const Column& column) { it.StoreMissing(column, column.variable); }
 };
 
 QANT_TextWizardIterator::QANT_TextWizardIterator(const ImportSource& source, OBS* obs)
@@ -438,34 +437,8 @@ bool QANT_TextWizardIterator::ProcessDlmLines() {
 
 bool QANT_TextWizardIterator::ProcessDlmCount() {
   if (columns_.empty() || !moreData_) return true;
-  bool linesLeft = true;
-  std::int64_t absent = 0;
-  for (const Column& column : columns_) {
-    std::string_view field;
-    std::size_t begin = fields_.offset();
-    bool found = fields_.Next(field);
-    while (!found && linesLeft) {
-      linesLeft = ReadRecord(false);
-      begin = 0;
-      found = linesLeft && fields_.Next(field);
-    }
-    if (!found && &column == columns_.data()) {
-      moreData_ = false;
-      return false;
-    }
-    const bool imported = column.variable->formatType != kFormatSkip;
-    if (imported && found) {
-      ConvertField(field, column);
-    } else if (imported) {
-      StoreMissing(column, column.variable);
-      ++absent;
-    }
-    if (watch_ && found) {
-      watch_->cases().EndField(column.position, field, begin, fields_.offset());
-    }
-  }
-  if (watch_) watch_->cases().EndCase(absent, linesLeft ? kComplete : absent);
-  return true;
+  moreData_ = ReadCountedCase(CaseEngine{*this}, columns_);
+  return moreData_;
 }
 
 bool QANT_TextWizardIterator::ProcessFixedLines() {

@@ -1,7 +1,5 @@
 #include "reading/RecordDecoder.h"
 
-#include "reading/ByteScan.h"
-
 namespace textwizard {
 namespace {
 
@@ -47,7 +45,7 @@ RecordDecoder::RecordDecoder(FileEncoding encoding)
     : conversion_(ConversionOf(encoding)), keepsAscii_(conversion_ && KeepsAscii(conversion_)) {}
 
 std::string_view RecordDecoder::Decode8(std::string_view raw) {
-  if (!conversion_ || (keepsAscii_ && IsAscii(raw))) return raw;
+  if (Keeps(raw)) return raw;
   conversion_(nullptr, buffer_, raw);
   return buffer_;
 }

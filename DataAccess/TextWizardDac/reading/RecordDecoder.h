@@ -6,6 +6,7 @@
 
 #include "HostFramework/Text.h"
 #include "model/ImportSettings.h"
+#include "reading/ByteScan.h"
 #include "reading/RecordReader.h"
 
 namespace textwizard {
@@ -26,6 +27,8 @@ class RecordDecoder {
   }
   // An 8-bit record, by the encoding alone.
   std::string_view Decode8(std::string_view raw);
+  // Whether 8-bit records in `text` stay as they are.
+  bool Keeps(std::string_view text) const { return !conversion_ || (keepsAscii_ && IsAscii(text)); }
   // 16-bit units, none zero, in the order that the mark names. The encoding plays no part.
   std::string_view Decode16(std::string_view raw, ByteOrderMark mark);
 

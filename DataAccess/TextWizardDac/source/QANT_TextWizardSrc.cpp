@@ -76,7 +76,7 @@ QANT_InputCaseIterator* QANT_TextWizardSrc::MakeAutoDetectIterator(OBS* obs) con
 }
 
 std::unique_ptr<CaseFeed> QANT_TextWizardSrc::MakeCaseFeed(QANT_InputCaseIterator& iterator) const {
-  if (!WorkerPlan::Converts(settings_)) return nullptr;
+  if (!WorkerPlan::Converts(*this)) return nullptr;
   auto feed = std::make_unique<WorkerFeed>(*this, iterator);
   if (!feed->started()) return nullptr;
   return feed;

@@ -1,0 +1,122 @@
+#include "reading/FieldCounter.h"
+
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "HostFramework/embedded/text/HostText.h"
+#include "HostFramework/embedded/text/testing/TextTest.h"
+
+namespace textwizard {
+namespace {
+
+ImportSettings Settings(const std::string& delimiters, const std::string& qualifier) {
+  ImportSettings settings;
+  settings.delimiters = delimiters;
+  settings.qualifier = qualifier;
+  settings.qualifierSet = !qualifier.empty();
+  return settings;
+}
+
+std::size_t CutRecord(FieldSplitter& splitter, std::string_view record) {
+  splitter.SetRecord(record);
+  std::size_t count = 0;
+  for (std::string_view field; splitter.Next(field);) ++count;
+  return count;
+}
+
+std::size_t CutLines(const FieldRules& rules, std::string_view lines) {
+  FieldSplitter splitter(rules, SplitUse::kReading, nullptr);
+  std::size_t count = 0;
+  while (!lines.empty()) {
+    const std::size_t length = std::min(lines.find_first_of("\r\n"), lines.size());
+    count += CutRecord(splitter, lines.substr(0, length));
+    lines.remove_prefix(std::min(length + 1, lines.size()));
+  }
+  return count;
+}
+
+TEST(FieldCounter, CountsTheFieldsOfLines) {
+  const embedded::InCodePage host(nullptr);
+  const FieldRules rules(Settings(",;", "\""));
+  FieldCounter counter(rules);
+  EXPECT_EQ(counter.CountLines(""), 0u);
+  EXPECT_EQ(counter.CountLines("\n\r\n\r"), 0u);
+  EXPECT_EQ(counter.CountLines("a\n"), 1u);
+  // A delimiter that ends a record is not followed by a field.
+  EXPECT_EQ(counter.CountLines("a,\n"), 1u);
+  EXPECT_EQ(counter.CountLines(",\n"), 1u);
+  EXPECT_EQ(counter.CountLines(",,;b\r\n\r\nc\rd;e\n"), 7u);
+  // A line ends what a qualifier opened; a stray one takes in what follows.
+  EXPECT_EQ(counter.CountLines("a,\"b,c\nd\",e\nf,g\n"), 5u);
+  EXPECT_EQ(counter.CountLines("a,b\n\"c,d\",e\n\n\"f\"\ng,h\n"), 7u);
+}
+
+TEST(FieldCounter, CountsARecordUpToAField) {
+  const embedded::InCodePage host(nullptr);
+  const FieldRules rules(Settings(",", "\""));
+  FieldCounter counter(rules);
+  std::size_t offset = 0;
+  EXPECT_EQ(counter.CountRecord("ab,\"c,d\",e,", 2, &offset), 2u);
+  EXPECT_EQ(offset, 9u);
+  EXPECT_EQ(counter.CountRecord("ab,\"c,d\",e,", 5, &offset), 1u);
+  EXPECT_EQ(offset, 11u);
+  EXPECT_EQ(counter.CountRecord("ab,\"c,d\",e,", 5, &offset), 0u);
+  offset = 0;
+  EXPECT_EQ(counter.CountRecord("", 5, &offset), 0u);
+}
+
+TEST(FieldCounter, CountsWhatTheSplitterCuts) {
+  std::mt19937 random(20);
+  static const char* const kPieces[] = {
+      "a",
+      "1.5",
+      ",",
+      ",",
+      ",",
+      ";",
+      " ",
+      "  ",
+      "\t",
+      "\n",
+      "\n",
+      "\r",
+      "\r\n",
+      "\"",
+      "\"\"",
+      "\",",
+      "long text that fills more than a word of marks and goes on behind it, too, \"somewhere\"",
+      "\xC3\xA4",
+      "\xE2\x82\xAC",
+      "\xFF",
+      "\xE2\x82",
+      "\x81,"};
+  for (const char* const page : {"UTF-8", "windows-1252", "Shift_JIS"}) {
+    const embedded::InCodePage host(std::string_view(page) == "UTF-8" ? nullptr : page);
+    for (int round = 0; round < 1500; ++round) {
+      static const char* const kDelimiters[] = {",", ",;", " ", ", ", "\t", "\n,", ""};
+      ImportSettings settings = Settings(kDelimiters[random() % 7], random() % 3 == 0 ? "" : "\"");
+      settings.leadingSpaces = random() % 4 == 0;
+      settings.multipleSpaces = random() % 4 == 0;
+      settings.keepsStrayQualifiers = random() % 2 == 0;
+      const FieldRules rules(settings);
+      FieldCounter counter(rules);
+      std::string lines;
+      // Some text has no qualifier, some nothing beyond ASCII.
+      const std::size_t pieces = random() % 3 == 0 ? 13 : random() % 2 == 0 ? 17 : 22;
+      for (std::size_t size = random() % 400; lines.size() < size;) {
+        lines += kPieces[random() % pieces];
+      }
+      if (random() % 4 == 0) lines = std::string(4000 + random() % 200, 'x') + lines;
+      lines += "\n";
+      ASSERT_EQ(counter.CountLines(lines), CutLines(rules, lines))
+          << page << testing::PrintToString(lines) << settings.delimiters;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace textwizard
