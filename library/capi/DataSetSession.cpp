@@ -13,10 +13,10 @@
 #include "HostFramework/embedded/text/HostText.h"
 #include "library/capi/Failure.h"
 #include "library/files/DataSetImport.h"
+#include "library/import/BareParts.h"
 #include "library/import/ColumnReport.h"
 #include "library/outputs/DictionaryJson.h"
 #include "library/outputs/Utf8Converter.h"
-#include "library/import/BareParts.h"
 #include "library/sniff/SniffJson.h"
 
 namespace library {
