@@ -1,5 +1,6 @@
 #include "TxtWzMultiThreadMgr/RecordBatch.h"
 
+#include <cstring>
 #include <new>
 #include <utility>
 

@@ -7,7 +7,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -41,7 +40,8 @@ class RecordBatch {
     if (record.empty()) {
       for (std::size_t at = fUsed; at > 0 && fText[at - 1] == '\r'; --at) fText[at - 1] = '\n';
     }
-    std::memcpy(fText.get() + fUsed, record.data(), record.size());
+    // The view of an empty record may be of nothing at all.
+    std::copy(record.begin(), record.end(), fText.get() + fUsed);
     fUsed += record.size();
     fText[fUsed++] = '\n';
     ++fRecordCount;
