@@ -166,22 +166,29 @@ Import RandomFixed(std::mt19937& random, std::size_t size) {
   return import;
 }
 
-TEST(WorkerFeed, RandomFilesOfFixedColumns) {
+// An import of a file of about so many bytes.
+using MakeImport = Import (*)(std::mt19937& random, std::size_t size);
+
+void ExpectSameOfRandomFiles(MakeImport make, int rounds) {
   std::mt19937 random(4711);
-  for (int round = 0; round < 60 && !testing::Test::HasFailure(); ++round) {
+  for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
-    ExpectSame(RandomFixed(random, random() % 10 == 0 ? 700000 : random() % 3000));
+    ExpectSame(make(random, random() % 10 == 0 ? 700000 : random() % 3000));
   }
 }
 
-TEST(WorkerFeed, FixedColumnsInAnyBlockSize) {
-  std::mt19937 random(99);
+void ExpectSameInAnyBlockSize(MakeImport make, unsigned seed) {
+  std::mt19937 random(seed);
   for (const std::size_t block : {1u, 2u, 3u, 7u, 64u, 4096u}) {
     SCOPED_TRACE("blocks of " + std::to_string(block));
     const embedded::ScopedBlockSize size(block);
-    for (int round = 0; round < 6; ++round) ExpectSame(RandomFixed(random, 20000));
+    for (int round = 0; round < 6; ++round) ExpectSame(make(random, 20000));
   }
 }
+
+TEST(WorkerFeed, RandomFilesOfFixedColumns) { ExpectSameOfRandomFiles(RandomFixed, 60); }
+
+TEST(WorkerFeed, FixedColumnsInAnyBlockSize) { ExpectSameInAnyBlockSize(RandomFixed, 99); }
 
 // Batches never end within a case, though a case is longer than a batch.
 TEST(WorkerFeed, CasesOfManyAndOfLongLines) {
@@ -357,22 +364,9 @@ Import RandomCounted(std::mt19937& random, std::size_t size) {
   return import;
 }
 
-TEST(WorkerFeed, RandomFilesOfValuesAcrossLines) {
-  std::mt19937 random(4711);
-  for (int round = 0; round < 80 && !testing::Test::HasFailure(); ++round) {
-    SCOPED_TRACE("round " + std::to_string(round));
-    ExpectSame(RandomCounted(random, random() % 10 == 0 ? 700000 : random() % 3000));
-  }
-}
+TEST(WorkerFeed, RandomFilesOfValuesAcrossLines) { ExpectSameOfRandomFiles(RandomCounted, 80); }
 
-TEST(WorkerFeed, ValuesAcrossLinesInAnyBlockSize) {
-  std::mt19937 random(98);
-  for (const std::size_t block : {1u, 2u, 3u, 7u, 64u, 4096u}) {
-    SCOPED_TRACE("blocks of " + std::to_string(block));
-    const embedded::ScopedBlockSize size(block);
-    for (int round = 0; round < 6; ++round) ExpectSame(RandomCounted(random, 20000));
-  }
-}
+TEST(WorkerFeed, ValuesAcrossLinesInAnyBlockSize) { ExpectSameInAnyBlockSize(RandomCounted, 98); }
 
 TEST(WorkerFeed, ValuesAcrossLinesInAHostWithACodePage) {
   std::mt19937 random(76);
