@@ -414,7 +414,9 @@ inline void TextDataIteratorThread::ConvertColumn(std::string_view field, const 
 
 // The flag of a missing number lands by the line's place, as that of one thread does.
 void TextDataIteratorThread::StoreMissing(const FieldTask& task, std::uint32_t line) {
-  if (task.use == FieldUse::kString) return SetColumnValue({"", 0}, task);
+  if (task.use == FieldUse::kString) {
+    return StoreText({}, fCurrentCase + task.offset, task.cellBytes);
+  }
   std::memcpy(fCurrentCase + task.offset, &kSystemMissing, sizeof kSystemMissing);
   if (line <= fPlan.variableCount) NoteFlag(BatchNote::kMissingStored, line - 1);
 }
