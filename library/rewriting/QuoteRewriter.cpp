@@ -1,6 +1,7 @@
 #include "library/rewriting/QuoteRewriter.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -16,7 +17,18 @@ constexpr bool IsOwnLineEnd(unsigned unit) { return unit == '\n' || unit == '\r'
 // Where the reader of 16-bit records sees the end of the data.
 constexpr unsigned kEndUnit = 0xFFFF;
 
+// Bytes that a word of marks stands for, and words that are marked at once.
+constexpr std::size_t kWord = 64;
+constexpr std::size_t kWordsAtOnce = 64;
+
 unsigned Number(char byte) { return static_cast<unsigned char>(byte); }
+
+// False when the set has no room for it.
+bool AddTo(textwizard::ByteSet& set, unsigned byte) {
+  if (set.count == textwizard::ByteSet::kMax) return false;
+  set.bytes[set.count++] = static_cast<std::uint8_t>(byte);
+  return true;
+}
 
 }  // namespace
 
@@ -62,6 +74,71 @@ class QuoteRewriter::Replacing {
   const std::string_view following_;
 };
 
+// Bytes that are passed a word of marks after the other: qualifiers stand where fields begin and
+// end, or double one another, and nothing between them asks for more. How the walk stands behind
+// them is found out once they end.
+class QuoteRewriter::PlainRun {
+ public:
+  PlainRun(const QuoteRewriter& rewriter, const char* begin, QuotePosition& position)
+      : rewriter_(rewriter), position_(position) {
+    Begin(begin);
+  }
+
+  // Passes the word of bytes at `at`, where the run ends, when it is such; its marks are given.
+  bool Pass(const char* at, std::uint64_t qualifiers, std::uint64_t fieldEnds,
+            std::uint64_t inside) {
+    if (!canPass_) return false;
+    const std::uint64_t qualified = textwizard::PrefixXor(qualifiers) ^ carriedInside_;
+    const std::uint64_t before = (fieldEnds | qualifiers) << 1 | carriedEnd_;
+    if ((qualifiers & qualified & ~before) != 0 || (inside & qualified) != 0) return false;
+    if (qualifiers != 0) {
+      behindQualifier_ = at + kWord - std::countl_zero(qualifiers);
+      closes_ = closes_ || (qualifiers & ~qualified) != 0;
+    }
+    carriedInside_ = std::uint64_t{0} - (qualified >> (kWord - 1));
+    carriedEnd_ = (fieldEnds | qualifiers) >> (kWord - 1);
+    return true;
+  }
+  // The run ends at `end`, up to which everything was passed.
+  void End(const char* end) {
+    if (end == begin_) return;
+    State& state = position_.state;
+    if (carriedInside_ != 0) {
+      state = QuotePosition::kQualified;
+    } else if (behindQualifier_ != nullptr) {
+      state = rewriter_.StateBehind(behindQualifier_, end, QuotePosition::kAfter);
+    } else {
+      state = rewriter_.StateBehind(begin_, end, state);
+    }
+    if (closes_) position_.joinedHere = 0;
+    position_.afterReturn = QuotePosition::kNoReturn;
+  }
+  // Another one begins.
+  void Begin(const char* begin) {
+    const State state = position_.state;
+    begin_ = begin;
+    behindQualifier_ = nullptr;
+    closes_ = false;
+    canPass_ = state != QuotePosition::kPreamble && state != QuotePosition::kEscape &&
+               state != QuotePosition::kCutOff;
+    carriedInside_ = state == QuotePosition::kQualified ? ~std::uint64_t{0} : 0;
+    carriedEnd_ = state == QuotePosition::kStart || state == QuotePosition::kAfter ? 1 : 0;
+  }
+
+ private:
+  const QuoteRewriter& rewriter_;
+  QuotePosition& position_;
+  const char* begin_ = nullptr;
+  // The byte behind the last qualifier of the run; null when it has none.
+  const char* behindQualifier_ = nullptr;
+  bool closes_ = false;
+  bool canPass_ = false;
+  // All bits when the byte before is inside qualified text.
+  std::uint64_t carriedInside_ = 0;
+  // Bit 0 when a qualifier may stand here outside of it.
+  std::uint64_t carriedEnd_ = 0;
+};
+
 void QuotePosition::Append(const QuotePosition& next) {
   QuotePosition all = next;
   all.joinedLines += joinedLines;
@@ -98,6 +175,12 @@ QuoteRewriter::QuoteRewriter(QuoteRules rules, const StandIns& standIns)
   for (const char end : {'\n', '\r'}) endsField_[Number(end)] = matters_[Number(end)] = true;
   matters_[qualifier_] = true;
   matters_[Number('\\')] = rules_.options.backslashEscapes || matters_[Number('\\')];
+
+  byMarks_ = byBytes_ && !endsField_[qualifier_] && AddTo(qualifierMark_, qualifier_);
+  for (unsigned byte = 0; byte < matters_.size(); ++byte) {
+    if (endsField_[byte]) byMarks_ = byMarks_ && AddTo(fieldEndMarks_, byte);
+    if (matters_[byte] && byte != qualifier_) byMarks_ = byMarks_ && AddTo(insideMarks_, byte);
+  }
 }
 
 QuotePosition QuoteRewriter::Begin() const {
@@ -119,6 +202,39 @@ void QuoteRewriter::Rewrite(char* bytes, std::size_t count, std::string_view fol
 template <class Sink>
 void QuoteRewriter::Walk(const char* begin, const char* end, QuotePosition& position,
                          const Sink& sink) const {
+  const char* at = begin;
+  while (byMarks_ && static_cast<std::size_t>(end - at) >= kWord) {
+    const std::size_t words = std::min(static_cast<std::size_t>(end - at) / kWord, kWordsAtOnce);
+    WalkBlock(at, words, position, sink);
+    at += words * kWord;
+  }
+  WalkUnits(at, end, position, sink);
+}
+
+template <class Sink>
+void QuoteRewriter::WalkBlock(const char* begin, std::size_t words, QuotePosition& position,
+                              const Sink& sink) const {
+  std::array<std::uint64_t, kWordsAtOnce> qualifiers;
+  std::array<std::uint64_t, kWordsAtOnce> fieldEnds;
+  std::array<std::uint64_t, kWordsAtOnce> inside;
+  const std::string_view bytes(begin, words * kWord);
+  textwizard::MarkBytes(bytes, qualifierMark_, qualifiers.data());
+  textwizard::MarkBytes(bytes, fieldEndMarks_, fieldEnds.data());
+  textwizard::MarkBytes(bytes, insideMarks_, inside.data());
+  PlainRun run(*this, begin, position);
+  for (std::size_t word = 0; word < words; ++word) {
+    const char* const at = begin + word * kWord;
+    if (run.Pass(at, qualifiers[word], fieldEnds[word], inside[word])) continue;
+    run.End(at);
+    WalkUnits(at, at + kWord, position, sink);
+    run.Begin(at + kWord);
+  }
+  run.End(begin + words * kWord);
+}
+
+template <class Sink>
+void QuoteRewriter::WalkUnits(const char* begin, const char* end, QuotePosition& position,
+                              const Sink& sink) const {
   const char* at = begin;
   while (at != end) {
     if (byBytes_) {

@@ -10,6 +10,7 @@
 
 #include "library/rewriting/QuoteRules.h"
 #include "library/rewriting/StandIns.h"
+#include "reading/ByteScan.h"
 
 namespace library {
 
@@ -92,6 +93,7 @@ class QuoteRewriter {
  private:
   class Watching;
   class Replacing;
+  class PlainRun;
   // A delimiter of several units, as the history behind it.
   struct LongDelimiter {
     std::uint32_t bits;
@@ -102,6 +104,12 @@ class QuoteRewriter {
   bool IsTrail(char byte, QuotePosition& position) const;
   template <class Sink>
   void Walk(const char* begin, const char* end, QuotePosition& position, const Sink& sink) const;
+  template <class Sink>
+  void WalkUnits(const char* begin, const char* end, QuotePosition& position,
+                 const Sink& sink) const;
+  template <class Sink>
+  void WalkBlock(const char* begin, std::size_t words, QuotePosition& position,
+                 const Sink& sink) const;
   template <class Sink>
   const char* WalkFields(const char* at, const char* end, QuotePosition& position,
                          const Sink& sink) const;
@@ -126,6 +134,12 @@ class QuoteRewriter {
   std::array<bool, 256> endsField_{};
   std::array<bool, 256> matters_{};
   std::vector<LongDelimiter> longDelimiters_;
+  // Blocks are looked at by marks: of the qualifier, of what ends a field, of what must not stand
+  // inside qualified text that is passed unseen.
+  bool byMarks_ = false;
+  textwizard::ByteSet qualifierMark_;
+  textwizard::ByteSet fieldEndMarks_;
+  textwizard::ByteSet insideMarks_;
 };
 
 }  // namespace library

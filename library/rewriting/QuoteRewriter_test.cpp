@@ -1,6 +1,10 @@
 #include "library/rewriting/QuoteRewriter.h"
 
+#include <iterator>
+#include <random>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -149,6 +153,42 @@ TEST(QuoteRewriter, ThePreambleIsPassedAsItIs) {
 TEST(QuoteRewriter, NulsCountForNothing) {
   const std::string text("a,\0\"b\nc\0\"\0,d\n", 14);
   EXPECT_EQ(Rewritten(text, Rules(kJoin)), std::string("a,\0\"bNc\0\"\0,d\n", 14));
+}
+
+// Long texts are passed in blocks, byte for byte only what asks for it.
+TEST(QuoteRewriter, ATextIsTheSameInOnePieceAsByteByByte) {
+  constexpr std::string_view kPieces[] = {
+      "a",  "bc", "word", "\"",  "\"\"",       "\"x\"",       "\"x,y\"",      "\"x\ny\"",
+      ",",  ",",  " ",    ",\"", "\",",        "\n",          "\n",           "\r\n",
+      "\r", "\\", "\\\"", "0",   "0123456789", "a,b,c,d,e\n", "\"a\",\"b\"\n"};
+  std::mt19937 random(20260);
+  const auto draw = [&random](std::size_t below) { return random() % below; };
+  for (int round = 0; round < 3000; ++round) {
+    // Few kinds of pieces, so that long runs of what is plain come about, too.
+    std::vector<std::string_view> kinds;
+    for (std::size_t i = 2 + draw(8); i > 0; --i)
+      kinds.push_back(kPieces[draw(std::size(kPieces))]);
+    std::string text;
+    while (text.size() < 700) {
+      if (draw(300) == 0) text += '\0';
+      text += kinds[draw(kinds.size())];
+    }
+    QuoteRules rules =
+        Rules({draw(2) == 0, draw(4) == 0, draw(2) == 0},
+              draw(3) == 0 ? std::vector<std::string>{" ", ","} : std::vector<std::string>{","});
+    rules.linesBefore = static_cast<std::int64_t>(draw(3));
+    const QuoteRewriter rewriter(rules, kStandIns);
+    std::string whole = text;
+    QuotePosition position = rewriter.Begin();
+    rewriter.Rewrite(whole.data(), whole.size(), {}, position);
+    std::string single = text;
+    QuotePosition stepped = rewriter.Begin();
+    for (std::size_t at = 0; at < text.size(); ++at) {
+      rewriter.Rewrite(single.data() + at, 1, std::string_view(text).substr(at + 1, 1), stepped);
+    }
+    ASSERT_EQ(whole, single) << text;
+    ASSERT_EQ(position, stepped) << text;
+  }
 }
 
 TEST(QuoteRewriter, SeveralDelimitersAndOtherQualifiers) {

@@ -46,6 +46,12 @@ LineRun FindRunOfAllLines(std::string_view text, std::uint32_t most);
 // remaining bits of the last word are 0. `words` has room for (size + 63) / 64 words.
 void MarkBytes(std::string_view text, const ByteSet& set, std::uint64_t* words);
 
+// Bit i tells whether an odd number of the bits 0 to i are set.
+constexpr std::uint64_t PrefixXor(std::uint64_t bits) {
+  for (unsigned shift = 1; shift < 64; shift *= 2) bits ^= bits << shift;
+  return bits;
+}
+
 // Every byte is 1 to 127.
 bool IsAscii(std::string_view text);
 
