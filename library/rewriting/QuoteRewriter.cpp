@@ -203,7 +203,10 @@ template <class Sink>
 void QuoteRewriter::Walk(const char* begin, const char* end, QuotePosition& position,
                          const Sink& sink) const {
   const char* at = begin;
-  while (byMarks_ && static_cast<std::size_t>(end - at) >= kWord) {
+  while (byMarks_) {
+    // Nothing is marked where there is no qualifier.
+    if (!position.IsOpen()) at = WalkFields(at, end, position, sink);
+    if (static_cast<std::size_t>(end - at) < kWord) break;
     const std::size_t words = std::min(static_cast<std::size_t>(end - at) / kWord, kWordsAtOnce);
     WalkBlock(at, words, position, sink);
     at += words * kWord;

@@ -1,11 +1,10 @@
 #include "library/types/ColumnCounters.h"
 
-#include <bit>
+#include <algorithm>
 #include <utility>
 
 #include "HostFramework/embedded/values/PlainNumber.h"
 #include "library/types/NamePrefixes.h"
-#include "reading/ShortText.h"
 
 namespace library {
 namespace {
@@ -16,25 +15,6 @@ constexpr ReadingSet kOfFractions(Reading::kPoint, Reading::kPointPercent, Readi
 
 // Digits of a group: so many behind a point may have been grouped by it.
 constexpr std::size_t kGroupDigits = 3;
-
-// Place of the point in 1 to 16 bytes; their number when there is none.
-std::size_t FindPoint(std::string_view text) {
-  constexpr std::uint64_t kOnes = 0x0101010101010101;
-  const auto points = [](std::uint64_t word) {
-    const std::uint64_t other = word ^ kOnes * '.';
-    return (other - kOnes) & ~other & kOnes * 0x80;
-  };
-  constexpr std::size_t kWord = sizeof(std::uint64_t);
-  std::size_t at = 0;
-  if (text.size() > kWord) {
-    if (const std::uint64_t found = points(textwizard::LoadWord(text.data())); found != 0) {
-      return static_cast<std::size_t>(std::countr_zero(found)) / 8;
-    }
-    at = kWord;
-  }
-  const std::uint64_t found = points(textwizard::LoadShortText(text.data() + at, text.size() - at));
-  return found == 0 ? text.size() : at + static_cast<std::size_t>(std::countr_zero(found)) / 8;
-}
 
 bool IsAsciiLetter(char byte) { return (static_cast<unsigned char>(byte) | 0x20U) - 'a' < 26; }
 
@@ -57,21 +37,20 @@ inline bool ColumnCounters::CountPlain(std::size_t column, std::string_view text
   }
   const std::size_t sign = (first == '-') | (first == '+');
   const std::string_view digits = text.substr(sign);
-  double value;
+  std::size_t fraction;
   if (digits.size() - 1 >= embedded::PlainNumber::kLongest ||
-      !embedded::PlainNumber::Read(digits.data(), digits.size(), '.', false, &value)) {
+      !embedded::PlainNumber::Look(digits.data(), digits.size(), '.', &fraction)) {
     return false;
   }
-  const std::size_t point = FindPoint(digits);
-  if (point == digits.size()) {
+  if (fraction == embedded::PlainNumber::kNoDecimal) {
     // What begins with a zero is told one by one.
     if (digits.front() == '0' && digits.size() > 1) return false;
     if (hot.integers++ == 0) NoteGroup(column, kOfIntegers, text, line);
     Raise(hot.whole, text.size());
     Raise(hot.commaWhole, text.size());
   } else {
-    const std::size_t fraction = digits.size() - point - 1;
     if (fraction == 0) return false;
+    const std::size_t point = digits.size() - fraction - 1;
     if (fraction == kGroupDigits && point - 1 < kGroupDigits) {
       // As a group, the point is one of the characters in front of a decimal comma.
       if (hot.groups++ == 0) {

@@ -15,6 +15,33 @@ namespace embedded {
 class PlainNumber {
  public:
   static constexpr std::size_t kLongest = 16;
+  static constexpr std::size_t kNoDecimal = kLongest;
+
+  // Whether Read reads it. *places then: how many digits stand behind the decimal character,
+  // kNoDecimal when there is none. Costs less than reading it.
+  static bool Look(const char* text, std::size_t length, char decimal, std::size_t* places) {
+    if constexpr (std::endian::native != std::endian::little) return false;
+    const auto mark = static_cast<unsigned char>(decimal ^ '0');
+    *places = kNoDecimal;
+    if (length <= kWord) {
+      const std::uint64_t digits = LoadShort(text, length);
+      const std::uint64_t others = NotDigits(digits);
+      return others == 0 || (length > 1 && FindGap(digits, others, mark, *places));
+    }
+    const std::uint64_t head = HeadDigits(text, length);
+    const std::uint64_t tail = TailDigits(text, length);
+    const std::uint64_t notInHead = NotDigits(head);
+    if (const std::uint64_t notInTail = NotDigits(tail)) {
+      return notInHead == 0 && FindGap(tail, notInTail, mark, *places);
+    }
+    if (notInHead != 0) {
+      if (!FindGap(head, notInHead, mark, *places)) return false;
+      *places += kWord;
+      return true;
+    }
+    double value;
+    return length < kLongest || Read(text, length, decimal, false, &value);
+  }
 
   // Reads 1 to kLongest characters, digits with one `decimal` or none. All digits are found and
   // valued together, without a branch that depends on their number. Returns false and leaves *value
@@ -32,8 +59,8 @@ class PlainNumber {
       *value = EightDigits(digits) / kSignedPowers[negative][places];
       return true;
     }
-    std::uint64_t head = (Load<std::uint64_t>(text) ^ kZeros) << (2 * kWord - length) * 8;
-    std::uint64_t tail = Load<std::uint64_t>(text + length - kWord) ^ kZeros;
+    std::uint64_t head = HeadDigits(text, length);
+    std::uint64_t tail = TailDigits(text, length);
     const std::uint64_t notInHead = NotDigits(head);
     if (const std::uint64_t notInTail = NotDigits(tail)) {
       if (notInHead != 0 || !CloseGap(tail, notInTail, mark, head >> 56, places)) return false;
@@ -79,6 +106,14 @@ class PlainNumber {
     return (bytes ^ kZeros) << (kWord - length) * 8;
   }
 
+  // Of 9 to 16 characters: those before the last eight; the last eight.
+  static std::uint64_t HeadDigits(const char* text, std::size_t length) {
+    return (Load<std::uint64_t>(text) ^ kZeros) << (2 * kWord - length) * 8;
+  }
+  static std::uint64_t TailDigits(const char* text, std::size_t length) {
+    return Load<std::uint64_t>(text + length - kWord) ^ kZeros;
+  }
+
   // The high bit of each byte that is not a digit, up to a byte that is far from one: what is said
   // of the bytes behind that can be wrong.
   static std::uint64_t NotDigits(std::uint64_t bytes) {
@@ -96,17 +131,23 @@ class PlainNumber {
         ((bytes & kMask) * kFirst + ((bytes >> 16) & kMask) * kSecond) >> 32);
   }
 
-  // Takes the one character that is no digit out of `bytes`, if it is `mark`, and moves up those
-  // before it; `filler` comes in from below. False when another character is no digit.
-  static bool CloseGap(std::uint64_t& bytes, std::uint64_t others, unsigned char mark,
-                       std::uint64_t filler, std::size_t& places) {
+  // How many digits stand behind the one character of `bytes` that is no digit, if it is `mark`.
+  // False when another character is no digit.
+  static bool FindGap(std::uint64_t bytes, std::uint64_t others, unsigned char mark,
+                      std::size_t& places) {
     if ((others & (others - 1)) != 0) return false;
     const auto top = static_cast<unsigned>(std::countr_zero(others));
     if (static_cast<unsigned char>(bytes >> (top - 7)) != mark) return false;
+    places = (63 - top) / 8;
+    return true;
+  }
+  // The same; takes that character out and moves up those before it; `filler` comes in from below.
+  static bool CloseGap(std::uint64_t& bytes, std::uint64_t others, unsigned char mark,
+                       std::uint64_t filler, std::size_t& places) {
+    if (!FindGap(bytes, others, mark, places)) return false;
     const std::uint64_t below = (others >> 7) - 1;
     const std::uint64_t above = 0 - (others << 1);
     bytes = (bytes & above) | (bytes & below) << 8 | filler;
-    places = (63 - top) / 8;
     return true;
   }
 };
