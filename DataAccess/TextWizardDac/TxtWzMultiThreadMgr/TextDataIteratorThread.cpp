@@ -284,6 +284,8 @@ struct TextDataIteratorThread::CaseEngine {
   // Fields of the case that are cut already.
   std::size_t cut = 0;
   std::size_t next = 0;
+  // The rest of the record in hand is cut field by field.
+  bool single = false;
 
   CaseWatch* watch() {
     worker.fRole.Assume();
@@ -292,6 +294,7 @@ struct TextDataIteratorThread::CaseEngine {
   bool NextRecord(bool /*keepEmpty*/) {
     worker.fRole.Assume();
     worker.fHolder.Assume();
+    single = false;
     return worker.NextRecord<kWatched>();
   }
   std::uint32_t PositionOf(const FieldTask& task) const { return task.variable; }
@@ -309,17 +312,28 @@ struct TextDataIteratorThread::CaseEngine {
     worker.fHolder.Assume();
     worker.StoreMissing(task, line);
   }
-  const FieldSplitter& fields() {
+  std::size_t offset() {
     worker.fRole.Assume();
-    return worker.fSplitter;
+    const bool isCut = next < cut && worker.fFields[next].data() != nullptr;
+    return isCut ? worker.fSplitter.OffsetOf(worker.fFields[next]) : worker.fSplitter.offset();
   }
   bool NextField(std::string_view& field, std::size_t left) {
     worker.fRole.Assume();
-    if constexpr (kWatched) return worker.fSplitter.Next(field);
-    // Not those of the next case: of what the splitter tells, the case in hand is told.
+    worker.fHolder.Assume();
     if (next == cut) {
+      next = cut = 0;
+      if (kWatched && (single || !worker.CutsViews())) return worker.fSplitter.Next(field);
+      // Not those of the next case: of what the splitter tells, the case in hand is told.
+      const std::size_t begin = worker.fSplitter.offset();
       cut = worker.GetNextVars(left);
-      next = 0;
+      if (kWatched && !worker.AreViews(cut)) {
+        // The watch wants to know which field they are of, and where it is.
+        worker.fSplitter.TakeQuotes();
+        worker.fSplitter.SetOffset(begin);
+        cut = 0;
+        single = true;
+        return worker.fSplitter.Next(field);
+      }
     }
     field = worker.fFields[next++];
     if (field.data() != nullptr) return true;

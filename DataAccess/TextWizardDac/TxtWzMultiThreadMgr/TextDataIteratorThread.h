@@ -125,6 +125,16 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   std::size_t GetNextVars(std::size_t wanted) SF_REQUIRES(fRole) {
     return fSplitter.Cut(fFields.data(), std::min(wanted, fFields.size()));
   }
+  // Fields of the record that are cut at once are views of it, but perhaps the last one; and
+  // whether the first `cut` of fFields, at least one, all are, and have no qualifiers that somebody
+  // is told of.
+  bool CutsViews() const SF_REQUIRES(fRole) {
+    return fTextMarked && !fPlan.fieldRules.leadingSpaces() && !fPlan.fieldRules.multipleSpaces();
+  }
+  bool AreViews(std::size_t cut) const SF_REQUIRES(fRole, fHolder) {
+    const std::string_view last = fFields[cut - 1];
+    return !fSplitter.MetQuotes() && (last.data() == nullptr || fRecords.Contains(last));
+  }
   template <bool kWatched>
   void ConvertVar(std::string_view field, const FieldTask& task) SF_REQUIRES(fRole, fHolder);
   void SetFittingValue(std::string_view text, const FieldTask& task) SF_REQUIRES(fRole, fHolder);

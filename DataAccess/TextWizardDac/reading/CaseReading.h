@@ -10,9 +10,11 @@
 //   void TakeColumn(field, column)       converts a field
 //   void StoreMissing(column, line)      the record of that line has nothing of the column
 // and of values that run across lines
-//   const FieldSplitter& fields()        of the record in hand
-//   bool NextField(field, left)          cuts its next field; false when it is used up. The case
-//                                        takes `left` more fields with this one
+//   bool NextField(field, left)          cuts the next field of the record in hand; false when it
+//                                        is used up. The case takes `left` more fields with this
+//                                        one
+//   std::size_t offset()                 byte of the record where the field behind it begins; asked
+//                                        for the watch only
 //   bool IsImported(column)              false for a variable that is skipped
 //   void TakeField(field, column)        converts a field
 //   void StoreMissing(column)            the data ended before the column
@@ -23,7 +25,6 @@
 #include <string_view>
 
 #include "reading/CaseWatch.h"
-#include "reading/FieldSplitter.h"
 
 namespace textwizard {
 
@@ -65,15 +66,14 @@ bool ReadCountedCase(Engine&& engine, const Columns& columns) {
   bool linesLeft = true;
   std::int64_t absent = 0;
   CaseWatch* const watch = engine.watch();
-  const FieldSplitter& fields = engine.fields();
   std::size_t left = columns.size();
   for (const auto& column : columns) {
     std::string_view field;
-    std::size_t begin = fields.offset();
+    std::size_t begin = watch ? engine.offset() : 0;
     bool found = engine.NextField(field, left);
     while (!found && linesLeft) {
       linesLeft = engine.NextRecord(false);
-      begin = fields.offset();
+      begin = watch ? engine.offset() : 0;
       found = linesLeft && engine.NextField(field, left);
     }
     --left;
@@ -86,7 +86,7 @@ bool ReadCountedCase(Engine&& engine, const Columns& columns) {
       ++absent;
     }
     if (watch && found) {
-      watch->EndField(engine.PositionOf(column), field, begin, fields.offset());
+      watch->EndField(engine.PositionOf(column), field, begin, engine.offset());
     }
   }
   if (watch) watch->EndCase(absent, linesLeft ? CaseWatch::kComplete : absent);

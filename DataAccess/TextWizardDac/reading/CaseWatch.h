@@ -115,7 +115,14 @@ class CaseWatch {
   }
   // The field of `variable` has been cut, and converted unless it is skipped: the record's text
   // from `begin` to `end`.
-  void EndField(std::uint32_t variable, std::string_view field, std::size_t begin, std::size_t end);
+  void EndField(std::uint32_t variable, std::string_view field, std::size_t begin,
+                std::size_t end) {
+    if (recordIsNew_ || !begun_) TakeFieldOfRecord(begin);
+    fieldsEnd_ = end;
+    if (!findings_.empty() || substitutes_ || undecodable_ || fields_.MetQuotes()) {
+      EndOddField(variable, field, begin, end);
+    }
+  }
   // The record in hand belongs to the case as a whole.
   void UseRecord();
   // The column of `variable` has been converted: the record's text from `begin` on.
@@ -174,6 +181,8 @@ class CaseWatch {
   void AddOfRecord(ImportProblemKind kind, std::int64_t amount, std::string_view text,
                    std::int32_t column = -1);
   void TakeFieldOfRecord(std::size_t begin);
+  void EndOddField(std::uint32_t variable, std::string_view field, std::size_t begin,
+                   std::size_t end);
   void AddIncomplete(std::int64_t lost);
   void AddRecord();
   void CountBeyond(std::uint32_t variable);

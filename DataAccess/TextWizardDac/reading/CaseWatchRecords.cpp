@@ -163,16 +163,12 @@ void CaseWatch::TakeFieldOfRecord(std::size_t begin) {
   firstText_ = record_.text.substr(0, 2 * kImportTextBytes);
 }
 
-void CaseWatch::EndField(std::uint32_t variable, std::string_view field, std::size_t begin,
-                         std::size_t end) {
-  TakeFieldOfRecord(begin);
-  fieldsEnd_ = end;
-  if (!findings_.empty() || substitutes_ || undecodable_ || fields_.MetQuotes()) {
-    AddFieldProblems(findings_.empty() ? nullptr : findings_.data(), columns_[variable], field,
-                     begin, end);
-    findings_.clear();
-    undecodable_ = false;
-  }
+void CaseWatch::EndOddField(std::uint32_t variable, std::string_view field, std::size_t begin,
+                            std::size_t end) {
+  AddFieldProblems(findings_.empty() ? nullptr : findings_.data(), columns_[variable], field, begin,
+                   end);
+  findings_.clear();
+  undecodable_ = false;
 }
 
 void CaseWatch::EndColumn(std::uint32_t variable, std::string_view field, std::size_t begin) {

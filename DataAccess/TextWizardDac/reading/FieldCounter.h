@@ -30,16 +30,24 @@ class FieldCounter {
  private:
   static constexpr std::size_t kMarkWords = 64;
 
+  // Lines that are counted by marks, and what is known of them so far.
+  struct MarkedLines;
+
   std::size_t CountMarks(std::string_view lines);
+  std::uint64_t InsideQualifiers(MarkedLines& lines, std::size_t word);
+  bool KeepsQualifier(const MarkedLines& lines, const char* qualifier) const;
   std::size_t CountLine(std::string_view record);
 
   FieldSplitter splitter_;
-  // In text that can be cut by bytes and has no qualifier, each of these ends a field.
+  // In text that can be cut by bytes each of these ends a field, unless it stands between
+  // qualifiers.
   ByteSet delimiters_;
-  char qualifier_ = '\0';
+  ByteSet qualifier_;
   bool delimitersEndFields_ = false;
+  bool keepsStrayQualifiers_ = false;
   std::array<std::string_view, 64> fields_;
   std::array<std::uint64_t, kMarkWords> ends_;
+  std::array<std::uint64_t, kMarkWords> qualifiers_{};
   std::array<std::uint64_t, kMarkWords> lineEnds_;
 };
 

@@ -55,6 +55,44 @@ TEST(FieldCounter, CountsTheFieldsOfLines) {
   EXPECT_EQ(counter.CountLines("a,b\n\"c,d\",e\n\n\"f\"\ng,h\n"), 7u);
 }
 
+TEST(FieldCounter, CountsNoDelimiterInsideQualifiers) {
+  const embedded::InCodePage host(nullptr);
+  const FieldRules rules(Settings(",", "\""));
+  FieldCounter counter(rules);
+  EXPECT_EQ(counter.CountLines("\"a,b\",\"c\"\"d,e\",f\n"), 3u);
+  // A delimiter that a line ends behind, inside qualifiers, is text of a last field.
+  EXPECT_EQ(counter.CountLines("a,\"b,\nc,d\n"), 4u);
+  // A qualifier within a field opens, too, whatever stands before it.
+  EXPECT_EQ(counter.CountLines("a\"b,c\"d,e\n"), 2u);
+  EXPECT_EQ(counter.CountLines("\"a\"b\"c,d\",e\n"), 2u);
+  // Each place in a word of marks and behind it.
+  for (std::size_t size = 0; size < 140; ++size) {
+    const std::string before(size, 'x');
+    EXPECT_EQ(counter.CountLines(before + ",\"a,b\",c\n"), 3u) << size;
+    EXPECT_EQ(counter.CountLines("\"" + before + ",b\",c\n"), 2u) << size;
+    EXPECT_EQ(counter.CountLines("\"" + before + "\nb,c\n"), 3u) << size;
+  }
+}
+
+TEST(FieldCounter, KeepsStrayQualifiersWhereTheRulesDo) {
+  const embedded::InCodePage host(nullptr);
+  ImportSettings settings = Settings(",", "\"");
+  settings.keepsStrayQualifiers = true;
+  const FieldRules rules(settings);
+  FieldCounter counter(rules);
+  EXPECT_EQ(counter.CountLines("a\"b,c\"d,e\n"), 3u);
+  EXPECT_EQ(counter.CountLines("a\"\",c\"\"d\",e\n"), 3u);
+  // Blanks before it, or an earlier one that opened the field, make no stray one of it.
+  EXPECT_EQ(counter.CountLines("a,  \"b,c\",d\n"), 3u);
+  EXPECT_EQ(counter.CountLines("\"a\"b\"c,d\",e\n"), 2u);
+  for (std::size_t size = 1; size < 140; ++size) {
+    const std::string before(size, 'x');
+    EXPECT_EQ(counter.CountLines(before + "\",\"a,b\",c\n"), 3u) << size;
+    EXPECT_EQ(counter.CountLines("a" + std::string(size, ' ') + "\",\"a,b\",c\n"), 3u) << size;
+    EXPECT_EQ(counter.CountLines(std::string(size, ' ') + "\",\"a,b\",c\n"), 3u) << size;
+  }
+}
+
 TEST(FieldCounter, CountsARecordUpToAField) {
   const embedded::InCodePage host(nullptr);
   const FieldRules rules(Settings(",", "\""));
@@ -115,6 +153,34 @@ TEST(FieldCounter, CountsWhatTheSplitterCuts) {
       ASSERT_EQ(counter.CountLines(lines), CutLines(rules, lines))
           << page << testing::PrintToString(lines) << settings.delimiters;
     }
+  }
+}
+
+TEST(FieldCounter, CountsLinesFullOfQualifiersAsTheSplitterDoes) {
+  std::mt19937 random(21);
+  const embedded::InCodePage host(nullptr);
+  for (int round = 0; round < 4000; ++round) {
+    ImportSettings settings = Settings(random() % 4 == 0 ? ", " : ",", "\"");
+    settings.keepsStrayQualifiers = random() % 2 == 0;
+    const FieldRules rules(settings);
+    FieldCounter counter(rules);
+    // Often enclosed fields, or any order; short lines and long ones.
+    const auto enclosed = random() % 3;
+    const auto ends = 1 + random() % 40;
+    const std::size_t size = random() % 20 == 0 ? 5000 + random() % 5000 : random() % 300;
+    std::string lines;
+    while (lines.size() < size) {
+      if (random() % 3 < enclosed) {
+        lines += ",\"" + std::string(random() % 90, "a, "[random() % 3]) + "\",";
+      } else if (random() % ends == 0) {
+        lines += "\n\r"[random() % 2];
+      } else {
+        lines += "a,,\"\" b"[random() % 7];
+      }
+    }
+    lines += "\n";
+    ASSERT_EQ(counter.CountLines(lines), CutLines(rules, lines))
+        << testing::PrintToString(lines) << settings.delimiters << settings.keepsStrayQualifiers;
   }
 }
 

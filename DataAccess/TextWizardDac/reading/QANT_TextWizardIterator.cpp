@@ -28,7 +28,7 @@ struct QANT_TextWizardIterator::CaseEngine {
     const bool exists = line <= it.columns_.size();
     it.StoreMissing(column, exists ? it.columns_[line - 1].variable : nullptr);
   }
-  const FieldSplitter& fields() { return it.fields_; }
+  std::size_t offset() const { return it.fields_.offset(); }
   bool NextField(std::string_view& field, std::size_t /*left*/) { return it.fields_.Next(field); }
   bool IsImported(const Column& column) const { return column.variable->formatType != kFormatSkip; }
   void TakeField(std::string_view field, const Column& column) { it.ConvertField(field, column); }
