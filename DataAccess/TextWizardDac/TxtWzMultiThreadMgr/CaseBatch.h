@@ -11,6 +11,7 @@
 #include "HostFramework/ImportObserver.h"
 #include "TxtWzMultiThreadMgr/UndecodableNotes.h"
 #include "detection/DetectionEvidence.h"
+#include "detection/SamplingState.h"
 #include "model/TxtWzVar.h"
 #include "watch/WatchedBatch.h"
 
@@ -98,6 +99,8 @@ class CaseBatch {
   std::vector<TxtWzVar> counters;
   std::vector<DetectionEvidence> evidence;
   std::int64_t runLines = 0;
+  // Detection of fixed columns: the states that the counters began with.
+  std::vector<SamplingState> begun;
   // For an iterator that goes on by itself anywhere: of each case, the file position of the record
   // read last for it.
   std::vector<std::int64_t> positions;

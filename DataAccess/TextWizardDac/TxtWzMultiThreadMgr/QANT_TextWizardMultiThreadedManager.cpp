@@ -313,6 +313,24 @@ bool QANT_TextWizardMultiThreadedManager::GetAutoNext() {
   return false;
 }
 
+void QANT_TextWizardMultiThreadedManager::DetectColumns(const std::vector<TxtWzVar*>& variables,
+                                                        bool evidence, KnownStates& known) {
+  fPlan.DetectColumns(variables, known);
+  fPlan.evidence = fPlan.keepsPlaces = evidence;
+}
+
+bool QANT_TextWizardMultiThreadedManager::TakeBatches(
+    const std::function<bool(const CaseBatch&, const RecordBatch&)>& take) {
+  fHost.Assume();
+  Start();
+  while (TextDataIteratorThread* const worker = WaitForBatch()) {
+    worker->TakeBatch(fTaken);
+    if (fTaken.failed() || !take(fTaken, worker->records())) return false;
+    ReleaseSlot(*worker);
+  }
+  return !fRing.fFailed.load();
+}
+
 void QANT_TextWizardMultiThreadedManager::SetDacAdapter(DACAdapterBase* adapter) {
   fHost.Assume();
   if (!adapter || Monitor()) return;

@@ -10,7 +10,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <vector>
 
 #include "HostFramework/DACAdapter.h"
 #include "HostFramework/DataSource.h"
@@ -69,6 +71,15 @@ class QANT_TextWizardMultiThreadedManager : public sfThread {
   // completed. Detection mode, once.
   std::int64_t PerformAutoDetection(TxtWzVar* const* variables, std::size_t count,
                                     DetectionEvidence* evidence);
+  // Detection mode of fixed columns instead (ColumnDetection.h): says for what. Once, before
+  // TakeBatches.
+  void DetectColumns(const std::vector<TxtWzVar*>& variables, bool evidence, KnownStates& known);
+  // Starts the threads and gives `take` one batch after another in the order of the file, with the
+  // records that it was made of, until it returns false. False then, too, and when the pass could
+  // not be completed. Throws what `take` throws.
+  bool TakeBatches(const std::function<bool(const CaseBatch&, const RecordBatch&)>& take);
+  // Constant while threads run.
+  const WorkerPlan& plan() const { return fPlan; }
   // Gives messages, progress and interruption a way to the host when the iterator has no monitor.
   void SetDacAdapter(DACAdapterBase* adapter);
 

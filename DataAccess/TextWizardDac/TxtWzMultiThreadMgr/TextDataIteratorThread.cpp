@@ -116,9 +116,13 @@ void TextDataIteratorThread::ConvertBatch() {
   bool failed = false;
   fCases.Begin(fRecords.firstCase());
   try {
-    PrepareBatch();
-    fPlan.caseIsLine ? ConvertRecords() : ConvertCases();
-    if (fPlan.batchObserver) MakeProduct();
+    if (fPlan.known) {
+      failed = !CountColumns();
+    } else {
+      PrepareBatch();
+      fPlan.caseIsLine ? ConvertRecords() : ConvertCases();
+      if (fPlan.batchObserver) MakeProduct();
+    }
   } catch (...) {
     // Lack of memory, in whatever form a library reports it.
     failed = true;
@@ -127,6 +131,14 @@ void TextDataIteratorThread::ConvertBatch() {
   for (const BatchNote& note : fCases.notes()) {
     fFlagNoted[FlagIndex(note.kind, note.variable)] = 0;
   }
+}
+
+bool TextDataIteratorThread::CountColumns() {
+  if (!fColumnCounter) fColumnCounter = std::make_unique<ColumnCounter>(fPlan);
+  fPlan.known->Get(fCases.begun);
+  if (!fColumnCounter->Count(fRecords, fPlan.columnNumbers, fCases)) return false;
+  fConvertIndex = fRecords.recordCount();
+  return true;
 }
 
 void TextDataIteratorThread::PrepareBatch() {

@@ -19,6 +19,7 @@
 
 #include "HostFramework/Threads.h"
 #include "TxtWzMultiThreadMgr/CaseBatch.h"
+#include "TxtWzMultiThreadMgr/ColumnCounter.h"
 #include "TxtWzMultiThreadMgr/RecordBatch.h"
 #include "TxtWzMultiThreadMgr/WorkerPlan.h"
 #include "detection/DetectionCounters.h"
@@ -83,11 +84,18 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
     fHolder.Assume();
     std::swap(fCases, batch);
   }
+  // What it was made of; likewise.
+  const RecordBatch& records() const {
+    fHolder.Assume();
+    return fRecords;
+  }
   void PostFree() { fFreeSemaphore.post(); }
 
  private:
   void OnUndecodable(const UndecodableRun& run) override;
   void ConvertBatch() SF_REQUIRES(fRole);
+  // Detection of fixed columns; false when it must not go on.
+  bool CountColumns() SF_REQUIRES(fRole, fHolder);
   void PrepareBatch() SF_REQUIRES(fRole, fHolder);
   void ConvertRecords() SF_REQUIRES(fRole, fHolder);
   // The same where cases are not lines.
@@ -164,7 +172,7 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
 
   // Of the thread that the batches have been handed on to.
   sfThreadRole fHolder;
-  // From SendBatch to WaitDone the worker's, then untouched.
+  // From SendBatch to WaitDone the worker's, then at most looked at until PostFree.
   RecordBatch fRecords SF_GUARDED_BY(fHolder);
   // From SendBatch to WaitDone the worker's, then the host's thread's until PostFree.
   CaseBatch fCases SF_GUARDED_BY(fHolder);
@@ -189,6 +197,7 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   std::int64_t fRecordPosition SF_GUARDED_BY(fRole) = 0;
   std::optional<RegExMappings> fRegEx SF_GUARDED_BY(fRole);
   std::optional<DetectionCounters> fCounters SF_GUARDED_BY(fRole);
+  std::unique_ptr<ColumnCounter> fColumnCounter SF_GUARDED_BY(fRole);
   // fSplitter knows the batch text as one of bytes; a record that was decoded makes it forget.
   bool fTextMarked SF_GUARDED_BY(fRole) = false;
   std::uint32_t fConvertIndex SF_GUARDED_BY(fRole) = 0;

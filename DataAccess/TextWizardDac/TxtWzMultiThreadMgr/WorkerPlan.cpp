@@ -123,4 +123,20 @@ void WorkerPlan::Detect(TxtWzVar* const* variables, std::size_t count) {
   }
 }
 
+void WorkerPlan::DetectColumns(const std::vector<TxtWzVar*>& variables, KnownStates& states) {
+  detection = true;
+  keepsEmpty = true;
+  known = &states;
+  detectionRules = DetectionRules(source.settings(), DetectionPass::kSampling);
+  variableCount = variables.size();
+  std::uint32_t reach = 0;
+  for (std::uint32_t i = 0; i < variables.size(); ++i) {
+    reach = std::max(reach, variables[i]->startColumn);
+    if (variables[i]->formatType != kFormatAuto) continue;
+    autoVariables.push_back(i);
+    columnNumbers.push_back(static_cast<std::uint32_t>(columnNumbers.size()));
+    detectedColumns.push_back({variables[i]->startColumn, reach});
+  }
+}
+
 }  // namespace textwizard

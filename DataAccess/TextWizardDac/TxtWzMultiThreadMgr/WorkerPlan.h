@@ -17,6 +17,7 @@
 namespace textwizard {
 
 class ImportSource;
+class KnownStates;
 class PassTeller;
 
 enum class FieldUse : std::uint8_t {
@@ -49,6 +50,15 @@ struct ColumnTask : FieldTask {
   FixedColumn place;
 };
 
+// A field of fixed columns whose type is to be found. How many bytes it has depends on the values
+// before it.
+struct DetectedColumn {
+  std::uint32_t start = 0;
+  // A record that is shorter ends before this column or before one that stands in front of it in
+  // the list: then its columns from there on are not looked at.
+  std::uint32_t reach = 0;
+};
+
 // Made on the host's thread; constant while a worker runs, and outlives all of them.
 struct WorkerPlan {
   // Only the settings that both modes share; Convert or Detect completes it.
@@ -64,6 +74,9 @@ struct WorkerPlan {
   void TakeNulls(const std::vector<std::string>& texts);
   // Counts for the AUTO variables among `variables`, by detectionRules.
   void Detect(TxtWzVar* const* variables, std::size_t count);
+  // The same of fixed columns, one record to a case, as one thread does it; `known`: see
+  // ColumnCounter.h.
+  void DetectColumns(const std::vector<TxtWzVar*>& variables, KnownStates& known);
 
   const ImportSource& source;
   FieldRules fieldRules;
@@ -82,6 +95,11 @@ struct WorkerPlan {
   // Fields of a case that run across lines, else 0; and most fields of one batch, whole cases.
   std::size_t fieldsPerCase = 0;
   std::size_t maxFields = 0;
+  // Of the variables that autoVariables names, and their indices; and the states to begin with,
+  // null when none are detected.
+  std::vector<DetectedColumn> detectedColumns;
+  std::vector<std::uint32_t> columnNumbers;
+  KnownStates* known = nullptr;
   StringRules stringRules;
   DetectionRules detectionRules;
   // A host watches what detection sees.

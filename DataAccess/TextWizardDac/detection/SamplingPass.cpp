@@ -6,15 +6,6 @@
 
 namespace textwizard {
 
-namespace {
-
-// Records between two reports of progress, and two questions whether to go on.
-constexpr std::int64_t kProgressStep = 1000;
-// Ends the host's display of progress.
-constexpr std::int64_t kProgressEnd = -1;
-
-}  // namespace
-
 SamplingPass::SamplingPass(QANT_TextWizardIterator& iterator, const ImportSettings& settings,
                            const std::vector<TxtWzVar*>& slots, const RegExMappings& table,
                            ErrorMonitor& monitor, DetectionEvidence* evidence)
@@ -36,11 +27,11 @@ bool SamplingPass::Run() {
     CountRecord();
     ++next;
     if (next % kProgressStep == 0) {
-      ReportProgress(next);
+      ReportProgress(monitor_, next);
       monitor_.AttentionCheck(&interrupted);
     }
   }
-  ReportProgress(kProgressEnd);
+  ReportEnd(monitor_);
   if (iterator_.readFailed()) throw int{kReadFailed};
   return !interrupted;
 }
@@ -103,8 +94,8 @@ void SamplingPass::EndRecord(std::size_t slot) {
   }
 }
 
-void SamplingPass::ReportProgress(std::int64_t records) {
-  monitor_.Report({std::to_string(records), kMessageProgress, 0});
+void SamplingPass::ReportProgress(ErrorMonitor& monitor, std::int64_t next) {
+  monitor.Report({std::to_string(next), kMessageProgress, 0});
 }
 
 }  // namespace textwizard

@@ -31,12 +31,20 @@ class SamplingPass {
   // on.
   bool Run();
 
+  // Records between two reports of progress, and two questions whether to go on.
+  static constexpr std::int64_t kProgressStep = 1000;
+  // Reports the number of the record that comes next; or that none does.
+  static void ReportProgress(ErrorMonitor& monitor, std::int64_t next);
+  static void ReportEnd(ErrorMonitor& monitor) { ReportProgress(monitor, kProgressEnd); }
+
  private:
+  // Ends the host's display of progress.
+  static constexpr std::int64_t kProgressEnd = -1;
+
   bool ReadRecord();
   bool NextField(const TxtWzVar& variable);
   void CountRecord();
   void EndRecord(std::size_t slot);
-  void ReportProgress(std::int64_t records);
 
   QANT_TextWizardIterator& iterator_;
   const ImportSettings& settings_;

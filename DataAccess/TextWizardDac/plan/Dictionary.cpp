@@ -9,6 +9,7 @@
 
 #include "HostFramework/DataSource.h"
 #include "HostFramework/Messages.h"
+#include "TxtWzMultiThreadMgr/ColumnDetection.h"
 #include "TxtWzMultiThreadMgr/QANT_TextWizardMultiThreadedIterator.h"
 #include "detection/DetectionEvidence.h"
 #include "detection/SamplingPass.h"
@@ -82,6 +83,13 @@ bool TxtWzExecFile::DetectTypes(QANT_DataSource* source, std::vector<DetectionEv
   single->Seek(0);
   QantErrorMonitor monitor(errorMonitorHandle);
   monitor.SetContext(errorContext);
+  if (!textSource->DetectsOnOneThread() && ColumnDetection::Detects(*textSource)) {
+    using Outcome = ColumnDetection::Outcome;
+    const Outcome outcome = ColumnDetection(*textSource, *single, slots_, monitor,
+                                            evidence.empty() ? nullptr : evidence.data())
+                                .Run();
+    if (outcome != Outcome::kFailed) return outcome == Outcome::kDone;
+  }
   return SamplingPass(*single, settings, slots_, patterns_, monitor,
                       evidence.empty() ? nullptr : evidence.data())
       .Run();

@@ -27,6 +27,11 @@ ImportObserver* ObserverOf(DACAdapterBase* adapter) {
   return observing ? observing->GetImportObserver() : nullptr;
 }
 
+bool IsSingleThreadSet() {
+  const char* const value = std::getenv(kSingleThreadVariable);
+  return value != nullptr && value == kSingleThreadValue;
+}
+
 }  // namespace
 
 QANT_TextWizardSrc::QANT_TextWizardSrc(const char* path, int workerCount, int hostParameter,
@@ -64,10 +69,12 @@ QANT_InputCaseIterator* QANT_TextWizardSrc::MakeIterator(OBS* obs) const {
   }
 }
 
+bool QANT_TextWizardSrc::DetectsOnOneThread() const {
+  return IsSingleThreadSet() || (observer_ && observer_->ReadsOnOneThread());
+}
+
 QANT_InputCaseIterator* QANT_TextWizardSrc::MakeAutoDetectIterator(OBS* obs) const {
-  const char* const value = std::getenv(kSingleThreadVariable);
-  const bool singleThread = value != nullptr && value == kSingleThreadValue;
-  if (singleThread || settings_.arrangement != kDelimitedLines) {
+  if (IsSingleThreadSet() || settings_.arrangement != kDelimitedLines) {
     return new QANT_TextWizardIterator(*this, obs);
   }
   auto iterator = std::make_unique<QANT_TextWizardMultiThreadedIterator>(*this, obs, true);

@@ -24,6 +24,8 @@ class QANT_TextWizardSrc : public ImportSource {
   long long RowCount() const override;
   // Multi-threaded for one case per line unless DISABLE_MULTI_THREAD_AUTO is "YES".
   QANT_InputCaseIterator* MakeAutoDetectIterator(OBS* obs) const override;
+  // The same setting, or a host that wants one thread, keeps the detection of fixed columns on it.
+  bool DetectsOnOneThread() const;
   // Null for an arrangement that workers cannot convert, and where none can be started.
   std::unique_ptr<CaseFeed> MakeCaseFeed(QANT_InputCaseIterator& iterator) const override;
 
