@@ -41,6 +41,9 @@ class ColumnDetection {
   Outcome Run();
   // Columns of batches that were counted again.
   std::int64_t recounted() const { return fRecounted; }
+  // For tests, before Run: what the workers suppose until a batch has been added up, a state for
+  // each AUTO variable.
+  void Suppose(const std::vector<SamplingState>& states) { fKnown.Set(states); }
 
  private:
   bool Take(const CaseBatch& batch, const RecordBatch& records);
