@@ -26,6 +26,9 @@ class TextBlock {
   void Advance(const char* end) { used_ = static_cast<std::size_t>(end - text_.get()); }
 
   std::string_view view() const { return {text_.get(), used_}; }
+  std::size_t size() const { return used_; }
+  // Empties it; its memory is kept.
+  void Clear() { used_ = 0; }
 
  private:
   void Grow(std::size_t bytes) {

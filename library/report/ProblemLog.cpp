@@ -6,9 +6,10 @@
 namespace library {
 namespace {
 
-std::int64_t KeyOf(ImportProblemKind kind, std::int32_t variable) {
-  return std::int64_t{variable} * static_cast<std::int64_t>(kImportProblemKinds) +
-         static_cast<std::int64_t>(kind);
+// From 0; problems of no variable come first.
+std::size_t PlaceOf(ImportProblemKind kind, std::int32_t variable) {
+  return static_cast<std::size_t>(variable + 1) * kImportProblemKinds +
+         static_cast<std::size_t>(kind);
 }
 
 }  // namespace
@@ -33,7 +34,7 @@ void ProblemLog::SetCount(const ImportProblemCount& all) {
 }
 
 void ProblemLog::Add(const ProblemLog& later) {
-  for (const auto& [key, other] : later.entries_) {
+  for (const Entry& other : later.entries_) {
     Entry& entry = EntryOf(other.kind, other.variable);
     if (entry.firstLine == 0) {
       entry.firstLine = other.firstLine;
@@ -47,7 +48,7 @@ void ProblemLog::Add(const ProblemLog& later) {
 ProblemLog ProblemLog::OfFile(const std::string& name,
                               const std::vector<std::size_t>& variables) const {
   ProblemLog log;
-  for (const auto& [key, entry] : entries_) {
+  for (const Entry& entry : entries_) {
     const std::int32_t variable =
         entry.variable < 0
             ? entry.variable
@@ -68,14 +69,13 @@ std::int64_t ProblemLog::CountOf(ImportProblemKind kind, std::int32_t variable) 
 }
 
 const ProblemLog::Entry* ProblemLog::Find(ImportProblemKind kind, std::int32_t variable) const {
-  const auto found = entries_.find(KeyOf(kind, variable));
-  return found == entries_.end() ? nullptr : &found->second;
+  const std::size_t place = PlaceOf(kind, variable);
+  if (place >= numbers_.size() || numbers_[place] == 0) return nullptr;
+  return &entries_[numbers_[place] - 1];
 }
 
 std::vector<ProblemLog::Entry> ProblemLog::Entries() const {
-  std::vector<Entry> entries;
-  entries.reserve(entries_.size());
-  for (const auto& [key, entry] : entries_) entries.push_back(entry);
+  std::vector<Entry> entries = entries_;
   std::sort(entries.begin(), entries.end(), [](const Entry& left, const Entry& right) {
     return std::tie(left.variable, left.kind) < std::tie(right.variable, right.kind);
   });
@@ -83,10 +83,13 @@ std::vector<ProblemLog::Entry> ProblemLog::Entries() const {
 }
 
 ProblemLog::Entry& ProblemLog::EntryOf(ImportProblemKind kind, std::int32_t variable) {
-  const std::int64_t key = KeyOf(kind, variable);
-  const auto found = entries_.find(key);
-  if (found != entries_.end()) return found->second;
-  return entries_.emplace(key, Entry{variable, kind, 0, 0, {}, {}}).first->second;
+  const std::size_t place = PlaceOf(kind, variable);
+  if (place >= numbers_.size()) numbers_.resize(place + 1);
+  if (numbers_[place] == 0) {
+    entries_.push_back({variable, kind, 0, 0, {}, {}});
+    numbers_[place] = static_cast<std::uint32_t>(entries_.size());
+  }
+  return entries_[numbers_[place] - 1];
 }
 
 }  // namespace library

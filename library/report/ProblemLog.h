@@ -5,8 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "HostFramework/ImportObserver.h"
@@ -15,7 +13,7 @@
 namespace library {
 
 // Counts exactly, however many there are; memory grows with the pairs of variable and kind that
-// have a problem, not with the problems. One thread.
+// have a problem, and by some bytes with the variables, not with the problems. One thread.
 class ProblemLog {
  public:
   // All problems of one kind of one variable.
@@ -54,7 +52,9 @@ class ProblemLog {
  private:
   Entry& EntryOf(ImportProblemKind kind, std::int32_t variable);
 
-  std::unordered_map<std::int64_t, Entry> entries_;
+  std::vector<Entry> entries_;
+  // By variable and kind, as far as there are problems: the entry's number, from 1; 0: none.
+  std::vector<std::uint32_t> numbers_;
   std::array<std::int64_t, kImportProblemKinds> ofKind_{};
   std::int64_t total_ = 0;
   ReportText text_;

@@ -1,7 +1,7 @@
 #include "library/report/ProblemWriter.h"
 
 #include <charconv>
-#include <functional>
+#include <cstring>
 
 #include "library/report/ProblemKind.h"
 
@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::size_t kBufferBytes = std::size_t{64} * 1024;
 constexpr std::string_view kHeader = "kind,case,line,byte,variable,format,text,detail\n";
-
-// Texts of values that are kept as they were written: how many, and how long in bytes.
-constexpr std::size_t kSaidTexts = 4096;
-constexpr std::size_t kLongestSaid = 64;
 
 // No decision within the loops and bytes only, so that they take many characters at once.
 bool HasCsvSpecial(std::string_view text) {
@@ -32,6 +28,40 @@ bool HasJsonSpecial(std::string_view text) {
   return found != 0;
 }
 
+void AppendNumber(std::int64_t number, std::string& to) {
+  char digits[24];
+  to.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
+void AppendCsvField(std::string_view text, std::string& to) {
+  if (!HasCsvSpecial(text)) {
+    to += text;
+    return;
+  }
+  to += '"';
+  for (std::size_t quote; (quote = text.find('"')) != std::string_view::npos;) {
+    to += text.substr(0, quote + 1);
+    to += '"';
+    text.remove_prefix(quote + 1);
+  }
+  to += text;
+  to += '"';
+}
+
+// The text has no control character: it was escaped.
+void AppendJsonText(std::string_view text, std::string& to) {
+  to += '"';
+  if (!HasJsonSpecial(text)) {
+    to += text;
+  } else {
+    for (const char character : text) {
+      if (character == '"' || character == '\\') to += '\\';
+      to += character;
+    }
+  }
+  to += '"';
+}
+
 }  // namespace
 
 ProblemWriter::ProblemWriter(ProblemFormat format, const ReportVariables& variables,
@@ -40,153 +70,117 @@ ProblemWriter::ProblemWriter(ProblemFormat format, const ReportVariables& variab
 
 void ProblemWriter::WriteHeader() {
   if (format_ != ProblemFormat::kCsv) return;
-  if (files_ == Files::kSeveral) rows_ += "file,";
-  rows_ += kHeader;
+  if (files_ == Files::kSeveral) rows_.Append("file,");
+  rows_.Append(kHeader);
 }
 
 void ProblemWriter::Write(const ImportProblem& problem) {
   if (left_ <= 0) return;
-  // What is said of a record depends on more than its text.
-  if (problem.variable < 0 || problem.text.size() > kLongestSaid) {
-    return WriteRow(made_.Of(problem));
-  }
   --left_;
-  AppendPlace(made_.file(), NameOf(problem.kind), problem.caseNumber, problem.line, problem.byte);
-  Said& said = SaidOf(problem);
-  if (said.IsOf(problem)) {
-    rows_ += said.written;
-  } else {
-    const std::size_t begin = rows_.size();
-    AppendSaid(made_.Of(problem));
-    said.written.clear();
-    said.kind = problem.kind;
-    said.variable = problem.variable;
-    said.amount = problem.amount;
-    said.text = problem.text;
-    said.written.assign(rows_, begin);
+  if (!PlaceIsOf(problem)) {
+    placeKnown_ = false;
+    MakePlace(made_.file(), NameOf(problem.kind), problem.caseNumber, problem.line,
+              problem.byte >= 0);
+    kind_ = problem.kind;
+    case_ = problem.caseNumber;
+    line_ = problem.line;
+    hasByte_ = problem.byte >= 0;
+    placeKnown_ = true;
   }
-  EndRow();
-}
-
-ProblemWriter::Said& ProblemWriter::SaidOf(const ImportProblem& problem) {
-  if (said_.empty()) said_.resize(kSaidTexts);
-  const std::size_t hash = std::hash<std::string_view>()(problem.text);
-  const std::size_t place = (hash + static_cast<std::size_t>(problem.variable)) % kSaidTexts;
-  Said& one = said_[place];
-  Said& other = said_[place ^ 1];
-  if (one.IsOf(problem)) return one;
-  if (other.IsOf(problem)) return other;
-  if (one.written.empty() || other.written.empty()) return one.written.empty() ? one : other;
-  replacesOther_ = !replacesOther_;
-  return replacesOther_ ? other : one;
+  const bool canKeep = SaidProblems::CanKeep(problem);
+  if (canKeep) {
+    if (const std::string* const known = said_.Find(problem)) {
+      return AppendRow(problem.byte, *known);
+    }
+  }
+  MakeSaid(made_.Of(problem));
+  if (canKeep) said_.Keep(problem, written_);
+  AppendRow(problem.byte, written_);
 }
 
 void ProblemWriter::WriteRow(const ProblemRow& row) {
   if (left_ <= 0) return;
   --left_;
-  AppendPlace(row.file, row.kind, row.caseNumber, row.line, row.byte);
-  AppendSaid(row);
-  EndRow();
+  placeKnown_ = false;
+  MakePlace(row.file, row.kind, row.caseNumber, row.line, row.byte >= 0);
+  MakeSaid(row);
+  AppendRow(row.byte, written_);
 }
 
-void ProblemWriter::EndRow() {
+void ProblemWriter::AppendRow(std::int64_t byte, std::string_view said) {
+  char* to = rows_.Reserve(place_.size() + RisingNumber::kMostBytes + said.size());
+  std::memcpy(to, place_.data(), place_.size());
+  to += place_.size();
+  if (byte >= 0) to = byte_.Write(byte, to);
+  std::memcpy(to, said.data(), said.size());
+  rows_.Advance(to + said.size());
   if (rows_.size() >= kBufferBytes) Flush();
 }
 
 void ProblemWriter::Flush() {
-  sink_.Append(rows_);
-  rows_.clear();
+  sink_.Append(rows_.view());
+  rows_.Clear();
 }
 
-void ProblemWriter::AppendPlace(std::string_view file, std::string_view kind,
-                                std::int64_t caseNumber, std::int64_t line, std::int64_t byte) {
+void ProblemWriter::MakePlace(std::string_view file, std::string_view kind, std::int64_t caseNumber,
+                              std::int64_t line, bool hasByte) {
+  place_.clear();
   const bool csv = format_ == ProblemFormat::kCsv;
   if (csv) {
     if (files_ == Files::kSeveral) {
-      AppendCsvField(file);
-      rows_ += ',';
+      AppendCsvField(file, place_);
+      place_ += ',';
     }
-    rows_ += kind;
+    place_ += kind;
   } else {
-    rows_ += '{';
+    place_ += '{';
     if (files_ == Files::kSeveral) {
-      rows_ += "\"file\":";
-      AppendJsonText(file);
-      rows_ += ',';
+      place_ += "\"file\":";
+      AppendJsonText(file, place_);
+      place_ += ',';
     }
-    rows_ += "\"kind\":\"";
-    rows_ += kind;
-    rows_ += '"';
+    place_ += "\"kind\":\"";
+    place_ += kind;
+    place_ += '"';
   }
   // A column stays, empty; a key does not.
-  const auto append = [&](std::string_view key, std::int64_t number, bool present) {
-    if (csv) rows_ += ',';
-    if (!present) return;
-    if (!csv) rows_ += key;
-    AppendNumber(number);
+  const auto append = [&](std::string_view key, bool present) {
+    if (csv) {
+      place_ += ',';
+    } else if (present) {
+      place_ += key;
+    }
   };
-  append(",\"case\":", caseNumber, caseNumber > 0);
-  append(",\"line\":", line, line > 0);
-  append(",\"byte\":", byte, byte >= 0);
+  append(",\"case\":", caseNumber > 0);
+  if (caseNumber > 0) AppendNumber(caseNumber, place_);
+  append(",\"line\":", line > 0);
+  if (line > 0) AppendNumber(line, place_);
+  append(",\"byte\":", hasByte);
 }
 
-void ProblemWriter::AppendSaid(const ProblemRow& row) {
+void ProblemWriter::MakeSaid(const ProblemRow& row) {
+  written_.clear();
   if (format_ == ProblemFormat::kCsv) {
     for (const std::string_view text : {row.variable, row.format, row.text, row.detail}) {
-      rows_ += ',';
-      AppendCsvField(text);
+      written_ += ',';
+      AppendCsvField(text, written_);
     }
-    rows_ += '\n';
+    written_ += '\n';
     return;
   }
   if (row.variable.empty()) {
-    rows_ += ",\"variable\":null,\"format\":null";
+    written_ += ",\"variable\":null,\"format\":null";
   } else {
-    rows_ += ",\"variable\":";
-    AppendJsonText(row.variable);
-    rows_ += ",\"format\":";
-    AppendJsonText(row.format);
+    written_ += ",\"variable\":";
+    AppendJsonText(row.variable, written_);
+    written_ += ",\"format\":";
+    AppendJsonText(row.format, written_);
   }
-  rows_ += ",\"text\":";
-  AppendJsonText(row.text);
-  rows_ += ",\"detail\":";
-  AppendJsonText(row.detail);
-  rows_ += "}\n";
-}
-
-void ProblemWriter::AppendNumber(std::int64_t number) {
-  char digits[24];
-  const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-  rows_.append(digits, end);
-}
-
-void ProblemWriter::AppendCsvField(std::string_view text) {
-  if (!HasCsvSpecial(text)) {
-    rows_ += text;
-    return;
-  }
-  rows_ += '"';
-  for (std::size_t quote; (quote = text.find('"')) != std::string_view::npos;) {
-    rows_ += text.substr(0, quote + 1);
-    rows_ += '"';
-    text.remove_prefix(quote + 1);
-  }
-  rows_ += text;
-  rows_ += '"';
-}
-
-// The text has no control character: it was escaped.
-void ProblemWriter::AppendJsonText(std::string_view text) {
-  rows_ += '"';
-  if (!HasJsonSpecial(text)) {
-    rows_ += text;
-  } else {
-    for (const char character : text) {
-      if (character == '"' || character == '\\') rows_ += '\\';
-      rows_ += character;
-    }
-  }
-  rows_ += '"';
+  written_ += ",\"text\":";
+  AppendJsonText(row.text, written_);
+  written_ += ",\"detail\":";
+  AppendJsonText(row.detail, written_);
+  written_ += "}\n";
 }
 
 }  // namespace library

@@ -4,14 +4,16 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "HostFramework/ImportObserver.h"
 #include "library/outputs/ByteSink.h"
 #include "library/outputs/ProblemRow.h"
+#include "library/outputs/TextBlock.h"
 #include "library/report/ProblemRows.h"
 #include "library/report/ProblemSink.h"
 #include "library/report/ReportVariable.h"
+#include "library/report/RisingNumber.h"
+#include "library/report/SaidProblems.h"
 
 namespace library {
 
@@ -27,7 +29,10 @@ class ProblemWriter : public ProblemSink {
   // At most `limit` rows, the first ones.
   ProblemWriter(ProblemFormat format, const ReportVariables& variables, std::int64_t limit,
                 ByteSink& sink, Files files = Files::kOne);
-  void BeginFile(std::string_view name) override { made_.SetFile(name); }
+  void BeginFile(std::string_view name) override {
+    made_.SetFile(name);
+    placeKnown_ = false;
+  }
   // What stands before the rows: the header of CSV.
   void WriteHeader();
   void Write(const ImportProblem& problem) override;
@@ -36,39 +41,35 @@ class ProblemWriter : public ProblemSink {
   void Flush();
 
  private:
-  // What a row says of a value, as it was written: the same text often comes again.
-  struct Said {
-    ImportProblemKind kind;
-    std::int32_t variable;
-    std::int64_t amount;
-    std::string text;
-    std::string written;
-    bool IsOf(const ImportProblem& problem) const {
-      return text == problem.text && variable == problem.variable && kind == problem.kind &&
-             amount == problem.amount && !written.empty();
-    }
-  };
-
-  // Where what is said of the problem is kept, or what can make way for it.
-  Said& SaidOf(const ImportProblem& problem);
   // A row is where the problem is, then what it is.
-  void AppendPlace(std::string_view file, std::string_view kind, std::int64_t caseNumber,
-                   std::int64_t line, std::int64_t byte);
-  void AppendSaid(const ProblemRow& row);
-  void EndRow();
-  void AppendNumber(std::int64_t number);
-  void AppendCsvField(std::string_view text);
-  void AppendJsonText(std::string_view text);
+  bool PlaceIsOf(const ImportProblem& problem) const {
+    return placeKnown_ && problem.caseNumber == case_ && problem.line == line_ &&
+           problem.kind == kind_ && (problem.byte >= 0) == hasByte_;
+  }
+  void MakePlace(std::string_view file, std::string_view kind, std::int64_t caseNumber,
+                 std::int64_t line, bool hasByte);
+  void MakeSaid(const ProblemRow& row);
+  // Of the place that was made.
+  void AppendRow(std::int64_t byte, std::string_view said);
 
   const ProblemFormat format_;
   const Files files_;
   std::int64_t left_;
   ByteSink& sink_;
   ProblemRows made_;
-  std::string rows_;
-  // By a hash of the text, two places for each. Made with the first.
-  std::vector<Said> said_;
-  bool replacesOther_ = false;
+  TextBlock rows_;
+  // What stands before the byte's number in a row: the problems of a case have it in common. Those
+  // of which, where it is known.
+  std::string place_;
+  bool placeKnown_ = false;
+  ImportProblemKind kind_ = {};
+  std::int64_t case_ = 0;
+  std::int64_t line_ = 0;
+  bool hasByte_ = false;
+  RisingNumber byte_;
+  // What stands behind that number.
+  std::string written_;
+  SaidProblems said_;
 };
 
 }  // namespace library
