@@ -1,16 +1,15 @@
 #include "library/report/SaidProblems.h"
 
+#include <algorithm>
+
 namespace library {
 
 void SaidProblems::Keep(const ImportProblem& problem, std::string_view written) {
-  if (said_.empty()) said_.resize(kPlaces);
+  if (said_.empty()) said_.resize(kRows * kWays);
   const Ends ends = EndsOf(problem.text);
-  const std::size_t place = PlaceOf(problem, ends);
-  Said* said = &said_[place];
-  if (said->variable >= 0) {
-    Said& other = said_[place ^ 1];
-    if (other.variable < 0 || (replacesOther_ = !replacesOther_)) said = &other;
-  }
+  Said* const row = &said_[kWays * RowOf(problem, ends)];
+  Said* said = std::find_if(row, row + kWays, [](const Said& place) { return place.variable < 0; });
+  if (said == row + kWays) said = row + nextWay_++ % kWays;
   // Nothing is known of the place until all of it is there.
   said->variable = -1;
   said->text = problem.text;

@@ -28,16 +28,19 @@ class SaidProblems {
   const std::string* Find(const ImportProblem& problem) const {
     if (said_.empty()) return nullptr;
     const Ends ends = EndsOf(problem.text);
-    const std::size_t place = PlaceOf(problem, ends);
-    if (said_[place].IsOf(problem, ends)) return &said_[place].written;
-    if (said_[place ^ 1].IsOf(problem, ends)) return &said_[place ^ 1].written;
+    const Said* const first = &said_[kWays * RowOf(problem, ends)];
+    for (const Said* said = first; said != first + kWays; ++said) {
+      if (said->IsOf(problem, ends)) return &said->written;
+    }
     return nullptr;
   }
   // Keeps what was said of a problem that was not found. What was kept long ago makes way.
   void Keep(const ImportProblem& problem, std::string_view written);
 
  private:
-  static constexpr std::size_t kPlaces = 4096;
+  // A text is kept in any place of its row.
+  static constexpr std::size_t kRows = 2048;
+  static constexpr std::size_t kWays = 4;
   static constexpr std::size_t kLongestText = 64;
 
   // A text of at most 16 bytes is known by these and its size.
@@ -76,15 +79,14 @@ class SaidProblems {
             WordAt<std::uint8_t>(begin + text.size() / 2) * std::uint64_t{256} +
                 WordAt<std::uint8_t>(end - 1)};
   }
-  // The first of two places where it can be: the other one is its neighbour.
-  static std::size_t PlaceOf(const ImportProblem& problem, const Ends& ends) {
+  static std::size_t RowOf(const ImportProblem& problem, const Ends& ends) {
     const std::string_view text = problem.text;
     std::uint64_t hash = Mixed(ends.first) ^ (ends.last + text.size());
     if (text.size() > sizeof(Ends)) {
       hash = Mixed(hash) ^ WordAt<std::uint64_t>(text.data() + text.size() / 2 - 4);
     }
     hash = Mixed(hash) ^ static_cast<std::uint64_t>(problem.variable);
-    return static_cast<std::size_t>(Mixed(hash)) % kPlaces;
+    return static_cast<std::size_t>(Mixed(hash)) % kRows;
   }
   // Every bit has a say in the lower ones.
   static std::uint64_t Mixed(std::uint64_t bits) {
@@ -94,7 +96,8 @@ class SaidProblems {
 
   // Made with the first.
   std::vector<Said> said_;
-  bool replacesOther_ = false;
+  // Which place of a full row makes way.
+  std::size_t nextWay_ = 0;
 };
 
 }  // namespace library

@@ -68,8 +68,8 @@ TEST(SaidProblems, NewTextsReplaceOldOnes) {
     ++known;
     EXPECT_EQ(*found, text);
   }
-  EXPECT_GT(known, 2000);
-  EXPECT_LE(known, 4096);
+  EXPECT_GT(known, 4000);
+  EXPECT_LE(known, 8192);
 }
 
 }  // namespace

@@ -40,6 +40,7 @@ CaseWatch::CaseWatch(const ImportObserver& observer, const ImportSource& source,
       leadingSpaces_(source.settings().leadingSpaces),
       keepsSpaces_(!leadingSpaces_ && !source.settings().multipleSpaces),
       countsValues_(source.settings().arrangement == kDelimitedCount),
+      notesCases_(observer.WantsProblemCases()),
       origin_(source.settings().encoding) {
   const ImportSettings& settings = source.settings();
   const bool isFixed = settings.arrangement == kFixedColumns;
@@ -90,32 +91,17 @@ void CaseWatch::StartBatch(WatchedBatch& batch, bool notesEnds) {
 
 // Fields.
 
-void CaseWatch::TakeUnread(std::uint32_t variable, std::string_view field) {
-  odd_ = true;
-  if (!WithoutBlanks(field).empty()) {
-    ++cells_.unreadable;
-    findings_.push_back({variable, Kind::kUnreadable, field});
-  } else if (field.data() != nullptr) {
-    ++cells_.empty;
-  } else {
-    ++cells_.absent;
-  }
-}
-
 void CaseWatch::TakeLong(std::uint32_t variable, std::string_view field, std::uint32_t format,
                          double value) {
   if (IsNumberFormat(format) && IsRounded(field, value)) {
-    findings_.push_back({variable, Kind::kRounded, field});
-    odd_ = true;
+    TakeFinding(variable, Kind::kRounded, field);
   }
 }
 
 void CaseWatch::TakeLong(std::uint32_t variable, std::string_view field, std::size_t width) {
   std::string_view text = field.substr(0, LengthWithoutPadding(field));
   if (leadingSpaces_) text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-  if (text.size() <= width) return;
-  findings_.push_back({variable, Kind::kCut, field});
-  odd_ = true;
+  if (text.size() > width) TakeFinding(variable, Kind::kCut, field);
 }
 
 void CaseWatch::TakeBlank(std::uint32_t variable, std::string_view field, std::size_t width) {
@@ -123,12 +109,7 @@ void CaseWatch::TakeBlank(std::uint32_t variable, std::string_view field, std::s
     if (field.size() > width) TakeLong(variable, field, width);
     return;
   }
-  odd_ = true;
-  if (field.data() != nullptr) {
-    ++cells_.empty;
-  } else {
-    ++cells_.absent;
-  }
+  TakeNothing(field);
 }
 
 // Problems.
@@ -218,7 +199,7 @@ void CaseWatch::Flush() {
       batch_->problems.Add(case_, noted.code);
     }
   }
-  if (!noted_.empty()) {
+  if (notesCases_ && !noted_.empty()) {
     bytes_.record = case_;
     batch_->cases.push_back(bytes_);
   }

@@ -51,7 +51,6 @@ class CaseWatch {
   bool TakesNull(std::string_view field) {
     if (!nulls_.Holds(field)) return false;
     ++cells_.null;
-    odd_ = true;
     return true;
   }
   // A number that was not null; a field without any text that even has no place in memory is one
@@ -66,7 +65,13 @@ class CaseWatch {
   }
   // The same in parts: of a number that could not be read, and of one of kRoundedDigits bytes or
   // more. There is nothing to tell of others.
-  void TakeUnread(std::uint32_t variable, std::string_view field);
+  void TakeUnread(std::uint32_t variable, std::string_view field) {
+    const bool hasText =
+        !field.empty() && (!IsBlankCharacter(field.front()) || !WithoutBlanks(field).empty());
+    if (!hasText) return TakeNothing(field);
+    ++cells_.unreadable;
+    TakeFinding(variable, ImportProblemKind::kUnreadable, field);
+  }
   void TakeLong(std::uint32_t variable, std::string_view field, std::uint32_t format, double value);
   // A string; `width`: bytes of the variable's cells. There is nothing to tell of one that fits
   // them and does not begin with a blank.
@@ -90,6 +95,7 @@ class CaseWatch {
     if (odd_ || fields_.MetQuotes() || fields_.offset() != size) return false;
     batch_->ends.push_back(end);
     batch_->AddNext(end);
+    EndCells();
     ++case_;
     return true;
   }
@@ -136,8 +142,8 @@ class CaseWatch {
   void EndCase(std::int64_t absent, std::int64_t lost);
 
  private:
-  // What the conversion of a field came to; the field as it was cut, which need not be there any
-  // more unless it lies in the record.
+  // What the conversion of a field came to that has to be looked at with its record; the field as
+  // it was cut, which need not be there any more unless it lies in the record.
   struct Finding {
     std::uint32_t variable;
     ImportProblemKind kind;
@@ -158,7 +164,25 @@ class CaseWatch {
            fields_.offset() == record.text.size() && record.place.droppedBytes == 0 &&
            (record.raw.data() == record.text.data() || !HasSubstitutes(record));
   }
+  // Of a problem whose details nobody asks for there is nothing to keep.
+  void TakeFinding(std::uint32_t variable, ImportProblemKind kind, std::string_view field) {
+    const std::uint32_t code = ProblemCode(kind, columns_[variable]);
+    if (!notesCases_ && !batch_->problems.WantsDetail(code)) {
+      return batch_->problems.Add(case_, code);
+    }
+    findings_.push_back({variable, kind, field});
+    odd_ = true;
+  }
   void TakeLong(std::uint32_t variable, std::string_view field, std::size_t width);
+  // A field that is empty, blank, or not there.
+  void TakeNothing(std::string_view field) {
+    if (field.data() != nullptr) {
+      ++cells_.empty;
+    } else {
+      ++cells_.absent;
+      odd_ = true;
+    }
+  }
   void TakeBlank(std::uint32_t variable, std::string_view field, std::size_t width);
   bool HasSubstitutes(const WatchedRecord& record) const;
   void EndUnusual(const WatchedRecord& record);
@@ -200,6 +224,8 @@ class CaseWatch {
   // A field's text is what lies between its delimiters or qualifiers.
   const bool keepsSpaces_;
   const bool countsValues_;
+  // Who watches wants the bytes of cases with problems.
+  const bool notesCases_;
   // By position in the source's list: index among its variables, -1 for a skipped one.
   std::vector<std::int32_t> columns_;
   bool anySkipped_ = false;
@@ -219,7 +245,8 @@ class CaseWatch {
   WatchedBatch::CellsNotRead cells_{};
   std::vector<Finding> findings_;
   bool undecodable_ = false;
-  // Something of all that was noted of the line in hand.
+  // The line in hand has to be looked at: there are findings, absent cells, or bytes that are no
+  // character.
   bool odd_ = false;
   bool examining_ = false;
   std::vector<Noted> noted_;

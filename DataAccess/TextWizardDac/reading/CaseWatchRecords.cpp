@@ -66,12 +66,14 @@ void CaseWatch::EndFound(const WatchedRecord& record) {
       const auto offset = static_cast<std::int64_t>(fields_.OffsetOf(finding.field));
       problems.Add(case_, code,
                    {record.place.line, record.place.begin + offset,
-                    AmountOf(finding.kind, finding.field), problems.Keep(finding.field)});
+                    AmountOf(finding.kind, finding.field), problems.KeepNew(finding.field)});
     } else {
       problems.Add(case_, code);
     }
   }
-  batch_->cases.push_back({case_, record.place.line, record.place.begin, record.place.end});
+  if (notesCases_) {
+    batch_->cases.push_back({case_, record.place.line, record.place.begin, record.place.end});
+  }
   findings_.clear();
   EndCells();
 }

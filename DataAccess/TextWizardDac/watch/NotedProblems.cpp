@@ -1,5 +1,7 @@
 #include "watch/NotedProblems.h"
 
+#include <new>
+
 #include "watch/ToldText.h"
 
 namespace textwizard {
@@ -18,7 +20,13 @@ NotedProblems::Text NotedProblems::Keep(std::string_view text) {
   const std::string_view told = ToldText(text);
   // Problems of one record or field follow one another.
   if (std::string_view(texts_).substr(latest_.at, latest_.bytes) == told) return latest_;
-  latest_ = {texts_.size(), told.size()};
+  return KeepNew(told);
+}
+
+NotedProblems::Text NotedProblems::KeepNew(std::string_view text) {
+  const std::string_view told = ToldText(text);
+  if (texts_.size() > UINT32_MAX - told.size()) throw std::bad_alloc();
+  latest_ = {static_cast<std::uint32_t>(texts_.size()), static_cast<std::uint32_t>(told.size())};
   texts_.append(told);
   return latest_;
 }

@@ -29,8 +29,8 @@ class NotedProblems {
  public:
   // A text that was kept.
   struct Text {
-    std::size_t at = 0;
-    std::size_t bytes = 0;
+    std::uint32_t at = 0;
+    std::uint32_t bytes = 0;
   };
   // Place and more of a problem.
   struct Detail {
@@ -63,19 +63,23 @@ class NotedProblems {
     // In this order, so that lack of memory leaves no details without a problem.
     Add(record, code);
     details_.push_back(detail);
-    detailed_.push_back(problems_.size() - 1);
+    if (!all_) detailed_.push_back(problems_.size() - 1);
   }
   // Keeps a text for details, as much of it as is told: at most kImportTextBytes bytes, in whole
-  // characters (host text).
+  // characters (host text). Throws std::bad_alloc when all texts are too long together.
   Text Keep(std::string_view text);
+  // The same of a text that is unlike the one before.
+  Text KeepNew(std::string_view text);
 
   const std::vector<Problem>& problems() const { return problems_; }
   // The codes of all problems, and how many have one.
   const std::vector<std::uint32_t>& codes() const { return codes_; }
   std::uint32_t CountOf(std::uint32_t code) const { return counts_[code]; }
   const std::vector<Detail>& details() const { return details_; }
-  // By rising number, of each detail: the problem's number.
-  const std::vector<std::size_t>& detailed() const { return detailed_; }
+  // The problem that has details number `detail`; rises with it.
+  const Problem& ProblemOf(std::size_t detail) const {
+    return problems_[all_ ? detail : detailed_[detail]];
+  }
   std::string_view TextOf(const Detail& detail) const {
     return std::string_view(texts_).substr(detail.text.at, detail.text.bytes);
   }
@@ -84,6 +88,7 @@ class NotedProblems {
   bool all_ = true;
   std::vector<Problem> problems_;
   std::vector<Detail> details_;
+  // By number of the details, unless all have some: the problem's number.
   std::vector<std::size_t> detailed_;
   std::string texts_;
   Text latest_;

@@ -45,9 +45,7 @@ void PassTeller::FindNoted() {
   if (tellsCellsPerCase_) return;
   nextNoted_ = UINT32_MAX;
   const NotedProblems& noted = batch_->problems;
-  if (nextDetail_ < noted.detailed().size()) {
-    nextNoted_ = noted.problems()[noted.detailed()[nextDetail_]].record;
-  }
+  if (nextDetail_ < noted.details().size()) nextNoted_ = noted.ProblemOf(nextDetail_).record;
   if (tellsProblemCases_ && nextProblemCase_ < batch_->cases.size()) {
     nextNoted_ = std::min(nextNoted_, batch_->cases[nextProblemCase_].record);
   }
@@ -63,19 +61,18 @@ void PassTeller::TellNoted() {
 
 void PassTeller::TellCase(std::uint32_t record) {
   // Details are missing only of problems that nobody is told of.
-  const auto& problems = batch_->problems.problems();
-  const std::vector<std::size_t>& detailed = batch_->problems.detailed();
-  for (; nextDetail_ < detailed.size(); ++nextDetail_) {
-    const NotedProblems::Problem& problem = problems[detailed[nextDetail_]];
+  const NotedProblems& noted = batch_->problems;
+  for (; nextDetail_ < noted.details().size(); ++nextDetail_) {
+    const NotedProblems::Problem& problem = noted.ProblemOf(nextDetail_);
     if (problem.record != record) break;
-    TellProblem(problem, batch_->problems.details()[nextDetail_]);
+    TellProblem(problem, noted.details()[nextDetail_]);
   }
   const auto& cases = batch_->cases;
   if (nextProblemCase_ < cases.size() && cases[nextProblemCase_].record == record) {
-    const WatchedBatch::ProblemCase& noted = cases[nextProblemCase_++];
+    const WatchedBatch::ProblemCase& bytes = cases[nextProblemCase_++];
     if (tellsProblemCases_) {
       observer_.OnProblemCase(
-          {firstCase_ + record + 1, noted.line + runLines_, noted.begin, noted.end});
+          {firstCase_ + record + 1, bytes.line + runLines_, bytes.begin, bytes.end});
     }
   }
   if (!tellsCellsPerCase_) return;
