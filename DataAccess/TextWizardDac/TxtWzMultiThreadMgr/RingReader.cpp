@@ -128,9 +128,15 @@ TextDataIteratorThread* RingReader::MakeWorker(std::size_t slot) {
   return worker;
 }
 
+std::size_t RingReader::BatchText(const TextDataIteratorThread& worker) const {
+  const bool anyCut = !fPlan.detection || fPlan.known;
+  if (!anyCut || fBatchesSent < kFirstBatches) return worker.textLimit();
+  return std::max(worker.textLimit(), kLaterBatchText);
+}
+
 bool RingReader::FillBatch(const TextDataIteratorThread& worker) {
-  const std::size_t room =
-      fOversize ? std::max(worker.textLimit(), fRecord.size() + 2) : worker.textLimit();
+  const std::size_t limit = BatchText(worker);
+  const std::size_t room = fOversize ? std::max(limit, fRecord.size() + 2) : limit;
   if (!fBatch.Begin(room)) {
     GiveUp();
     return false;
@@ -262,6 +268,7 @@ bool RingReader::SendBatch(TextDataIteratorThread& worker) {
     return false;
   }
   ++fInFlight;
+  ++fBatchesSent;
   fCasesSent += cases;
   return true;
 }

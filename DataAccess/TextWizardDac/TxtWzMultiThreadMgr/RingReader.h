@@ -38,6 +38,11 @@ class RingReader {
   static constexpr std::size_t kUsedUp = SIZE_MAX;
   // A record that goes through the ring in parts.
   static constexpr std::size_t kLongRecord = std::size_t{1} << 20;
+  // Behind the first batches of a pass, which get all workers going, a batch has room for so much
+  // text, at least, where its records need not be those that detection merges one batch of: a
+  // quarter of the hand-overs.
+  static constexpr std::int64_t kFirstBatches = 8;
+  static constexpr std::size_t kLaterBatchText = 500000;
 
   void WalkRing() SF_REQUIRES(fRole);
   void ReadFirstRecord() SF_REQUIRES(fRole);
@@ -47,6 +52,8 @@ class RingReader {
   void ReadRecord() SF_REQUIRES(fRole);
   // A worker for the slot, started; null, with the pass given up, when that is not possible.
   TextDataIteratorThread* MakeWorker(std::size_t slot) SF_REQUIRES(fRole);
+  // The text that an ordinary batch for the worker has room for.
+  std::size_t BatchText(const TextDataIteratorThread& worker) const SF_REQUIRES(fRole);
   // Puts as many records as fit into fBatch, whose text is for `worker`; false when there is no
   // memory for it.
   bool FillBatch(const TextDataIteratorThread& worker) SF_REQUIRES(fRole);
@@ -100,6 +107,7 @@ class RingReader {
   // Read while its slot is still being converted.
   RecordBatch fBatch SF_GUARDED_BY(fRole);
   std::int64_t fCasesSent SF_GUARDED_BY(fRole) = 0;
+  std::int64_t fBatchesSent SF_GUARDED_BY(fRole) = 0;
   std::size_t fInFlight SF_GUARDED_BY(fRole) = 0;
   NulRuns fNuls SF_GUARDED_BY(fRole);
 };

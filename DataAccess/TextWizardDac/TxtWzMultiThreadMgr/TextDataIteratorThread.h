@@ -44,7 +44,8 @@ class TextDataIteratorThread : public sfThread, private UndecodableListener {
   // What the worker is told. Never falls.
   enum Command : std::int32_t { kNew = 0, kConvert = 1, kStop = 2, kExited = 3 };
 
-  // Bytes of batch text, at least; more when the first record is long.
+  // Bytes of batch text, at least; more when the first record is long. (Later batches of a pass may
+  // have more: RingReader.)
   static constexpr std::size_t kBatchText = 125000;
   static constexpr std::size_t kRecordsOfFirstLength = 20;
   // But a very long first record does not make every batch of the worker very long.

@@ -364,6 +364,13 @@ Import RandomCounted(std::mt19937& random, std::size_t size) {
   return import;
 }
 
+// Behind the first batches of a pass come larger ones.
+TEST(WorkerFeed, FilesOfManyBatches) {
+  std::mt19937 random(23);
+  ExpectSame(RandomFixed(random, 1300000));
+  ExpectSame(RandomCounted(random, 1300000));
+}
+
 TEST(WorkerFeed, RandomFilesOfValuesAcrossLines) { ExpectSameOfRandomFiles(RandomCounted, 80); }
 
 TEST(WorkerFeed, ValuesAcrossLinesInAnyBlockSize) { ExpectSameInAnyBlockSize(RandomCounted, 98); }
