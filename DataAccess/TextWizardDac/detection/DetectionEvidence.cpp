@@ -74,6 +74,21 @@ void DetectionEvidence::Clear() {
     textwizard::Clear(*witness);
   }
   blanks_ = empties_ = 0;
+  latestKey_ = 0;
+  latest_.fill(0);
+}
+
+std::int64_t DetectionEvidence::CountOf(const Layout& layout) const {
+  std::int64_t count = layout.seen.count;
+  if (layout.key != latestKey_) return count;
+  for (std::size_t order = 0; order < latest_.size(); ++order) count += LatestOf(order);
+  return count;
+}
+
+ImportWitness DetectionEvidence::WholeOrder(DayAndMonth order) const {
+  ImportWitness whole = orders_[static_cast<std::size_t>(order)];
+  whole.count += LatestOf(static_cast<std::size_t>(order));
+  return whole;
 }
 
 // The class has a first one, so that shorter values of it tell nothing of that.
@@ -109,10 +124,15 @@ void DetectionEvidence::Add(std::string_view field, CountedAs as, std::int64_t l
         AddComma(text, counters.FormsOf(WithoutPlus(text)), text, line);
       }
       break;
-    case CountedAs::kDate:
+    case CountedAs::kDate: {
+      const DayAndMonth order = counters.OrderOf(text);
       Count(LayoutOf(counters.dateKey()), field, line);
-      AddOrder(counters.OrderOf(text), text, line);
+      AddOrder(order, text, line);
+      // The next one like it is taken.
+      std::int64_t& latest = latest_[static_cast<std::size_t>(order)];
+      latest = std::max<std::int64_t>(latest, 1);
       break;
+    }
     case CountedAs::kString:
       AddOrder(counters.OrderOf(text), text, line);
       break;
@@ -158,13 +178,17 @@ void DetectionEvidence::AddComma(std::string_view amount, NumberForms forms, std
 }
 
 ImportWitness& DetectionEvidence::LayoutOf(int key) {
-  if (latestLayout_ < layouts_.size() && layouts_[latestLayout_].key == key) {
-    return layouts_[latestLayout_].seen;
-  }
   auto place = std::lower_bound(layouts_.begin(), layouts_.end(), key,
                                 [](const Layout& layout, int k) { return layout.key < k; });
   if (place == layouts_.end() || place->key != key) place = layouts_.insert(place, {key, {}});
-  latestLayout_ = static_cast<std::size_t>(place - layouts_.begin());
+  if (key == latestKey_) return place->seen;
+  // What was taken of the layout before is counted with all of it.
+  for (Layout& layout : layouts_) layout.seen.count = CountOf(layout);
+  for (std::size_t order = 0; order < latest_.size(); ++order) {
+    orders_[order].count += LatestOf(order);
+  }
+  latest_.fill(0);
+  latestKey_ = key;
   return place->seen;
 }
 
@@ -173,9 +197,15 @@ void DetectionEvidence::Merge(const DetectionEvidence& from, std::int64_t lines)
     MergeFirst(from.classes_[i], lines, classes_[i]);
   }
   for (const Layout& layout : from.layouts_) {
-    if (layout.seen.count > 0) MergeCounted(layout.seen, lines, LayoutOf(layout.key));
+    if (layout.seen.count == 0) continue;
+    ImportWitness& seen = LayoutOf(layout.key);
+    MergeFirst(layout.seen, lines, seen);
+    seen.count += from.CountOf(layout);
   }
-  for (std::size_t i = 1; i < orders_.size(); ++i) MergeCounted(from.orders_[i], lines, orders_[i]);
+  for (std::size_t i = 1; i < orders_.size(); ++i) {
+    MergeFirst(from.orders_[i], lines, orders_[i]);
+    orders_[i].count += from.orders_[i].count + from.LatestOf(i);
+  }
   MergeCounted(from.decimalComma_, lines, decimalComma_);
   MergeCounted(from.groupingComma_, lines, groupingComma_);
   MergeCounted(from.eitherComma_, lines, eitherComma_);
@@ -209,10 +239,11 @@ ImportEvidence DetectionEvidence::Told(const TxtWzVar& counters, const RegExMapp
     if (layout.seen.count == 0) continue;
     const RegExToFormatMapping& row = table.regExMappings().at(layout.key);
     told.layouts.push_back({row.icuPattern, row.formatName, layout.seen});
+    told.layouts.back().seen.count = CountOf(layout);
   }
-  told.dayFirst = OrderOf(DayAndMonth::kDayFirst);
-  told.monthFirst = OrderOf(DayAndMonth::kMonthFirst);
-  told.eitherOrder = OrderOf(DayAndMonth::kEitherOrder);
+  told.dayFirst = WholeOrder(DayAndMonth::kDayFirst);
+  told.monthFirst = WholeOrder(DayAndMonth::kMonthFirst);
+  told.eitherOrder = WholeOrder(DayAndMonth::kEitherOrder);
   told.decimalComma = decimalComma_;
   told.groupingComma = groupingComma_;
   told.eitherComma = eitherComma_;

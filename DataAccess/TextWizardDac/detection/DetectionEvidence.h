@@ -2,6 +2,7 @@
 // first value of each class, the layouts of dates, values that could be read in two ways.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -29,20 +30,19 @@ class DetectionEvidence {
   bool Takes(std::string_view field, CountedAs as, const DetectionCounters& counters) {
     const auto known = static_cast<std::size_t>(as);
     if (field.size() > known_[known]) return false;
-    const char first = field.front();
-    if (as == CountedAs::kPlainNumber) {
-      return first != '0' || field.size() == 1 || !IsDigit(field[1]);
+    switch (kBeginnings[known][static_cast<unsigned char>(field.front())]) {
+      case Beginning::kPlain:
+        return true;
+      case Beginning::kDate:
+        return !IsBlankCharacter(field.back()) && TakesDate(counters.dateKey(), counters.order());
+      case Beginning::kZero:
+        return field.size() == 1 || !IsDigit(field[1]);
+      case Beginning::kDigit:
+        return IsDigit(field.back()) && TakesOrder(counters.order());
+      case Beginning::kTelling:
+        break;
     }
-    if (as == CountedAs::kString) {
-      if (static_cast<unsigned char>(first) > '9') return true;
-      return IsDigit(first) ? IsDigit(field.back()) && TakesOrder(counters.order())
-                            : !IsBlankCharacter(first);
-    }
-    if (as == CountedAs::kDate) {
-      return !IsBlankCharacter(first) && !IsBlankCharacter(field.back()) &&
-             TakesDate(counters.dateKey(), counters.order());
-    }
-    return as == CountedAs::kPercent;
+    return false;
   }
   // Adds a field that was not taken. `line`: its record's.
   void Add(std::string_view field, CountedAs as, std::int64_t line, DetectionCounters& counters);
@@ -59,11 +59,20 @@ class DetectionEvidence {
     ImportWitness seen;
   };
 
-  static bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+  // What the first byte of a field says, by what it was counted as.
+  enum class Beginning : std::uint8_t {
+    kTelling,  // the field is to be added
+    kPlain,    // there is nothing to tell of it
+    kDate,     // its layout may be new
+    kZero,     // of a number
+    kDigit,    // of a string, which may have a day and a month
+  };
+  using Beginnings = std::array<std::array<Beginning, 256>, kCountedAs>;
+  static constexpr Beginnings MakeBeginnings();
+  static const Beginnings kBeginnings;
+
+  static constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
   ImportWitness& OrderOf(DayAndMonth order) { return orders_[static_cast<std::size_t>(order)]; }
-  const ImportWitness& OrderOf(DayAndMonth order) const {
-    return orders_[static_cast<std::size_t>(order)];
-  }
   bool TakesOrder(DayAndMonth order) {
     ImportWitness& seen = OrderOf(order);
     if (seen.count == 0) return false;
@@ -71,12 +80,18 @@ class DetectionEvidence {
     return true;
   }
   bool TakesDate(int key, DayAndMonth order) {
-    if (latestLayout_ >= layouts_.size()) return false;
-    Layout& layout = layouts_[latestLayout_];
-    if (layout.key != key || layout.seen.count == 0 || !TakesOrder(order)) return false;
-    ++layout.seen.count;
+    std::int64_t& count = latest_[static_cast<std::size_t>(order)];
+    if (key != latestKey_ || count == 0) return false;
+    ++count;
     return true;
   }
+  // Dates of the latest layout and of that order that are counted there only.
+  std::int64_t LatestOf(std::size_t order) const {
+    return std::max<std::int64_t>(latest_[order] - 1, 0);
+  }
+  std::int64_t CountOf(const Layout& layout) const;
+  // An order with all that it counts.
+  ImportWitness WholeOrder(DayAndMonth order) const;
   void Know(CountedAs as);
   void AddOrder(DayAndMonth order, std::string_view text, std::int64_t line);
   // `amount`: the number in `text`, without what marks its class. `forms`: the amount's.
@@ -93,8 +108,10 @@ class DetectionEvidence {
   std::int64_t empties_ = 0;
   // By rising key.
   std::vector<Layout> layouts_;
-  // Place of the one met last; any place.
-  std::size_t latestLayout_ = 0;
+  // The key of the one met last, 0 for none. By DayAndMonth: 0 until such a date of it was added,
+  // then 1 and those that were taken since, which are counted nowhere else.
+  int latestKey_ = 0;
+  std::array<std::int64_t, kDayAndMonthOrders> latest_{};
   // By DayAndMonth. That of none counts from 1, so that there is never a first one.
   std::array<ImportWitness, kDayAndMonthOrders> orders_;
   ImportWitness decimalComma_;
@@ -103,5 +120,24 @@ class DetectionEvidence {
   ImportWitness leadingZeros_;
   ImportWitness longest_;
 };
+
+constexpr DetectionEvidence::Beginnings DetectionEvidence::MakeBeginnings() {
+  Beginnings beginnings{};
+  const auto of = [&](CountedAs as, unsigned byte) -> Beginning& {
+    return beginnings[static_cast<std::size_t>(as)][byte];
+  };
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    const char first = static_cast<char>(byte);
+    of(CountedAs::kPlainNumber, byte) = first == '0' ? Beginning::kZero : Beginning::kPlain;
+    of(CountedAs::kPercent, byte) = Beginning::kPlain;
+    if (IsBlankCharacter(first)) continue;
+    of(CountedAs::kDate, byte) = Beginning::kDate;
+    of(CountedAs::kString, byte) = IsDigit(first) ? Beginning::kDigit : Beginning::kPlain;
+  }
+  return beginnings;
+}
+
+inline constexpr DetectionEvidence::Beginnings DetectionEvidence::kBeginnings =
+    DetectionEvidence::MakeBeginnings();
 
 }  // namespace textwizard
