@@ -245,8 +245,10 @@ void TextDataIteratorThread::ConvertRecord() {
   }
 }
 
+// Once a value: called, it would cost as much again as watching may cost.
 template <bool kWatched>
-inline void TextDataIteratorThread::ConvertVar(std::string_view field, const FieldTask& task) {
+[[gnu::always_inline]] inline void TextDataIteratorThread::ConvertVar(std::string_view field,
+                                                                      const FieldTask& task) {
   if (task.use == FieldUse::kString) {
     // Of a string that fits and begins with no blank there is nothing to tell.
     if (kWatched && field.size() - 1 < task.cellWidth && field.front() != ' ') {
@@ -476,8 +478,8 @@ void TextDataIteratorThread::DetectRecord() {
 }
 
 template <bool kWatched>
-inline void TextDataIteratorThread::AutoDetectVar(std::string_view field, TxtWzVar& counters,
-                                                  DetectionEvidence* evidence) {
+[[gnu::always_inline]] inline void TextDataIteratorThread::AutoDetectVar(
+    std::string_view field, TxtWzVar& counters, DetectionEvidence* evidence) {
   const CountedAs as = fCounters->Count(field, counters);
   if (kWatched && !evidence->Takes(field, as, *fCounters)) {
     evidence->Add(field, as, fPlaces.place().line, *fCounters);
