@@ -34,23 +34,28 @@ constexpr std::size_t kTwoByteBlocks = 0x800 / kBlockSize;
 constexpr std::size_t kThreeByteBlocks = 0x10000 / kBlockSize;
 constexpr UChar32 kLastControl = 0x9F;
 
-// The blocks of at most three bytes with a digit or a space among them, by the library that decides
+// The blocks before character `end` with a digit or a space among them, by the library that decides
 // about the patterns.
-const std::bitset<kThreeByteBlocks>& DigitAndSpaceBlocks() {
-  static const auto known = [] {
-    std::bitset<kThreeByteBlocks> blocks;
-    const auto note = [&blocks](UChar32 c) {
-      blocks.set(static_cast<std::size_t>(c) / kBlockSize);
-    };
-    // Spaces that are no separators are control characters.
-    for (UChar32 c = 0; c <= kLastControl; ++c) {
-      if (u_isUWhiteSpace(c) || u_isspace(c)) note(c);
-    }
-    for (UChar32 c = 0; c < static_cast<UChar32>(kThreeByteBlocks * kBlockSize); ++c) {
-      if ((U_GET_GC_MASK(c) & (U_GC_ND_MASK | U_GC_Z_MASK)) != 0) note(c);
-    }
-    return blocks;
-  }();
+std::bitset<kThreeByteBlocks> FindDigitAndSpaceBlocks(UChar32 end) {
+  std::bitset<kThreeByteBlocks> blocks;
+  const auto note = [&blocks](UChar32 c) { blocks.set(static_cast<std::size_t>(c) / kBlockSize); };
+  // Spaces that are no separators are control characters.
+  for (UChar32 c = 0; c <= kLastControl; ++c) {
+    if (u_isUWhiteSpace(c) || u_isspace(c)) note(c);
+  }
+  for (UChar32 c = 0; c < end; ++c) {
+    if ((U_GET_GC_MASK(c) & (U_GC_ND_MASK | U_GC_Z_MASK)) != 0) note(c);
+  }
+  return blocks;
+}
+
+// Those of characters of at most two bytes, and of three, which few files have.
+const std::bitset<kThreeByteBlocks>& TwoByteBlocks() {
+  static const auto known = FindDigitAndSpaceBlocks(kTwoByteBlocks * kBlockSize);
+  return known;
+}
+const std::bitset<kThreeByteBlocks>& ThreeByteBlocks() {
+  static const auto known = FindDigitAndSpaceBlocks(kThreeByteBlocks * kBlockSize);
   return known;
 }
 
@@ -276,7 +281,7 @@ PatternAutomaton::ByteClasses PatternAutomaton::Classes(
     } else if (mapped >= kFirstThreeByteLead && mapped < kFirstFourByteLead) {
       classes[byte] = kWideBySecond;
     } else if (mapped >= kFirstTwoByteLead && mapped < kFirstThreeByteLead) {
-      const bool known = DigitAndSpaceBlocks().test(mapped % kTwoByteBlocks);
+      const bool known = TwoByteBlocks().test(mapped % kTwoByteBlocks);
       classes[byte] = known ? kUnknownWide : kOtherWide;
     } else {
       // No character begins with it: a replacement character stands for it.
@@ -293,7 +298,7 @@ std::uint64_t PatternAutomaton::GoingOn(std::size_t state, std::uint8_t wideClas
     constexpr unsigned kLeadBits = 0xF, kContinuationBits = 0x3F;
     const auto byte = [rest](std::size_t i) { return static_cast<unsigned char>(rest[i]); };
     const std::size_t block = (byte(0) & kLeadBits) * kBlockSize + (byte(1) & kContinuationBits);
-    if (DigitAndSpaceBlocks().test(block)) return wide_[state];
+    if (ThreeByteBlocks().test(block)) return wide_[state];
   }
   return wideOther_[state];
 }

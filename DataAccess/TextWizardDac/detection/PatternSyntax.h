@@ -38,7 +38,8 @@ struct PatternNfa {
 // Known: "^" at the start and "$" at the end, groups "(" and "(?:", "|", "." and other literal
 // characters, classes of letters, digits and "|" with ranges, \d, \s, escaped punctuation, and the
 // quantifiers ? * + {n} {n,} {n,m}. Anything else, and an expression that would grow too large,
-// gives nothing: then only the regular-expression library can tell.
+// gives nothing: then only the regular-expression library can tell. That compiles whatever is
+// compiled here.
 std::optional<PatternNfa> CompilePattern(std::string_view pattern);
 
 }  // namespace textwizard

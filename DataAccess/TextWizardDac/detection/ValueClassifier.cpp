@@ -43,6 +43,8 @@ ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrange
   formAutomaton_ =
       PatternAutomaton::Shared({PatternText(table.percentRegex), PatternText(table.dollarRegex),
                                 PatternText(table.commaRegex), PatternText(table.dotRegex)});
+  usableRows_.Know(*rowAutomaton_);
+  usableForms_.Know(*formAutomaton_);
 
   std::array<unsigned char, 256> same{};
   for (std::size_t byte = 0; byte < same.size(); ++byte) {
@@ -127,6 +129,7 @@ bool ValueClassifier::MatchesRow(std::string_view value, int key) {
 }
 
 bool ValueClassifier::Decide(const PatternMatcher& matcher, const icu::UnicodeString& text) const {
+  if (!matcher) return false;
   matcher->reset(text);
   UErrorCode status = U_ZERO_ERROR;
   const bool matches = matcher->matches(status);

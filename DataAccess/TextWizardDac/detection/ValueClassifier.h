@@ -74,8 +74,10 @@ class ValueClassifier {
   bool MatchesRow(std::string_view value, int key);
 
  private:
-  // A pattern that the library cannot compile matches nothing. Found out where one is needed.
+  // A pattern that the library cannot compile matches nothing. Of those that the automaton has it
+  // is known that it can; of others that is found out where one is needed, as it takes long.
   struct UsablePatterns {
+    void Know(const PatternAutomaton& automaton) { known = usable = ~automaton.uncompiled(); }
     std::uint64_t known = 0;
     std::uint64_t usable = 0;
     bool Has(std::size_t index, const PatternMatcher& matcher) {

@@ -242,14 +242,12 @@ TEST(ValueClassifier, CompilesThePatternsThatAreNeededAndNoOthers) {
     EXPECT_EQ(classifier.IsDateTime(value), 0) << value;
     EXPECT_TRUE(classifier.FormsOf(value).none()) << value;
   }
-  EXPECT_EQ(compiled(), 0);
   EXPECT_EQ(classifier.IsDateTime("31.12.1999"), 1004);
-  EXPECT_EQ(compiled(), 1);
   EXPECT_TRUE(classifier.Is(NumberForm::kDollar, "$5"));
-  EXPECT_EQ(compiled(), 2);
+  EXPECT_EQ(compiled(), 0);
   // A digit of another script is left to the expressions.
   EXPECT_TRUE(classifier.Is(NumberForm::kComma, "1,\xEF\xBC\x92\x33\x34"));
-  EXPECT_GT(compiled(), 2);
+  EXPECT_GT(compiled(), 0);
 }
 
 }  // namespace
