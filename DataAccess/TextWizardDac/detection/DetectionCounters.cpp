@@ -54,11 +54,31 @@ CountedAs DetectionCounters::CountUnplain(std::string_view field, unsigned possi
 }
 
 bool DetectionCounters::CountNumber(std::string_view field, TxtWzVar& variable) {
+  if (CountPadded(field, variable)) return true;
   // With both separators a text is no number here, whatever the parser says.
   if (!IsNumeric(field) || (Has(field, ',') && Has(field, '.'))) return false;
   ++variable.numericCount;
   if (Has(field, 'E') || Has(field, 'e')) variable.hasExponent = true;
   UpdateVarSizes(variable, field, ".,", rules_.arrangement);
+  return true;
+}
+
+// As nearly all numbers of fixed columns are.
+bool DetectionCounters::CountPadded(std::string_view field, TxtWzVar& variable) {
+  const bool padded = field.front() == ' ' || field.back() == ' ';
+  if (!padded || rules_.swapDecimal) return false;
+  std::string_view number = TrimLeft(field);
+  const std::size_t blanks = field.size() - number.size();
+  number = TrimRight(number);
+  std::size_t point = 0;
+  if (!classifier_.IsPlainNumber(number, &point)) return false;
+  ++variable.numericCount;
+  if (rules_.arrangement == kDelimitedLines) {
+    UpdateVarSizes(variable, number.size(), point, rules_.arrangement);
+  } else {
+    if (point != std::string_view::npos) point += blanks;
+    UpdateVarSizes(variable, field.size(), point, rules_.arrangement);
+  }
   return true;
 }
 

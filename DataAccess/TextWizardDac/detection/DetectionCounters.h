@@ -104,6 +104,8 @@ class DetectionCounters {
   bool IsNumeric(std::string_view field);
   // Each counts the field when it is of its class; else leaves the variable alone.
   bool CountNumber(std::string_view field, TxtWzVar& variable);
+  // A number that is plain between blanks.
+  bool CountPadded(std::string_view field, TxtWzVar& variable);
   bool CountDate(std::string_view field, TxtWzVar& variable);
   // kString: it is of none.
   CountedAs CountNumberForm(std::string_view field, TxtWzVar& variable);

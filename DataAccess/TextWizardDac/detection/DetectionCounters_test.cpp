@@ -1,10 +1,13 @@
 #include "detection/DetectionCounters.h"
 
 #include <initializer_list>
+#include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "detection/NumericRule.h"
+#include "detection/VariableWidening.h"
 #include "detection/testing/TestLocale.h"
 #include "model/FormatCode.h"
 
@@ -342,6 +345,44 @@ TEST(DetectionCounters, MergingAddsCountsAndTakesTheLargerSizes) {
   from.hasExponent = true;
   DetectionCounters::Merge(from, into);
   EXPECT_TRUE(into.hasExponent);
+}
+
+// What is a number by its rule is counted by how the whole text widens its variable, blanks and
+// all.
+TEST(DetectionCounters, NumbersBetweenBlanksAreCountedByTheRuleOfNumbers) {
+  const RegExMappings table;
+  NumericRule rule;
+  std::mt19937 random(25);
+  int numbers = 0;
+  for (const Arrangement arrangement : {kDelimitedLines, kDelimitedCount, kFixedColumns}) {
+    for (const bool worker : {false, true}) {
+      DetectionRules rules = worker ? Worker() : Sampling();
+      rules.arrangement = arrangement;
+      DetectionCounters counters(table, rules);
+      TxtWzVar found = WithWidth(3), expected = WithWidth(3);
+      for (int round = 0; round < 4000; ++round) {
+        std::string text(random() % 5, ' ');
+        for (std::size_t size = random() % 8; size > 0; --size)
+          text += "0123456789.-+,E "[random() % 16];
+        text += std::string(random() % 4, ' ');
+        const bool both =
+            text.find(',') != std::string::npos && text.find('.') != std::string::npos;
+        if (text.empty() || !rule.Accepts(text) || both) continue;
+        ++numbers;
+        ++expected.numericCount;
+        if (text.find('E') != std::string::npos) expected.hasExponent = true;
+        UpdateVarSizes(expected, text, ".,", arrangement);
+        const CountedAs as = counters.Count(text, found);
+        EXPECT_TRUE(as == CountedAs::kNumber || as == CountedAs::kPlainNumber) << text;
+        ASSERT_EQ(found.numericCount, expected.numericCount) << text;
+        ASSERT_EQ(found.width, expected.width) << "[" << text << "]";
+        ASSERT_EQ(found.decimals, expected.decimals) << "[" << text << "]";
+        ASSERT_EQ(found.hasExponent, expected.hasExponent) << text;
+        if (round % 50 == 0) found = expected = WithWidth(static_cast<std::uint32_t>(random() % 9));
+      }
+    }
+  }
+  EXPECT_GT(numbers, 3000);
 }
 
 TEST(DetectionCounters, MergingKeepsTheSmallestKeyInWhateverOrder) {
