@@ -368,10 +368,10 @@ void TextDataIteratorThread::ConvertCases() {
   fRecordsLeft = fRecords.recordCount();
   fRecord = {};
   fTextOffset = 0;
-  if (fPlan.fieldsPerCase > 0) {
-    fByteText = fSplitter.CutsByBytes(fRecords.text());
-    fSplitter.SetRecord(fRecord);
+  if (fPlan.fieldsPerCase > 0 || fWatch) {
+    fWatched.clean = fByteText = fSplitter.CutsByBytes(fRecords.text());
   }
+  if (fPlan.fieldsPerCase > 0) fSplitter.SetRecord(fRecord);
   const std::uint32_t count = WantedCases();
   for (; fConvertIndex < count; ++fConvertIndex) {
     fWatch ? ConvertCase<true>() : ConvertCase<false>();

@@ -37,6 +37,13 @@ ValueClassifier::ValueClassifier(const RegExMappings& table, Arrangement arrange
     rows_.push_back(&row);
     patterns.push_back(PatternText(row.regex));
   }
+  if (!rows_.empty()) {
+    firstKey_ = rows_.front()->key;
+    rowOfKey_.assign(static_cast<std::size_t>(rows_.back()->key - firstKey_ + 1), kNoRow);
+  }
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    rowOfKey_[static_cast<std::size_t>(rows_[i]->key - firstKey_)] = static_cast<std::uint8_t>(i);
+  }
   // One walk over a value finds its row and the order of its day and month.
   patterns.insert(patterns.end(), std::begin(kOrderPatterns), std::end(kOrderPatterns));
   rowAutomaton_ = PatternAutomaton::Shared(patterns);
@@ -115,17 +122,16 @@ int ValueClassifier::FirstRow(std::string_view value, PatternAutomaton::Verdict 
 }
 
 bool ValueClassifier::MatchesRow(std::string_view value, int key) {
-  const auto row =
-      std::lower_bound(rows_.begin(), rows_.end(), key,
-                       [](const RegExToFormatMapping* left, int k) { return left->key < k; });
-  if (row == rows_.end() || (*row)->key != key) return false;
-  const auto index = static_cast<std::size_t>(row - rows_.begin());
+  const auto place = static_cast<std::size_t>(static_cast<std::int64_t>(key) - firstKey_);
+  if (place >= rowOfKey_.size() || rowOfKey_[place] == kNoRow) return false;
+  const std::size_t index = rowOfKey_[place];
   const std::uint64_t bit = std::uint64_t{1} << index;
   const PatternAutomaton::Verdict verdict = rowAutomaton_->Match(value, rowClasses_);
   order_ = OrderOf(verdict);
   if (((verdict.matched | verdict.undecided) & bit) == 0) return false;
-  if (!usableRows_.Has(index, (*row)->matcher)) return false;
-  return (verdict.matched & bit) != 0 || Decide((*row)->matcher, LowerCased(value));
+  const PatternMatcher& matcher = rows_[index]->matcher;
+  if (!usableRows_.Has(index, matcher)) return false;
+  return (verdict.matched & bit) != 0 || Decide(matcher, LowerCased(value));
 }
 
 bool ValueClassifier::Decide(const PatternMatcher& matcher, const icu::UnicodeString& text) const {

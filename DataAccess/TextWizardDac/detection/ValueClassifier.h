@@ -104,6 +104,10 @@ class ValueClassifier {
   NumericRule numeric_;
   // In key order: bit i of a date verdict is row i.
   std::vector<const RegExToFormatMapping*> rows_;
+  // By key, from the first row's on: which row has it.
+  static constexpr std::uint8_t kNoRow = 0xFF;
+  std::int64_t firstKey_ = 0;
+  std::vector<std::uint8_t> rowOfKey_;
   std::array<PatternMatcher, kNumberForms> formMatchers_;
   UsablePatterns usableRows_;
   UsablePatterns usableForms_;

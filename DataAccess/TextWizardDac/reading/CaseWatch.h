@@ -32,6 +32,8 @@ struct WatchedRecord {
   RecordPlace place;
   const NulRun* nulsBegin = nullptr;
   const NulRun* nulsEnd = nullptr;
+  // It is known that all bytes of a text that is the raw record are of characters.
+  bool clean = false;
 };
 
 // One thread. Variables are named by their position in the source's list, skipped ones included.

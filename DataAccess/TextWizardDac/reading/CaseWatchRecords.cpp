@@ -138,8 +138,8 @@ void CaseWatch::TakeRecord(const WatchedRecord& record) {
   fieldsEnd_ = 0;
   ++recordNumber_;
   const bool converted = record.raw.data() != record.text.data();
-  substitutes_ =
-      converted ? HasSubstitutes(record) : !countsValues_ && !fields_.CutsByBytes(record.text);
+  substitutes_ = converted ? HasSubstitutes(record)
+                           : !countsValues_ && !record.clean && !fields_.CutsByBytes(record.text);
 }
 
 void CaseWatch::UseRecord() { TakeFieldOfRecord(0); }
