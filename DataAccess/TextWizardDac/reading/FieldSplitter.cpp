@@ -40,6 +40,7 @@ void FieldSplitter::UseRules() {
   holdsBlanks_ = blankDelimits_ && (rules_.multipleSpaces() ||
                                     (use_ == SplitUse::kReading && rules_.leadingSpaces()));
   kinds_.UseRules(converter_.get());
+  dropsBlanks_ = holdsBlanks_ && rules_.leadingSpaces();
   text_.SetBytes(kinds_.cutting());
   mode_ = Mode::kUnknown;
 }
@@ -178,25 +179,31 @@ void FieldSplitter::NextOfBytes(std::string_view& field) {
   }
   const char* const mark = NextMark(text);
   delimited_ = mark != end_;
+  // Unqualified, up to the mark.
+  const auto take = [&] {
+    if (dropsBlanks_) {
+      field = Text(text, mark);
+    } else {
+      field = Text(start, mark);
+      Finish(field, true);
+    }
+  };
   if (mark == end_) {
-    field = Text(start, end_);
     cursor_ = end_;
-    return Finish(field, true);
+    return take();
   }
   switch (kinds_.OfByte(*mark)) {
     case Kind::kData:
       break;
     case Kind::kDelimiter:
-      field = Text(start, mark);
       cursor_ = mark + 1;
-      return Finish(field, true);
+      return take();
     case Kind::kBlankDelimiter: {
       const bool drops = mark != start && DropsBlankBefore(mark + 1);
       // A byte may have a delimiter's number and be another character, which the field takes in.
       if (drops && kinds_.OfByte(mark[1]) != Kind::kDelimiter) break;
-      field = Text(start, mark);
       cursor_ = mark + (drops ? 2 : 1);
-      return Finish(field, true);
+      return take();
     }
     case Kind::kQualifier: {
       if (mark != text || (text != start && !rules_.leadingSpaces())) break;

@@ -163,8 +163,9 @@ class FieldSplitter {
   CharacterKinds kinds_;
   bool spaceOptions_ = false;
   bool blankDelimits_ = false;
-  // Blanks at the start of a field belong to it.
+  // Blanks at the start of a field belong to it; and they are left out of its text.
   bool holdsBlanks_ = false;
+  bool dropsBlanks_ = false;
 
   // The record, and where its next field begins.
   const char* begin_ = nullptr;

@@ -426,13 +426,28 @@ void QANT_TextWizardIterator::StoreMissing(const Column& column, TxtWzVar* flagg
 
 bool QANT_TextWizardIterator::ProcessDlmLines() {
   if (!ReadRecord(false)) return false;
+  if (!watch_) {
+    ConvertLine();
+    return true;
+  }
   for (const Column& column : columns_) {
     std::string_view field;
     fields_.Next(field);
     if (column.variable->formatType != kFormatSkip) ConvertField(field, column);
   }
-  if (watch_) watch_->cases().EndLine(watch_->Record(record_));
+  watch_->cases().EndLine(watch_->Record(record_));
   return true;
+}
+
+void QANT_TextWizardIterator::ConvertLine() {
+  for (auto column = columns_.cbegin(); column != columns_.cend();) {
+    const auto left = static_cast<std::size_t>(columns_.cend() - column);
+    const std::size_t cut = fields_.Cut(cut_.data(), std::min(left, cut_.size()));
+    for (std::size_t i = 0; i < cut; ++i, ++column) {
+      if (column->variable->formatType == kFormatSkip) continue;
+      ConvertVar(cut_[i], column->variable, column->number);
+    }
+  }
 }
 
 bool QANT_TextWizardIterator::ProcessDlmCount() {

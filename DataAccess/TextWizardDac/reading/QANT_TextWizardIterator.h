@@ -3,6 +3,7 @@
 // operations on the file's own text.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -159,6 +160,8 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   bool EndOfData();
   bool ReadCase();
   // Reads and stores a field, and tells who watches.
+  // The record's fields, for a host that does not watch.
+  void ConvertLine();
   void ConvertField(std::string_view field, const Column& column);
   void ConvertColumn(std::string_view field, const Column& column);
   void StoreMissing(const Column& column, TxtWzVar* flagged);
@@ -172,6 +175,7 @@ class QANT_TextWizardIterator : public QANT_InputCaseIterator, private Undecodab
   RecordDecoder decoder_;
   // Of record(), and of a record that the caller supplies.
   FieldSplitter fields_;
+  std::array<std::string_view, 64> cut_;
   FieldSplitter suppliedFields_;
   // In file order, skipped variables too; those have no column.
   std::vector<Column> columns_;
