@@ -3,14 +3,12 @@
 #include <utility>
 
 namespace library {
-namespace {
 
-class TextPart : public CasePart {
+// The text of a batch, in memory that goes from batch to batch.
+class TextSink::Part : public CasePart {
  public:
   TextBlock text;
 };
-
-}  // namespace
 
 TextSink::TextSink(std::unique_ptr<CaseWriter> writer, std::size_t cells, ByteSink& out)
     : writer_(std::move(writer)), cells_(cells), out_(out) {
@@ -19,9 +17,19 @@ TextSink::TextSink(std::unique_ptr<CaseWriter> writer, std::size_t cells, ByteSi
   out_.Append(header.view());
 }
 
+TextSink::~TextSink() = default;
+
 std::unique_ptr<CasePart> TextSink::Make(const OBS* cases, std::size_t count,
                                          std::int64_t /*firstCase*/) const {
-  auto part = std::make_unique<TextPart>();
+  std::unique_ptr<Part> part;
+  {
+    const sfGuard guard(mutex_);
+    if (!idle_.empty()) {
+      part = std::move(idle_.back());
+      idle_.pop_back();
+    }
+  }
+  if (part == nullptr) part = std::make_unique<Part>();
   Utf8Converter hostText;
   for (std::size_t i = 0; i < count; ++i) {
     writer_->WriteCase(cases + i * cells_, hostText, part->text);
@@ -30,7 +38,11 @@ std::unique_ptr<CasePart> TextSink::Make(const OBS* cases, std::size_t count,
 }
 
 void TextSink::Take(std::unique_ptr<CasePart> part) {
-  out_.Append(static_cast<const TextPart&>(*part).text.view());
+  std::unique_ptr<Part> text(static_cast<Part*>(part.release()));
+  out_.Append(text->text.view());
+  text->text.Clear();
+  const sfGuard guard(mutex_);
+  idle_.push_back(std::move(text));
 }
 
 }  // namespace library
