@@ -322,14 +322,16 @@ void ImportSession::StartPass(CaseSink& sink, std::function<void(const ProblemRo
   problems_ = {};
   problemSink_.emplace(variables_, options_.problemLimit, std::move(problem));
   watch_->UseNone();
-  digest_.emplace(source());
+  std::vector<CaseSink*> sinks;
+  digest_.reset();
+  if (options_.digest) sinks.push_back(&digest_.emplace(source()));
+  sinks.push_back(&sink);
   ProblemSink* problems = &*problemSink_;
   if (placed_) {
-    watch_->Use(placed_->Cases({&*digest_, &sink}));
+    watch_->Use(placed_->Cases(sinks));
     problems = &placed_->Problems(*problemSink_);
   } else {
-    watch_->Use(*digest_);
-    watch_->Use(sink);
+    for (CaseSink* taker : sinks) watch_->Use(*taker);
   }
   watch_->Prepare(import_->source(), {.problems = {problems}, .rejects = nullptr},
                   {.batches = true, .sampled = import_->isSampled()});
@@ -440,7 +442,7 @@ void ImportSession::Conclude(std::optional<Failure> failure) {
   if (const std::string rest = undecodable_.Rest(); !rest.empty()) Tell(kMessageWarning, rest);
   undecodable_.BeginCommand();
   account_ = watch_->TakeAccount();
-  account_->digest = digest_->digest();
+  if (digest_) account_->digest = digest_->digest();
   if (placed_) placed_->Place(&*account_);
   for (const Misfit& misfit : PassMisfits()) problems_.Add(RowOf(misfit));
   use_.reset();

@@ -40,6 +40,7 @@ struct SessionOptions {
   std::vector<std::string> nullTexts = DefaultNullTexts();  // UTF-8
   RewritingOptions rewriting{};
   std::int64_t problemLimit = 0;
+  bool digest = true;
   bool strict = false;
   bool namesAsVariables = false;
   // Whether numbers are whole: of a command those whose format has no decimals; of a file those

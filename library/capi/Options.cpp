@@ -106,6 +106,7 @@ SessionOptions SessionOptionsOf(const textwizard_options* options) {
                        .keepStrayQualifiers = given.keep_stray_qualifiers != 0};
   session.problemLimit =
       given.problem_limit == 0 ? kProblemLimit : std::max<std::int64_t>(given.problem_limit, 0);
+  session.digest = given.no_digest == 0;
   session.strict = given.strict != 0;
   session.namesAsVariables = given.names_as_variables != 0;
   session.integersOfCommand = given.integers > 0;

@@ -146,6 +146,16 @@ TEST_F(TextWizard, SaysDictionaryLedgerAndDigestAsJson) {
   EXPECT_EQ(import->Digest(), digest);
 }
 
+TEST_F(TextWizard, MakesNoDigestWhereNoneIsWanted) {
+  folder_.Write("data.csv", "1,a\n2,b\n");
+  options_.no_digest = 1;
+  auto import = Import::OpenCommand(Command("n F4 s A8"), &options_);
+  ASSERT_TRUE(import);
+  EXPECT_EQ(Rows(import->Cases()).size(), 2U);
+  EXPECT_EQ(import->Digest(), "");
+  EXPECT_EQ(nlohmann::json::parse(import->Ledger())["cases"], 2);
+}
+
 TEST_F(TextWizard, BatchesHave65536Cases) {
   WriteRows(150000);
   auto import = Import::OpenCommand(Command("n F8.0 s A12"));
