@@ -312,8 +312,8 @@ std::uint64_t ImportSession::BeginPass() {
   const std::lock_guard guard(mutex_);
   PreparePass();
   columns_ = std::make_unique<ColumnSink>(
-      fields_, source().GetObsAreaSize() / sizeof(OBS),
-      [this](ColumnBatch batch) { ready_.push_back(std::move(batch)); });
+      fields_, source().GetObsAreaSize() / sizeof(OBS), ColumnSink::Batches::kWhole,
+      [this](ColumnPieces batch) { ready_.push_back(batch.Join(fields_)); });
   StartPass(*columns_, [this](const ProblemRow& row) { problems_.Add(row); });
   return pass_;
 }

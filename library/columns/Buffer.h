@@ -33,6 +33,7 @@ class Buffer {
   std::byte* data() { return data_; }
   std::size_t size() const { return size_; }
   bool empty() const { return size_ == 0; }
+  std::size_t capacity() const { return capacity_; }
   void clear() { size_ = 0; }
 
   template <class Value>
@@ -62,6 +63,8 @@ class Buffer {
     size_ += bytes;
     return begin;
   }
+  // The same where that many bytes have room.
+  void Lengthen(std::size_t bytes) { size_ += bytes; }
   void Append(const void* bytes, std::size_t count) {
     if (count != 0) std::memcpy(Extend(count), bytes, count);
   }

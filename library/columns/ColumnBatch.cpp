@@ -36,7 +36,36 @@ void LengthenBits(Buffer& bits, std::size_t bytes) {
   if (more != 0) std::memset(bits.Extend(more), 0, more);
 }
 
-// `into` has `had` cases.
+// The offsets of `count` texts that stand behind `before` bytes of others.
+template <class Offset>
+void AppendOffsetsOf(const Offset* offsets, std::size_t count, std::size_t before, Buffer& into) {
+  if (into.empty()) *reinterpret_cast<Offset*>(into.Extend(sizeof(Offset))) = 0;
+  const Offset shift = static_cast<Offset>(before) - offsets[0];
+  auto* const out = reinterpret_cast<Offset*>(into.Extend(count * sizeof(Offset)));
+  for (std::size_t i = 0; i < count; ++i) out[i] = offsets[i + 1] + shift;
+}
+
+template <class Offset>
+void AppendText(const Column& from, std::size_t begin, std::size_t count, Column& into) {
+  const Offset* const offsets = from.values.As<Offset>() + begin;
+  AppendOffsetsOf(offsets, count, into.text.size(), into.values);
+  into.text.Append(from.text.data() + offsets[0],
+                   static_cast<std::size_t>(offsets[count] - offsets[0]));
+}
+
+}  // namespace
+
+std::string_view ColumnBatch::TextAt(std::size_t column, ColumnType type, std::size_t row) const {
+  const Column& texts = columns[column];
+  const auto* const bytes = texts.text.As<char>();
+  if (type == ColumnType::kLargeUtf8) {
+    const auto* const offsets = texts.values.As<std::int64_t>() + row;
+    return {bytes + offsets[0], static_cast<std::size_t>(offsets[1] - offsets[0])};
+  }
+  const auto* const offsets = texts.values.As<std::int32_t>() + row;
+  return {bytes + offsets[0], static_cast<std::size_t>(offsets[1] - offsets[0])};
+}
+
 void AppendValidity(const Column& from, std::size_t begin, std::size_t count, Column& into,
                     std::size_t had) {
   if (from.validity.empty() && into.validity.empty()) return;
@@ -57,28 +86,13 @@ void AppendValidity(const Column& from, std::size_t begin, std::size_t count, Co
   }
 }
 
-template <class Offset>
-void AppendText(const Column& from, std::size_t begin, std::size_t count, Column& into) {
-  if (into.values.empty()) *reinterpret_cast<Offset*>(into.values.Extend(sizeof(Offset))) = 0;
-  const Offset* const offsets = from.values.As<Offset>() + begin;
-  const Offset shift = static_cast<Offset>(into.text.size()) - offsets[0];
-  auto* const out = reinterpret_cast<Offset*>(into.values.Extend(count * sizeof(Offset)));
-  for (std::size_t i = 0; i < count; ++i) out[i] = offsets[i + 1] + shift;
-  into.text.Append(from.text.data() + offsets[0],
-                   static_cast<std::size_t>(offsets[count] - offsets[0]));
-}
-
-}  // namespace
-
-std::string_view ColumnBatch::TextAt(std::size_t column, ColumnType type, std::size_t row) const {
-  const Column& texts = columns[column];
-  const auto* const bytes = texts.text.As<char>();
+void AppendOffsets(const Column& from, ColumnType type, std::size_t begin, std::size_t count,
+                   std::size_t before, Buffer& into) {
   if (type == ColumnType::kLargeUtf8) {
-    const auto* const offsets = texts.values.As<std::int64_t>() + row;
-    return {bytes + offsets[0], static_cast<std::size_t>(offsets[1] - offsets[0])};
+    AppendOffsetsOf(from.values.As<std::int64_t>() + begin, count, before, into);
+  } else {
+    AppendOffsetsOf(from.values.As<std::int32_t>() + begin, count, before, into);
   }
-  const auto* const offsets = texts.values.As<std::int32_t>() + row;
-  return {bytes + offsets[0], static_cast<std::size_t>(offsets[1] - offsets[0])};
 }
 
 void AppendCases(const std::vector<ColumnField>& fields, const ColumnBatch& from, std::size_t begin,

@@ -44,5 +44,11 @@ void AppendBatch(const std::vector<ColumnField>& fields, const ColumnBatch& from
 // Adds cases begin to end (not included) of `from`.
 void AppendCases(const std::vector<ColumnField>& fields, const ColumnBatch& from, std::size_t begin,
                  std::size_t end, ColumnBatch& into);
+// The same of one column's bits: of `count` cases from `begin` on; `into` has `had`.
+void AppendValidity(const Column& from, std::size_t begin, std::size_t count, Column& into,
+                    std::size_t had);
+// The same of a text's offsets: of `count` texts, behind `before` bytes of others.
+void AppendOffsets(const Column& from, ColumnType type, std::size_t begin, std::size_t count,
+                   std::size_t before, Buffer& into);
 
 }  // namespace library

@@ -31,9 +31,9 @@ void MergeMisfits(const ColumnMisfits& from, ColumnMisfits& into);
 // `firstCase`: cases before them. Missing numbers, and those that are no finite number, are
 // missing; strings lose the blanks that pad them and become UTF-8, where bytes that are no
 // character are U+FFFD. Adds to *misfits what a type cannot hold. Any thread; converts text with a
-// converter of its own. Throws std::bad_alloc.
+// converter of its own. `batch` has no cases; its memory is used. Throws std::bad_alloc.
 ColumnBatch BuildColumns(const std::vector<ColumnField>& fields, const OBS* cases,
                          std::size_t count, std::size_t cells, std::int64_t firstCase,
-                         ColumnMisfits* misfits);
+                         ColumnMisfits* misfits, ColumnBatch batch = {});
 
 }  // namespace library

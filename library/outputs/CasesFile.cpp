@@ -12,6 +12,7 @@
 #include "library/outputs/DelimitedWriter.h"
 #include "library/outputs/JsonLinesWriter.h"
 #include "library/outputs/TextSink.h"
+#include "library/outputs/WriteBehind.h"
 #include "library/outputs/arrow/ArrowFileWriter.h"
 #include "library/outputs/parquet/ParquetWriter.h"
 #include "library/outputs/sqlite/SqliteWriter.h"
@@ -84,9 +85,9 @@ class ColumnCasesFile final : public CasesFile {
   CaseSink& Begin(const QANT_DataSource& source, const CasesFileOptions& options) override {
     fields_ = FieldsOf(source, options);
     Writing([&] { MakeWriter(fields_, options); });
-    sink_ = std::make_unique<ColumnSink>(fields_, CellsOf(source), [this](ColumnBatch batch) {
-      Writing([&] { writer_->Write(std::move(batch)); });
-    });
+    sink_ = std::make_unique<ColumnSink>(
+        fields_, CellsOf(source), ColumnSink::Batches::kInPieces,
+        [this](ColumnPieces batch) { Writing([&] { writer_->Write(std::move(batch)); }); });
     return *sink_;
   }
   void AddProblem(const ProblemRow& problem) override {
@@ -126,6 +127,11 @@ class ColumnCasesFile final : public CasesFile {
           fields,
           options.arrowBody == ArrowBody::kLz4 ? ArrowCompression::kLz4 : ArrowCompression::kNone,
           ThreadsOf(options), file());
+    }
+    // A pipe may wait for its reader, which only the import's own thread can be interrupted in, and
+    // a database takes problems between the cases.
+    if (database_ == nullptr && !file().path().empty()) {
+      writer_ = std::make_unique<WriteBehind>(std::move(writer_));
     }
   }
 

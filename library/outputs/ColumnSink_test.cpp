@@ -16,9 +16,18 @@ ColumnField NumberField() {
 }
 
 TEST(ColumnSink, FillsBatchesAndKeepsTheOrder) {
+  const std::vector<ColumnField> fields{NumberField()};
   std::vector<ColumnBatch> batches;
-  ColumnSink sink({NumberField()}, 1,
-                  [&](ColumnBatch batch) { batches.push_back(std::move(batch)); });
+  std::size_t pieces = 0;
+  ColumnSink sink(fields, 1, ColumnSink::Batches::kInPieces, [&](ColumnPieces batch) {
+    pieces += batch.size();
+    std::int64_t before = batch.front().firstCase;
+    for (const ColumnBatch& piece : batch) {
+      EXPECT_EQ(piece.firstCase, before);
+      before += static_cast<std::int64_t>(piece.cases);
+    }
+    batches.push_back(batch.Join(fields));
+  });
   constexpr std::size_t kCases = 2 * kBatchCases + 100;
   std::vector<OBS> cases;
   for (std::size_t i = 0; i < kCases; ++i) {
@@ -33,6 +42,10 @@ TEST(ColumnSink, FillsBatchesAndKeepsTheOrder) {
   EXPECT_EQ(batches.size(), 2U);
   sink.Finish();
   ASSERT_EQ(batches.size(), 3U);
+  // The small ones at the beginning are one piece; large ones stay as they are, cut where a batch
+  // ends.
+  EXPECT_GT(pieces, 3U);
+  EXPECT_LT(pieces, 12U);
   EXPECT_EQ(batches[0].cases, kBatchCases);
   EXPECT_EQ(batches[1].cases, kBatchCases);
   EXPECT_EQ(batches[2].cases, 100U);
@@ -48,8 +61,8 @@ TEST(ColumnSink, FillsBatchesAndKeepsTheOrder) {
 TEST(ColumnSink, WideCasesComeInSmallerBatches) {
   std::vector<ColumnField> fields(10000, NumberField());
   std::size_t largest = 0;
-  ColumnSink sink(fields, 1,
-                  [&](const ColumnBatch& batch) { largest = std::max(largest, batch.cases); });
+  ColumnSink sink(fields, 1, ColumnSink::Batches::kWhole,
+                  [&](const ColumnPieces& batch) { largest = std::max(largest, batch.cases()); });
   std::vector<OBS> cases(10000, std::bit_cast<OBS>(1.0));
   sink.Take(sink.Make(cases.data(), cases.size(), 0));
   sink.Finish();
@@ -58,7 +71,7 @@ TEST(ColumnSink, WideCasesComeInSmallerBatches) {
 }
 
 TEST(ColumnSink, AddsUpWhatTypesCouldNotHold) {
-  ColumnSink sink({NumberField()}, 1, [](const ColumnBatch&) {});
+  ColumnSink sink({NumberField()}, 1, ColumnSink::Batches::kWhole, [](const ColumnPieces&) {});
   const OBS half = std::bit_cast<OBS>(0.5);
   sink.Take(sink.Make(&half, 1, 0));
   sink.Take(sink.Make(&half, 1, 1));

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "library/columns/ColumnBatch.h"
+#include "library/columns/ColumnPieces.h"
 
 namespace library {
 
@@ -14,8 +14,8 @@ namespace library {
 class ColumnWriter {
  public:
   virtual ~ColumnWriter() = default;
-  // The cases that follow those written before.
-  virtual void Write(ColumnBatch batch) = 0;
+  // The cases of a batch, which follow those written before.
+  virtual void Write(ColumnPieces batch) = 0;
   // Ends the file. `metadata`: keys and texts (UTF-8) that go with the table, such as its
   // dictionary.
   virtual void Finish(const std::vector<std::pair<std::string, std::string>>& metadata) = 0;

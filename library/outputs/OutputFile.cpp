@@ -19,6 +19,8 @@ constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 // A text of so many bytes is not copied to the buffer: that would take longer than a call of the
 // system.
 constexpr std::size_t kWrittenAsItStands = std::size_t{64} * 1024;
+// The same of pieces that are given to the system together.
+constexpr std::size_t kGatheredAsItStands = 1024;
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPermissions = 07777;
 
@@ -126,6 +128,18 @@ void OutputFile::Append(std::string_view text) {
   }
 }
 
+void OutputFile::AppendPieces(const std::vector<std::string_view>& pieces) {
+  std::size_t bytes = 0;
+  for (const std::string_view piece : pieces) bytes += piece.size();
+  // The system takes longer for a small piece than the copy does.
+  if (bytes < pieces.size() * kGatheredAsItStands) {
+    ByteSink::AppendPieces(pieces);
+    return;
+  }
+  Flush();
+  if (ok() && !WriteWhole(descriptor_, pieces)) Fail(errno);
+}
+
 void OutputFile::Flush() {
   const std::string_view text(buffer_.data(), used_);
   used_ = 0;
@@ -157,12 +171,16 @@ bool OutputFile::Publish() {
 }
 
 void OutputFile::SetFailed(std::string_view why) {
-  if (ok()) error_ = "cannot write " + target_ + ": " + std::string(why);
+  if (!ok()) return;
+  error_ = "cannot write " + target_ + ": " + std::string(why);
+  failed_.store(true, std::memory_order_release);
 }
 
 void OutputFile::Fail(int code) {
+  if (!ok()) return;
   error_ = CannotWrite(target_, code);
   interrupted_ = code == EINTR;
+  failed_.store(true, std::memory_order_release);
 }
 
 }  // namespace library

@@ -1,6 +1,7 @@
 // A file that is written whole or not at all.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -17,7 +18,7 @@ namespace library {
 // target's name when it is published, both safely on the disk, and disappears when it is not. "-"
 // is standard output, and a target that is there and no regular file (a device, a pipe) is written
 // as it stands. A failed write is remembered: later writes do nothing, and Finish tells. One thread
-// at a time.
+// at a time, but that any may ask whether writing goes well.
 class OutputFile final : public ByteSink {
  public:
   // Opens `target`. Null when it cannot be written; then *error says so, naming the target.
@@ -28,6 +29,7 @@ class OutputFile final : public ByteSink {
   OutputFile& operator=(const OutputFile&) = delete;
 
   void Append(std::string_view text) override;
+  void AppendPieces(const std::vector<std::string_view>& pieces) override;
   void Append(char character) { *Reserve(1) = character, ++used_; }
   // Room for `bytes` bytes (at most kReservable) at the end of the text; write there and hand the
   // end of what was written to Advance. Valid until the next call.
@@ -39,9 +41,9 @@ class OutputFile final : public ByteSink {
   // Hands what is buffered to the system.
   void Flush();
 
-  // False after a write failed.
-  bool ok() const { return error_.empty(); }
-  // What failed, naming the target; empty while nothing did.
+  // False after a write failed. Any thread.
+  bool ok() const { return !failed_.load(std::memory_order_acquire); }
+  // What failed, naming the target; empty while nothing did. Any thread, once it is not ok.
   const std::string& error() const { return error_; }
   // It failed because the user interrupted a write that waited for a reader.
   bool interrupted() const { return interrupted_; }
@@ -74,8 +76,10 @@ class OutputFile final : public ByteSink {
   int descriptor_ = -1;
   std::vector<char> buffer_;
   std::size_t used_ = 0;
+  // Written before `failed_`, and not again.
   std::string error_;
   bool interrupted_ = false;
+  std::atomic<bool> failed_{false};
 };
 
 }  // namespace library

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include "library/testing/TestFolder.h"
@@ -27,6 +28,12 @@ std::vector<std::string>& DiskCalls() {
 // What the next fsync fails with; 0 lets it do its work.
 int nextSettleError = 0;
 
+// Bytes that the next writes of several pieces take at most, in turn; then they take all.
+std::vector<std::size_t>& ShortWrites() {
+  static std::vector<std::size_t> most;
+  return most;
+}
+
 }  // namespace
 
 // In the place of the library's functions, as far as this program is concerned.
@@ -39,6 +46,22 @@ extern "C" int fsync(int descriptor) {
     return -1;
   }
   return static_cast<int>(syscall(SYS_fsync, descriptor));
+}
+
+extern "C" ssize_t writev(int descriptor, const iovec* pieces, int count) {
+  if (ShortWrites().empty()) return syscall(SYS_writev, descriptor, pieces, count);
+  const std::size_t most = ShortWrites().back();
+  ShortWrites().pop_back();
+  if (most == 0) {
+    errno = EINTR;
+    return -1;
+  }
+  std::string some;
+  for (int i = 0; i < count && some.size() < most; ++i) {
+    some.append(static_cast<const char*>(pieces[i].iov_base), pieces[i].iov_len);
+  }
+  some.resize(std::min(some.size(), most));
+  return write(descriptor, some.data(), some.size());
 }
 
 extern "C" int rename(const char* from, const char* to) noexcept {
@@ -64,6 +87,30 @@ TEST(OutputFile, TextsOfEverySizeStandInTheirOrder) {
   }
   ASSERT_TRUE(file->Finish() && file->Publish());
   EXPECT_EQ(folder.Text("out.csv"), expected);
+}
+
+TEST(OutputFile, PiecesStandInTheirOrderHoweverManyTheSystemTakes) {
+  for (const std::size_t size : {100U, 3000U}) {
+    for (const std::size_t count : {1U, 511U, 512U, 513U, 1500U}) {
+      const TestFolder folder;
+      std::string error, expected = "before";
+      const auto file = OutputFile::Open(folder / "out.arrow", &error);
+      ASSERT_NE(file, nullptr) << error;
+      std::vector<std::string> texts;
+      for (std::size_t i = 0; i < count; ++i) {
+        texts.emplace_back(i % 5 == 0 ? 0 : size + i, static_cast<char>('a' + i % 26));
+      }
+      const std::vector<std::string_view> pieces(texts.begin(), texts.end());
+      for (const std::string& text : texts) expected += text;
+      ShortWrites() = {1, 0, 3000, 100000, 2999, 0};
+      file->Append("before");
+      file->AppendPieces(pieces);
+      file->Append("behind");
+      ShortWrites().clear();
+      ASSERT_TRUE(file->Finish() && file->Publish());
+      EXPECT_EQ(folder.Text("out.arrow"), expected + "behind") << count << " of " << size;
+    }
+  }
 }
 
 TEST(OutputFile, TakesItsNameWhenPublished) {

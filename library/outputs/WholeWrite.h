@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 namespace library {
 
@@ -9,5 +10,7 @@ namespace library {
 // given up (EINTR) as soon as the user asks to interrupt, and from then on only what is taken
 // without waiting is written. Any thread.
 bool WriteWhole(int descriptor, std::string_view text);
+// The same of pieces, one behind the other.
+bool WriteWhole(int descriptor, const std::vector<std::string_view>& pieces);
 
 }  // namespace library

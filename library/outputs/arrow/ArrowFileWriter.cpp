@@ -17,7 +17,7 @@ ArrowFileWriter::ArrowFileWriter(std::vector<ColumnField> fields, ArrowCompressi
       compression_(compression),
       mostPending_(threads + 1),
       sink_(sink),
-      tasks_(threads) {
+      tasks_(compression == ArrowCompression::kNone ? 0 : threads) {
   Append(kMagic);
   Append(std::string_view("\0\0", 2));
   Append(ArrowSchemaMessage(fields_, {}));
@@ -28,18 +28,26 @@ void ArrowFileWriter::Append(std::string_view bytes) {
   position_ += static_cast<std::int64_t>(bytes.size());
 }
 
-void ArrowFileWriter::AppendOldest() {
-  const ArrowMessage message = tasks_.Take();
+void ArrowFileWriter::Append(const ArrowMessage& message) {
   blocks_.emplace_back(position_, static_cast<std::int32_t>(message.description.size()),
                        message.bodyBytes);
   Append(message.description);
-  for (const std::string_view piece : message.body) Append(piece);
+  sink_.AppendPieces(message.body);
+  position_ += message.bodyBytes;
+}
+
+void ArrowFileWriter::AppendOldest() {
+  Append(tasks_.Take());
   batches_.pop_front();
 }
 
-void ArrowFileWriter::Write(ColumnBatch batch) {
-  if (batch.cases == 0) return;
-  const ColumnBatch& kept = batches_.emplace_back(std::move(batch));
+void ArrowFileWriter::Write(ColumnPieces batch) {
+  if (batch.cases() == 0) return;
+  if (compression_ == ArrowCompression::kNone) {
+    Append(ArrowBatchMessage(fields_, batch, compression_));
+    return;
+  }
+  const ColumnPieces& kept = batches_.emplace_back(std::move(batch));
   tasks_.Add([this, &kept] { return ArrowBatchMessage(fields_, kept, compression_); });
   while (tasks_.pending() > mostPending_) AppendOldest();
 }

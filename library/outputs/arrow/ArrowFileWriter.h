@@ -13,18 +13,19 @@
 
 namespace library {
 
-// One record batch for each batch written; they are put together on threads of the writer's.
+// One record batch for each batch written; what is compressed is so on threads of the writer's.
 class ArrowFileWriter : public ColumnWriter {
  public:
   // `sink` outlives the writer. `threads`: at least 1.
   ArrowFileWriter(std::vector<ColumnField> fields, ArrowCompression compression,
                   std::size_t threads, ByteSink& sink);
 
-  void Write(ColumnBatch batch) override;
+  void Write(ColumnPieces batch) override;
   void Finish(const std::vector<std::pair<std::string, std::string>>& metadata) override;
 
  private:
   void Append(std::string_view bytes);
+  void Append(const ArrowMessage& message);
   void AppendOldest();
 
   const std::vector<ColumnField> fields_;
@@ -34,7 +35,7 @@ class ArrowFileWriter : public ColumnWriter {
   std::int64_t position_ = 0;
   std::vector<arrowipc::Block> blocks_;
   // Those whose messages are not written yet; outlive the tasks, which use them.
-  std::deque<ColumnBatch> batches_;
+  std::deque<ColumnPieces> batches_;
   OrderedTasks<ArrowMessage> tasks_;
 };
 

@@ -94,14 +94,31 @@ class BatchBody {
   BatchBody(ArrowCompression compression, ArrowMessage& message)
       : compression_(compression), message_(message) {}
 
-  void Add(const void* bytes, std::size_t size) {
+  // A buffer of the pieces that were given since the one before.
+  void EndBuffer() {
     const std::int64_t begin = message_.bodyBytes;
-    std::string_view buffer(static_cast<const char*>(bytes), size);
-    if (compression_ == ArrowCompression::kLz4 && size != 0) buffer = Compressed(buffer);
-    AddPiece(buffer);
-    places_.emplace_back(begin, message_.bodyBytes - begin);
+    if (compression_ == ArrowCompression::kLz4 && buffer_.size() > 0) {
+      const std::string_view compressed = Compressed(Joined());
+      buffer_.assign(1, compressed);
+    }
+    for (const std::string_view piece : buffer_) AddPiece(piece);
+    buffer_.clear();
+    const std::int64_t bytes = message_.bodyBytes - begin;
+    places_.emplace_back(begin, bytes);
     static constexpr std::array<char, kArrowAlignment> kPadding{};
-    AddPiece({kPadding.data(), Padded(buffer.size()) - buffer.size()});
+    const auto size = static_cast<std::size_t>(bytes);
+    AddPiece({kPadding.data(), Padded(size) - size});
+  }
+  void Give(std::string_view piece) {
+    if (!piece.empty()) buffer_.push_back(piece);
+  }
+  void Give(const Buffer& piece) {
+    if (!piece.empty()) Give(std::string_view(piece.As<char>(), piece.size()));
+  }
+  // A buffer that was made of the pieces' own.
+  void Add(Buffer joined) {
+    Give(message_.joined.emplace_back(std::move(joined)));
+    EndBuffer();
   }
 
   const std::vector<ipc::BufferPlace>& places() const { return places_; }
@@ -111,6 +128,13 @@ class BatchBody {
     if (piece.empty()) return;
     message_.body.push_back(piece);
     message_.bodyBytes += static_cast<std::int64_t>(piece.size());
+  }
+  // The pieces of a buffer side by side; good until the next call.
+  std::string_view Joined() {
+    if (buffer_.size() == 1) return buffer_.front();
+    side_.clear();
+    for (const std::string_view piece : buffer_) side_.Append(piece.data(), piece.size());
+    return {side_.As<char>(), side_.size()};
   }
   // The length that it has uncompressed, -1 where it stands as it is, in front.
   std::string_view Compressed(std::string_view buffer) {
@@ -133,6 +157,8 @@ class BatchBody {
 
   const ArrowCompression compression_;
   ArrowMessage& message_;
+  std::vector<std::string_view> buffer_;
+  Buffer side_;
   std::vector<ipc::BufferPlace> places_;
 };
 
@@ -158,23 +184,24 @@ std::string ArrowSchemaMessage(const std::vector<ColumnField>& fields,
   return Framed(builder);
 }
 
-ArrowMessage ArrowBatchMessage(const std::vector<ColumnField>& fields, const ColumnBatch& batch,
+ArrowMessage ArrowBatchMessage(const std::vector<ColumnField>& fields, const ColumnPieces& batch,
                                ArrowCompression compression) {
-  static constexpr std::int64_t kNoOffsets = 0;
+  const auto cases = static_cast<std::int64_t>(batch.cases());
   ArrowMessage message;
   BatchBody body(compression, message);
   std::vector<ipc::FieldNode> nodes;
   for (std::size_t i = 0; i < fields.size(); ++i) {
-    const Column& column = batch.columns[i];
-    nodes.emplace_back(static_cast<std::int64_t>(batch.cases), column.missing);
+    const std::int64_t missing = batch.MissingIn(i);
+    nodes.emplace_back(cases, missing);
     // Where nothing is missing the bits may be left out.
-    body.Add(column.validity.data(), column.missing == 0 ? 0 : column.validity.size());
-    if (column.values.empty() && IsText(fields[i].type)) {
-      body.Add(&kNoOffsets, ValueBytes(fields[i].type));
+    body.Add(missing == 0 ? Buffer() : batch.JoinValidity(i));
+    if (IsText(fields[i].type)) {
+      body.Add(batch.JoinOffsets(i, fields[i].type));
+      for (const ColumnBatch& piece : batch) body.Give(piece.columns[i].text);
     } else {
-      body.Add(column.values.data(), column.values.size());
+      for (const ColumnBatch& piece : batch) body.Give(piece.columns[i].values);
     }
-    if (IsText(fields[i].type)) body.Add(column.text.data(), column.text.size());
+    body.EndBuffer();
   }
 
   FlatBufferBuilder builder;
@@ -182,8 +209,7 @@ ArrowMessage ArrowBatchMessage(const std::vector<ColumnField>& fields, const Col
   const auto places = builder.CreateVectorOfStructs(body.places());
   Offset<ipc::BodyCompression> codec;
   if (compression == ArrowCompression::kLz4) codec = ipc::CreateBodyCompression(builder);
-  const auto record = ipc::CreateRecordBatch(builder, static_cast<std::int64_t>(batch.cases),
-                                             nodeList, places, codec);
+  const auto record = ipc::CreateRecordBatch(builder, cases, nodeList, places, codec);
   builder.Finish(ipc::CreateMessage(builder, ipc::MetadataVersion_V5,
                                     ipc::MessageHeader_RecordBatch, record.Union(),
                                     message.bodyBytes));

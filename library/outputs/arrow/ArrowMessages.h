@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "library/columns/ArrowExport.h"
-#include "library/columns/ColumnBatch.h"
+#include "library/columns/ColumnPieces.h"
 #include "library/outputs/arrow/ArrowIpc_generated.h"
 
 namespace library {
@@ -22,9 +22,10 @@ inline constexpr std::size_t kArrowAlignment = 64;
 // what it describes.
 struct ArrowMessage {
   std::string description;
-  // The body's pieces one behind the other: memory of the batch, or of `compressed`.
+  // The body's pieces one behind the other: memory of the batch, or of one of the two below.
   std::vector<std::string_view> body;
   std::int64_t bodyBytes = 0;
+  std::deque<Buffer> joined;
   std::deque<std::string> compressed;
 };
 
@@ -36,7 +37,7 @@ flatbuffers::Offset<arrowipc::Schema> BuildArrowSchema(flatbuffers::FlatBufferBu
                                                        const std::vector<ColumnField>& fields,
                                                        const ArrowMetadata& metadata);
 // The batch outlives the message. Any thread. Throws std::bad_alloc.
-ArrowMessage ArrowBatchMessage(const std::vector<ColumnField>& fields, const ColumnBatch& batch,
+ArrowMessage ArrowBatchMessage(const std::vector<ColumnField>& fields, const ColumnPieces& batch,
                                ArrowCompression compression);
 
 }  // namespace library

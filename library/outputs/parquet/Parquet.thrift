@@ -30,7 +30,10 @@ enum FieldRepetitionType {
 enum Encoding {
   PLAIN = 0,
   RLE = 3,
-  RLE_DICTIONARY = 8
+  DELTA_BINARY_PACKED = 5,
+  DELTA_LENGTH_BYTE_ARRAY = 6,
+  RLE_DICTIONARY = 8,
+  BYTE_STREAM_SPLIT = 9
 }
 
 enum CompressionCodec {

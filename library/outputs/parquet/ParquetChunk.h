@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "library/columns/ColumnBatch.h"
+#include "library/columns/ColumnPieces.h"
 #include "library/outputs/parquet/Parquet_types.h"
 
 namespace library {
@@ -21,9 +21,9 @@ struct ParquetChunk {
 parquetformat::Type::type ParquetType(ColumnType type);
 
 // Encodes column `number` of the batches of a row group, a page each: values that repeat as a
-// dictionary and places in it, others as they are; pages are compressed with zstd. Any thread.
-// Throws std::bad_alloc.
+// dictionary and places in it, others as what suits their kind (see ParquetPages.h); pages are
+// compressed with zstd. Any thread. Throws std::bad_alloc.
 ParquetChunk EncodeChunk(const ColumnField& field, std::size_t number,
-                         const std::vector<ColumnBatch>& batches);
+                         const std::vector<ColumnPieces>& batches);
 
 }  // namespace library

@@ -89,8 +89,8 @@ void ParquetWriter::Append(std::string_view bytes) {
   position_ += static_cast<std::int64_t>(bytes.size());
 }
 
-void ParquetWriter::Write(ColumnBatch batch) {
-  if (batch.cases == 0) return;
+void ParquetWriter::Write(ColumnPieces batch) {
+  if (batch.cases() == 0) return;
   group_.push_back(std::move(batch));
   if (group_.size() == kGroupBatches) EndGroup();
 }
@@ -98,15 +98,15 @@ void ParquetWriter::Write(ColumnBatch batch) {
 void ParquetWriter::EndGroup() {
   if (group_.empty()) return;
   std::int64_t cases = 0;
-  for (const ColumnBatch& batch : group_) cases += static_cast<std::int64_t>(batch.cases);
-  const auto group = std::make_shared<const std::vector<ColumnBatch>>(std::move(group_));
+  for (const ColumnPieces& batch : group_) cases += static_cast<std::int64_t>(batch.cases());
+  const auto group = std::make_shared<const std::vector<ColumnPieces>>(std::move(group_));
   group_.clear();
   for (std::size_t i = 0; i < fields_.size(); ++i) {
     tasks_.Add([this, group, i] { return EncodeChunk(fields_[i], i, *group); });
   }
   pendingCases_.push_back(cases);
   // One group is encoded while the next is gathered.
-  while (pendingCases_.size() > 2) AppendOldestGroup();
+  while (pendingCases_.size() > 1) AppendOldestGroup();
 }
 
 void ParquetWriter::AppendOldestGroup() {

@@ -20,7 +20,7 @@ class ParquetWriter : public ColumnWriter {
   ParquetWriter(std::vector<ColumnField> fields, std::string creator, std::size_t threads,
                 ByteSink& sink);
 
-  void Write(ColumnBatch batch) override;
+  void Write(ColumnPieces batch) override;
   void Finish(const std::vector<std::pair<std::string, std::string>>& metadata) override;
 
  private:
@@ -34,7 +34,7 @@ class ParquetWriter : public ColumnWriter {
   const std::string creator_;
   ByteSink& sink_;
   std::int64_t position_ = 0;
-  std::vector<ColumnBatch> group_;
+  std::vector<ColumnPieces> group_;
   // Cases of the groups that the threads have.
   std::vector<std::int64_t> pendingCases_;
   std::vector<parquetformat::RowGroup> groups_;

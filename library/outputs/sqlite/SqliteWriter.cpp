@@ -220,10 +220,12 @@ void SqliteWriter::BindCell(const ColumnBatch& batch, std::size_t column, std::s
   BindText(statement, place, {text, static_cast<std::size_t>(end - text)});
 }
 
-void SqliteWriter::Write(ColumnBatch batch) {
-  for (std::size_t row = 0; row < batch.cases; ++row) {
-    for (std::size_t column = 0; column < fields_.size(); ++column) BindCell(batch, column, row);
-    Step(insertCase_.get());
+void SqliteWriter::Write(ColumnPieces batch) {
+  for (const ColumnBatch& piece : batch) {
+    for (std::size_t row = 0; row < piece.cases; ++row) {
+      for (std::size_t column = 0; column < fields_.size(); ++column) BindCell(piece, column, row);
+      Step(insertCase_.get());
+    }
   }
 }
 

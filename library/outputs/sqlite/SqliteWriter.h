@@ -39,7 +39,7 @@ class SqliteWriter : public ColumnWriter {
                bool severalFiles = false);
   ~SqliteWriter() override;
 
-  void Write(ColumnBatch batch) override;
+  void Write(ColumnPieces batch) override;
   void AddProblem(const ProblemRow& problem);
   void Finish(const std::vector<std::pair<std::string, std::string>>& metadata) override;
 

@@ -74,10 +74,15 @@ OBS Text(const char (&eight)[9]) {
   return cell;
 }
 
-ColumnBatch Batch(const std::vector<ColumnField>& fields, const std::vector<OBS>& cases) {
+// A piece for each case.
+ColumnPieces Batch(const std::vector<ColumnField>& fields, const std::vector<OBS>& cases) {
   ColumnMisfits misfits;
-  return BuildColumns(fields, cases.data(), cases.size() / fields.size(), fields.size(), 0,
-                      &misfits);
+  ColumnPieces pieces;
+  for (std::size_t at = 0; at < cases.size(); at += fields.size()) {
+    pieces.Add(BuildColumns(fields, cases.data() + at, 1, fields.size(),
+                            static_cast<std::int64_t>(pieces.size()), &misfits));
+  }
+  return pieces;
 }
 
 TEST_F(SqliteWriterTest, CasesAreRowsOfAStrictTable) {
