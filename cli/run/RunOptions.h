@@ -41,6 +41,8 @@ struct RunOptions {
   bool joinQuotedLines = false;
   bool backslashEscapes = false;
   std::string transcoding;    // the data file's encoding, from which it is converted to UTF-8
+  // Where the columns of such a file are padded (library/input/ColumnPadder.h).
+  std::vector<std::int64_t> paddedAt = {};
   std::string byteOrderMark;  // shown to the component where the file lacks it
   int workers = 0;            // 0: one per processor
   std::optional<unsigned> seed;

@@ -9,6 +9,7 @@
 #include "cli/parts/PartSubcommands.h"
 #include "cli/run/RunOptions.h"
 #include "cli/run/SharedOptions.h"
+#include "library/input/ColumnPadder.h"
 #include "library/input/Transcoding.h"
 
 namespace cli {
@@ -88,6 +89,18 @@ void AddRun(CLI::App& program, int* status) {
             return library::IsEncodingName(name) ? "" : "there is no encoding " + name;
           },
           ""))
+      ->group("Reading");
+  run->add_option_function<std::string>(
+         "--pad-columns",
+         [options](const std::string& text) {
+           std::string problem;
+           const auto places = library::ParsePlaces(text, &problem);
+           if (!places) throw CLI::ValidationError("--pad-columns", problem);
+           options->paddedAt = *places;
+         },
+         "Read a copy of the file (UTF-8) with blanks in front of these characters of every line "
+         "(from 1): character N then stands at byte 4(N-1), whatever stands before it")
+      ->type_name("N,...")
       ->group("Reading");
   run->add_option("--seed", options->seed, "Makes the draw of IMPORTCASE PERCENT repeatable")
       ->type_name("N")

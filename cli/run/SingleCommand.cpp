@@ -73,16 +73,18 @@ class SingleCommand {
         options_(context.options),
         outputs_(options_, number),
         report_(options_.report, number, WantedOf(options_, !options_.quiet)),
-        import_({.workers = options_.workers,
-                 .seed = options_.seed,
-                 .watch = &report_.watch(),
-                 .rewriting = RewritingOf(options_),
-                 .shownMark = options_.byteOrderMark,
-                 .standIns = context.found != nullptr ? context.found->standIns : std::nullopt,
-                 .files = context.found != nullptr ? &context.found->files : nullptr,
-                 .transcoding = context.found != nullptr ? std::string() : options_.transcoding,
-                 .parts = options_.parts},
-                context.messages) {}
+        import_(
+            {.workers = options_.workers,
+             .seed = options_.seed,
+             .watch = &report_.watch(),
+             .rewriting = RewritingOf(options_),
+             .shownMark = options_.byteOrderMark,
+             .standIns = context.found != nullptr ? context.found->standIns : std::nullopt,
+             .files = context.found != nullptr ? &context.found->files : nullptr,
+             .transcoding = context.found != nullptr ? std::string() : options_.transcoding,
+             .paddedAt = context.found != nullptr ? std::vector<std::int64_t>() : options_.paddedAt,
+             .parts = options_.parts},
+            context.messages) {}
 
   CommandEnd Run(const embedded::ParsedCommand& command);
   library::ImportStats Stats() const;

@@ -167,6 +167,8 @@ ImportRecipe DataSetSession::RecipeOf(const DataSetFile& file, const std::string
   recipe.rewriting = file.import.rewriting;
   recipe.rewriting.keepStrayQualifiers |= options_.rewriting.keepStrayQualifiers;
   recipe.shownMark = file.import.shownMark;
+  recipe.transcoding = file.import.transcoding;
+  recipe.paddedAt = file.import.paddedAt;
   recipe.standIns = file.import.standIns;
   recipe.nullTexts = options_.nullTexts;
   recipe.namesAsVariables = options_.namesAsVariables;

@@ -3,13 +3,14 @@
 #include <nlohmann/json.hpp>
 
 #include "library/capi/Failure.h"
+#include "library/report/ImportWatch.h"
 
 namespace library {
 namespace {
 
 using nlohmann::json;
 
-constexpr int kVersion = 1;
+constexpr int kVersion = 2;
 
 // Bytes of any kind as numbers.
 json BytesJson(const std::string& bytes) {
@@ -69,13 +70,16 @@ std::string RecipeText(const ImportRecipe& recipe) {
                {"backslash_escapes", recipe.rewriting.backslashEscapes},
                {"keep_stray_qualifiers", recipe.rewriting.keepStrayQualifiers},
                {"mark", BytesJson(recipe.shownMark)},
+               {"transcode", recipe.transcoding},
+               {"padded_at", recipe.paddedAt},
                {"stand_ins", nullptr},
-               {"null_texts", recipe.nullTexts},
+               {"null_texts", nullptr},
                {"labels", recipe.labels},
                {"integers", recipe.integers},
                {"names_as_variables", recipe.namesAsVariables},
                {"file", BytesJson(recipe.file)},
                {"state", nullptr}};
+  if (recipe.nullTexts != DefaultNullTexts()) text["null_texts"] = recipe.nullTexts;
   if (recipe.standIns) {
     text["stand_ins"] = BytesJson(
         {recipe.standIns->lineFeed, recipe.standIns->carriageReturn, recipe.standIns->nothing});
@@ -101,11 +105,16 @@ ImportRecipe ReadRecipe(const std::string& text) {
     read.at("backslash_escapes").get_to(recipe.rewriting.backslashEscapes);
     read.at("keep_stray_qualifiers").get_to(recipe.rewriting.keepStrayQualifiers);
     recipe.shownMark = BytesOf(read.at("mark"));
+    read.at("transcode").get_to(recipe.transcoding);
+    read.at("padded_at").get_to(recipe.paddedAt);
     if (const json& standIns = read.at("stand_ins"); !standIns.is_null()) {
       const std::string bytes = BytesOf(standIns);
       recipe.standIns = StandIns{bytes.at(0), bytes.at(1), bytes.at(2)};
     }
-    read.at("null_texts").get_to(recipe.nullTexts);
+    recipe.nullTexts = DefaultNullTexts();
+    if (const json& nulls = read.at("null_texts"); !nulls.is_null()) {
+      nulls.get_to(recipe.nullTexts);
+    }
     read.at("labels").get_to(recipe.labels);
     read.at("integers").get_to(recipe.integers);
     read.at("names_as_variables").get_to(recipe.namesAsVariables);

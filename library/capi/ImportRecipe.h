@@ -33,6 +33,9 @@ struct ImportRecipe {
   HostSettings host;
   RewritingOptions rewriting{};
   std::string shownMark;
+  // How the data file is converted first: from an encoding, and where its columns are padded.
+  std::string transcoding;
+  std::vector<std::int64_t> paddedAt;
   std::optional<StandIns> standIns;
   std::vector<std::string> nullTexts;  // UTF-8
   // One of several files.

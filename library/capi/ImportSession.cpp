@@ -51,12 +51,16 @@ ImportSession::ImportSession(std::string text, SessionOptions options)
       files_([this](std::int64_t read, std::int64_t all) { CountBytes(read, all); }) {
   UseHost();
   hostText_ = HostTexts({text_}).front();
-  Open({});
+  ImportOptions opened;
+  opened.shownMark = options_.shownMark;
+  opened.transcoding = options_.transcoding;
+  opened.paddedAt = options_.paddedAt;
+  Open(opened);
   if (options_.integersOfCommand) columnOptions_.integers = WholeNumberFormats(import_->source());
   fields_ = FieldsOf(import_->source(), columnOptions_);
   recipe_.file = std::string(utf8_->ToUtf8(outline_.DataFile()));
   if (FileState state; GetFileState(recipe_.file, &state)) recipe_.state = state;
-  CompleteRecipe({});
+  CompleteRecipe(opened);
   use_.reset();
 }
 
@@ -84,6 +88,8 @@ ImportSession::ImportSession(const BareSource& source, BareImportSettings settin
   options_.rewriting = found.rewriting;
   ImportOptions opened;
   opened.shownMark = found.shownMark;
+  opened.transcoding = found.transcoding;
+  opened.paddedAt = found.paddedAt;
   opened.standIns = found.standIns;
   Open(opened);
   const nlohmann::json evidence = FoundEvidence(found);
@@ -114,6 +120,8 @@ ImportSession::ImportSession(const ImportRecipe& recipe, SessionOptions options)
   hostText_ = HostTexts({text_}).front();
   ImportOptions opened;
   opened.shownMark = recipe.shownMark;
+  opened.transcoding = recipe.transcoding;
+  opened.paddedAt = recipe.paddedAt;
   opened.standIns = recipe.standIns;
   Open(std::move(opened));
   if (recipe.dataSet) {
@@ -133,6 +141,8 @@ void ImportSession::CompleteRecipe(const ImportOptions& opened) {
   recipe_.host = options_.host;
   recipe_.rewriting = options_.rewriting;
   recipe_.shownMark = opened.shownMark;
+  recipe_.transcoding = opened.transcoding;
+  recipe_.paddedAt = opened.paddedAt;
   recipe_.standIns = opened.standIns;
   recipe_.nullTexts = options_.nullTexts;
   recipe_.labels = columnOptions_.labels;

@@ -39,6 +39,10 @@ struct SessionOptions {
   int workers = 0;
   std::vector<std::string> nullTexts = DefaultNullTexts();  // UTF-8
   RewritingOptions rewriting{};
+  // Of a command: how the data file is shown and converted (ImportOptions).
+  std::string shownMark{};
+  std::string transcoding{};
+  std::vector<std::int64_t> paddedAt{};
   std::int64_t problemLimit = 0;
   bool digest = true;
   bool strict = false;

@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 
 #include "library/capi/PartWork.h"
+#include "library/input/ColumnPadder.h"
+#include "library/input/Transcoding.h"
 #include "library/parts/SummaryMerge.h"
 #include "library/sniff/CharacterRanges.h"
 
@@ -104,6 +106,22 @@ SessionOptions SessionOptionsOf(const textwizard_options* options) {
   session.rewriting = {.joinQuotedLines = given.join_quoted_lines != 0,
                        .backslashEscapes = given.backslash_escapes != 0,
                        .keepStrayQualifiers = given.keep_stray_qualifiers != 0};
+  const std::string mark = TextOrEmpty(given.byte_order_mark);
+  if (mark == "utf-16le" || mark == "utf-16be") {
+    session.shownMark = mark == "utf-16le" ? "\xFF\xFE" : "\xFE\xFF";
+  } else if (!mark.empty()) {
+    Refuse(fmt::format("byte_order_mark is \"{}\": give utf-16le or utf-16be", mark));
+  }
+  session.transcoding = TextOrEmpty(given.transcode);
+  if (!session.transcoding.empty() && !IsEncodingName(session.transcoding)) {
+    Refuse("there is no encoding " + session.transcoding);
+  }
+  if (given.pad_columns != nullptr) {
+    std::string problem;
+    const auto places = ParsePlaces(given.pad_columns, &problem);
+    if (!places) Refuse(fmt::format("pad_columns is \"{}\": {}", given.pad_columns, problem));
+    session.paddedAt = *places;
+  }
   session.problemLimit =
       given.problem_limit == 0 ? kProblemLimit : std::max<std::int64_t>(given.problem_limit, 0);
   session.digest = given.no_digest == 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -10,6 +11,7 @@
 #include "HostFramework/embedded/messages/Attention.h"
 #include "library/command/CommandText.h"
 #include "library/import/FixedPage.h"
+#include "library/input/ColumnPadder.h"
 #include "library/input/Transcoding.h"
 #include "library/outputs/Utf8Converter.h"
 #include "library/parts/FileSummary.h"
@@ -33,16 +35,19 @@ class Understanding {
 
  private:
   bool Look();
+  SniffSettings HowToSniff() const;
   bool SniffPath(const SniffSettings& sniff);
   bool Transcode(const SniffSettings* sniff);
   bool CutIt();
+  bool PlaceColumns();
+  bool PadColumns();
   bool NameAll();
   bool ReadData();
   std::int64_t GuessedOffset() const;
   bool Summarize(const RewritingOptions& rewriting, QuotePosition* totals);
   bool SettleRewriting(const QuotePosition& totals);
   bool Clashes(const QuotePosition& totals) const;
-  void SetTypes();
+  void SetTypes(bool fromAll);
   bool ChooseFormats();
   void RestoreTexts();
 
@@ -71,11 +76,16 @@ bool Understanding::Look() {
     import_.sniff = *settings_.sniffed;
     return !NeedsTranscoding(import_.sniff.encoding.value) || Transcode(nullptr);
   }
-  SniffSettings sniff = settings_.sniff;
-  if (settings_.sampleLines > 0 && !settings_.firstLook) sniff.sampleLines = settings_.sampleLines;
+  const SniffSettings sniff = HowToSniff();
   if (!import_.transcoding.empty()) return Transcode(&sniff);
   if (!SniffPath(sniff)) return false;
   return !NeedsTranscoding(import_.sniff.encoding.value) || Transcode(&sniff);
+}
+
+SniffSettings Understanding::HowToSniff() const {
+  SniffSettings sniff = settings_.sniff;
+  if (settings_.sampleLines > 0 && !settings_.firstLook) sniff.sampleLines = settings_.sampleLines;
+  return sniff;
 }
 
 bool Understanding::SniffPath(const SniffSettings& sniff) {
@@ -123,6 +133,51 @@ bool Understanding::CutIt() {
   SniffResult utf8 = import_.sniff;
   utf8.encoding.value = "UTF-8";
   return CutOf(utf8, &cut_, &problem_);
+}
+
+// Fixed columns count characters.
+bool Understanding::PlaceColumns() {
+  if (cut_.cut.settings.arrangement != textwizard::kFixedColumns) return true;
+  if (ChooseFixedPage(path_, import_.sniff, &cut_)) return true;
+  if (cut_.cut.settings.encoding == textwizard::kEncodingUtf8) return PadColumns();
+  if (settings_.sniffed != nullptr) {
+    // What is known of the file stands, in its own bytes.
+    import_.countsBytes = true;
+    return true;
+  }
+  const SniffSettings sniff = HowToSniff();
+  return Transcode(&sniff) && CutIt() && PlaceColumns();
+}
+
+// No code page has each character in one byte: the columns are put so far from one another that no
+// character can be where another column begins.
+bool Understanding::PadColumns() {
+  constexpr std::int64_t kScale = ColumnPadder::kBytesPerCharacter;
+  std::set<std::int64_t> places;
+  for (const SniffColumn& column : import_.sniff.columns) {
+    places.insert(column.range.from - 1);
+    if (column.range.to > 0) places.insert(column.range.to);
+  }
+  places.erase(0);
+  if (places.empty()) return true;
+  auto begin = static_cast<std::int64_t>(import_.sniff.firstDataOffset);
+  auto end = static_cast<std::int64_t>(import_.sniff.dataEndOffset);
+  import_.paddedAt.assign(places.begin(), places.end());
+  const InputFiles::Input& input = files_.PadColumns(name_, import_.paddedAt, {&begin, &end});
+  if (!input.problem.empty()) {
+    if (!embedded::AttentionRequested()) problem_ = input.problem;
+    return false;
+  }
+  path_ = input.path;
+  import_.sniff.firstDataOffset = static_cast<std::uint64_t>(begin);
+  import_.sniff.dataEndOffset = static_cast<std::uint64_t>(end);
+  cut_.cut.padded = true;
+  for (ColumnCut::Field& field : cut_.cut.fields) {
+    field.start *= kScale;
+    field.width = static_cast<std::uint32_t>(
+        std::min<std::int64_t>(kScale * field.width, textwizard::kMaxStringWidth));
+  }
+  return true;
 }
 
 bool Understanding::NameAll() {
@@ -179,7 +234,7 @@ bool Understanding::Summarize(const RewritingOptions& rewriting, QuotePosition* 
   if (settings_.grown) {
     summary.grown = [&](const PartSummary& soFar) {
       import_.summary = soFar;
-      SetTypes();
+      SetTypes(false);
       RestoreTexts();
       settings_.grown(import_);
     };
@@ -252,8 +307,8 @@ bool Understanding::ReadData() {
   return SettleRewriting(totals);
 }
 
-// Chooses the columns' types by the summary.
-void Understanding::SetTypes() {
+// Chooses the columns' types by the summary, which is one of all values or not.
+void Understanding::SetTypes(bool fromAll) {
   const bool fixed = cut_.cut.settings.arrangement == textwizard::kFixedColumns;
   TypeSettings types;
   types.leastShare = settings_.leastShare;
@@ -266,7 +321,10 @@ void Understanding::SetTypes() {
       const std::int64_t longest = import_.summary.columns[i].longest().count;
       const CharacterRange& range = import_.sniff.columns[i].range;
       const bool isLast = i + 1 == cut_.cut.fields.size() && !import_.sniff.arrangement.given;
-      if (range.to == 0 || isLast) {
+      if (cut_.cut.padded) {
+        // The rest of it are blanks.
+        if (fromAll) width = static_cast<std::uint32_t>(std::max<std::int64_t>(longest, 1));
+      } else if (range.to == 0 || isLast) {
         const std::int64_t least = range.to == 0 ? 1 : range.to - range.from + 1;
         width = static_cast<std::uint32_t>(std::max(longest, least));
       }
@@ -277,7 +335,7 @@ void Understanding::SetTypes() {
 }
 
 bool Understanding::ChooseFormats() {
-  SetTypes();
+  SetTypes(settings_.sampleLines == 0 && !settings_.firstLook);
   import_.cut = cut_.cut;
   import_.host = cut_.host;
   import_.host.decimal = import_.types.decimal;
@@ -310,9 +368,7 @@ void Understanding::RestoreTexts() {
 }
 
 bool Understanding::Run() {
-  if (!Look() || !CutIt() || !NameAll()) {
-    return false;
-  }
+  if (!Look() || !CutIt() || !PlaceColumns() || !NameAll()) return false;
   if (import_.columns.empty()) {
     problem_ = WhyNoColumns(import_.sniff);
     return false;
@@ -320,8 +376,6 @@ bool Understanding::Run() {
   if (cut_.cut.settings.arrangement != textwizard::kFixedColumns) {
     bool& passedOver = cut_.cut.settings.leadingSpaces;
     passedOver = settings_.leadingBlanks.value_or(passedOver);
-  } else {
-    import_.countsBytes = !ChooseFixedPage(path_, import_.sniff, &cut_);
   }
   if (!SetHost(cut_.host, &problem_) || !ReadData() || !ChooseFormats()) return false;
   RestoreTexts();

@@ -71,6 +71,9 @@ struct BareImport {
   std::string shownMark;
   // The encoding from which the file is converted to UTF-8 to be read; empty where it need not be.
   std::string transcoding;
+  // Where the file's columns are padded to be read (ColumnPadder); empty where they stand as they
+  // are.
+  std::vector<std::int64_t> paddedAt;
   std::optional<StandIns> standIns;
   // Chosen with the columns' types, from all values.
   TypeChoice types;

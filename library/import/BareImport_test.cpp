@@ -11,6 +11,7 @@
 #include "HostFramework/embedded/text/HostText.h"
 #include "library/command/CommandText.h"
 #include "library/import/CommandImport.h"
+#include "library/import/RemarkText.h"
 #include "library/import/RunLine.h"
 #include "library/import/testing/KeptErrors.h"
 #include "library/outputs/CaseWriter.h"
@@ -19,6 +20,7 @@
 namespace library {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -296,6 +298,43 @@ TEST_F(ABareImport, FixedColumnsCountCharacters) {
   EXPECT_FALSE(import_.host.codePage.empty());
   EXPECT_THAT(Cases(), ElementsAre(ElementsAre("K\xC3\xB6ln", "12"), ElementsAre("Bern", "34"),
                                    ElementsAre("Z\xC3\xBCrich", "7")));
+}
+
+// No code page has all these letters.
+TEST_F(ABareImport, FixedColumnsCountCharactersOfAnyScript) {
+  settings_.sniff.fixed = {{1, 4}, {5, 9}, {10, 0}};
+  settings_.sniff.header = false;
+  const std::string text =
+      "\xE6\x9D\xB1\xE4\xBA\xAC     121.5\nBern  345-7\n\xF0\x9F\x98\x80\xC5\x81\xC3\xA5"
+      "     7.25\n";
+  ASSERT_TRUE(Understand(text)) << problem_;
+  EXPECT_FALSE(import_.countsBytes);
+  EXPECT_THAT(import_.host.codePage, IsEmpty());
+  EXPECT_THAT(Formats(), ElementsAre("A8", "F5", "F5.2"));
+  EXPECT_THAT(Cases(), ElementsAre(ElementsAre("\xE6\x9D\xB1\xE4\xBA\xAC", "12", "1.5"),
+                                   ElementsAre("Bern", "345", "-7"),
+                                   ElementsAre("\xF0\x9F\x98\x80\xC5\x81\xC3\xA5", "7", "0.25")));
+  EXPECT_EQ(RunLine(RunOptionsFor(import_, settings_.nulls), "import.sps"),
+            "textwizard run import.sps --pad-columns 5,10");
+  EXPECT_THAT(RemarksOf(import_), Contains(HasSubstr("columns count characters")));
+}
+
+TEST_F(ABareImport, PaddedColumnsBeginBehindWhatStandsAboveThem) {
+  std::string text = "A survey of \xE6\x9D\xB1\xE4\xBA\xAC, and of others\n\n";
+  const std::string names[] = {"\xE6\x9D\xB1\xE4\xBA\xAC  ",
+                               "\xC5\x81\xC3\xB3"
+                               "d  ",
+                               "\xC3\xA5rhus"};
+  for (int i = 0; i < 60; ++i) {
+    text += names[i % 3] + (i % 2 == 0 ? "     12  2020-01-02\n" : "    345  2021-11-12\n");
+  }
+  ASSERT_TRUE(Understand(text)) << problem_;
+  ASSERT_FALSE(import_.paddedAt.empty());
+  EXPECT_EQ(import_.sniff.firstDataLine.value, 3);
+  const auto cases = Cases();
+  ASSERT_EQ(cases.size(), 60U);
+  EXPECT_THAT(cases[0], ElementsAre("\xE6\x9D\xB1\xE4\xBA\xAC", "12", "2020-01-02"));
+  EXPECT_THAT(cases[59], ElementsAre("\xC3\xA5rhus", "345", "2021-11-12"));
 }
 
 TEST_F(ABareImport, TheLastFixedColumnIsAsWideAsItsLongestValue) {

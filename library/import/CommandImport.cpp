@@ -83,7 +83,9 @@ std::optional<QuoteAnchor> CommandImport::KnownQuotes() const {
 // Shows the component the file of the command as the options ask. A command with a fault of its own
 // is the component's to refuse.
 bool CommandImport::ShowFile(const std::vector<embedded::CommandToken>& tokens) {
-  if (!options_.transcoding.empty()) files_.TranscodeAll(options_.transcoding);
+  if (!options_.transcoding.empty() || !options_.paddedAt.empty()) {
+    files_.ConvertAll(options_.transcoding, options_.paddedAt);
+  }
   const RewritingOptions& rewriting = options_.rewriting;
   if (rewriting == RewritingOptions() && options_.shownMark.empty()) return true;
   const CommandWords words(tokens, {});

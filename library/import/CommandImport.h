@@ -39,6 +39,8 @@ struct ImportOptions {
   InputFiles* files = nullptr;
   // The data file is in this encoding and read as UTF-8; empty: as the command says.
   std::string transcoding{};
+  // Where its columns are padded (ColumnPadder), as UTF-8; empty: nowhere.
+  std::vector<std::int64_t> paddedAt{};
   // Cases are read part after part, or those of one part alone.
   PartOptions parts{};
 };

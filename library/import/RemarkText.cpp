@@ -108,6 +108,11 @@ std::vector<std::string> RemarksOf(const BareImport& import) {
         "character, and what follows them is in the wrong column; put delimiters between the "
         "columns");
   }
+  if (!import.paddedAt.empty()) {
+    remarks.emplace_back(
+        "columns count characters: they are read in a copy of the file that has them padded, whose "
+        "bytes the ledger and the problems count");
+  }
   return remarks;
 }
 

@@ -5,6 +5,7 @@
 
 #include <fmt/ranges.h>
 
+#include "library/input/ColumnPadder.h"
 #include "library/report/ImportWatch.h"
 
 namespace library {
@@ -39,6 +40,9 @@ std::vector<std::string> RunOptionsFor(const BareImport& import,
   if (!import.host.codePage.empty()) add("--code-page", import.host.codePage);
   if (!import.host.localeCodePage.empty()) add("--locale-code-page", import.host.localeCodePage);
   if (!import.transcoding.empty()) add("--transcode", import.transcoding);
+  if (!import.paddedAt.empty()) {
+    add("--pad-columns", PlacesText(import.paddedAt));
+  }
   if (!import.shownMark.empty()) {
     add("--byte-order-mark", import.shownMark.front() == '\xFE' ? "utf-16be" : "utf-16le");
   }

@@ -1,9 +1,12 @@
 #include "library/input/InputFiles.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -11,6 +14,7 @@
 #include <unistd.h>
 
 #include "HostFramework/embedded/messages/Attention.h"
+#include "library/input/ColumnPadder.h"
 #include "library/input/FileKind.h"
 #include "library/input/Transcoding.h"
 
@@ -18,6 +22,8 @@ namespace library {
 namespace {
 
 using embedded::SpoolFile;
+
+constexpr std::size_t kBlock = std::size_t{1} << 18;
 
 class Descriptor {
  public:
@@ -54,6 +60,45 @@ std::string NotConverted(int code) {
                      std::strerror(code));
 }
 
+// Copies UTF-8 text with its columns padded; `offsets` become those of the copy.
+bool CopyPadded(int descriptor, const std::vector<std::int64_t>& places, SpoolFile& spool,
+                const std::vector<std::int64_t*>& offsets,
+                const std::function<bool(std::int64_t read)>& progress, std::string* problem) {
+  ColumnPadder padder(places);
+  std::vector<char> block(kBlock);
+  std::string copy;
+  std::int64_t read = 0;
+  std::int64_t written = 0;
+  auto offset = offsets.begin();
+  for (bool ends = false; !ends;) {
+    const ssize_t got = pread(descriptor, block.data(), block.size(), read);
+    if (got < 0) {
+      *problem = std::strerror(errno);
+      return false;
+    }
+    ends = got == 0;
+    std::string_view rest(block.data(), static_cast<std::size_t>(got));
+    copy.clear();
+    for (; offset != offsets.end() && **offset <= read + got; ++offset) {
+      const auto before =
+          rest.size() - static_cast<std::size_t>(read + got - std::max(**offset, read));
+      padder.Copy(rest.substr(0, before), &copy);
+      rest.remove_prefix(before);
+      **offset = written + static_cast<std::int64_t>(copy.size());
+    }
+    padder.Copy(rest, &copy);
+    if (ends) padder.Finish(&copy);
+    if (!spool.Append(copy)) {
+      *problem = NotConverted(errno);
+      return false;
+    }
+    read += got;
+    written += static_cast<std::int64_t>(copy.size());
+    if (!progress(read)) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 const InputFiles::Input& InputFiles::Open(const std::string& name) {
@@ -61,6 +106,7 @@ const InputFiles::Input& InputFiles::Open(const std::string& name) {
   if (found != inputs_.end()) return found->second;
   Input& input = inputs_.emplace(name, Make(name)).first->second;
   if (!encoding_.empty()) Convert(name, encoding_, &input);
+  if (!places_.empty()) Pad(name, places_, {}, &input);
   return input;
 }
 
@@ -72,8 +118,17 @@ const InputFiles::Input& InputFiles::Transcode(const std::string& name,
   return input;
 }
 
-void InputFiles::Convert(const std::string& name, const std::string& encoding, Input* input) {
-  if (!input->problem.empty() || !input->transcodedFrom.empty()) return;
+const InputFiles::Input& InputFiles::PadColumns(const std::string& name,
+                                                const std::vector<std::int64_t>& places,
+                                                const std::vector<std::int64_t*>& offsets) {
+  Open(name);
+  Input& input = inputs_.find(name)->second;
+  Pad(name, places, offsets, &input);
+  return input;
+}
+
+// The file is a copy from now on, unless it is none that can be copied or that failed.
+void InputFiles::Replace(const std::string& name, const Copy& copy, Input* input) {
   const Descriptor stored(input->path);
   struct stat status {};
   // What cannot be opened is said by whoever opens it.
@@ -82,23 +137,14 @@ void InputFiles::Convert(const std::string& name, const std::string& encoding, I
   if (!spool.IsOpen()) {
     input->problem = NotConverted(errno);
   } else {
-    const TranscodingListener listener{.write =
-                                           [&](std::string_view bytes, std::string* problem) {
-                                             if (spool.Append(bytes)) return true;
-                                             *problem = NotConverted(errno);
-                                             return false;
-                                           },
-                                       .progress =
-                                           [&](std::int64_t read) {
-                                             if (progress_) progress_(read, status.st_size);
-                                             return !embedded::AttentionRequested();
-                                           }};
-    const bool done =
-        library::Transcode(stored.get(), encoding, listener, &input->undecodable, &input->problem);
+    const auto progress = [&](std::int64_t read) {
+      if (progress_) progress_(read, status.st_size);
+      return !embedded::AttentionRequested();
+    };
+    const bool done = copy(stored.get(), spool, progress, &input->problem);
     if (!done && input->problem.empty()) input->problem = "interrupted";
   }
   if (input->problem.empty()) {
-    input->transcodedFrom = encoding;
     input->path = spool.path();
     spools_.insert_or_assign(name, std::move(spool));
   } else {
@@ -106,11 +152,43 @@ void InputFiles::Convert(const std::string& name, const std::string& encoding, I
   }
 }
 
+void InputFiles::Convert(const std::string& name, const std::string& encoding, Input* input) {
+  if (!input->problem.empty() || !input->transcodedFrom.empty()) return;
+  const Copy copy = [&](int descriptor, SpoolFile& spool,
+                        const std::function<bool(std::int64_t)>& progress, std::string* problem) {
+    const TranscodingListener listener{.write =
+                                           [&](std::string_view bytes, std::string* why) {
+                                             if (spool.Append(bytes)) return true;
+                                             *why = NotConverted(errno);
+                                             return false;
+                                           },
+                                       .progress = progress};
+    if (!library::Transcode(descriptor, encoding, listener, &input->undecodable, problem)) {
+      return false;
+    }
+    input->transcodedFrom = encoding;
+    return true;
+  };
+  Replace(name, copy, input);
+}
+
+void InputFiles::Pad(const std::string& name, const std::vector<std::int64_t>& places,
+                     const std::vector<std::int64_t*>& offsets, Input* input) {
+  if (!input->problem.empty() || !input->paddedAt.empty()) return;
+  const Copy copy = [&](int descriptor, SpoolFile& spool,
+                        const std::function<bool(std::int64_t)>& progress, std::string* problem) {
+    if (!CopyPadded(descriptor, places, spool, offsets, progress, problem)) return false;
+    input->paddedAt = places;
+    return true;
+  };
+  Replace(name, copy, input);
+}
+
 void InputFiles::Release(const std::string& name) {
   const auto input = inputs_.find(name);
   // Pipes can be read once only.
   if (input == inputs_.end() || input->second.compression == Compression::kNone) return;
-  if (!input->second.transcodedFrom.empty()) return;
+  if (!input->second.transcodedFrom.empty() || !input->second.paddedAt.empty()) return;
   if (pipes_.PathOf(name) != name) return;
   inputs_.erase(input);
   spools_.erase(name);

@@ -1,5 +1,5 @@
 // Data files as the component can open them: standard input and pipes copied, compressed files
-// decompressed.
+// decompressed, encodings converted, columns padded.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "HostFramework/embedded/command/PipeSpools.h"
 #include "HostFramework/embedded/command/SpoolFile.h"
@@ -41,6 +42,8 @@ class InputFiles {
     std::string transcodedFrom;
     // How often it had bytes there that are no character.
     std::int64_t undecodable = 0;
+    // Where its columns are padded (ColumnPadder); empty where they stand as they are.
+    std::vector<std::int64_t> paddedAt;
   };
 
   // The input of the name "-" (standard input) or a path (host text); asked again, the same. The
@@ -51,15 +54,32 @@ class InputFiles {
   // The same as UTF-8, converted from the encoding (a name that ICU knows), for whoever asks from
   // now on; what was converted before is not converted again.
   const Input& Transcode(const std::string& name, const std::string& encoding);
-  // Converts all inputs that are asked for from now on; empty: none.
-  void TranscodeAll(std::string encoding) { encoding_ = std::move(encoding); }
+  // The same, UTF-8 or converted to it, padded at those places for whoever asks from now on; what
+  // was padded before is not padded again. `offsets`: of bytes that begin or end lines, rising;
+  // they become those of the padded text.
+  const Input& PadColumns(const std::string& name, const std::vector<std::int64_t>& places,
+                          const std::vector<std::int64_t*>& offsets);
+  // Converts and pads all inputs that are asked for from now on; empty: none.
+  void ConvertAll(std::string encoding, std::vector<std::int64_t> places) {
+    encoding_ = std::move(encoding);
+    places_ = std::move(places);
+  }
 
  private:
+  // Copies what is open as the descriptor into a file; `progress` is asked whether to go on.
+  using Copy = std::function<bool(int descriptor, embedded::SpoolFile& spool,
+                                  const std::function<bool(std::int64_t read)>& progress,
+                                  std::string* problem)>;
+
   Input Make(const std::string& name);
   void Convert(const std::string& name, const std::string& encoding, Input* input);
+  void Pad(const std::string& name, const std::vector<std::int64_t>& places,
+           const std::vector<std::int64_t*>& offsets, Input* input);
+  void Replace(const std::string& name, const Copy& copy, Input* input);
 
   const Progress progress_;
   std::string encoding_;
+  std::vector<std::int64_t> places_;
   embedded::PipeSpools pipes_;
   std::map<std::string, Input> inputs_;  // by name
   std::map<std::string, embedded::SpoolFile> spools_;

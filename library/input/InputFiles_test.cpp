@@ -249,5 +249,54 @@ TEST(CompressionOf, LooksAtMoreThanAWordOfText) {
   EXPECT_EQ(CompressionOf(""), Compression::kNone);
 }
 
+TEST_F(InputFilesTest, ColumnsArePaddedOnce) {
+  // Blocks of the copier end anywhere in it.
+  std::string text = "\xC3\xA4 title\n";
+  const auto first = static_cast<std::int64_t>(text.size());
+  for (int i = 0; i < 60000; ++i)
+    text +=
+        "\xC3\xA4"
+        "b" +
+        std::to_string(i % 10) + "\n";
+  const auto last = static_cast<std::int64_t>(text.size());
+  text += "total\n";
+  const std::string path = folder_ + "/columns.txt";
+  std::ofstream(path, std::ios::binary) << text;
+
+  InputFiles files;
+  std::int64_t begin = first;
+  std::int64_t end = last;
+  const InputFiles::Input& input = files.PadColumns(path, {2}, {&begin, &end});
+  EXPECT_EQ(input.problem, "");
+  EXPECT_EQ(input.paddedAt, std::vector<std::int64_t>{2});
+  std::string padded = "\xC3\xA4      title\n";
+  EXPECT_EQ(begin, static_cast<std::int64_t>(padded.size()));
+  for (int i = 0; i < 60000; ++i)
+    padded +=
+        "\xC3\xA4"
+        "b     " +
+        std::to_string(i % 10) + "\n";
+  EXPECT_EQ(end, static_cast<std::int64_t>(padded.size()));
+  padded += "to      tal\n";
+  EXPECT_EQ(ContentOf(input.path), padded);
+  EXPECT_EQ(files.PadColumns(path, {2}, {}).path, input.path);
+  EXPECT_EQ(files.Open(path).path, input.path);
+}
+
+TEST_F(InputFilesTest, WhatIsConvertedCanBePaddedToo) {
+  const std::string path = folder_ + "/wide.txt";
+  std::ofstream(path, std::ios::binary) << std::string(
+      "\xE4\0b\0"
+      "1\0\n\0",
+      8);
+  InputFiles files;
+  files.ConvertAll("UTF-16LE", {2});
+  const InputFiles::Input& input = files.Open(path);
+  EXPECT_EQ(input.problem, "");
+  EXPECT_EQ(ContentOf(input.path),
+            "\xC3\xA4"
+            "b     1\n");
+}
+
 }  // namespace
 }  // namespace library

@@ -167,8 +167,9 @@ void PartReader::TakeFixed(std::string_view record) {
   ++summary_->records;
   std::size_t column = 0;
   for (const ColumnCut::Field& place : cut_.fields) {
-    const std::string_view field =
+    std::string_view field =
         record.size() < place.start ? std::string_view() : record.substr(place.start, place.width);
+    if (cut_.padded) field.remove_suffix(field.size() - (field.find_last_not_of(' ') + 1));
     if (place.imported) counters_.Count(column++, field, line_);
   }
 }

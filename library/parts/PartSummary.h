@@ -27,6 +27,8 @@ struct ColumnCut {
     std::uint32_t width = 0;
   };
   std::vector<Field> fields;
+  // Fixed columns: blanks at a field's end are none of its own, but lay out the columns.
+  bool padded = false;
 };
 
 // The fields of a record that are imported.

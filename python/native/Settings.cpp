@@ -98,6 +98,9 @@ textwizard_options Settings::Import(const py::dict& given) {
   options.join_quoted_lines = Whole<std::int32_t>(given, "join_quoted_lines");
   options.backslash_escapes = Whole<std::int32_t>(given, "backslash_escapes");
   options.keep_stray_qualifiers = Whole<std::int32_t>(given, "keep_stray_qualifiers");
+  options.byte_order_mark = Text(given, "byte_order_mark");
+  options.transcode = Text(given, "transcode");
+  options.pad_columns = Text(given, "pad_columns");
   options.problem_limit = Whole<std::int64_t>(given, "problem_limit");
   options.strict = Whole<std::int32_t>(given, "strict");
   options.names_as_variables = Whole<std::int32_t>(given, "names_as_variables");

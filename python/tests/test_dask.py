@@ -74,6 +74,24 @@ def test_a_frame_is_what_one_reading_gives(client, survey, part_size):
     pandas.testing.assert_frame_equal(frame.textwizard.problems, problems, check_dtype=False)
 
 
+@pytest.mark.parametrize("content, settings", [
+    ("".join(f"{row},\u00e9t\u00e9 {row % 7}\n" for row in range(3000)).encode("utf-32"), {}),
+    ("".join(f"{('Bern', chr(0x6771) + chr(0x141), chr(0xe5))[row % 3]:<4}{row:>6}\n"
+             for row in range(3000)).encode(), {"fixed": "1-4,5-10"}),
+], ids=["converted", "padded"])
+def test_what_is_converted_first_is_one_part(client, tmp_path, content, settings):
+    path = tmp_path / "data.txt"
+    path.write_bytes(content)
+    settings = {"header": False, **settings}
+    whole = textwizard.read(path, **settings)
+    assert len(whole) == 3000
+    frame = textwizard.dask.read(path, client, "10kB", **settings)
+    # Whoever reads a part of it converts all of it.
+    assert frame.npartitions == 1
+    pandas.testing.assert_frame_equal(frame.compute().reset_index(drop=True), whole.to_pandas())
+    assert_same(frame.textwizard, whole)
+
+
 def test_without_a_client_this_process_does_the_work(survey):
     frame = textwizard.dask.read(survey, part_size="50kB")
     assert frame.npartitions > 1
@@ -288,7 +306,9 @@ def test_a_scheduler_that_dies_is_an_error_and_a_second_run_finishes(survey, tmp
                 commands.scheduler.kill()
                 with pytest.raises(textwizard.dask.SchedulerLost, match="do this again"):
                     work.result()
-            client.close(timeout=1)
+            # It cannot take its leave of a scheduler that is gone.
+            with contextlib.suppress(TimeoutError):
+                client.close(timeout=1)
     finally:
         commands.stop()
     assert not (folder / "manifest.json").exists()

@@ -40,6 +40,31 @@ def test_its_command_gives_the_same_cases(write):
     assert again.reading == {}
 
 
+def fixed_columns(encoding):
+    """Columns of characters that no code page of one byte has together."""
+    towns = ["\u6771\u4eac", "\u0141\u00f3d\u017a", "\u00c5rhus", "Bern"]
+    return "".join(f"{towns[row % 4]:<6}{row * 7:>5}2020-{1 + row % 12:02}-{1 + row % 28:02}\n"
+                   for row in range(2000)).encode(encoding)
+
+
+@pytest.mark.parametrize("content, settings, needs", [
+    (BARE.encode(), {}, {"decimal": ","}),
+    (b'a,b\n1,"x\ny"\n2,"z"\n3,NA\n', {}, {"join_quoted_lines": True}),
+    ("a,b\n1,\u00e9\n2,\u00fc\n".encode("utf-32"), {}, {"transcode": "UTF-32"}),
+    ("a,b\n1,\u00e9\n2,\u00fc\n".encode("utf-16-le"), {}, {"byte_order_mark": "utf-16le"}),
+    (fixed_columns("utf-8"), {"fixed": "1-6,7-11,12-21", "header": False},
+     {"pad_columns": "7,12,22"}),
+    (b"a,b\n1,x\n2,?\n", {"null_texts": ["?"]}, {"null_texts": ["?"]}),
+    (b"a,b\n1,x\n2,y\n", {}, {}),
+])
+def test_what_the_command_needs_besides(write, content, settings, needs):
+    table = textwizard.read(write(content), **settings)
+    assert table.run_settings == needs
+    again = textwizard.run(table.command, **table.run_settings)
+    assert again.digest == table.digest
+    assert again.run_settings == needs
+
+
 def test_every_way_to_name_a_file(write):
     path = write(BARE)
     digest = textwizard.read(str(path)).digest

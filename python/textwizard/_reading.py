@@ -60,6 +60,9 @@ class RunSettings(ImportSettings, total=False):
 
     code_page: Optional[str]
     locale_code_page: Optional[str]
+    byte_order_mark: Optional[str]
+    transcode: Optional[str]
+    pad_columns: Optional[str]
 
 
 # Those that describe the file; the others are of the import.
@@ -119,11 +122,18 @@ def run(command: Union[str, "os.PathLike[str]"], **settings: Unpack[RunSettings]
         command: its text; or a path (``os.PathLike``) of a file with it, in UTF-8.
         code_page: of the host's text; UTF-8 by default.
         locale_code_page: what ENCODING=LOCALE means; the locale's codeset by default.
+        byte_order_mark: "utf-16le" or "utf-16be": the file is read as if it began with that mark.
+        transcode: the file's encoding (a name that ICU knows), where no command can name it: the file
+            is converted to UTF-8.
+        pad_columns: characters of a line, from 1, such as "13,18": a copy of the file is read that
+            has blanks in front of them, so that character n stands at byte 4 * (n - 1).
         decimal: the host's decimal character, "." (the default) or ",".
         integers: numbers whose format has no decimals become int64; a value that is not whole is
             missing then, and a problem.
         null_texts, join_quoted_lines, backslash_escapes, keep_stray_qualifiers, strict,
             problem_limit, workers, progress: as ``read`` has them.
+
+    ``textwizard.run(table.command, **table.run_settings)`` gives the table of a file once more.
 
     What is raised is as with ``read``; a ``CommandError`` has the number of the message, and line and
     column of what is wrong in the command.

@@ -21,11 +21,18 @@ class Table(Columns):
         self._dictionary = opened.dictionary()
         self._reading = opened.reading()
         self._digest = opened.digest()
+        self._run_settings = _run_settings(json.loads(opened.recipe()))
 
     @property
     def command(self) -> str:
         """The GET DATA command that gives these cases; of a bare file it was made."""
         return self._command
+
+    @property
+    def run_settings(self) -> dict[str, Any]:
+        """What ``run`` has to be told besides the command to give these cases, by the names of its
+        arguments: what the command language has no words for. Empty for most files."""
+        return dict(self._run_settings)
 
     @property
     def problems(self) -> Columns:
@@ -60,3 +67,23 @@ class Table(Columns):
     def digest(self) -> str:
         """Of the cases: 32 hexadecimal digits, the same for the same cases on any machine."""
         return self._digest
+
+
+# Called alike in a recipe and by ``run``.
+_SAID_ALIKE = ("code_page", "locale_code_page", "join_quoted_lines", "backslash_escapes",
+               "keep_stray_qualifiers", "transcode")
+
+
+def _run_settings(recipe: dict[str, Any]) -> dict[str, Any]:
+    """What of a recipe is no default, as arguments of ``run``."""
+    settings: dict[str, Any] = {name: recipe[name] for name in _SAID_ALIKE if recipe[name]}
+    if recipe["decimal_comma"]:
+        settings["decimal"] = ","
+    if recipe["mark"]:
+        little = recipe["mark"] == [0xFF, 0xFE]
+        settings["byte_order_mark"] = "utf-16le" if little else "utf-16be"
+    if recipe["padded_at"]:
+        settings["pad_columns"] = ",".join(str(place + 1) for place in recipe["padded_at"])
+    if recipe["null_texts"] is not None:
+        settings["null_texts"] = recipe["null_texts"]
+    return settings

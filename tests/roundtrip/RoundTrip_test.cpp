@@ -22,6 +22,7 @@
 #include "library/import/BareImport.h"
 #include "library/import/CommandImport.h"
 #include "library/import/RunLine.h"
+#include "library/input/ColumnPadder.h"
 #include "library/outputs/CaseBatch.h"
 #include "library/outputs/CaseWriter.h"
 #include "library/report/Digest.h"
@@ -111,6 +112,11 @@ bool ReadOptions(const std::vector<std::string>& words, RunSettings* run) {
       run->localeCodePage = words[++i];
     } else if (word == "--transcode") {
       run->import.transcoding = words[++i];
+    } else if (word == "--pad-columns") {
+      std::string problem;
+      const auto places = library::ParsePlaces(words[++i], &problem);
+      if (!places) return false;
+      run->import.paddedAt = *places;
     } else if (word == "--byte-order-mark") {
       run->import.shownMark = words[++i] == "utf-16le" ? "\xFF\xFE" : "\xFE\xFF";
     } else {
@@ -127,6 +133,7 @@ RunSettings SettingsOf(const library::BareImport& import) {
   run.import.standIns = import.standIns;
   run.import.shownMark = import.shownMark;
   run.import.transcoding = import.transcoding;
+  run.import.paddedAt = import.paddedAt;
   run.codePage = import.host.codePage;
   run.localeCodePage = import.host.localeCodePage;
   run.decimalComma = import.host.decimal == library::DecimalCharacter::kComma;

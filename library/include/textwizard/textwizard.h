@@ -127,6 +127,14 @@ typedef struct textwizard_options {
   const textwizard_part* part;
   /* 1: passes make no digest, which takes about a tenth of a pass's processor time. */
   int32_t no_digest;
+  /* Of a command, what of the file it has no words for; of a file it is found. "utf-16le" or
+     "utf-16be": the file is read as if it began with that mark; else null. */
+  const char* byte_order_mark;
+  /* An encoding (a name that ICU knows) from which the file is converted to UTF-8; else null. */
+  const char* transcode;
+  /* Characters of a line, from 1, rising, such as "13,18": a copy of the file (UTF-8) is read that
+     has blanks in front of them, so that character n stands at byte 4(n - 1); else null. */
+  const char* pad_columns;
 } textwizard_options;
 
 /* What is given instead of found about a bare file. */
