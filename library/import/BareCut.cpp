@@ -120,22 +120,6 @@ bool SetQualifier(const SniffResult& sniff, BareCut* cut, std::string* problem) 
   return true;
 }
 
-void SetFixedColumns(const SniffResult& sniff, BareCut* cut) {
-  cut->cut.settings.arrangement = kFixedColumns;
-  for (const SniffColumn& column : sniff.columns) {
-    ColumnCut::Field field;
-    field.start = static_cast<std::uint32_t>(column.range.from - 1);
-    field.width = column.range.to == 0
-                      ? kToEndOfLine
-                      : static_cast<std::uint32_t>(column.range.to - column.range.from + 1);
-    cut->cut.fields.push_back(field);
-  }
-  // Nobody has said where the last one ends: with the longest line.
-  if (!sniff.arrangement.given && !cut->cut.fields.empty()) {
-    cut->cut.fields.back().width = kToEndOfLine;
-  }
-}
-
 }  // namespace
 
 bool CutOf(const SniffResult& sniff, BareCut* cut, std::string* problem) {
@@ -144,10 +128,27 @@ bool CutOf(const SniffResult& sniff, BareCut* cut, std::string* problem) {
   cut->cut.settings.firstCase = sniff.firstDataLine.value;
   if (!SetEncoding(sniff, cut, problem)) return false;
   if (sniff.arrangement.value == Arrangement::kFixed) {
-    SetFixedColumns(sniff, cut);
+    SetFixedColumns(sniff, &cut->cut);
     return true;
   }
   return SetDelimiters(sniff, cut, problem) && SetQualifier(sniff, cut, problem);
+}
+
+void SetFixedColumns(const SniffResult& sniff, ColumnCut* cut) {
+  cut->settings.arrangement = kFixedColumns;
+  cut->fields.clear();
+  for (const SniffColumn& column : sniff.columns) {
+    ColumnCut::Field field;
+    field.start = static_cast<std::uint32_t>(column.range.from - 1);
+    field.width = column.range.to == 0
+                      ? kToEndOfLine
+                      : static_cast<std::uint32_t>(column.range.to - column.range.from + 1);
+    cut->fields.push_back(field);
+  }
+  // Nobody has said where the last one ends: with the longest line.
+  if (!sniff.arrangement.given && !cut->fields.empty()) {
+    cut->fields.back().width = kToEndOfLine;
+  }
 }
 
 bool SetHost(const HostNeeds& needs, std::string* problem) {

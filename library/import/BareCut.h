@@ -34,6 +34,9 @@ struct BareCut {
 // host is in UTF-8 mode.
 bool CutOf(const SniffResult& sniff, BareCut* cut, std::string* problem);
 
+// Cuts the lines where the fixed columns of `sniff` are, counted in bytes.
+void SetFixedColumns(const SniffResult& sniff, ColumnCut* cut);
+
 // The host put so. False when it does not know a code page; *problem says which.
 bool SetHost(const HostNeeds& needs, std::string* problem);
 

@@ -10,6 +10,7 @@
 #include "HostFramework/FileStream.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "library/command/CommandText.h"
+#include "library/import/FixedBorders.h"
 #include "library/import/FixedPage.h"
 #include "library/input/ColumnPadder.h"
 #include "library/input/Transcoding.h"
@@ -41,6 +42,7 @@ class Understanding {
   bool CutIt();
   bool PlaceColumns();
   bool PadColumns();
+  bool MoveColumns();
   bool NameAll();
   bool ReadData();
   std::int64_t GuessedOffset() const;
@@ -281,9 +283,25 @@ bool Understanding::SettleRewriting(const QuotePosition& totals) {
   return true;
 }
 
+// Whether lines that the sample does not have put the borders of fixed columns elsewhere.
+bool Understanding::MoveColumns() {
+  const SniffResult& sniff = import_.sniff;
+  const bool isFixed = cut_.cut.settings.arrangement == textwizard::kFixedColumns;
+  const bool countsCharacters = !cut_.cut.padded && !import_.countsBytes;
+  if (!isFixed || sniff.arrangement.given || sniff.readWhole || settings_.sampleLines > 0 ||
+      settings_.firstLook || !countsCharacters ||
+      !MoveBorders(import_.summary.filled, &import_.sniff.columns)) {
+    return false;
+  }
+  SetFixedColumns(sniff, &cut_.cut);
+  import_.sniff.arrangement.evidence += "; borders moved to what is blank in all lines";
+  return true;
+}
+
 bool Understanding::ReadData() {
   QuotePosition totals;
   if (!Summarize(cut_.rewriting, &totals)) return false;
+  if (MoveColumns() && !Summarize(cut_.rewriting, &totals)) return false;
   const bool runsAway = totals.state != QuotePosition::kPreamble && totals.longestJoin > 0 &&
                         (totals.longestJoin > kLongestField || totals.IsOpen());
   if (cut_.quotesAreUncertain && cut_.rewriting.joinQuotedLines && runsAway) {

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -335,6 +336,26 @@ TEST_F(ABareImport, PaddedColumnsBeginBehindWhatStandsAboveThem) {
   ASSERT_EQ(cases.size(), 60U);
   EXPECT_THAT(cases[0], ElementsAre("\xE6\x9D\xB1\xE4\xBA\xAC", "12", "2020-01-02"));
   EXPECT_THAT(cases[59], ElementsAre("\xC3\xA5rhus", "345", "2021-11-12"));
+}
+
+// A sample has only some of its lines.
+TEST_F(ABareImport, FixedColumnsAreThoseOfAllLines) {
+  constexpr int kLines = 300'000;
+  constexpr int kLong = 200'123;
+  std::string text;
+  for (int i = 0; i < kLines; ++i) {
+    const std::string number = i % 5 == 0 ? "" : std::to_string(i % 1000);
+    text += i == kLong
+                ? "Averylongtownof    12    7.5\n"
+                : fmt::format("Town{:02}       {:>8}  {:5}\n", i % 100, number, i % 7 + 0.25);
+  }
+  ASSERT_TRUE(Understand(text)) << problem_;
+  ASSERT_FALSE(import_.sniff.readWhole);
+  EXPECT_THAT(import_.sniff.arrangement.evidence, HasSubstr("borders moved"));
+  const auto cases = Cases();
+  ASSERT_EQ(cases.size(), std::size_t{kLines});
+  EXPECT_THAT(cases[kLong], ElementsAre("Averylongtownof", "12", "7.5"));
+  EXPECT_THAT(cases[kLines - 1], ElementsAre("Town99", "999", "0.25"));
 }
 
 TEST_F(ABareImport, TheLastFixedColumnIsAsWideAsItsLongestValue) {

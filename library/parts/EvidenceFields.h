@@ -57,6 +57,7 @@ struct EvidenceFields {
     OfWitness(part.surplus, visit);
     OfWitness(part.unexpected, visit);
     OfWitness(part.undecodable, visit);
+    visit(part.filled);
     for (auto& count : part.controls) visit(count);
     visit.Size(part.columns);
     for (auto& column : part.columns) OfColumn(column, visit);

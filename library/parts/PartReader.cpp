@@ -58,6 +58,7 @@ bool PartReader::Summarize(std::int64_t from, std::int64_t to, bool atStart, Par
     summary->controls[static_cast<unsigned char>(text)] = 0;
   }
   summary->columns = counters_.Take();
+  summary->filled = filled_.Take();
   return !reader_.failed() && !stream_.ReadFailed();
 }
 
@@ -165,6 +166,7 @@ void PartReader::TakeDelimited(std::string_view record) {
 
 void PartReader::TakeFixed(std::string_view record) {
   ++summary_->records;
+  filled_.Add(record);
   std::size_t column = 0;
   for (const ColumnCut::Field& place : cut_.fields) {
     std::string_view field =

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "HostFramework/FileStream.h"
+#include "library/parts/FilledPlaces.h"
 #include "library/parts/PartSummary.h"
 #include "library/rewriting/StandIns.h"
 #include "library/types/ColumnCounters.h"
@@ -63,6 +64,7 @@ class PartReader : private textwizard::UndecodableListener {
   std::vector<std::string_view> fields_;
   const bool allImported_;
   ColumnCounters counters_;
+  FilledPlaces filled_;
   PartSummary* summary_ = nullptr;
   // The line, within the stretch, that the record in hand begins in.
   std::int64_t line_ = 1;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "library/parts/FilledPlaces.h"
+
 namespace library {
 
 std::size_t ColumnsOf(const ColumnCut& cut) {
@@ -15,6 +17,7 @@ void PartSummary::Append(const PartSummary& next) {
   unexpected.Append(next.unexpected, lines);
   undecodable.Append(next.undecodable, lines);
   for (std::size_t i = 0; i < columns.size(); ++i) columns[i].Append(next.columns[i], lines);
+  FilledPlaces::Append(next.filled, &filled);
   for (std::size_t i = 0; i < controls.size(); ++i) controls[i] += next.controls[i];
   if (next.quotes) {
     if (!quotes) quotes.emplace();

@@ -46,6 +46,8 @@ struct PartSummary {
   Witness unexpected;
   // Records with bytes that are no character.
   Witness undecodable;
+  // Of fixed columns: the mask of places that hold text in some record (FilledPlaces).
+  std::string filled;
   // Control characters in the records (host text) but TAB, LF and CR, by number; where line ends
   // may be joined.
   std::array<std::int64_t, 32> controls{};

@@ -19,7 +19,7 @@ using nlohmann::json;
 
 // What the bytes begin with, and the version of what follows.
 constexpr char kKind[] = "textwizard summary";
-constexpr int kVersion = 2;
+constexpr int kVersion = 3;
 
 // Texts are of any bytes: they are written as such.
 class Writer {
