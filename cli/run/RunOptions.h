@@ -40,7 +40,7 @@ struct RunOptions {
   HostOptions host;
   bool joinQuotedLines = false;
   bool backslashEscapes = false;
-  std::string transcoding;    // the data file's encoding, from which it is converted to UTF-8
+  std::string transcoding;  // the data file's encoding, from which it is converted to UTF-8
   // Where the columns of such a file are padded (library/input/ColumnPadder.h).
   std::vector<std::int64_t> paddedAt = {};
   std::string byteOrderMark;  // shown to the component where the file lacks it
