@@ -10,7 +10,8 @@ using library::DataSetFile;
 namespace {
 
 FileReading ReadingOf(const DataSetFile& file) {
-  return {file.import.host, file.import.rewriting, file.import.shownMark};
+  return {file.import.host, file.import.rewriting, file.import.shownMark, file.import.transcoding,
+          file.import.paddedAt};
 }
 
 }  // namespace
@@ -32,7 +33,8 @@ std::string AsOneLine(const library::DataSetPlan& plan, const std::string& sourc
   if (!sourceColumn.empty()) add("--source-column", sourceColumn);
   const std::vector<std::string> options = library::RunOptionsFor(usual, nulls);
   line.insert(line.end(), options.begin(), options.end());
-  const FileReading usualReading{usual.host, usual.rewriting, usual.shownMark};
+  const FileReading usualReading{usual.host, usual.rewriting, usual.shownMark, usual.transcoding,
+                                 usual.paddedAt};
   for (const std::string& text : ReadingTexts(readings, usualReading)) add("--with", text);
   return library::RunLine(line, commandFile);
 }

@@ -30,6 +30,8 @@ FileReading UsualReading(const RunOptions& options) {
                                                    : library::DecimalCharacter::kPoint;
   reading.rewriting = RewritingOf(options);
   reading.shownMark = options.byteOrderMark;
+  reading.transcoding = options.transcoding;
+  reading.paddedAt = options.paddedAt;
   return reading;
 }
 
@@ -55,7 +57,7 @@ bool ReadCommands(const RunOptions& options, const std::string& text,
 }
 
 bool SetReadings(const RunOptions& options, std::vector<library::DataSetCommand>* commands,
-                 std::string* error) {
+                 library::InputFiles& files, std::string* error) {
   std::vector<FileReading> readings(commands->size(), UsualReading(options));
   for (const std::string& text : options.with) {
     if (ApplyReading(text, &readings, error)) continue;
@@ -67,6 +69,9 @@ bool SetReadings(const RunOptions& options, std::vector<library::DataSetCommand>
     command.host = readings[i].host;
     command.rewriting = readings[i].rewriting;
     command.shownMark = readings[i].shownMark;
+    // What cannot be converted is said when the file is opened.
+    if (!readings[i].transcoding.empty()) files.Transcode(command.file, readings[i].transcoding);
+    if (!readings[i].paddedAt.empty()) files.PadColumns(command.file, readings[i].paddedAt, {});
   }
   return true;
 }
@@ -107,12 +112,12 @@ int RunAsOne(const RunOptions& options) {
   std::vector<library::DataSetCommand> commands;
   library::ImportStats stats;
   int status = kExitCommandFailed;
+  library::InputFiles files;
   if (!ReadCommands(options, text, &commands, &error)) {
     messages.PostError(error);
-  } else if (!SetReadings(options, &commands, &error)) {
+  } else if (!SetReadings(options, &commands, files, &error)) {
     status = wrong(error);
   } else {
-    library::InputFiles files;
     const std::string name =
         commands.size() == 1 ? commands[0].file : CommandFileName(options.commandFile);
     const CommandEnd end =

@@ -6,6 +6,9 @@
 
 #include <fmt/format.h>
 
+#include "library/input/ColumnPadder.h"
+#include "library/input/Transcoding.h"
+
 namespace cli {
 
 using library::DecimalCharacter;
@@ -32,12 +35,24 @@ std::vector<std::string_view> Parts(std::string_view text) {
 
 bool ReadWord(std::string_view word, FileReading* reading) {
   constexpr std::string_view kLocale = "locale-code-page=";
+  constexpr std::string_view kTranscode = "transcode=";
+  constexpr std::string_view kPad = "pad-columns=";
   if (word == "decimal=comma") {
     reading->host.decimal = DecimalCharacter::kComma;
   } else if (word.starts_with(kLocale) && word.size() > kLocale.size()) {
     reading->host.localeCodePage = word.substr(kLocale.size());
   } else if (word == "byte-order-mark=utf-16le" || word == "byte-order-mark=utf-16be") {
     reading->shownMark = word.ends_with("le") ? kLittleEndian : kBigEndian;
+  } else if (word.starts_with(kTranscode)) {
+    reading->transcoding = word.substr(kTranscode.size());
+    return library::IsEncodingName(reading->transcoding);
+  } else if (word.starts_with(kPad)) {
+    std::string places(word.substr(kPad.size()));
+    std::replace(places.begin(), places.end(), '/', ',');
+    std::string problem;
+    reading->paddedAt =
+        library::ParsePlaces(places, &problem).value_or(std::vector<std::int64_t>());
+    return !reading->paddedAt.empty();
   } else if (word == "join-quoted-lines") {
     reading->rewriting.joinQuotedLines = true;
   } else if (word == "backslash-escapes") {
@@ -62,6 +77,12 @@ std::string WordsOf(const FileReading& reading) {
   if (!reading.shownMark.empty()) {
     add(reading.shownMark == kBigEndian ? "byte-order-mark=utf-16be" : "byte-order-mark=utf-16le");
   }
+  if (!reading.transcoding.empty()) add("transcode=" + reading.transcoding);
+  if (!reading.paddedAt.empty()) {
+    std::string places = library::PlacesText(reading.paddedAt);
+    std::replace(places.begin(), places.end(), ',', '/');
+    add("pad-columns=" + places);
+  }
   if (reading.rewriting.joinQuotedLines) add("join-quoted-lines");
   if (reading.rewriting.backslashEscapes) add("backslash-escapes");
   if (reading.rewriting.keepStrayQualifiers) add("keep-stray-qualifiers");
@@ -73,7 +94,8 @@ std::string WordsOf(const FileReading& reading) {
 bool FileReading::operator==(const FileReading& other) const {
   return host.codePage == other.host.codePage && host.localeCodePage == other.host.localeCodePage &&
          host.decimal == other.host.decimal && rewriting == other.rewriting &&
-         shownMark == other.shownMark;
+         shownMark == other.shownMark && transcoding == other.transcoding &&
+         paddedAt == other.paddedAt;
 }
 
 bool ApplyReading(const std::string& text, std::vector<FileReading>* readings, std::string* error) {

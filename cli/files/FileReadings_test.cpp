@@ -29,9 +29,23 @@ TEST(FileReadings, TextsSayWhatIsReadInAnotherWayAndAreReadBack) {
   EXPECT_THAT(ReadingTexts({comma, usual}, comma), ElementsAre("2:none"));
 }
 
+TEST(FileReadings, FilesThatAreConvertedFirstSayHow) {
+  FileReading converted;
+  converted.transcoding = "UTF-32LE";
+  converted.paddedAt = {12, 17};
+  const std::vector<FileReading> readings = {converted, {}};
+  const std::vector<std::string> texts = ReadingTexts(readings, {});
+  EXPECT_THAT(texts, ElementsAre("1:transcode=UTF-32LE,pad-columns=13/18"));
+  std::vector<FileReading> read(2);
+  std::string error;
+  EXPECT_TRUE(ApplyReading(texts[0], &read, &error)) << error;
+  EXPECT_TRUE(read == readings);
+}
+
 TEST(FileReadings, OtherTextsAreRefused) {
   for (const char* text : {"", "1", "x:none", "0:none", "2-1:none", "1,:none", "1:what",
-                           "1:locale-code-page=", "-3:none", "1:"}) {
+                           "1:locale-code-page=", "-3:none", "1:", "1:transcode=none such",
+                           "1:pad-columns=", "1:pad-columns=5/5"}) {
     std::vector<FileReading> readings(3);
     std::string error;
     EXPECT_FALSE(ApplyReading(text, &readings, &error)) << text;

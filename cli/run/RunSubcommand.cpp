@@ -118,6 +118,7 @@ void AddRun(CLI::App& program, int* status) {
   run->add_option("--with", options->with,
                   "How the files of some commands are read instead, such as 3,5-7:decimal=comma; "
                   "words: decimal=comma, locale-code-page=NAME, byte-order-mark=utf-16le, "
+                  "transcode=NAME, pad-columns=13/18, "
                   "join-quoted-lines, backslash-escapes, keep-stray-qualifiers, none")
       ->type_name("N,...:WORD,...")
       ->take_all()
