@@ -22,7 +22,7 @@ constexpr char kExamples[] = R"(Examples:
   textwizard sniff data.csv
   textwizard sniff --json data.csv.gz
 
-Exit status: 0 shown, 1 the file is no text, or damaged, 2 it cannot be read, or wrong usage.
+Exit status: 0 shown, 1 the file is no text, damaged, or cannot be read, 2 wrong usage.
 )";
 
 struct SniffOptions {
@@ -38,14 +38,13 @@ int Sniff(const SniffOptions& options) {
   if (!input.problem.empty()) {
     console.Error(fmt::format("{}: {}{}{}", options.file, input.problem,
                               input.wayOut.empty() ? "" : "; ", input.wayOut));
-    // Pipes are compressed or not only once they have been read.
-    return input.compression == library::Compression::kNone ? kExitUsage : kExitCommandFailed;
+    return kExitCommandFailed;
   }
   std::string problem;
   const auto source = library::FileSource::Open(input.path, &problem);
   if (!source) {
     console.Error(fmt::format("{}: {}", options.file, problem));
-    return kExitUsage;
+    return kExitCommandFailed;
   }
   library::SniffResult result;
   if (!library::Sniff(*source, {}, &result, &problem)) {

@@ -150,7 +150,7 @@ CommandEnd Running::Read() {
   Show(firstCases, width);
   if (end == CommandEnd::kDone) {
     if (const std::string line = report_.DigestLine(); !line.empty()) run_.console.Print(line);
-    if (shows() && options_.report.verify) {
+    if (!options_.quiet && options_.report.verify) {
       run_.console.Print(
           "verified: a second reading of each file gave the same cases, problems "
           "and ledger");

@@ -4,6 +4,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/ranges.h>
@@ -14,6 +15,7 @@
 #include "cli/parts/PartSubcommands.h"
 #include "cli/run/SharedOptions.h"
 #include "library/files/FileNames.h"
+#include "library/input/Transcoding.h"
 #include "library/sniff/CharacterRanges.h"
 
 namespace cli {
@@ -59,10 +61,12 @@ void AddFileOptions(CLI::App& command, const Options& options) {
   library::SniffSettings& sniff = options->settings.sniff;
   const auto positive =
       CLI::Range(std::int64_t{1}, std::numeric_limits<std::int64_t>::max()).description("");
-  command
-      .add_option_function<std::string>(
-          "--encoding", [&sniff](const std::string& name) { sniff.encoding = name; },
-          "Such as UTF-8, windows-1252, UTF-16LE")
+  AddText(command, "--encoding", "Such as UTF-8, windows-1252, UTF-16LE",
+          [&sniff](const std::string& name, std::string* error) {
+            if (!library::IsEncodingName(name)) *error = "there is no encoding " + name;
+            sniff.encoding = name;
+            return error->empty();
+          })
       ->type_name("NAME")
       ->group(kGroup);
   AddText(command, "--delimiter", "Such as ';', '\\t', '::'; or tab, blank, none",
@@ -132,6 +136,29 @@ void AddColumnOptions(CLI::App& command, const Options& options) {
       ->group(kGroup);
 }
 
+// What was asked for that only an import of cases gives: a part that is summed up has nothing but
+// its summary. The option's name, or nothing.
+const char* GivenOfCases(const RunOptions& run) {
+  const ReportOptions& report = run.report;
+  const std::pair<const char*, bool> options[] = {
+      {"--cases", !run.cases.empty()},
+      {"--output", !run.outputs.empty()},
+      {"--dictionary", !run.dictionary.empty()},
+      {"--messages", !run.messages.empty()},
+      {"--command", !run.commandOutput.empty()},
+      {"--problems", !report.problems.empty()},
+      {"--rejects", !report.rejects.empty()},
+      {"--strict", report.strict},
+      {"--explain", report.explain},
+      {"--digest", report.digest},
+      {"--verify", report.verify},
+  };
+  for (const auto& [name, isGiven] : options) {
+    if (isGiven) return name;
+  }
+  return nullptr;
+}
+
 // The file, or one of the steps by which several import it.
 int Import(const Options& options, RunOptions run, const PartStep& step) {
   const bool isPart = run.parts.single.has_value();
@@ -163,6 +190,9 @@ int Import(const Options& options, RunOptions run, const PartStep& step) {
   if (options->settings.sampleLines > 0) {
     throw CLI::ValidationError("--parts",
                                "the summary of a part is of all its lines, not of --sample");
+  }
+  if (const char* option = GivenOfCases(run)) {
+    throw CLI::ValidationError(option, "--parts reads no cases: it writes the summary of a part");
   }
   return SummarizePart(*options, step);
 }

@@ -211,7 +211,7 @@ CommandEnd SingleCommand::ReadSource() {
   }
   if (end == CommandEnd::kDone) {
     if (const std::string line = report_.DigestLine(); !line.empty()) context_.console.Print(line);
-    if (shows() && options_.report.verify) context_.console.Print(Verified());
+    if (!options_.quiet && options_.report.verify) context_.console.Print(Verified());
   }
   return end;
 }

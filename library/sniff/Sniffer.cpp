@@ -408,7 +408,8 @@ bool Sniffing::Run() {
   result_.arrangement.value = dialect.fixed() ? Arrangement::kFixed : Arrangement::kDelimited;
   result_.arrangement.given = settings_.fixed.has_value() || settings_.delimiter.has_value();
   result_.delimiter.value = dialect.delimiter;
-  result_.delimiter.given = settings_.delimiter.has_value();
+  // Columns that are given leave no delimiter to find.
+  result_.delimiter.given = result_.arrangement.given;
   result_.multipleBlanks = dialect.multipleBlanks;
   result_.qualifier.value = dialect.qualifier;
   result_.qualifier.given = settings_.qualifier.has_value();

@@ -67,6 +67,7 @@ TEST_F(SnifferTest, GivenColumnsAreFixed) {
   const SniffResult result = Sniffed("001Anna 12.5\n002Bob   7.5\n003Carol9.25\n", settings);
   EXPECT_EQ(result.arrangement.value, Arrangement::kFixed);
   EXPECT_TRUE(result.arrangement.given);
+  EXPECT_TRUE(result.delimiter.given) << "no delimiter was looked for";
   ASSERT_EQ(result.columns.size(), 3U);
   EXPECT_EQ(result.columns[1].range, (CharacterRange{4, 8}));
   EXPECT_EQ(result.columns[0].format, "A3");

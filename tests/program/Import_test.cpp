@@ -166,6 +166,7 @@ TEST_F(Import, FixedColumnsAreGiven) {
                            "--command", "a.sps", "--digest"});
   ASSERT_EQ(ended.status, 0) << ended.err;
   EXPECT_EQ(folder_.Text("o.csv"), "V1,V2\nK\xC3\xB6ln,12\nBern,345\nZ\xC3\xBCrich,7\n");
+  EXPECT_THAT(LineWith(ended.out, "fixed columns"), HasSubstr(" given"));
   const Ended run = Shell(Repeating(ended.out) + " --digest");
   EXPECT_EQ(LineWith(ended.out, "digest: "), LineWith(run.out, "digest: "));
 }
@@ -279,6 +280,7 @@ TEST_F(Import, WrongUsage) {
       {"import", "a.csv", "--types", "a"},
       {"import", "a.csv", "--names", "a,,b"},
       {"import", "a.csv", "--qualifier", "ab"},
+      {"import", "a.csv", "--encoding", "no-such-encoding"},
       {"import", "a.csv", "--delimiter", "\\q"},
       {"import", "a.csv", "--sample", "0"},
       {"import", "a.csv", "-o", "a.xyz"},

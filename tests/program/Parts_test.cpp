@@ -185,6 +185,8 @@ TEST_F(Parts, WrongUsageIsSaid) {
       {"import", "table.csv", "--parts", "1/3"},
       {"import", "table.csv", "--summary", "x"},
       {"import", "table.csv", "--parts", "1/3", "--summary", "x", "--sample", "10"},
+      {"import", "table.csv", "--parts", "1/3", "--summary", "x", "-o", "o.csv"},
+      {"import", "table.csv", "--parts", "1/3", "--summary", "x", "--digest"},
       {"import", "--part", "0-5"},
       {"import", "--part", "5-3", "--command", "c.sps"},
       {"import", "table.csv", "--part", "0-5", "--command", "c.sps"},

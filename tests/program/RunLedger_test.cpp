@@ -206,6 +206,10 @@ TEST_F(RunLedger, ASecondReadingIsTold) {
                   .out,
               HasSubstr("verified: a second reading in blocks of another size gave the same cases, "
                         "problems and ledger\n"));
+  // Where standard output is data, on the other stream.
+  const Ended piped = Shown(Towns(), {"--verify", "--cases", "-"});
+  EXPECT_THAT(piped.out, Not(HasSubstr("verified")));
+  EXPECT_THAT(piped.err, HasSubstr("verified: a second reading on one thread"));
 }
 
 TEST_F(RunLedger, TheMapIsNotShownTwiceBySecondReadings) {

@@ -98,12 +98,12 @@ TEST_F(Sniff, ADamagedFileEndsWithStatusOne) {
   EXPECT_THAT(ended.err, HasSubstr("data.csv: the gzip data is damaged: it ends too early"));
 }
 
-TEST_F(Sniff, WhatCannotBeOpenedEndsWithStatusTwo) {
+TEST_F(Sniff, WhatCannotBeOpenedEndsWithStatusOne) {
   const Ended missing = Run({"sniff", "missing.csv"});
-  EXPECT_EQ(missing.status, 2);
+  EXPECT_EQ(missing.status, 1);
   EXPECT_THAT(missing.err, HasSubstr("missing.csv: No such file or directory"));
   const Ended folder = Run({"sniff", "."});
-  EXPECT_EQ(folder.status, 2);
+  EXPECT_EQ(folder.status, 1);
   EXPECT_THAT(folder.err, HasSubstr("it is a folder"));
   EXPECT_EQ(Run({"sniff"}).status, 2);
 }
@@ -113,7 +113,7 @@ TEST_F(Sniff, AFileWithoutPermissionIsSaid) {
   folder_.Write("closed.csv", "a,b\n");
   std::filesystem::permissions(folder_.path() / "closed.csv", std::filesystem::perms::none);
   const Ended ended = Run({"sniff", "closed.csv"});
-  EXPECT_EQ(ended.status, 2);
+  EXPECT_EQ(ended.status, 1);
   EXPECT_THAT(ended.err, HasSubstr("Permission denied"));
 }
 
