@@ -1,6 +1,8 @@
 #include "cli/run/CommandReport.h"
 
+#include <array>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -75,16 +77,30 @@ library::ImportWatch::Outputs CommandReport::MakeProblemSinks(
   return outputs;
 }
 
-bool CommandReport::Begin(const QANT_DataSource& source, bool sampled,
+bool CommandReport::Begin(const QANT_DataSource& source,
+                          const library::CommandImport::DataFile& file, bool sampled,
                           const std::vector<library::CasesFile*>& tables, std::string* error) {
   source_ = &source;
   variables_ = library::ReportVariablesOf(source);
   library::ImportWatch::Outputs outputs =
       MakeProblemSinks(tables, library::ProblemWriter::Files::kOne);
   if (rejectsFile_ != nullptr) {
-    data_ = library::FileSource::Open(source.GetFileSpec(), error);
-    if (data_ == nullptr) return false;
-    rejects_ = std::make_unique<library::RejectsFile>(*data_, *rejectsFile_);
+    library::ByteSource* data = file.bytes;
+    library::LineEndBytes lineEnds = file.lineEnds;
+    if (data == nullptr) {
+      data_ = library::FileSource::Open(source.GetFileSpec(), error);
+      if (data_ == nullptr) return false;
+      data = data_.get();
+      std::array<char, 2> head{};
+      std::size_t read = 0;
+      if (!data->ReadAt(0, head.data(), head.size(), &read, error)) return false;
+      // A mark of the file's own tells them, too.
+      if (read == head.size()) {
+        const library::LineEndBytes told = library::LineEndsOf({head.data(), head.size()});
+        if (told.feed.size() > 1) lineEnds = told;
+      }
+    }
+    rejects_ = std::make_unique<library::RejectsFile>(*data, *rejectsFile_, std::move(lineEnds));
     outputs.rejects = rejects_.get();
   }
   Prepare(outputs, {.batches = true, .sampled = sampled});

@@ -9,6 +9,7 @@
 
 #include "HostFramework/DataSource.h"
 #include "cli/run/ReportOptions.h"
+#include "library/import/CommandImport.h"
 #include "library/outputs/CasesFile.h"
 #include "library/outputs/DictionaryJson.h"
 #include "library/outputs/Misfits.h"
@@ -44,11 +45,11 @@ class CommandReport {
   bool Open(std::string* error);
   library::ImportWatch& watch() { return watch_; }
 
-  // The cases of `source`, which outlives this object's use, are about to be read. `sampled`: the
-  // command keeps a share of them. `tables` get the problems, too. False when the data cannot be
-  // read for the rejects; then *error says so.
-  bool Begin(const QANT_DataSource& source, bool sampled,
-             const std::vector<library::CasesFile*>& tables, std::string* error);
+  // The cases of `source`, which outlives this object's use, are about to be read, of `file`.
+  // `sampled`: the command keeps a share of them. `tables` get the problems, too. False when the
+  // data cannot be read for the rejects; then *error says so.
+  bool Begin(const QANT_DataSource& source, const library::CommandImport::DataFile& file,
+             bool sampled, const std::vector<library::CasesFile*>& tables, std::string* error);
   // The cases of several files, which are one to `source`, are about to be read; those that are
   // left out are problems.
   void BeginFiles(const QANT_DataSource& source, const std::vector<library::CasesFile*>& tables,

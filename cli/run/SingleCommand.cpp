@@ -181,7 +181,8 @@ CommandEnd SingleCommand::ReadSource() {
   const std::size_t width = typed ? ScreenWidth(STDOUT_FILENO) : TerminalWidth(STDOUT_FILENO);
   if (shows() && !typed) context_.console.Print(VariableTable(source, width) + "\n");
   std::string error;
-  if (!report_.Begin(source, import_.isSampled(), outputs_.problemTables(), &error))
+  if (!report_.Begin(source, import_.dataFile(), import_.isSampled(), outputs_.problemTables(),
+                     &error))
     return Fail("--rejects: " + error);
   if (const std::string text = typed ? context_.found->explanation : report_.Explained();
       !text.empty()) {

@@ -87,23 +87,38 @@ bool CommandImport::ShowFile(const std::vector<embedded::CommandToken>& tokens) 
     files_.ConvertAll(options_.transcoding, options_.paddedAt);
   }
   const RewritingOptions& rewriting = options_.rewriting;
-  if (rewriting == RewritingOptions() && options_.shownMark.empty()) return true;
+  const bool rewrites = rewriting != RewritingOptions() || !options_.shownMark.empty();
+  if (!rewrites && !files_.converts()) return true;
   const CommandWords words(tokens, {});
   textwizard::TxtWzParser parser(words.text().c_str(), nullptr);
   const std::unique_ptr<textwizard::TxtWzExecFile> plan = parser.ParseToExecutor();
   if (plan == nullptr) return true;
+  const InputFiles::Input& input = files_.Open(parser.GetFile());
+  ImportObserver* observer = options_.watch;
+  if (!input.copies.empty()) {
+    const std::optional<PartOptions::Single>& part = options_.parts.single;
+    original_ =
+        std::make_unique<OriginalObserver>(observer, input.copies, !part || part->range.from == 0);
+    observer = original_.get();
+  }
+  if (!rewrites) return true;
   std::string problem;
-  shown_ = ShownFile::Show({files_.Open(parser.GetFile()).path, options_.shownMark, rewriting,
-                            options_.standIns, KnownQuotes()},
-                           plan->settings, &problem);
+  shown_ =
+      ShownFile::Show({input.path, options_.shownMark, rewriting, options_.standIns, KnownQuotes()},
+                      plan->settings, &problem);
   if (shown_ == nullptr) {
     PostError(fmt::format("{}: line breaks and escapes within quotes cannot be kept: {}",
                           parser.GetFile(), problem));
     return false;
   }
   restoring_ =
-      std::make_unique<RestoringObserver>(options_.watch, *shown_, rewriting.keepStrayQualifiers);
+      std::make_unique<RestoringObserver>(observer, *shown_, rewriting.keepStrayQualifiers);
   return true;
+}
+
+CommandImport::DataFile CommandImport::dataFile() const {
+  if (original_) return {&original_->file(), original_->lineEnds()};
+  return {nullptr, LineEndsOf(options_.shownMark)};
 }
 
 ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
@@ -111,6 +126,7 @@ ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
   try {
     if (!ShowFile(tokens)) return ImportEnd::kFailed;
     ImportObserver* observer = options_.watch;
+    if (original_) observer = original_.get();
     if (restoring_) observer = restoring_.get();
     std::optional<ScopedStretches> stretches;
     if (options_.parts.cuts()) {
@@ -137,7 +153,8 @@ ImportEnd CommandImport::Open(std::vector<embedded::CommandToken> tokens) {
   if (embedded::AttentionRequested()) return ImportEnd::kInterrupted;
   if (source_->get() == nullptr) return ImportEnd::kFailed;
   stats_.variables = static_cast<long long>(source().GetNVariables());
-  stats_.bytes = FileBytes(source().GetFileSpec());
+  stats_.bytes = original_ ? static_cast<long long>(original_->file().Size())
+                           : FileBytes(source().GetFileSpec());
   return ImportEnd::kDone;
 }
 

@@ -17,6 +17,7 @@
 #include "library/import/ImportAdapter.h"
 #include "library/import/ImportMessages.h"
 #include "library/import/ImportStats.h"
+#include "library/import/OriginalObserver.h"
 #include "library/import/RestoringObserver.h"
 #include "library/input/InputFiles.h"
 #include "library/parts/PartedReading.h"
@@ -76,6 +77,14 @@ class CommandImport : private ImportMessages {
   std::string fileWayOut() const { return adapter_ ? adapter_->fileWayOut() : std::string(); }
   std::string fileAdvice() const { return adapter_ ? adapter_->fileAdvice() : std::string(); }
 
+  // The data file itself, after Open has done: its bytes where the component reads a copy of it,
+  // else null; and how it writes line ends.
+  struct DataFile {
+    ByteSource* bytes = nullptr;
+    LineEndBytes lineEnds{};
+  };
+  DataFile dataFile() const;
+
   // Why the cases are read as one part though there are several: a sentence (UTF-8); else empty.
   // Once cases are read.
   std::string uncut() const { return parted_ ? parted_->uncut() : std::string(); }
@@ -126,7 +135,8 @@ class CommandImport : private ImportMessages {
   // Each uses those before it.
   InputFiles ownFiles_;
   InputFiles& files_;
-  std::unique_ptr<ShownFile> shown_;              // null: the file itself
+  std::unique_ptr<OriginalObserver> original_;    // null: what is opened is the file
+  std::unique_ptr<ShownFile> shown_;              // null: what is opened, as it is
   std::unique_ptr<RestoringObserver> restoring_;  // where something is to be put right
   std::unique_ptr<PartedReading> parted_;         // null: all cases in one go
   std::unique_ptr<ImportAdapter> adapter_;

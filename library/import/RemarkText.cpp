@@ -110,8 +110,7 @@ std::vector<std::string> RemarksOf(const BareImport& import) {
   }
   if (!import.paddedAt.empty()) {
     remarks.emplace_back(
-        "columns count characters: they are read in a copy of the file that has them padded, whose "
-        "bytes the ledger and the problems count");
+        "columns count characters: they are read in a copy of the file that has them padded");
   }
   return remarks;
 }

@@ -1,6 +1,8 @@
 #include "library/input/ColumnPadder.h"
 
+#include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include <fmt/ranges.h>
 
@@ -11,14 +13,20 @@ constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 bool Continues(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
 
+// Of the first CR or LF from `at` on; the size where there is none.
+std::size_t LineEndAt(std::string_view bytes, std::size_t at) {
+  const std::size_t feed = std::min(bytes.find('\n', at), bytes.size());
+  const std::size_t before = bytes.substr(at, feed - at).find('\r');
+  return before == std::string_view::npos ? feed : at + before;
+}
+
 }  // namespace
 
-// Pads up to the place that the line has come to, if it is one.
-void ColumnPadder::Reach(std::string* copy) {
-  if (next_ == places_.size() || places_[next_] != characters_) return;
-  const std::int64_t wanted = places_[next_++] * kBytesPerCharacter;
-  copy->append(static_cast<std::size_t>(wanted - bytes_), ' ');
-  bytes_ = wanted;
+// Of the place that the line has come to, if it is one; the line is there then.
+std::int64_t ColumnPadder::MissingBlanks() {
+  if (next_ == places_->size() || (*places_)[next_] != characters_) return 0;
+  const std::int64_t wanted = (*places_)[next_++] * kBytesPerCharacter;
+  return wanted - std::exchange(bytes_, wanted);
 }
 
 void ColumnPadder::BeginLine() {
@@ -26,36 +34,56 @@ void ColumnPadder::BeginLine() {
   characters_ = bytes_ = 0;
 }
 
-void ColumnPadder::Copy(std::string_view bytes, std::string* copy) {
-  for (const char byte : bytes) {
-    if (markBytes_ >= 0) {
-      const bool isMark = byte == kMark[static_cast<std::size_t>(markBytes_)];
+// How many of the bytes belong to a mark at the text's start, or may.
+std::size_t ColumnPadder::CopyMark(std::string_view bytes) {
+  std::size_t taken = 0;
+  for (; taken < bytes.size() && markBytes_ >= 0; ++taken) {
+    if (bytes[taken] != kMark[static_cast<std::size_t>(markBytes_)]) {
       // What only began like the mark is one character, too, and the first.
-      if (!isMark && markBytes_ > 0) characters_ = 1, bytes_ = markBytes_;
-      markBytes_ = isMark ? markBytes_ + 1 : -1;
-      if (markBytes_ == static_cast<int>(kMark.size())) markBytes_ = -1;
-      if (isMark) {
-        *copy += byte;
-        continue;
-      }
+      if (markBytes_ > 0) characters_ = 1, bytes_ = markBytes_;
+      markBytes_ = -1;
+      return taken;
     }
-    if (byte == '\n' || byte == '\r') {
-      Reach(copy);
-      BeginLine();
-      *copy += byte;
-      continue;
-    }
-    if (byte == '\0') {
-      *copy += byte;
-      continue;
-    }
-    if (!Continues(byte)) {
-      Reach(copy);
-      ++characters_;
-    }
-    ++bytes_;
-    *copy += byte;
+    if (++markBytes_ == static_cast<int>(kMark.size())) markBytes_ = -1;
   }
+  return taken;
+}
+
+void ColumnPadder::Copy(std::string_view bytes, std::string* copy, std::vector<Padding>* paddings) {
+  std::size_t copied = 0;
+  std::size_t at = CopyMark(bytes);
+  const auto pad = [&] {
+    const std::int64_t blanks = MissingBlanks();
+    if (blanks == 0) return;
+    copy->append(bytes, copied, at - copied).append(static_cast<std::size_t>(blanks), ' ');
+    copied = at;
+    if (paddings != nullptr) paddings->push_back({at, blanks});
+  };
+  while (at < bytes.size()) {
+    if (next_ == places_->size()) {
+      at = LineEndAt(bytes, at);
+      if (at == bytes.size()) break;
+    }
+    const char byte = bytes[at];
+    if (byte == '\n' || byte == '\r') {
+      pad();
+      BeginLine();
+    } else if (byte != '\0') {
+      if (!Continues(byte)) {
+        pad();
+        ++characters_;
+      }
+      ++bytes_;
+    }
+    ++at;
+  }
+  copy->append(bytes, copied, at - copied);
+}
+
+std::int64_t ColumnPadder::Finish(std::string* copy) {
+  const std::int64_t blanks = MissingBlanks();
+  copy->append(static_cast<std::size_t>(blanks), ' ');
+  return blanks;
 }
 
 std::optional<std::vector<std::int64_t>> ParsePlaces(std::string_view text, std::string* problem) {

@@ -1,7 +1,9 @@
 // Fixed columns that count characters, laid out so that bytes count them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,19 +21,29 @@ class ColumnPadder {
   // No character has more.
   static constexpr std::int64_t kBytesPerCharacter = 4;
 
-  // `places`: rising, in characters from 0; above 0.
-  explicit ColumnPadder(std::vector<std::int64_t> places) : places_(std::move(places)) {}
+  // Blanks in front of the byte `at` of those that were handed in.
+  struct Padding {
+    std::size_t at;
+    std::int64_t blanks;
+  };
 
-  // Appends the copy of the next bytes of the text, whole characters or not, to *copy.
-  void Copy(std::string_view bytes, std::string* copy);
-  // Appends what the last line needs when no line end follows.
-  void Finish(std::string* copy) { Reach(copy); }
+  // `places`: rising, in characters from 0; above 0.
+  explicit ColumnPadder(std::vector<std::int64_t> places)
+      : places_(std::make_shared<const std::vector<std::int64_t>>(std::move(places))) {}
+
+  // Appends the copy of the next bytes of the text, whole characters or not, to *copy, and where
+  // it put blanks to *paddings, which may be null.
+  void Copy(std::string_view bytes, std::string* copy, std::vector<Padding>* paddings = nullptr);
+  // Appends what the last line needs when no line end follows; returns how many blanks that are.
+  std::int64_t Finish(std::string* copy);
 
  private:
-  void Reach(std::string* copy);
+  std::int64_t MissingBlanks();
+  std::size_t CopyMark(std::string_view bytes);
   void BeginLine();
 
-  const std::vector<std::int64_t> places_;
+  // Copies of the padder go on from where it stands.
+  std::shared_ptr<const std::vector<std::int64_t>> places_;
   // Of the line: the next place; characters and bytes of the copy so far.
   std::size_t next_ = 0;
   std::int64_t characters_ = 0;

@@ -9,8 +9,17 @@ namespace {
 std::string Padded(const std::string& text, const std::vector<std::int64_t>& places) {
   std::string whole;
   ColumnPadder padder(places);
-  padder.Copy(text, &whole);
-  padder.Finish(&whole);
+  std::vector<ColumnPadder::Padding> paddings;
+  padder.Copy(text, &whole, &paddings);
+  if (const std::int64_t blanks = padder.Finish(&whole); blanks > 0) {
+    paddings.push_back({text.size(), blanks});
+  }
+  // The text with the blanks that were told is the copy.
+  std::string told = text;
+  for (auto padding = paddings.rbegin(); padding != paddings.rend(); ++padding) {
+    told.insert(padding->at, static_cast<std::size_t>(padding->blanks), ' ');
+  }
+  EXPECT_EQ(told, whole);
   std::string single;
   ColumnPadder other(places);
   for (const char byte : text) other.Copy({&byte, 1}, &single);

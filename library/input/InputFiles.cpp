@@ -60,9 +60,32 @@ std::string NotConverted(int code) {
                      std::strerror(code));
 }
 
+// The places of text that is padded again.
+void ReplayPadding(ColumnPadder padder, std::string_view bytes, std::int64_t file,
+                   std::int64_t copy, bool ends, std::vector<CopyMap::Run>* runs) {
+  std::string text;
+  std::vector<ColumnPadder::Padding> paddings;
+  padder.Copy(bytes, &text, &paddings);
+  if (const std::int64_t blanks = ends ? padder.Finish(&text) : 0; blanks > 0) {
+    paddings.push_back({bytes.size(), blanks});
+  }
+  std::size_t done = 0;
+  const auto copyUpTo = [&](std::size_t at) {
+    if (at > done) runs->push_back({copy, file + static_cast<std::int64_t>(done), 1, 1});
+    copy += static_cast<std::int64_t>(at - done);
+    done = at;
+  };
+  for (const ColumnPadder::Padding& padding : paddings) {
+    copyUpTo(padding.at);
+    runs->push_back({copy, file + static_cast<std::int64_t>(done), 1, 0});
+    copy += padding.blanks;
+  }
+  copyUpTo(bytes.size());
+}
+
 // Copies UTF-8 text with its columns padded; `offsets` become those of the copy.
 bool CopyPadded(int descriptor, const std::vector<std::int64_t>& places, SpoolFile& spool,
-                const std::vector<std::int64_t*>& offsets,
+                CopyMap& map, const std::vector<std::int64_t*>& offsets,
                 const std::function<bool(std::int64_t read)>& progress, std::string* problem) {
   ColumnPadder padder(places);
   std::vector<char> block(kBlock);
@@ -77,6 +100,13 @@ bool CopyPadded(int descriptor, const std::vector<std::int64_t>& places, SpoolFi
       return false;
     }
     ends = got == 0;
+    if (!ends || read == 0) {
+      map.AddStretch(read, written,
+                     [padder](std::string_view bytes, std::int64_t file, std::int64_t copied,
+                              bool isLast, std::vector<CopyMap::Run>* runs) {
+                       ReplayPadding(padder, bytes, file, copied, isLast, runs);
+                     });
+    }
     std::string_view rest(block.data(), static_cast<std::size_t>(got));
     copy.clear();
     for (; offset != offsets.end() && **offset <= read + got; ++offset) {
@@ -96,6 +126,7 @@ bool CopyPadded(int descriptor, const std::vector<std::int64_t>& places, SpoolFi
     written += static_cast<std::int64_t>(copy.size());
     if (!progress(read)) return false;
   }
+  map.End(read, written);
   return true;
 }
 
@@ -134,18 +165,22 @@ void InputFiles::Replace(const std::string& name, const Copy& copy, Input* input
   // What cannot be opened is said by whoever opens it.
   if (stored.get() < 0 || fstat(stored.get(), &status) != 0 || !S_ISREG(status.st_mode)) return;
   SpoolFile spool = SpoolFile::Create();
+  std::shared_ptr<CopyMap> map;
   if (!spool.IsOpen()) {
     input->problem = NotConverted(errno);
-  } else {
+  } else if (auto file = FileSource::Open(input->path, &input->problem); file != nullptr) {
+    map = std::make_shared<CopyMap>(std::move(file));
     const auto progress = [&](std::int64_t read) {
       if (progress_) progress_(read, status.st_size);
       return !embedded::AttentionRequested();
     };
-    const bool done = copy(stored.get(), spool, progress, &input->problem);
+    const bool done = copy(stored.get(), spool, *map, progress, &input->problem);
     if (!done && input->problem.empty()) input->problem = "interrupted";
   }
+  converted_ = true;
   if (input->problem.empty()) {
     input->path = spool.path();
+    input->copies.push_back(std::move(map));
     spools_.insert_or_assign(name, std::move(spool));
   } else {
     input->path = name + " (" + input->problem + ")";
@@ -154,7 +189,7 @@ void InputFiles::Replace(const std::string& name, const Copy& copy, Input* input
 
 void InputFiles::Convert(const std::string& name, const std::string& encoding, Input* input) {
   if (!input->problem.empty() || !input->transcodedFrom.empty()) return;
-  const Copy copy = [&](int descriptor, SpoolFile& spool,
+  const Copy copy = [&](int descriptor, SpoolFile& spool, CopyMap& map,
                         const std::function<bool(std::int64_t)>& progress, std::string* problem) {
     const TranscodingListener listener{.write =
                                            [&](std::string_view bytes, std::string* why) {
@@ -163,7 +198,7 @@ void InputFiles::Convert(const std::string& name, const std::string& encoding, I
                                              return false;
                                            },
                                        .progress = progress};
-    if (!library::Transcode(descriptor, encoding, listener, &input->undecodable, problem)) {
+    if (!library::Transcode(descriptor, encoding, listener, &input->undecodable, problem, &map)) {
       return false;
     }
     input->transcodedFrom = encoding;
@@ -175,9 +210,9 @@ void InputFiles::Convert(const std::string& name, const std::string& encoding, I
 void InputFiles::Pad(const std::string& name, const std::vector<std::int64_t>& places,
                      const std::vector<std::int64_t*>& offsets, Input* input) {
   if (!input->problem.empty() || !input->paddedAt.empty()) return;
-  const Copy copy = [&](int descriptor, SpoolFile& spool,
+  const Copy copy = [&](int descriptor, SpoolFile& spool, CopyMap& map,
                         const std::function<bool(std::int64_t)>& progress, std::string* problem) {
-    if (!CopyPadded(descriptor, places, spool, offsets, progress, problem)) return false;
+    if (!CopyPadded(descriptor, places, spool, map, offsets, progress, problem)) return false;
     input->paddedAt = places;
     return true;
   };

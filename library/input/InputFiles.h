@@ -5,12 +5,14 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "HostFramework/embedded/command/PipeSpools.h"
 #include "HostFramework/embedded/command/SpoolFile.h"
+#include "library/input/CopyMap.h"
 #include "library/input/Decompression.h"
 
 namespace library {
@@ -44,6 +46,9 @@ class InputFiles {
     std::int64_t undecodable = 0;
     // Where its columns are padded (ColumnPadder); empty where they stand as they are.
     std::vector<std::int64_t> paddedAt;
+    // Where it was converted or padded: the way back, of each copy to what it is a copy of, the
+    // first one to the file itself (a compressed one decompressed).
+    std::vector<std::shared_ptr<CopyMap>> copies;
   };
 
   // The input of the name "-" (standard input) or a path (host text); asked again, the same. The
@@ -64,10 +69,12 @@ class InputFiles {
     encoding_ = std::move(encoding);
     places_ = std::move(places);
   }
+  // Whether an input has been converted or padded, or will be.
+  bool converts() const { return converted_ || !encoding_.empty() || !places_.empty(); }
 
  private:
   // Copies what is open as the descriptor into a file; `progress` is asked whether to go on.
-  using Copy = std::function<bool(int descriptor, embedded::SpoolFile& spool,
+  using Copy = std::function<bool(int descriptor, embedded::SpoolFile& spool, CopyMap& map,
                                   const std::function<bool(std::int64_t read)>& progress,
                                   std::string* problem)>;
 
@@ -80,6 +87,7 @@ class InputFiles {
   const Progress progress_;
   std::string encoding_;
   std::vector<std::int64_t> places_;
+  bool converted_ = false;
   embedded::PipeSpools pipes_;
   std::map<std::string, Input> inputs_;  // by name
   std::map<std::string, embedded::SpoolFile> spools_;

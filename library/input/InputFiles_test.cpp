@@ -279,6 +279,14 @@ TEST_F(InputFilesTest, ColumnsArePaddedOnce) {
   EXPECT_EQ(end, static_cast<std::int64_t>(padded.size()));
   padded += "to      tal\n";
   EXPECT_EQ(ContentOf(input.path), padded);
+  // Lines and places lead back to the file, whichever is asked for.
+  ASSERT_EQ(input.copies.size(), 1u);
+  for (const int line : {0, 1, 17, 40000, 59999, 3}) {
+    EXPECT_EQ(FileOffset(input.copies, begin + line * 10), first + line * 5);
+    EXPECT_EQ(FileOffset(input.copies, begin + line * 10 + 8), first + line * 5 + 3);
+  }
+  EXPECT_EQ(FileOffset(input.copies, static_cast<std::int64_t>(padded.size())),
+            static_cast<std::int64_t>(text.size()));
   EXPECT_EQ(files.PadColumns(path, {2}, {}).path, input.path);
   EXPECT_EQ(files.Open(path).path, input.path);
 }
@@ -296,6 +304,12 @@ TEST_F(InputFilesTest, WhatIsConvertedCanBePaddedToo) {
   EXPECT_EQ(ContentOf(input.path),
             "\xC3\xA4"
             "b     1\n");
+  EXPECT_TRUE(files.converts());
+  ASSERT_EQ(input.copies.size(), 2u);
+  EXPECT_EQ(FileOffset(input.copies, 2), 2);
+  EXPECT_EQ(FileOffset(input.copies, 8), 4);
+  EXPECT_EQ(FileOffset(input.copies, 10), 8);
+  EXPECT_EQ(input.copies[0]->lineEnds().feed, std::string("\n\0", 2));
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
-#include <memory>
+#include <optional>
 #include <vector>
 
 #include <fmt/format.h>
@@ -10,21 +10,14 @@
 #include <unicode/ucnv_err.h>
 #include <unistd.h>
 
+#include "library/input/TranscodedMap.h"
+
 namespace library {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 18;
-
-struct CloseConverter {
-  void operator()(UConverter* converter) const { ucnv_close(converter); }
-};
-using Converter = std::unique_ptr<UConverter, CloseConverter>;
-
-Converter OpenConverter(const std::string& name) {
-  UErrorCode error = U_ZERO_ERROR;
-  Converter converter(ucnv_open(name.c_str(), &error));
-  return U_SUCCESS(error) ? std::move(converter) : nullptr;
-}
+// Of them, what may be a mark and shows what stands behind it.
+constexpr std::size_t kHeadBytes = 64;
 
 // Counts what is no character, and puts U+FFFD there.
 void Substitute(const void* context, UConverterToUnicodeArgs* arguments, const char* bytes,
@@ -59,7 +52,7 @@ bool NeedsTranscoding(const std::string& encoding) {
 }
 
 bool Transcode(int descriptor, const std::string& encoding, const TranscodingListener& listener,
-               std::int64_t* undecodable, std::string* problem) {
+               std::int64_t* undecodable, std::string* problem, CopyMap* map) {
   *undecodable = 0;
   const Converter from = OpenConverter(encoding);
   const Converter to = OpenConverter("UTF-8");
@@ -76,6 +69,7 @@ bool Transcode(int descriptor, const std::string& encoding, const TranscodingLis
   UChar* pivotTarget = pivot.data();
   std::int64_t read = 0;
   bool begins = true;
+  std::optional<TranscodedMap> mapped;
   for (bool ends = false; !ends;) {
     const ssize_t got = pread(descriptor, source.data(), source.size(), read);
     if (got < 0) {
@@ -84,6 +78,11 @@ bool Transcode(int descriptor, const std::string& encoding, const TranscodingLis
     }
     ends = got == 0;
     read += got;
+    const std::string_view block(source.data(), static_cast<std::size_t>(got));
+    if (map != nullptr && !mapped) mapped.emplace(encoding, block.substr(0, kHeadBytes), map);
+    if (mapped) mapped->Begin(from.get());
+    std::int64_t textBytes = 0;
+    char last = '\0';
     const char* bytes = source.data();
     do {
       error = U_ZERO_ERROR;
@@ -98,9 +97,13 @@ bool Transcode(int descriptor, const std::string& encoding, const TranscodingLis
       }
       const auto length = static_cast<std::size_t>(text - target.data());
       if (length > 0 && !listener.write({target.data(), length}, problem)) return false;
+      textBytes += static_cast<std::int64_t>(length);
+      if (length > 0) last = target[length - 1];
     } while (error == U_BUFFER_OVERFLOW_ERROR);
+    if (mapped) mapped->Converted(block, textBytes, last);
     if (!listener.progress(read)) return false;
   }
+  if (mapped) mapped->End();
   return true;
 }
 

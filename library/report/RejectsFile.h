@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "HostFramework/ImportObserver.h"
 #include "library/input/ByteSource.h"
+#include "library/input/LineEndBytes.h"
 #include "library/outputs/ByteSink.h"
 
 namespace library {
@@ -16,7 +18,9 @@ namespace library {
 // copy alike. One thread; data and sink outlive it.
 class RejectsFile {
  public:
-  RejectsFile(ByteSource& data, ByteSink& sink);
+  // `ends`: how the data writes them.
+  RejectsFile(ByteSource& data, ByteSink& sink, LineEndBytes ends = {})
+      : data_(data), sink_(sink), ends_(std::move(ends)) {}
 
   // The head goes on up to `end`. Before any case.
   void CopyHead(std::int64_t end);
@@ -31,20 +35,16 @@ class RejectsFile {
   const std::string& problem() const { return problem_; }
 
  private:
-  enum class Width { kEightBit, kLittleEndian, kBigEndian };
-
   void CopyPending();
-  void NoteMark();
-  std::string_view LineFeed() const;
   void NoteEnd(std::string_view written);
-  // The unit of the file that begins at `offset` is a LF; false at the end of the data.
+  // A LF begins at `offset`; false at the end of the data.
   bool IsLineFeedAt(std::int64_t offset);
 
   ByteSource& data_;
   ByteSink& sink_;
+  const LineEndBytes ends_;
   std::string problem_;
   std::string block_;
-  Width width_ = Width::kEightBit;
   // Stretch that is to be copied.
   std::int64_t begin_ = 0;
   std::int64_t end_ = 0;

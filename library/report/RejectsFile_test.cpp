@@ -7,6 +7,7 @@
 namespace library {
 namespace {
 
+using namespace std::string_literals;
 using namespace std::string_view_literals;
 
 class RejectsFileTest : public testing::Test {
@@ -16,9 +17,13 @@ class RejectsFileTest : public testing::Test {
     std::int64_t end;
   };
   std::string Copied(std::string_view data, std::int64_t head, const std::vector<Span>& cases) {
+    return Copied(data, head, cases, LineEndsOf(data));
+  }
+  std::string Copied(std::string_view data, std::int64_t head, const std::vector<Span>& cases,
+                     const LineEndBytes& ends) {
     MemorySource source(data, true);
     TextSink sink;
-    RejectsFile rejects(source, sink);
+    RejectsFile rejects(source, sink, ends);
     if (head > 0) rejects.CopyHead(head);
     std::int64_t number = 0;
     for (const Span& span : cases) rejects.CopyCase({++number, 1, span.begin, span.end});
@@ -72,6 +77,31 @@ TEST_F(RejectsFileTest, ALineEndOfA16BitFileIsOne) {
             "\xFE\xFF"
             "\0"
             "3\0\n"sv);
+}
+
+TEST_F(RejectsFileTest, LineEndsAreThoseOfTheText) {
+  // 16 bits without a mark: every record ends its line.
+  const auto little =
+      "1\0\n\0"
+      "2\0\n\0"
+      "3\0\n\0"sv;
+  const LineEndBytes ofLittle = LineEndsOf("\xFF\xFE");
+  EXPECT_EQ(Copied(little, 0, {{0, 4}, {8, 12}}, ofLittle),
+            "1\0\n\0"
+            "3\0\n\0"sv);
+  EXPECT_EQ(Copied(little, 0, {{0, 2}, {8, 12}}, ofLittle),
+            "1\0\n\0"
+            "3\0\n\0"sv);
+  const auto wide =
+      "1\0\0\0\n\0\0\0"
+      "2\0\0\0 \0\0\0"
+      "3\0\0\0"sv;
+  EXPECT_EQ(Copied(wide, 0, {{0, 8}, {16, 20}}, {"\n\0\0\0"s, "\r\0\0\0"s}),
+            "1\0\0\0\n\0\0\0"
+            "3\0\0\0"sv);
+  EXPECT_EQ(Copied(wide, 0, {{8, 12}, {16, 20}}, {"\n\0\0\0"s, "\r\0\0\0"s}),
+            "2\0\0\0\n\0\0\0"
+            "3\0\0\0"sv);
 }
 
 TEST_F(RejectsFileTest, LineEndsOfTwoRecordsStayTwo) {
