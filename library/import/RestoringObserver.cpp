@@ -1,5 +1,7 @@
 #include "library/import/RestoringObserver.h"
 
+#include <algorithm>
+
 namespace library {
 
 RestoringObserver::RestoringObserver(ImportObserver* observer, const ShownFile& file,
@@ -50,7 +52,13 @@ void RestoringObserver::OnProblemCase(const ImportCaseSpan& span) {
   observer().OnProblemCase(restored);
 }
 
+void RestoringObserver::OnPassBegin() {
+  begin_ = -1;
+  observer().OnPassBegin();
+}
+
 void RestoringObserver::OnSpan(const ImportSpan& span) {
+  if (begin_ < 0) begin_ = span.offset;
   // A mark that the file has not.
   if (span.kind == ImportSpan::kMark && file_.markBytes() > 0) return;
   ImportSpan restored = span;
@@ -60,7 +68,8 @@ void RestoringObserver::OnSpan(const ImportSpan& span) {
 
 void RestoringObserver::OnPassEnd(const ImportPassEnd& end) {
   ImportPassEnd restored = end;
-  restored.bytes = file_.FileOffset(end.bytes);
+  const std::int64_t begin = std::max<std::int64_t>(0, begin_);
+  restored.bytes = file_.FileOffset(begin + end.bytes) - file_.FileOffset(begin);
   observer().OnPassEnd(restored);
 }
 

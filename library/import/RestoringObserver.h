@@ -2,6 +2,7 @@
 // the component was shown another.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,6 +30,7 @@ class RestoringObserver final : public ForwardingObserver {
   bool KeepsStrayQualifiers() const override;
 
   void OnEvidence(std::size_t variable, const ImportEvidence& evidence) override;
+  void OnPassBegin() override;
   void OnProblem(const ImportProblem& problem) override;
   void OnProblemCase(const ImportCaseSpan& span) override;
   void OnSpan(const ImportSpan& span) override;
@@ -45,6 +47,8 @@ class RestoringObserver final : public ForwardingObserver {
   std::optional<TextRestorer> texts_;
   std::optional<CaseRestorer> cases_;
   std::string room_;
+  // Where the pass begins in what is shown, once it is known; negative before.
+  std::int64_t begin_ = -1;
 };
 
 }  // namespace library

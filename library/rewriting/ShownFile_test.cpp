@@ -204,6 +204,12 @@ TEST_F(ShownFileTest, TheObserverIsToldOfTheFileItself) {
   end.bytes = 34;
   observer.OnPassEnd(end);
   EXPECT_EQ(events.bytes, 32);
+  // A part behind the mark has the bytes that it is told.
+  observer.OnPassBegin();
+  observer.OnSpan({ImportSpan::kRecords, 18, 16, 1, 2, 0});
+  end.bytes = 16;
+  observer.OnPassEnd(end);
+  EXPECT_EQ(events.bytes, 16);
   ImportEvidence evidence;
   evidence.longest = {3, 2,
                       "c\x01"

@@ -151,6 +151,27 @@ TEST_F(Parts, WithoutSummariesReadWhatStandsBefore) {
   EXPECT_EQ(joined, cases);
 }
 
+TEST_F(Parts, OfUtf16WithoutAMarkHaveTheirBytes) {
+  std::string wide;
+  for (const char byte : std::string("a;b\n1;x\nbad;y\n3;z\n")) wide += {byte, '\0'};
+  folder_.Write("wide.csv", wide);
+  folder_.Write("c.sps",
+                "GET DATA /TYPE=TXT /FILE='wide.csv' /DELIMITERS=';' /FIRSTCASE=2 "
+                "/VARIABLES=a F3 b A3.");
+  const auto part = [&](const std::string& range) {
+    return Run({"run", "c.sps", "--byte-order-mark", "utf-16le", "--part", range, "--dictionary",
+                "d.json", "--problems", "p.csv", "--quiet"});
+  };
+  EXPECT_EQ(part("0-16").status, 0);
+  EXPECT_EQ(Json("d.json")["ledger"]["bytes"], 16);
+  EXPECT_EQ(Json("d.json")["ledger"]["skipped"], 8);
+  const Ended second = part("16-36");
+  EXPECT_EQ(second.status, 0) << second.err;
+  EXPECT_EQ(Json("d.json")["ledger"]["bytes"], 20);
+  EXPECT_EQ(Json("d.json")["cases"], 2);
+  EXPECT_THAT(folder_.Text("p.csv"), HasSubstr("\nunreadable,2,3,16,a,F3,bad,"));
+}
+
 TEST_F(Parts, OfAFileThatChangedAreRefused) {
   const std::string text = WriteTable("table.csv");
   ASSERT_EQ(MergedCommand("table.csv", 2).substr(0, 8), "GET DATA");
