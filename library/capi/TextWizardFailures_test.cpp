@@ -82,6 +82,17 @@ TEST_F(TextWizardFailures, ArgumentsThatAreNoneAreRefused) {
   options_ = Defaults<textwizard_options>();
   options_.decimal = ';';
   EXPECT_THAT(Import::OpenCommand("x", &options_).error().text(), HasSubstr("decimal"));
+  options_ = Defaults<textwizard_options>();
+  options_.byte_order_mark = "utf-8";
+  EXPECT_THAT(Import::OpenCommand("x", &options_).error().text(),
+              StartsWith("byte_order_mark is \"utf-8\""));
+  options_ = Defaults<textwizard_options>();
+  options_.transcode = "none such";
+  EXPECT_EQ(Import::OpenCommand("x", &options_).error().text(), "there is no encoding none such");
+  options_ = Defaults<textwizard_options>();
+  options_.pad_columns = "5,5";
+  EXPECT_THAT(Import::OpenCommand("x", &options_).error().text(),
+              StartsWith("pad_columns is \"5,5\""));
 }
 
 TEST_F(TextWizardFailures, AnOlderCallersStructIsShorter) {

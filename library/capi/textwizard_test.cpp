@@ -265,6 +265,59 @@ TEST_F(TextWizard, LineBreaksWithinQuotesStayInTheValues) {
               ElementsAre(ElementsAre("1.0", "two\nlines"), ElementsAre("2.0", "one")));
 }
 
+TEST_F(TextWizard, AMarkThatTheFileLacksIsShown) {
+  std::string wide;
+  for (const char byte : std::string("1,a\nx,b\n")) wide += {byte, '\0'};
+  folder_.Write("data.csv", wide);
+  options_.byte_order_mark = "utf-16le";
+  auto import = Import::OpenCommand(Command("n F4.0 s A9"), &options_);
+  ASSERT_TRUE(import) << import.error().text();
+  EXPECT_THAT(Rows(import->Cases()),
+              ElementsAre(ElementsAre("1.0", "a"), ElementsAre("(null)", "b")));
+  const auto problems = Rows(import->Problems());
+  ASSERT_EQ(problems.size(), 1U);
+  EXPECT_EQ(problems[0][3], "8") << "the offset in the file";
+}
+
+TEST_F(TextWizard, AFileIsConvertedFromItsEncoding) {
+  std::string wide("\xFF\xFE\0\0", 4);
+  for (const char byte : std::string("1,a\nx,\xFC\n")) wide += {byte, '\0', '\0', '\0'};
+  folder_.Write("data.csv", wide);
+  options_.transcode = "UTF-32";
+  auto import =
+      Import::OpenCommand(Command("n F4.0 s A9", "data.csv", "/ENCODING='UTF8'"), &options_);
+  ASSERT_TRUE(import) << import.error().text();
+  EXPECT_THAT(Rows(import->Cases()),
+              ElementsAre(ElementsAre("1.0", "a"), ElementsAre("(null)", "\xC3\xBC")));
+  const auto problems = Rows(import->Problems());
+  ASSERT_EQ(problems.size(), 1U);
+  EXPECT_EQ(problems[0][3], "20");
+  const auto ledger = nlohmann::json::parse(import->Ledger());
+  EXPECT_EQ(ledger["bytes"], wide.size());
+  EXPECT_EQ(ledger["mark"], 4);
+}
+
+TEST_F(TextWizard, ColumnsArePadded) {
+  const std::string text =
+      "\xC5\x81\xC3\xB3"
+      "d   12\nabcd  x\n";
+  folder_.Write("data.csv", text);
+  options_.pad_columns = "7";
+  auto import = Import::OpenCommand("GET DATA /TYPE=TXT /FILE='" + (folder_ / "data.csv") +
+                                        "' /ENCODING='UTF8' /ARRANGEMENT=FIXED /VARIABLES=s 0-23 "
+                                        "A24 n 24-31 F8.0.",
+                                    &options_);
+  ASSERT_TRUE(import) << import.error().text();
+  EXPECT_THAT(Rows(import->Cases()), ElementsAre(ElementsAre("\xC5\x81\xC3\xB3"
+                                                             "d",
+                                                             "12.0"),
+                                                 ElementsAre("abcd", "(null)")));
+  const auto problems = Rows(import->Problems());
+  ASSERT_EQ(problems.size(), 1U);
+  EXPECT_EQ(problems[0][3], "17");
+  EXPECT_EQ(nlohmann::json::parse(import->Ledger())["bytes"], text.size());
+}
+
 TEST_F(TextWizard, ABareFileThatIsNoneIsSaid) {
   EXPECT_EQ(Import::OpenFile(folder_ / "none.csv").error().status(), TEXTWIZARD_FILE);
   folder_.Write("picture.png", std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR", 16));
