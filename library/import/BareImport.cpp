@@ -79,6 +79,8 @@ bool Understanding::Look() {
     return !NeedsTranscoding(import_.sniff.encoding.value) || Transcode(nullptr);
   }
   const SniffSettings sniff = HowToSniff();
+  // What is given needs not look like text before it is converted.
+  if (sniff.encoding && NeedsTranscoding(*sniff.encoding)) import_.transcoding = *sniff.encoding;
   if (!import_.transcoding.empty()) return Transcode(&sniff);
   if (!SniffPath(sniff)) return false;
   return !NeedsTranscoding(import_.sniff.encoding.value) || Transcode(&sniff);
@@ -120,9 +122,13 @@ bool Understanding::Transcode(const SniffSettings* sniff) {
       evidence += fmt::format(", {} time{} bytes that are no character", input.undecodable,
                               input.undecodable == 1 ? "" : "s");
     }
+    if (!input.copies.empty()) {
+      CopyMap& file = *input.copies.front();
+      import_.sniff.fileSize = file.file().Size();
+      if (again) import_.sniff.byteOrderMark = file.markBytes() > 0;
+    }
     if (!again) {
       import_.sniff.byteOrderMark = before.byteOrderMark;
-      import_.sniff.fileSize = before.fileSize;
       import_.sniff.verdict = std::min(import_.sniff.verdict, before.verdict);
     }
   }

@@ -4,6 +4,7 @@
 #include <array>
 #include <vector>
 
+#include <unicode/ucnv_cb.h>
 #include <unicode/ucnv_err.h>
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
@@ -13,6 +14,15 @@ namespace {
 
 // Of a file, between two places that the map notes.
 constexpr std::int64_t kStretch = std::int64_t{1} << 19;
+
+// Counts what is no character, unless the context is null, and puts the sign for it there.
+void PutNoCharacter(const void* context, UConverterToUnicodeArgs* arguments, const char*, int32_t,
+                    UConverterCallbackReason reason, UErrorCode* error) {
+  if (reason > UCNV_IRREGULAR) return;
+  if (context != nullptr) ++*static_cast<std::int64_t*>(const_cast<void*>(context));
+  *error = U_ZERO_ERROR;
+  ucnv_cbToUWriteUChars(arguments, &kNoCharacter, 1, 0, error);
+}
 
 // Runs of characters that are added one by one.
 class RunBuilder {
@@ -59,7 +69,8 @@ void Replay(Converter converter, std::string_view bytes, std::int64_t file, std:
   for (std::size_t i = 0; i < count; ++i) {
     const UChar unit = units[i];
     const bool isPair = U16_IS_LEAD(unit) && i + 1 < count && U16_IS_TRAIL(units[i + 1]);
-    const int copyBytes = isPair ? 4 : U8_LENGTH(unit);
+    const bool isNone = U16_IS_SURROGATE(unit) && !isPair;
+    const int copyBytes = isPair ? 4 : isNone ? 1 : U8_LENGTH(unit);
     const std::int64_t begin = file + places[i];
     builder.Add(copy, lineBegin >= 0 ? lineBegin : begin, copyBytes);
     copy += copyBytes;
@@ -72,8 +83,8 @@ Converter Clone(const UConverter* converter) {
   UErrorCode error = U_ZERO_ERROR;
   Converter clone(ucnv_clone(converter, &error));
   if (U_FAILURE(error)) return nullptr;
-  ucnv_setToUCallBack(clone.get(), UCNV_TO_U_CALLBACK_SUBSTITUTE, nullptr, nullptr, nullptr,
-                      &error);
+  // Nothing is counted twice.
+  ucnv_setToUCallBack(clone.get(), PutNoCharacter, nullptr, nullptr, nullptr, &error);
   return U_SUCCESS(error) ? std::move(clone) : nullptr;
 }
 
@@ -91,9 +102,12 @@ std::string Encoded(UConverter* converter, UChar end, std::size_t unitBytes) {
 
 }  // namespace
 
-Converter OpenConverter(const std::string& name) {
+Converter OpenConverter(const std::string& name, std::int64_t* undecodable) {
   UErrorCode error = U_ZERO_ERROR;
   Converter converter(ucnv_open(name.c_str(), &error));
+  if (U_SUCCESS(error)) {
+    ucnv_setToUCallBack(converter.get(), PutNoCharacter, undecodable, nullptr, nullptr, &error);
+  }
   return U_SUCCESS(error) ? std::move(converter) : nullptr;
 }
 

@@ -18,8 +18,14 @@ struct CloseConverter {
 };
 using Converter = std::unique_ptr<UConverter, CloseConverter>;
 
-// Of an encoding by its name; null for one that ICU does not know.
-Converter OpenConverter(const std::string& name);
+// Of an encoding by its name, to read from; null for one that ICU does not know. What is no
+// character becomes kNoCharacter; *undecodable, which may be null and else outlives it, counts
+// that.
+Converter OpenConverter(const std::string& name, std::int64_t* undecodable = nullptr);
+// Half of a pair, which no text has.
+constexpr UChar kNoCharacter = 0xDC00;
+// The byte for it in the text, which UTF-8 does not have: whoever reads the text finds it there.
+constexpr char kNoCharacterByte = '\xFF';
 
 // Notes, while a file is converted, what its map needs. One thread.
 class TranscodedMap {

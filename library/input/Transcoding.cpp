@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 #include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
 #include <unicode/ucnv_err.h>
 #include <unistd.h>
 
@@ -19,11 +20,12 @@ constexpr std::size_t kBlock = std::size_t{1} << 18;
 // Of them, what may be a mark and shows what stands behind it.
 constexpr std::size_t kHeadBytes = 64;
 
-// Counts what is no character, and puts U+FFFD there.
-void Substitute(const void* context, UConverterToUnicodeArgs* arguments, const char* bytes,
-                int32_t length, UConverterCallbackReason reason, UErrorCode* error) {
-  if (reason <= UCNV_IRREGULAR) ++*static_cast<std::int64_t*>(const_cast<void*>(context));
-  UCNV_TO_U_CALLBACK_SUBSTITUTE(nullptr, arguments, bytes, length, reason, error);
+// The byte for what is no character.
+void WriteNoCharacter(const void*, UConverterFromUnicodeArgs* arguments, const UChar*, int32_t,
+                      UChar32, UConverterCallbackReason reason, UErrorCode* error) {
+  if (reason > UCNV_IRREGULAR) return;
+  *error = U_ZERO_ERROR;
+  ucnv_cbFromUWriteBytes(arguments, &kNoCharacterByte, 1, 0, error);
 }
 
 }  // namespace
@@ -54,14 +56,14 @@ bool NeedsTranscoding(const std::string& encoding) {
 bool Transcode(int descriptor, const std::string& encoding, const TranscodingListener& listener,
                std::int64_t* undecodable, std::string* problem, CopyMap* map) {
   *undecodable = 0;
-  const Converter from = OpenConverter(encoding);
+  const Converter from = OpenConverter(encoding, undecodable);
   const Converter to = OpenConverter("UTF-8");
   if (from == nullptr || to == nullptr) {
     *problem = fmt::format("there is no encoding {}", encoding);
     return false;
   }
   UErrorCode error = U_ZERO_ERROR;
-  ucnv_setToUCallBack(from.get(), Substitute, undecodable, nullptr, nullptr, &error);
+  ucnv_setFromUCallBack(to.get(), WriteNoCharacter, nullptr, nullptr, nullptr, &error);
   std::vector<char> source(kBlock);
   std::vector<char> target(kBlock);
   std::vector<UChar> pivot(kBlock);

@@ -26,10 +26,10 @@ struct TranscodingListener {
 };
 
 // Reads the file that is open as `descriptor` from its start as text of the encoding (a name that
-// ICU knows) and gives it as UTF-8. Bytes that are no character become U+FFFD; *undecodable is how
-// often. False when it was not read to its end; *problem is then a sentence (UTF-8) that says why,
-// empty where the listener ended it. `map`, unless null, gets the way back from the text to the
-// file.
+// ICU knows) and gives it as UTF-8. Bytes that are no character become a byte that is none in UTF-8
+// either, so that whoever reads the text finds them there; *undecodable is how often. False when it
+// was not read to its end; *problem is then a sentence (UTF-8) that says why, empty where the
+// listener ended it. `map`, unless null, gets the way back from the text to the file.
 bool Transcode(int descriptor, const std::string& encoding, const TranscodingListener& listener,
                std::int64_t* undecodable, std::string* problem, CopyMap* map = nullptr);
 

@@ -72,11 +72,11 @@ TEST_F(TranscodingTest, CharactersAcrossBlocksAreWhole) {
 
 TEST_F(TranscodingTest, WhatIsNoCharacterIsCounted) {
   EXPECT_EQ(Utf8(std::string("a\0\0\0\0\0\x11\0b\0\0\0", 12), "UTF-32LE"),
-            "a\xEF\xBF\xBD"
+            "a\xFF"
             "b");
   EXPECT_EQ(undecodable_, 1);
   // The last character is not all there.
-  EXPECT_EQ(Utf8(std::string("a\0\0\0b\0", 6), "UTF-32LE"), "a\xEF\xBF\xBD");
+  EXPECT_EQ(Utf8(std::string("a\0\0\0b\0", 6), "UTF-32LE"), "a\xFF");
   EXPECT_EQ(undecodable_, 1);
 }
 

@@ -184,6 +184,25 @@ TEST_F(RunCopies, TheLedgerBalancesWhateverIsRead) {
                 Encoded("\r\n3\r\n4;\xC3\x85rhus\r\n\xE4\xBA\x8C;Oslo\r\n", "UTF-32LE").size()));
 }
 
+TEST_F(RunCopies, BytesThatAreNoCharacterAreProblems) {
+  const std::string data = Encoded("a;b\n1;x\n2;y", "UTF-32LE") + std::string("\0\0\x11\0", 4) +
+                           Encoded("z\n3;\xEF\xBF\xBD\n", "UTF-32LE");
+  RunOn(data, kDelimited, {"--transcode", "UTF-32LE"});
+  ASSERT_EQ(problems_.size(), 1u) << "U+FFFD in the file is a character";
+  EXPECT_EQ(problems_[0]["kind"], "undecodable");
+  EXPECT_EQ(problems_[0]["line"], 3);
+  EXPECT_EQ(problems_[0]["text"], "y\xEF\xBF\xBDz");
+  EXPECT_EQ(TextAt(data, 0, 4), Encoded("y", "UTF-32LE"));
+  EXPECT_EQ(folder_.Text("rejects"), data.substr(0, 16) + data.substr(32, 24));
+  folder_.Write("data", data);
+  EXPECT_EQ(Quiet(kDelimited, {"--transcode", "UTF-32LE", "--strict"}).status, 1);
+  // The encoding that is given is taken, though the file hardly looks like it.
+  const Ended import = Run({"import", "data", "--encoding", "UTF-32LE", "-o", "o.csv"});
+  EXPECT_EQ(import.status, 0) << import.err;
+  EXPECT_THAT(import.out, HasSubstr(std::to_string(data.size()) + " bytes\n"));
+  EXPECT_THAT(import.out, HasSubstr("\nb         undecodable      1           3  y"));
+}
+
 TEST_F(RunCopies, LinesThatAreJoinedAreFoundToo) {
   const std::string data =
       Encoded("a;b\n1;\"x\ny\"\nz;\"\xC3\xBC\n\"\n", "UTF-32LE", std::string("\xFF\xFE\0\0", 4));
