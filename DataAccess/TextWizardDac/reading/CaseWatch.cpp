@@ -91,6 +91,21 @@ void CaseWatch::StartBatch(WatchedBatch& batch, bool notesEnds) {
 
 // Fields.
 
+void CaseWatch::KeepFinding(std::uint32_t variable, Kind kind, std::string_view field) {
+  // Member by member: a copy of what was just put together would have to wait for its parts.
+  Finding& finding = findings_.emplace_back();
+  finding.variable = variable;
+  finding.kind = kind;
+  finding.field = field;
+  odd_ = true;
+}
+
+void CaseWatch::TakeBlankUnread(std::uint32_t variable, std::string_view field) {
+  if (WithoutBlanks(field).empty()) return TakeNothing(field);
+  ++cells_.unreadable;
+  TakeFinding(variable, Kind::kUnreadable, field);
+}
+
 void CaseWatch::TakeLong(std::uint32_t variable, std::string_view field, std::uint32_t format,
                          double value) {
   if (IsNumberFormat(format) && IsRounded(field, value)) {

@@ -68,9 +68,7 @@ class CaseWatch {
   // The same in parts: of a number that could not be read, and of one of kRoundedDigits bytes or
   // more. There is nothing to tell of others.
   void TakeUnread(std::uint32_t variable, std::string_view field) {
-    const bool hasText =
-        !field.empty() && (!IsBlankCharacter(field.front()) || !WithoutBlanks(field).empty());
-    if (!hasText) return TakeNothing(field);
+    if (field.empty() || IsBlankCharacter(field.front())) return TakeBlankUnread(variable, field);
     ++cells_.unreadable;
     TakeFinding(variable, ImportProblemKind::kUnreadable, field);
   }
@@ -147,8 +145,8 @@ class CaseWatch {
   // What the conversion of a field came to that has to be looked at with its record; the field as
   // it was cut, which need not be there any more unless it lies in the record.
   struct Finding {
-    std::uint32_t variable;
-    ImportProblemKind kind;
+    std::uint32_t variable = 0;
+    ImportProblemKind kind = {};
     std::string_view field;
   };
   // A problem of the case in hand, by whose members the problems of a case are ordered.
@@ -169,12 +167,13 @@ class CaseWatch {
   // Of a problem whose details nobody asks for there is nothing to keep.
   void TakeFinding(std::uint32_t variable, ImportProblemKind kind, std::string_view field) {
     const std::uint32_t code = ProblemCode(kind, columns_[variable]);
-    if (!notesCases_ && !batch_->problems.WantsDetail(code)) {
-      return batch_->problems.Add(case_, code);
+    if (notesCases_ || !batch_->problems.AddCounted(case_, code)) {
+      KeepFinding(variable, kind, field);
     }
-    findings_.push_back({variable, kind, field});
-    odd_ = true;
   }
+  // Of one that has not been counted.
+  void KeepFinding(std::uint32_t variable, ImportProblemKind kind, std::string_view field);
+  void TakeBlankUnread(std::uint32_t variable, std::string_view field);
   void TakeLong(std::uint32_t variable, std::string_view field, std::size_t width);
   // A field that is empty, blank, or not there.
   void TakeNothing(std::string_view field) {
@@ -215,8 +214,13 @@ class CaseWatch {
   void Flush();
   void EndCells() {
     if ((cells_.empty | cells_.null | cells_.unreadable | cells_.absent) == 0) return;
-    cells_.record = case_;
-    batch_->cells.push_back(cells_);
+    // Member by member: a copy as a whole would have to wait for what was counted last.
+    WatchedBatch::CellsNotRead& cells = batch_->cells.emplace_back();
+    cells.record = case_;
+    cells.empty = cells_.empty;
+    cells.null = cells_.null;
+    cells.unreadable = cells_.unreadable;
+    cells.absent = cells_.absent;
     cells_ = {};
   }
 

@@ -64,9 +64,8 @@ void CaseWatch::EndFound(const WatchedRecord& record) {
     const std::uint32_t code = ProblemCode(finding.kind, columns_[finding.variable]);
     if (problems.WantsDetail(code)) {
       const auto offset = static_cast<std::int64_t>(fields_.OffsetOf(finding.field));
-      problems.Add(case_, code,
-                   {record.place.line, record.place.begin + offset,
-                    AmountOf(finding.kind, finding.field), problems.KeepNew(finding.field)});
+      problems.Add(case_, code, record.place.line, record.place.begin + offset,
+                   AmountOf(finding.kind, finding.field), problems.KeepNew(finding.field));
     } else {
       problems.Add(case_, code);
     }

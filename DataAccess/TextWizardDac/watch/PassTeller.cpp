@@ -4,6 +4,12 @@
 #include <utility>
 
 namespace textwizard {
+namespace {
+
+// Problems that are brought nearer before their turn comes.
+constexpr std::size_t kAhead = 48;
+
+}  // namespace
 
 PassTeller::PassTeller(ImportObserver& observer, std::size_t variables, bool fixedColumns)
     : observer_(observer),
@@ -61,12 +67,7 @@ void PassTeller::TellNoted() {
 
 void PassTeller::TellCase(std::uint32_t record) {
   // Details are missing only of problems that nobody is told of.
-  const NotedProblems& noted = batch_->problems;
-  for (; nextDetail_ < noted.details().size(); ++nextDetail_) {
-    const NotedProblems::Problem& problem = noted.ProblemOf(nextDetail_);
-    if (problem.record != record) break;
-    TellProblem(problem, noted.details()[nextDetail_]);
-  }
+  TellProblems(record);
   const auto& cases = batch_->cases;
   if (nextProblemCase_ < cases.size() && cases[nextProblemCase_].record == record) {
     const WatchedBatch::ProblemCase& bytes = cases[nextProblemCase_++];
@@ -86,15 +87,37 @@ void PassTeller::TellCase(std::uint32_t record) {
   observer_.OnCells(counts);
 }
 
-void PassTeller::TellProblem(const NotedProblems::Problem& problem,
-                             const NotedProblems::Detail& detail) {
-  if (told_[problem.code] && toldProblems_ >= problemLimit_) return;
+void PassTeller::TellProblems(std::uint32_t record) {
+  std::size_t count = 0;
+  const NotedProblems& noted = batch_->problems;
+  const std::int64_t caseNumber = firstCase_ + record + 1;
+  for (const std::size_t end = noted.details().size(); nextDetail_ < end; ++nextDetail_) {
+    const NotedProblems::Problem& problem = noted.ProblemOf(nextDetail_);
+    if (problem.record != record) break;
+    if (!Tells(problem)) continue;
+    const NotedProblems::Detail& detail = noted.details()[nextDetail_];
+    // Another processor has written it.
+    if (end - nextDetail_ > kAhead) __builtin_prefetch(&detail + kAhead);
+    // Member by member: a copy of what was just put together would have to wait for its parts.
+    ImportProblem& told = together_[count++];
+    told.kind = KindOf(problem.code);
+    told.variable = VariableOf(problem.code);
+    told.caseNumber = caseNumber;
+    told.line = detail.line + runLines_;
+    told.byte = detail.byte;
+    told.amount = detail.amount;
+    told.text = noted.TextOf(detail);
+    if (count == together_.size()) observer_.OnProblems(together_.data(), std::exchange(count, 0));
+  }
+  if (count > 0) observer_.OnProblems(together_.data(), count);
+}
+
+bool PassTeller::Tells(const NotedProblems::Problem& problem) {
+  if (told_[problem.code] && toldProblems_ >= problemLimit_) return false;
   told_[problem.code] = 1;
   ++toldProblems_;
   if (toldProblems_ >= problemLimit_) limitReached_.store(true, std::memory_order_relaxed);
-  observer_.OnProblem({KindOf(problem.code), VariableOf(problem.code),
-                       firstCase_ + problem.record + 1, detail.line + runLines_, detail.byte,
-                       detail.amount, batch_->problems.TextOf(detail)});
+  return true;
 }
 
 void PassTeller::CountProblems() {
@@ -129,13 +152,18 @@ void PassTeller::EndBatch(std::int64_t runLines) {
             stretch.droppedBytes);
     records_ += records;
   }
+  ImportCellCounts sums;
   for (const WatchedBatch::CellsNotRead& cells : batch_->cells) {
     if (cells.record >= delivered_) break;
-    cells_.empty += cells.empty;
-    cells_.null += cells.null;
-    cells_.unreadable += cells.unreadable;
-    cells_.absent += cells.absent;
+    sums.empty += cells.empty;
+    sums.null += cells.null;
+    sums.unreadable += cells.unreadable;
+    sums.absent += cells.absent;
   }
+  cells_.empty += sums.empty;
+  cells_.null += sums.null;
+  cells_.unreadable += sums.unreadable;
+  cells_.absent += sums.absent;
   for (const WatchedBatch::BeyondColumn& text : batch_->beyondColumn) {
     if (text.record >= delivered_) break;
     ++textsBeyondColumn_[text.variable];

@@ -2,6 +2,7 @@
 // delivered, and keeps what only the pass as a whole shows.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -42,7 +43,9 @@ class PassTeller {
  private:
   void TellNoted();
   void TellCase(std::uint32_t record);
-  void TellProblem(const NotedProblems::Problem& problem, const NotedProblems::Detail& detail);
+  void TellProblems(std::uint32_t record);
+  // False for one that is beyond the limit.
+  bool Tells(const NotedProblems::Problem& problem);
   void FindNoted();
   // Counts the problems of the cases that were delivered.
   void CountProblems();
@@ -81,6 +84,8 @@ class PassTeller {
   // The next case that there is something to tell of.
   std::uint32_t nextNoted_ = UINT32_MAX;
   std::size_t nextDetail_ = 0;
+  // Problems that are told at once.
+  std::array<ImportProblem, 32> together_{};
   std::size_t nextProblemCase_ = 0;
   std::size_t nextCells_ = 0;
 };

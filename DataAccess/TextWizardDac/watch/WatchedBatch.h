@@ -26,11 +26,11 @@ class WatchedBatch {
   };
   // A case with cells that were not read.
   struct CellsNotRead {
-    std::uint32_t record;
-    std::uint32_t empty;
-    std::uint32_t null;
-    std::uint32_t unreadable;
-    std::uint32_t absent;
+    std::uint32_t record = 0;
+    std::uint32_t empty = 0;
+    std::uint32_t null = 0;
+    std::uint32_t unreadable = 0;
+    std::uint32_t absent = 0;
   };
   struct ProblemCase {
     std::uint32_t record;

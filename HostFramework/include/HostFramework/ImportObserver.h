@@ -231,6 +231,13 @@ class ImportObserver {
 
   virtual void OnPassBegin() {}
   virtual void OnProblem(const ImportProblem&) {}
+  // Some of one case that follow one another: what the component calls. Whoever does not care for
+  // several at once leaves it as it is.
+  virtual void OnProblems(const ImportProblem* problems, std::size_t count) {
+    for (const ImportProblem* end = problems + count; problems != end; ++problems) {
+      OnProblem(*problems);
+    }
+  }
   virtual void OnProblemCase(const ImportCaseSpan&) {}
   // A stretch, once it is known to be at its end.
   virtual void OnSpan(const ImportSpan&) {}
