@@ -69,15 +69,14 @@ void ImportWatch::OnPassBegin() {
   Drop();
 }
 
-void ImportWatch::OnProblem(const ImportProblem& problem) {
-  if (!mode_.sampled) {
-    TakeProblem(problem);
-    return;
+void ImportWatch::OnProblems(const ImportProblem* problems, std::size_t count) {
+  if (!mode_.sampled) return TakeProblems(problems, count);
+  for (const ImportProblem* problem = problems; problem != problems + count; ++problem) {
+    if (held_.count == held_.problems.size()) held_.problems.emplace_back();
+    HeldCase::Problem& held = held_.problems[held_.count++];
+    held.problem = *problem;
+    held.text = problem->text;
   }
-  if (held_.count == held_.problems.size()) held_.problems.emplace_back();
-  HeldCase::Problem& held = held_.problems[held_.count++];
-  held.problem = problem;
-  held.text = problem.text;
 }
 
 template <typename Work>
@@ -90,13 +89,15 @@ void ImportWatch::Guarded(Work work) {
   }
 }
 
-void ImportWatch::TakeProblem(const ImportProblem& problem) {
-  account_.problems.Add(problem);
-  const bool traced = static_cast<std::int64_t>(account_.trail.size()) < settings_.problemLimit;
-  if (settings_.trail && traced) account_.trail.push_back(MarkOf(problem));
+void ImportWatch::TakeProblems(const ImportProblem* problems, std::size_t count) {
+  account_.problems.Add(problems, count);
+  for (std::size_t index = 0; settings_.trail && index < count; ++index) {
+    const bool traced = static_cast<std::int64_t>(account_.trail.size()) < settings_.problemLimit;
+    if (traced) account_.trail.push_back(MarkOf(problems[index]));
+  }
   if (outputs_.problems.empty()) return;
   Guarded([&] {
-    for (ProblemSink* sink : outputs_.problems) sink->Write(problem);
+    for (ProblemSink* sink : outputs_.problems) sink->WriteAll(problems, count);
   });
 }
 
@@ -118,7 +119,7 @@ void ImportWatch::Keep(const OBS* obs) {
     HeldCase::Problem& held = held_.problems[index];
     held.problem.caseNumber = cases_;
     held.problem.text = held.text;
-    TakeProblem(held.problem);
+    TakeProblems(&held.problem, 1);
   }
   if (held_.span) TakeCaseSpan(*held_.span);
   account_.ledger.AddCells(held_.cells);

@@ -107,7 +107,8 @@ class ImportWatch final : public ImportObserver {
 
   void OnEvidence(std::size_t variable, const ImportEvidence& evidence) override;
   void OnPassBegin() override;
-  void OnProblem(const ImportProblem& problem) override;
+  void OnProblem(const ImportProblem& problem) override { OnProblems(&problem, 1); }
+  void OnProblems(const ImportProblem* problems, std::size_t count) override;
   void OnProblemCase(const ImportCaseSpan& span) override;
   void OnSpan(const ImportSpan& span) override;
   void OnCells(const ImportCellCounts& cells) override;
@@ -131,7 +132,7 @@ class ImportWatch final : public ImportObserver {
     ImportCellCounts cells;
   };
 
-  void TakeProblem(const ImportProblem& problem);
+  void TakeProblems(const ImportProblem* problems, std::size_t count);
   // What a sink throws is kept: an observer throws nothing.
   template <typename Work>
   void Guarded(Work work);

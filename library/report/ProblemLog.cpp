@@ -4,25 +4,27 @@
 #include <tuple>
 
 namespace library {
-namespace {
 
-// From 0; problems of no variable come first.
-std::size_t PlaceOf(ImportProblemKind kind, std::int32_t variable) {
-  return static_cast<std::size_t>(variable + 1) * kImportProblemKinds +
-         static_cast<std::size_t>(kind);
+void ProblemLog::Add(const ImportProblem* problems, std::size_t count) {
+  total_ += static_cast<std::int64_t>(count);
+  for (const ImportProblem* const end = problems + count; problems != end;) {
+    // Most are of the kind of the one before.
+    const ImportProblemKind kind = problems->kind;
+    const ImportProblem* const first = problems;
+    for (; problems != end && problems->kind == kind; ++problems) {
+      const std::size_t place = PlaceOf(kind, problems->variable);
+      const std::uint32_t number = place < numbers_.size() ? numbers_[place] : 0;
+      if (number == 0 || entries_[number - 1].firstLine == 0) AddFirst(*problems);
+      ++entries_[numbers_[place] - 1].count;
+    }
+    ofKind_[static_cast<std::size_t>(kind)] += problems - first;
+  }
 }
 
-}  // namespace
-
-void ProblemLog::Add(const ImportProblem& problem) {
+void ProblemLog::AddFirst(const ImportProblem& problem) {
   Entry& entry = EntryOf(problem.kind, problem.variable);
-  if (entry.firstLine == 0) {
-    entry.firstLine = problem.line;
-    entry.firstText = text_.Escaped(problem.text);
-  }
-  ++entry.count;
-  ++ofKind_[static_cast<std::size_t>(problem.kind)];
-  ++total_;
+  entry.firstLine = problem.line;
+  entry.firstText = text_.Escaped(problem.text);
 }
 
 void ProblemLog::SetCount(const ImportProblemCount& all) {

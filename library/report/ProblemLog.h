@@ -28,7 +28,9 @@ class ProblemLog {
   };
 
   // A problem that was told. Told in file order: the first of its pair gives line and text.
-  void Add(const ImportProblem& problem);
+  void Add(const ImportProblem& problem) { Add(&problem, 1); }
+  // Some that follow one another.
+  void Add(const ImportProblem* problems, std::size_t count);
   // All problems of one kind of one variable, told or not.
   void SetCount(const ImportProblemCount& all);
   // Adds the problems of a later part of the same import.
@@ -50,6 +52,13 @@ class ProblemLog {
   std::vector<Entry> Entries() const;
 
  private:
+  // From 0; problems of no variable come first.
+  static std::size_t PlaceOf(ImportProblemKind kind, std::int32_t variable) {
+    return static_cast<std::size_t>(variable + 1) * kImportProblemKinds +
+           static_cast<std::size_t>(kind);
+  }
+  // Takes the line and text of the first one of its pair.
+  void AddFirst(const ImportProblem& problem);
   Entry& EntryOf(ImportProblemKind kind, std::int32_t variable);
 
   std::vector<Entry> entries_;

@@ -1,6 +1,7 @@
 // Who takes the problems of an import one by one.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "HostFramework/ImportObserver.h"
@@ -15,6 +16,10 @@ class ProblemSink {
   // On the thread of the import, in the order of the file. Throws std::bad_alloc, and
   // std::runtime_error with a sentence for what an output cannot hold: the import fails by it.
   virtual void Write(const ImportProblem& problem) = 0;
+  // The same of some that follow one another.
+  virtual void WriteAll(const ImportProblem* problems, std::size_t count) {
+    for (const ImportProblem* end = problems + count; problems != end; ++problems) Write(*problems);
+  }
 };
 
 }  // namespace library

@@ -1,6 +1,6 @@
 #include "library/report/ProblemWriter.h"
 
-#include <charconv>
+#include <algorithm>
 #include <cstring>
 
 #include "library/report/ProblemKind.h"
@@ -8,6 +8,8 @@
 namespace library {
 namespace {
 
+// The place of most rows fits one.
+constexpr std::size_t kBlock = 32;
 constexpr std::size_t kBufferBytes = std::size_t{64} * 1024;
 constexpr std::string_view kHeader = "kind,case,line,byte,variable,format,text,detail\n";
 
@@ -28,9 +30,9 @@ bool HasJsonSpecial(std::string_view text) {
   return found != 0;
 }
 
-void AppendNumber(std::int64_t number, std::string& to) {
-  char digits[24];
-  to.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+void AppendNumber(std::int64_t number, RisingNumber& digits, std::string& to) {
+  char written[RisingNumber::kMostBytes];
+  to.append(written, digits.Write(number, written));
 }
 
 void AppendCsvField(std::string_view text, std::string& to) {
@@ -74,28 +76,64 @@ void ProblemWriter::WriteHeader() {
   rows_.Append(kHeader);
 }
 
-void ProblemWriter::Write(const ImportProblem& problem) {
-  if (left_ <= 0) return;
-  --left_;
-  if (!PlaceIsOf(problem)) {
-    placeKnown_ = false;
-    MakePlace(made_.file(), NameOf(problem.kind), problem.caseNumber, problem.line,
-              problem.byte >= 0);
-    kind_ = problem.kind;
-    case_ = problem.caseNumber;
-    line_ = problem.line;
-    hasByte_ = problem.byte >= 0;
-    placeKnown_ = true;
+void ProblemWriter::WriteAll(const ImportProblem* problems, std::size_t count) {
+  if (left_ < static_cast<std::int64_t>(count)) {
+    count = static_cast<std::size_t>(std::max<std::int64_t>(left_, 0));
   }
-  const bool canKeep = SaidProblems::CanKeep(problem);
-  if (canKeep) {
-    if (const std::string* const known = said_.Find(problem)) {
-      return AppendRow(problem.byte, *known);
+  left_ -= static_cast<std::int64_t>(count);
+  for (const ImportProblem* const end = problems + count; problems != end;) {
+    const auto left = static_cast<std::size_t>(end - problems);
+    const ImportProblem* const some = problems + std::min(left, keys_.size());
+    problems = WriteKnown(problems, some);
+    if (problems != some) WriteNew(*problems++);
+  }
+}
+
+void ProblemWriter::MakePlace(const ImportProblem& problem) {
+  if (PlaceIsOf(problem)) return;
+  placeKnown_ = false;
+  MakePlace(made_.file(), NameOf(problem.kind), problem.caseNumber, problem.line,
+            problem.byte >= 0);
+  kind_ = problem.kind;
+  case_ = problem.caseNumber;
+  line_ = problem.line;
+  hasByte_ = problem.byte >= 0;
+  placeKnown_ = true;
+}
+
+const ImportProblem* ProblemWriter::WriteKnown(const ImportProblem* problems,
+                                               const ImportProblem* end) {
+  // Of some at once, so that what is looked at is near when its turn comes.
+  std::size_t count = 0;
+  for (; problems + count != end && SaidProblems::CanKeep(problems[count]); ++count) {
+    keys_[count] = SaidProblems::Key(problems[count]);
+    said_.Prefetch(keys_[count]);
+  }
+  std::size_t known = 0;
+  std::size_t room = 0;
+  for (; known < count; ++known) {
+    texts_[known] = said_.Find(keys_[known]);
+    if (texts_[known].empty()) break;
+    room += texts_[known].size();
+  }
+  for (std::size_t next = 0; next < known;) {
+    MakePlace(problems[next]);
+    char* to = rows_.Reserve(room + (known - next) * (place_.size() + RisingNumber::kMostBytes));
+    for (; next < known && PlaceIsOf(problems[next]); ++next) {
+      to = WritePlace(problems[next].byte, to);
+      std::memcpy(to, texts_[next].data(), texts_[next].size());
+      to += texts_[next].size();
     }
+    EndRows(to);
   }
+  return problems + known;
+}
+
+void ProblemWriter::WriteNew(const ImportProblem& problem) {
+  MakePlace(problem);
   MakeSaid(made_.Of(problem));
-  if (canKeep) said_.Keep(problem, written_);
-  AppendRow(problem.byte, written_);
+  if (SaidProblems::CanKeep(problem)) said_.Keep(SaidProblems::Key(problem), written_);
+  AppendWritten(problem.byte);
 }
 
 void ProblemWriter::WriteRow(const ProblemRow& row) {
@@ -104,16 +142,31 @@ void ProblemWriter::WriteRow(const ProblemRow& row) {
   placeKnown_ = false;
   MakePlace(row.file, row.kind, row.caseNumber, row.line, row.byte >= 0);
   MakeSaid(row);
-  AppendRow(row.byte, written_);
+  AppendWritten(row.byte);
 }
 
-void ProblemWriter::AppendRow(std::int64_t byte, std::string_view said) {
-  char* to = rows_.Reserve(place_.size() + RisingNumber::kMostBytes + said.size());
-  std::memcpy(to, place_.data(), place_.size());
-  to += place_.size();
-  if (byte >= 0) to = byte_.Write(byte, to);
-  std::memcpy(to, said.data(), said.size());
-  rows_.Advance(to + said.size());
+void ProblemWriter::AppendWritten(std::int64_t byte) {
+  char* to = rows_.Reserve(place_.size() + RisingNumber::kMostBytes + written_.size());
+  to = WritePlace(byte, to);
+  std::memcpy(to, written_.data(), written_.size());
+  EndRows(to + written_.size());
+}
+
+// There is room for the place with the block behind it.
+inline char* ProblemWriter::WritePlace(std::int64_t byte, char* to) {
+  const std::size_t bytes = place_.size() - kBlock;
+  if (bytes <= kBlock) {
+    // Of a size known here, so that it is no call.
+    std::memcpy(to, place_.data(), kBlock);
+  } else {
+    std::memcpy(to, place_.data(), bytes);
+  }
+  to += bytes;
+  return byte >= 0 ? byteDigits_.Write(byte, to) : to;
+}
+
+inline void ProblemWriter::EndRows(const char* end) {
+  rows_.Advance(end);
   if (rows_.size() >= kBufferBytes) Flush();
 }
 
@@ -152,10 +205,11 @@ void ProblemWriter::MakePlace(std::string_view file, std::string_view kind, std:
     }
   };
   append(",\"case\":", caseNumber > 0);
-  if (caseNumber > 0) AppendNumber(caseNumber, place_);
+  if (caseNumber > 0) AppendNumber(caseNumber, caseDigits_, place_);
   append(",\"line\":", line > 0);
-  if (line > 0) AppendNumber(line, place_);
+  if (line > 0) AppendNumber(line, lineDigits_, place_);
   append(",\"byte\":", hasByte);
+  place_.append(kBlock, '\0');
 }
 
 void ProblemWriter::MakeSaid(const ProblemRow& row) {

@@ -1,6 +1,7 @@
 // Problems as rows of CSV or JSON Lines.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -35,7 +36,8 @@ class ProblemWriter : public ProblemSink {
   }
   // What stands before the rows: the header of CSV.
   void WriteHeader();
-  void Write(const ImportProblem& problem) override;
+  void Write(const ImportProblem& problem) override { WriteAll(&problem, 1); }
+  void WriteAll(const ImportProblem* problems, std::size_t count) override;
   void WriteRow(const ProblemRow& row);
   // Hands what is buffered to the sink.
   void Flush();
@@ -43,14 +45,23 @@ class ProblemWriter : public ProblemSink {
  private:
   // A row is where the problem is, then what it is.
   bool PlaceIsOf(const ImportProblem& problem) const {
-    return placeKnown_ && problem.caseNumber == case_ && problem.line == line_ &&
-           problem.kind == kind_ && (problem.byte >= 0) == hasByte_;
+    return problem.caseNumber == case_ && problem.line == line_ && problem.kind == kind_ &&
+           (problem.byte >= 0) == hasByte_ && placeKnown_;
   }
+  void MakePlace(const ImportProblem& problem);
   void MakePlace(std::string_view file, std::string_view kind, std::int64_t caseNumber,
                  std::int64_t line, bool hasByte);
   void MakeSaid(const ProblemRow& row);
-  // Of the place that was made.
-  void AppendRow(std::int64_t byte, std::string_view said);
+  // The rows of problems, of which keys_ has room for the keys, up to one before `end` of which it
+  // is not known what is said; returns that one.
+  const ImportProblem* WriteKnown(const ImportProblem* problems, const ImportProblem* end);
+  // The row of any problem.
+  void WriteNew(const ImportProblem& problem);
+  // Writes the place that was made, with the byte where it has one, and returns the end.
+  char* WritePlace(std::int64_t byte, char* to);
+  // A row that says what MakeSaid made.
+  void AppendWritten(std::int64_t byte);
+  void EndRows(const char* end);
 
   const ProblemFormat format_;
   const Files files_;
@@ -58,18 +69,23 @@ class ProblemWriter : public ProblemSink {
   ByteSink& sink_;
   ProblemRows made_;
   TextBlock rows_;
-  // What stands before the byte's number in a row: the problems of a case have it in common. Those
-  // of which, where it is known.
+  // What stands before the byte's number in a row: the problems of a case have it in common; with a
+  // block behind it. Those of which, where it is known.
   std::string place_;
   bool placeKnown_ = false;
   ImportProblemKind kind_ = {};
   std::int64_t case_ = 0;
   std::int64_t line_ = 0;
   bool hasByte_ = false;
-  RisingNumber byte_;
+  RisingNumber caseDigits_;
+  RisingNumber lineDigits_;
+  RisingNumber byteDigits_;
   // What stands behind that number.
   std::string written_;
   SaidProblems said_;
+  // Of the problems in hand.
+  std::array<SaidProblems::Key, 16> keys_;
+  std::array<std::string_view, 16> texts_;
 };
 
 }  // namespace library

@@ -36,6 +36,31 @@ std::vector<std::string> Numbered(const std::string& before, const std::string& 
   return texts;
 }
 
+// Of ten variables, none of whose values can be read.
+void BM_Records(benchmark::State& state) {
+  const std::vector<std::string> texts = Numbered("x", "y");
+  ReportVariables variables;
+  for (int n = 0; n < 10; ++n) variables.push_back({"v" + std::to_string(n), "F8.2", 5, 0});
+  Nowhere nowhere;
+  ProblemWriter writer(ProblemFormat::kCsv, variables, INT64_MAX, nowhere);
+  std::vector<ImportProblem> problems;
+  for (const std::string& text : texts) {
+    const auto variable = static_cast<std::int32_t>(problems.size() % 10);
+    problems.push_back(Problem(ImportProblemKind::kUnreadable, variable, text));
+    problems.back().byte = 1000000 + 7 * static_cast<std::int64_t>(problems.size());
+  }
+  std::size_t next = 0;
+  std::int64_t line = 100000;
+  for (auto _ : state) {
+    ImportProblem* const record = &problems[next];
+    for (int n = 0; n < 10; ++n) record[n].line = record[n].caseNumber = line;
+    ++line;
+    writer.WriteAll(record, 10);
+    next = next + 10 == problems.size() ? 0 : next + 10;
+  }
+  state.SetItemsProcessed(state.iterations() * 10);
+}
+
 void BM_Same(benchmark::State& state) { Write(state, ProblemFormat::kCsv, {"none"}); }
 void BM_Words(benchmark::State& state) { Write(state, ProblemFormat::kCsv, Numbered("x", "y")); }
 void BM_Amounts(benchmark::State& state) { Write(state, ProblemFormat::kCsv, Numbered("$", "")); }
@@ -43,6 +68,7 @@ void BM_Dates(benchmark::State& state) { Write(state, ProblemFormat::kCsv, Numbe
 void BM_JsonWords(benchmark::State& state) {
   Write(state, ProblemFormat::kJsonLines, Numbered("x", "y"));
 }
+BENCHMARK(BM_Records);
 BENCHMARK(BM_Same);
 BENCHMARK(BM_Words);
 BENCHMARK(BM_Amounts);

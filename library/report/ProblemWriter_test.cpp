@@ -122,6 +122,43 @@ TEST_F(ProblemWriterTest, HandsOnRowsAsItsBufferFills) {
   EXPECT_NE(sink.text, "");
 }
 
+// However many are written at once, of however many places, new texts among known ones.
+TEST_F(ProblemWriterTest, SeveralAtOnceAreWrittenAsOneByOne) {
+  std::vector<std::string> texts = {"", std::string(64, 'x'), std::string(65, 'x')};
+  for (int n = 0; n < 40; ++n) texts.push_back("x" + std::to_string(n * n));
+  std::mt19937 random(11);
+  const auto draw = [&random](std::size_t below) { return random() % below; };
+  for (const ProblemFormat format : {ProblemFormat::kCsv, ProblemFormat::kJsonLines}) {
+    for (const std::int64_t limit : {std::int64_t{100000}, std::int64_t{1234}}) {
+      TextSink together, alone;
+      ProblemWriter writer(format, variables_, limit, together);
+      ProblemWriter oneByOne(format, variables_, limit, alone);
+      std::int64_t line = 9000;
+      for (int call = 0; call < 300; ++call) {
+        // Texts come in one after another, so that some of a call are known and others are not.
+        const std::size_t known =
+            std::min<std::size_t>(texts.size(), 3 + static_cast<std::size_t>(call) / 6);
+        std::vector<ImportProblem> problems;
+        for (std::size_t count = draw(70); count > 0; --count) {
+          const Kind kind = draw(8) == 0 ? Kind::kCut : Kind::kUnreadable;
+          ImportProblem problem = Problem(kind, static_cast<std::int32_t>(draw(3)) - 1,
+                                          texts[draw(known)], static_cast<std::int64_t>(draw(2)));
+          if (draw(12) == 0) ++line;
+          problem.caseNumber = problem.line = line;
+          problem.byte = 10 * line + static_cast<std::int64_t>(draw(9));
+          problems.push_back(problem);
+        }
+        writer.WriteAll(problems.data(), problems.size());
+        for (const ImportProblem& problem : problems) oneByOne.Write(problem);
+      }
+      writer.Flush();
+      oneByOne.Flush();
+      EXPECT_TRUE(together.text == alone.text);
+      EXPECT_GE(std::count(alone.text.begin(), alone.text.end(), '\n'), 1234);
+    }
+  }
+}
+
 // However often texts come again, each row is that of its own problem.
 TEST_F(ProblemWriterTest, ATextThatComesAgainIsWrittenAsTheFirstTime) {
   const ReportVariables variables = {
@@ -141,8 +178,9 @@ TEST_F(ProblemWriterTest, ATextThatComesAgainIsWrittenAsTheFirstTime) {
     for (int n = 0; n < 30000; ++n) {
       // Most are one of a few.
       const std::string& text = texts[draw(n % 3 == 0 ? texts.size() : 12)];
-      ImportProblem problem = Problem(kKinds[draw(std::size(kKinds))],
-                                      static_cast<std::int32_t>(draw(4)) - 1, text, 1 + draw(2));
+      ImportProblem problem =
+          Problem(kKinds[draw(std::size(kKinds))], static_cast<std::int32_t>(draw(4)) - 1, text,
+                  static_cast<std::int64_t>(1 + draw(2)));
       problem.caseNumber = n;
       problem.line = n + 2;
       problem.byte = 40 * n;

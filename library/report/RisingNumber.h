@@ -29,16 +29,21 @@ class RisingNumber {
     std::memcpy(to, digits_.data(), digits_.size());
     to += length_;
     const auto low = static_cast<std::uint32_t>(number - high * kLow);
-    to[0] = Digit(low / 1000);
-    to[1] = Digit(low / 100 % 10);
-    to[2] = Digit(low / 10 % 10);
-    to[3] = Digit(low % 10);
+    std::memcpy(to, &kPairs[low / 100 * 2], 2);
+    std::memcpy(to + 2, &kPairs[low % 100 * 2], 2);
     return to + 4;
   }
 
  private:
   static constexpr std::int64_t kLow = 10000;
-  static constexpr char Digit(std::uint32_t value) { return static_cast<char>('0' + value); }
+  // "00" to "99".
+  static constexpr std::array<char, 200> kPairs = [] {
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+      pairs[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
+    }
+    return pairs;
+  }();
 
   // The number before without its last four digits, and how that is written.
   std::int64_t high_ = 0;
