@@ -28,21 +28,23 @@ class DetectionEvidence {
   // Takes a field that `counters` has just counted when it is the first of nothing, as nearly all
   // are; else it is to be added. Where the field stands need not be known for that.
   bool Takes(std::string_view field, CountedAs as, const DetectionCounters& counters) {
-    const auto known = static_cast<std::size_t>(as);
-    if (field.size() > known_[known]) return false;
-    switch (kBeginnings[known][static_cast<unsigned char>(field.front())]) {
-      case Beginning::kPlain:
-        return true;
-      case Beginning::kDate:
-        return !IsBlankCharacter(field.back()) && TakesDate(counters.dateKey(), counters.order());
-      case Beginning::kZero:
-        return field.size() == 1 || !IsDigit(field[1]);
-      case Beginning::kDigit:
-        return IsDigit(field.back()) && TakesOrder(counters.order());
-      case Beginning::kTelling:
-        break;
+    if (field.size() > known_[static_cast<std::size_t>(as)]) return false;
+    const char first = field.front();
+    // The commonest first; where what was counted is known, nothing is left of the others.
+    if (as == CountedAs::kPlainNumber) {
+      return first != '0' || field.size() == 1 || !IsDigit(field[1]);
     }
-    return false;
+    if (as == CountedAs::kString) {
+      // One of digits at both ends may have a day and a month.
+      if (first > '9') return true;
+      if (IsDigit(first)) return IsDigit(field.back()) && TakesOrder(counters.order());
+      return !IsBlankCharacter(first);
+    }
+    if (as == CountedAs::kDate) {
+      return !IsBlankCharacter(first) && !IsBlankCharacter(field.back()) &&
+             TakesDate(counters.dateKey(), counters.order());
+    }
+    return as == CountedAs::kPercent;
   }
   // Adds a field that was not taken. `line`: its record's.
   void Add(std::string_view field, CountedAs as, std::int64_t line, DetectionCounters& counters);
@@ -58,18 +60,6 @@ class DetectionEvidence {
     int key;
     ImportWitness seen;
   };
-
-  // What the first byte of a field says, by what it was counted as.
-  enum class Beginning : std::uint8_t {
-    kTelling,  // the field is to be added
-    kPlain,    // there is nothing to tell of it
-    kDate,     // its layout may be new
-    kZero,     // of a number
-    kDigit,    // of a string, which may have a day and a month
-  };
-  using Beginnings = std::array<std::array<Beginning, 256>, kCountedAs>;
-  static constexpr Beginnings MakeBeginnings();
-  static const Beginnings kBeginnings;
 
   static constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
   ImportWitness& OrderOf(DayAndMonth order) { return orders_[static_cast<std::size_t>(order)]; }
@@ -120,24 +110,5 @@ class DetectionEvidence {
   ImportWitness leadingZeros_;
   ImportWitness longest_;
 };
-
-constexpr DetectionEvidence::Beginnings DetectionEvidence::MakeBeginnings() {
-  Beginnings beginnings{};
-  const auto of = [&](CountedAs as, unsigned byte) -> Beginning& {
-    return beginnings[static_cast<std::size_t>(as)][byte];
-  };
-  for (unsigned byte = 0; byte < 256; ++byte) {
-    const char first = static_cast<char>(byte);
-    of(CountedAs::kPlainNumber, byte) = first == '0' ? Beginning::kZero : Beginning::kPlain;
-    of(CountedAs::kPercent, byte) = Beginning::kPlain;
-    if (IsBlankCharacter(first)) continue;
-    of(CountedAs::kDate, byte) = Beginning::kDate;
-    of(CountedAs::kString, byte) = IsDigit(first) ? Beginning::kDigit : Beginning::kPlain;
-  }
-  return beginnings;
-}
-
-inline constexpr DetectionEvidence::Beginnings DetectionEvidence::kBeginnings =
-    DetectionEvidence::MakeBeginnings();
 
 }  // namespace textwizard
