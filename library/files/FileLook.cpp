@@ -3,7 +3,9 @@
 #include <memory>
 
 #include "HostFramework/embedded/messages/Attention.h"
+#include "library/import/ConvertedSniff.h"
 #include "library/input/ByteSource.h"
+#include "library/input/Transcoding.h"
 #include "library/sniff/SniffEvidence.h"
 #include "library/sniff/Sniffer.h"
 
@@ -13,10 +15,28 @@ namespace {
 // Files whose decompressed copies may all be kept.
 constexpr std::size_t kMostCopies = 32;
 
-bool SniffFile(const std::string& path, const SniffSettings& settings, SniffResult* sniff,
+bool SniffPath(const std::string& path, const SniffSettings& settings, SniffResult* sniff,
                std::string* problem) {
   const std::unique_ptr<FileSource> source = FileSource::Open(path, problem);
-  if (source == nullptr || !Sniff(*source, settings, sniff, problem)) return false;
+  return source != nullptr && Sniff(*source, settings, sniff, problem);
+}
+
+// A file that no command can name the encoding of is converted, and places are those of its text.
+bool SniffFile(InputFiles& files, const std::string& name, const SniffSettings& settings,
+               SniffResult* sniff, std::string* problem) {
+  std::string encoding = files.Open(name).transcodedFrom;
+  if (encoding.empty() && settings.encoding && NeedsTranscoding(*settings.encoding)) {
+    encoding = *settings.encoding;
+  }
+  if (encoding.empty()) {
+    if (!SniffPath(files.Open(name).path, settings, sniff, problem)) return false;
+    if (NeedsTranscoding(sniff->encoding.value)) encoding = sniff->encoding.value;
+  }
+  if (!encoding.empty()) {
+    const InputFiles::Input& input = files.Transcode(name, encoding);
+    *problem = input.problem;
+    if (!problem->empty() || !SniffConverted(input, settings, sniff, problem)) return false;
+  }
   // They are many, and nobody asks for them here.
   sniff->otherLines = {};
   return true;
@@ -37,7 +57,7 @@ bool LookAtFile(InputFiles& files, const SniffSettings& settings, DataSetFile* f
   if (!input.problem.empty() && !input.wayOut.empty()) file->problem += "; " + input.wayOut;
   SniffResult& sniff = file->import.sniff;
   const bool sniffed =
-      file->problem.empty() && SniffFile(input.path, settings, &sniff, &file->problem);
+      file->problem.empty() && SniffFile(files, file->name, settings, &sniff, &file->problem);
   if (embedded::AttentionRequested()) return false;
   if (sniffed && sniff.columns.empty()) {
     file->kind = DataSetFile::Kind::kEmpty;
@@ -59,7 +79,9 @@ bool LookAgain(InputFiles& files, const SniffSettings& settings, DataSetFile* fi
   const InputFiles::Input& input = files.Open(file->name);
   SniffResult sniff;
   std::string problem;
-  if (!input.problem.empty() || !SniffFile(input.path, settings, &sniff, &problem)) return false;
+  if (!input.problem.empty() || !SniffFile(files, file->name, settings, &sniff, &problem)) {
+    return false;
+  }
   if (sniff.columns.empty()) return false;
   file->kind = HoldsNoData(sniff) ? DataSetFile::Kind::kHeaderOnly : DataSetFile::Kind::kData;
   file->problem = HoldsNoData(sniff) ? "it holds names of columns and no data" : "";

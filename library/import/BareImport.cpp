@@ -10,6 +10,7 @@
 #include "HostFramework/FileStream.h"
 #include "HostFramework/embedded/messages/Attention.h"
 #include "library/command/CommandText.h"
+#include "library/import/ConvertedSniff.h"
 #include "library/import/FixedBorders.h"
 #include "library/import/FixedPage.h"
 #include "library/input/ColumnPadder.h"
@@ -100,8 +101,7 @@ bool Understanding::SniffPath(const SniffSettings& sniff) {
 // Looks at the file as UTF-8, which its encoding is converted to; the encoding stays the file's.
 // `sniff` null: what is known of it stands.
 bool Understanding::Transcode(const SniffSettings* sniff) {
-  SniffResult before = import_.sniff;
-  if (import_.transcoding.empty()) import_.transcoding = before.encoding.value;
+  if (import_.transcoding.empty()) import_.transcoding = import_.sniff.encoding.value;
   const InputFiles::Input& input = files_.Transcode(name_, import_.transcoding);
   if (!input.problem.empty()) {
     // What the user has interrupted needs no words.
@@ -109,30 +109,7 @@ bool Understanding::Transcode(const SniffSettings* sniff) {
     return false;
   }
   path_ = input.path;
-  if (sniff != nullptr) {
-    SniffSettings utf8 = *sniff;
-    utf8.encoding = "UTF-8";
-    if (!SniffPath(utf8)) return false;
-    const bool again = before.encoding.value.empty();
-    if (again) before.encoding = {import_.transcoding, sniff->encoding.has_value(), "", "", 1.0};
-    import_.sniff.encoding = before.encoding;
-    std::string& evidence = import_.sniff.encoding.evidence;
-    evidence += evidence.empty() ? "converted to UTF-8" : "; converted to UTF-8";
-    if (input.undecodable > 0) {
-      evidence += fmt::format(", {} time{} bytes that are no character", input.undecodable,
-                              input.undecodable == 1 ? "" : "s");
-    }
-    if (!input.copies.empty()) {
-      CopyMap& file = *input.copies.front();
-      import_.sniff.fileSize = file.file().Size();
-      if (again) import_.sniff.byteOrderMark = file.markBytes() > 0;
-    }
-    if (!again) {
-      import_.sniff.byteOrderMark = before.byteOrderMark;
-      import_.sniff.verdict = std::min(import_.sniff.verdict, before.verdict);
-    }
-  }
-  return true;
+  return sniff == nullptr || SniffConverted(input, *sniff, &import_.sniff, &problem_);
 }
 
 // Says how to cut the file as the component sees it.

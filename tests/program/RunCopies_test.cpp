@@ -289,6 +289,39 @@ TEST_F(RunCopies, AreReadAsOneDataSet) {
   EXPECT_EQ(folder_.Text("c.csv"), cases);
 }
 
+TEST_F(RunCopies, SeveralFilesAreImportedWhole) {
+  const std::string text = "id;name;n\n1;\xE6\x9D\xB1\xE4\xBA\xAC;12\n2;\xE6\x9D\xB1;7\n31;x;8\n";
+  folder_.Write("a.csv", text);
+  folder_.Write("b.csv", Encoded(text, "UTF-32LE", std::string("\xFF\xFE\0\0", 4)));
+  folder_.Write("c.csv", Encoded(text, "ISO-2022-JP"));
+  const Ended plain = Run(
+      {"import", "a.csv", "--by", "name", "-o", "one.csv", "--dictionary", "d.json", "--quiet"});
+  ASSERT_EQ(plain.status, 0) << plain.err;
+  const json types = Json("d.json")["variables"];
+  const std::string cases = folder_.Text("one.csv");
+  const std::string body = cases.substr(cases.find('\n') + 1);
+  EXPECT_EQ(body, "1,\xE6\x9D\xB1\xE4\xBA\xAC,12\n2,\xE6\x9D\xB1,7\n31,x,8\n");
+  for (const char* file : {"b.csv", "c.csv"}) {
+    const Ended single = Run({"import", file, "--by", "name", "-o", "one.csv", "--dictionary",
+                              "d.json", "--quiet", "--strict"});
+    EXPECT_EQ(single.status, 0) << single.err;
+    EXPECT_EQ(folder_.Text("one.csv"), cases) << file;
+    EXPECT_EQ(Json("d.json")["variables"], types) << file;
+    EXPECT_EQ(Json("d.json")["ledger"]["bytes"], folder_.Text(file).size());
+  }
+  const Ended all = Run({"import", "a.csv", "b.csv", "c.csv", "-o", "all.csv", "--command",
+                         "all.sps", "--digest", "--strict"});
+  ASSERT_EQ(all.status, 0) << all.err;
+  EXPECT_EQ(folder_.Text("all.csv"), cases + body + body);
+  const std::size_t line = all.out.rfind("textwizard run ");
+  ASSERT_NE(line, std::string::npos);
+  const std::size_t from = line + std::string("textwizard ").size();
+  const Ended again =
+      Shell(all.out.substr(from, all.out.find('\n', line) - from) + " --digest --quiet");
+  const std::size_t digest = all.out.find("digest: ");
+  EXPECT_EQ(again.out, all.out.substr(digest, all.out.find('\n', digest) + 1 - digest));
+}
+
 TEST_F(RunCopies, Utf16WithoutItsMarkIsRejectedWhole) {
   const std::string data = Encoded("a;b\n1;x\nq\n2;y\nr\n3;z\n", "UTF-16LE");
   folder_.Write("data", data);
