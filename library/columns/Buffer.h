@@ -15,6 +15,9 @@ class Buffer {
  public:
   // Of the first byte, and what the size in memory is a multiple of.
   static constexpr std::size_t kAlignment = 64;
+  // So many bytes can be read behind the last one once there is memory: short texts are looked at
+  // in words.
+  static constexpr std::size_t kReadable = 16;
 
   Buffer() = default;
   Buffer(Buffer&& other) noexcept
@@ -65,6 +68,10 @@ class Buffer {
   }
   // The same where that many bytes have room.
   void Lengthen(std::size_t bytes) { size_ += bytes; }
+  // The same up to `end`, which lies there.
+  void LengthenTo(const void* end) {
+    size_ = static_cast<std::size_t>(static_cast<const std::byte*>(end) - data_);
+  }
   void Append(const void* bytes, std::size_t count) {
     if (count != 0) std::memcpy(Extend(count), bytes, count);
   }
@@ -74,14 +81,14 @@ class Buffer {
  private:
   void Grow(std::size_t bytes) {
     const std::size_t wanted = bytes > capacity_ * 2 ? bytes : capacity_ * 2;
-    if (wanted > static_cast<std::size_t>(-1) - kAlignment) throw std::bad_alloc();
-    const std::size_t rounded = (wanted + kAlignment - 1) / kAlignment * kAlignment;
+    if (wanted > static_cast<std::size_t>(-1) - kAlignment - kReadable) throw std::bad_alloc();
+    const std::size_t rounded = (wanted + kReadable + kAlignment - 1) / kAlignment * kAlignment;
     auto* const grown = static_cast<std::byte*>(std::aligned_alloc(kAlignment, rounded));
     if (grown == nullptr) throw std::bad_alloc();
     if (size_ != 0) std::memcpy(grown, data_, size_);
     std::free(data_);
     data_ = grown;
-    capacity_ = rounded;
+    capacity_ = rounded - kReadable;
   }
 
   std::byte* data_ = nullptr;

@@ -27,17 +27,27 @@ struct Cases {
   std::size_t count;
   std::size_t cells;
   std::int64_t before;
+
+  const OBS* CellAt(std::size_t row, const ColumnField& field) const {
+    return first + row * cells + field.cell;
+  }
 };
 
+// Cases of which all columns are built before the next ones: so many are in the nearest cache, from
+// which each column takes its cells. A multiple of the bits in a word.
+constexpr std::size_t kCasesAtOnce = 256;
+
+// Of some cases, the first a multiple of kCasesAtOnce.
 template <class Value, bool (*Convert)(double, Value*)>
-void BuildNumbers(const Cases& cases, std::size_t columns, std::size_t number,
-                  const ColumnField& field, Column& column, ColumnMisfits* misfits) {
-  auto* const values = reinterpret_cast<Value*>(column.values.Extend(cases.count * sizeof(Value)));
-  const OBS* cell = cases.first + field.cell;
-  for (std::size_t word = 0; word < cases.count; word += 64) {
-    const std::size_t end = std::min(cases.count, word + 64);
+void BuildNumbers(const Cases& cases, std::size_t begin, std::size_t end, std::size_t columns,
+                  std::size_t number, const ColumnField& field, Column& column,
+                  ColumnMisfits* misfits) {
+  auto* const values = column.values.As<Value>();
+  const OBS* cell = cases.CellAt(begin, field);
+  for (std::size_t word = begin; word < end; word += 64) {
+    const std::size_t wordEnd = std::min(end, word + 64);
     std::uint64_t present = 0;
-    for (std::size_t i = word; i < end; ++i, cell += cases.cells) {
+    for (std::size_t i = word; i < wordEnd; ++i, cell += cases.cells) {
       const double value = NumberIn(cell);
       if (IsMissingNumber(value)) {
         values[i] = Value{};
@@ -48,7 +58,7 @@ void BuildNumbers(const Cases& cases, std::size_t columns, std::size_t number,
                     {cases.before + static_cast<std::int64_t>(i) + 1, number, value});
       }
     }
-    const auto missing = static_cast<std::int64_t>(end - word) - std::popcount(present);
+    const auto missing = static_cast<std::int64_t>(wordEnd - word) - std::popcount(present);
     if (missing != 0 && column.validity.empty()) {
       const std::size_t bytes = (cases.count + 7) / 8;
       std::memset(column.validity.Extend(bytes), 0xFF, bytes);
@@ -58,7 +68,7 @@ void BuildNumbers(const Cases& cases, std::size_t columns, std::size_t number,
       }
     }
     if (missing != 0) {
-      std::memcpy(column.validity.data() + word / 8, &present, (end - word + 7) / 8);
+      std::memcpy(column.validity.data() + word / 8, &present, (wordEnd - word + 7) / 8);
       column.missing += missing;
     }
   }
@@ -83,39 +93,67 @@ class TextConverter {
 // padding may be most of it.
 constexpr std::size_t kMostCopied = 128;
 
-// Texts that room is made for together.
-constexpr std::size_t kTextsAtOnce = 32;
+// Of texts that are copied with their padding.
+template <class Offset>
+void BuildNarrowTexts(const Cases& cases, std::size_t begin, std::size_t end,
+                      const ColumnField& field, TextConverter& converter, Column& column) {
+  Buffer& texts = column.text;
+  Offset* const offsets = column.values.As<Offset>() + 1;
+  const OBS* cell = cases.CellAt(begin, field);
+  // For all at once: nobody looks after the end for every one.
+  const auto roomFrom = [&](std::size_t row) {
+    return reinterpret_cast<char*>(texts.Room((end - row) * CellRoom(field.bytes)));
+  };
+  char* out = roomFrom(begin);
+  for (std::size_t i = begin; i < end; ++i, cell += cases.cells) {
+    std::uint64_t seen = 0;
+    const std::size_t length = CopyCells(reinterpret_cast<const char*>(cell->bytes), field.bytes,
+                                         out, [&seen](std::uint64_t word) { seen |= word; });
+    if (WordScan::HasNoAscii(seen) == 0) {
+      out += length;
+    } else {
+      texts.LengthenTo(out);
+      // May be longer: the texts behind it have their room still.
+      const std::string_view converted = converter.ToUtf8({out, length});
+      texts.Append(converted.data(), converted.size());
+      out = roomFrom(i + 1);
+    }
+    offsets[i] = static_cast<Offset>(out - texts.As<char>());
+  }
+  texts.LengthenTo(out);
+}
 
 template <class Offset>
-void BuildTexts(const Cases& cases, const ColumnField& field, TextConverter& converter,
-                Column& column) {
-  auto* offsets =
-      reinterpret_cast<Offset*>(column.values.Extend((cases.count + 1) * sizeof(Offset)));
-  *offsets++ = 0;
-  const OBS* cell = cases.first + field.cell;
-  const bool narrow = field.bytes <= kMostCopied;
-  for (std::size_t i = 0; i < cases.count; ++i, cell += cases.cells) {
-    const auto* const text = reinterpret_cast<const char*>(cell->bytes);
-    const std::size_t bytes = narrow ? field.bytes : WithoutPadding(cell, field.bytes).size();
-    // For some texts at once: nobody looks after the end for every one.
-    if (!narrow || i % kTextsAtOnce == 0) {
-      const std::size_t texts = narrow ? std::min(kTextsAtOnce, cases.count - i) : 1;
-      column.text.Reserve(column.text.size() + texts * CellRoom(bytes));
-    }
-    auto* const room = reinterpret_cast<char*>(column.text.data() + column.text.size());
+void BuildTexts(const Cases& cases, std::size_t begin, std::size_t end, const ColumnField& field,
+                TextConverter& converter, Column& column) {
+  auto* const offsets = column.values.As<Offset>();
+  if (begin == 0) offsets[0] = 0;
+  if (field.bytes <= kMostCopied) {
+    BuildNarrowTexts<Offset>(cases, begin, end, field, converter, column);
+    return;
+  }
+  Buffer& texts = column.text;
+  const OBS* cell = cases.CellAt(begin, field);
+  for (std::size_t i = begin; i < end; ++i, cell += cases.cells) {
+    const std::string_view text = WithoutPadding(cell, field.bytes);
+    auto* const room = reinterpret_cast<char*>(texts.Room(CellRoom(text.size())));
     std::uint64_t seen = 0;
     const std::size_t length =
-        CopyCells(text, bytes, room, [&seen](std::uint64_t word) { seen |= word; });
+        CopyCells(text.data(), text.size(), room, [&seen](std::uint64_t word) { seen |= word; });
     if (WordScan::HasNoAscii(seen) == 0) {
-      column.text.Lengthen(length);
+      texts.Lengthen(length);
     } else {
-      const std::string_view converted = converter.ToUtf8({text, length});
-      // May be longer: the texts behind it have their room still.
-      column.text.Append(converted.data(), converted.size());
-      if (narrow) column.text.Reserve(column.text.size() + kTextsAtOnce * CellRoom(bytes));
+      const std::string_view converted = converter.ToUtf8({room, length});
+      texts.Append(converted.data(), converted.size());
     }
-    *offsets++ = static_cast<Offset>(column.text.size());
+    offsets[i + 1] = static_cast<Offset>(texts.size());
   }
+}
+
+// The column's values get their room.
+void BeginColumn(const ColumnField& field, std::size_t cases, Column& column) {
+  const bool texts = field.type == ColumnType::kUtf8 || field.type == ColumnType::kLargeUtf8;
+  column.values.Extend((cases + (texts ? 1 : 0)) * ValueBytes(field.type));
 }
 
 }  // namespace
@@ -138,37 +176,41 @@ ColumnBatch BuildColumns(const std::vector<ColumnField>& fields, const OBS* case
   if (count == 0) return batch;
   TextConverter converter;
   const Cases source{cases, count, cells, firstCase};
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    const ColumnField& field = fields[i];
-    Column& column = batch.columns[i];
-    const auto numbers = [&]<class Value, bool (*Convert)(double, Value*)>() {
-      BuildNumbers<Value, Convert>(source, fields.size(), i, field, column, misfits);
-    };
-    switch (field.type) {
-      case ColumnType::kFloat64:
-        numbers.template operator()<double, CellFloat64>();
-        break;
-      case ColumnType::kInt64:
-        numbers.template operator()<std::int64_t, CellInt64>();
-        break;
-      case ColumnType::kInt8:
-        numbers.template operator()<std::int8_t, CellInt8>();
-        break;
-      case ColumnType::kDate32:
-        numbers.template operator()<std::int32_t, CellDate32>();
-        break;
-      case ColumnType::kTimestampMicros:
-        numbers.template operator()<std::int64_t, CellTimestamp>();
-        break;
-      case ColumnType::kDurationMicros:
-        numbers.template operator()<std::int64_t, CellMicros>();
-        break;
-      case ColumnType::kUtf8:
-        BuildTexts<std::int32_t>(source, field, converter, column);
-        break;
-      case ColumnType::kLargeUtf8:
-        BuildTexts<std::int64_t>(source, field, converter, column);
-        break;
+  for (std::size_t i = 0; i < fields.size(); ++i) BeginColumn(fields[i], count, batch.columns[i]);
+  for (std::size_t begin = 0; begin < count; begin += kCasesAtOnce) {
+    const std::size_t end = std::min(count, begin + kCasesAtOnce);
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      const ColumnField& field = fields[i];
+      Column& column = batch.columns[i];
+      const auto numbers = [&]<class Value, bool (*Convert)(double, Value*)>() {
+        BuildNumbers<Value, Convert>(source, begin, end, fields.size(), i, field, column, misfits);
+      };
+      switch (field.type) {
+        case ColumnType::kFloat64:
+          numbers.template operator()<double, CellFloat64>();
+          break;
+        case ColumnType::kInt64:
+          numbers.template operator()<std::int64_t, CellInt64>();
+          break;
+        case ColumnType::kInt8:
+          numbers.template operator()<std::int8_t, CellInt8>();
+          break;
+        case ColumnType::kDate32:
+          numbers.template operator()<std::int32_t, CellDate32>();
+          break;
+        case ColumnType::kTimestampMicros:
+          numbers.template operator()<std::int64_t, CellTimestamp>();
+          break;
+        case ColumnType::kDurationMicros:
+          numbers.template operator()<std::int64_t, CellMicros>();
+          break;
+        case ColumnType::kUtf8:
+          BuildTexts<std::int32_t>(source, begin, end, field, converter, column);
+          break;
+        case ColumnType::kLargeUtf8:
+          BuildTexts<std::int64_t>(source, begin, end, field, converter, column);
+          break;
+      }
     }
   }
   return batch;

@@ -61,7 +61,7 @@ void ColumnSink::AddCases(ColumnBatch& piece, std::size_t begin, std::size_t end
     return;
   }
   if (!small || !lastGrows_) {
-    ColumnBatch& last = batch_.Add({});
+    ColumnBatch& last = batch_.Add(pool_->Take());
     last.firstCase = before;
     last.columns.resize(fields_.size());
     // As much as the last time: buffers that grow step by step are copied again and again.

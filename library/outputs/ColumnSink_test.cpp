@@ -2,6 +2,7 @@
 #include "library/outputs/ColumnSink.h"
 
 #include <bit>
+#include <set>
 
 #include <gtest/gtest.h>
 
@@ -56,6 +57,24 @@ TEST(ColumnSink, FillsBatchesAndKeepsTheOrder) {
       ASSERT_EQ(batch.columns[0].values.As<std::int64_t>()[row], expected++);
     }
   }
+}
+
+TEST(ColumnSink, MemoryDoesNotGrowWithTheNumberOfBatches) {
+  const std::vector<ColumnField> fields{NumberField()};
+  std::set<const std::byte*> memory;
+  std::size_t batches = 0;
+  ColumnSink sink(fields, 1, ColumnSink::Batches::kInPieces, [&](const ColumnPieces& batch) {
+    ++batches;
+    for (const ColumnBatch& piece : batch) memory.insert(piece.columns[0].values.data());
+  });
+  // Of a size that batches are not a multiple of: one part in each is cut.
+  constexpr std::size_t kPart = 5000;
+  const std::vector<OBS> cases(kPart, std::bit_cast<OBS>(1.0));
+  for (std::size_t at = 0; at < 100 * kBatchCases; at += kPart) {
+    sink.Take(sink.Make(cases.data(), kPart, static_cast<std::int64_t>(at)));
+  }
+  EXPECT_EQ(batches, 100U);
+  EXPECT_LT(memory.size(), 2 * kBatchCases / kPart + 10);
 }
 
 TEST(ColumnSink, WideCasesComeInSmallerBatches) {

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -22,25 +21,27 @@ inline constexpr std::size_t kLongestBound = 64;
 template <class Values>
 class Bounds {
  public:
+  using Value = typename Values::Value;
+
   void AddMissing(std::int64_t missing) { missing_ += missing; }
   void Add(const Column& column, std::size_t cases) {
     if (static_cast<std::size_t>(column.missing) == cases) return;
+    const typename Values::Reader reader(column);
     if constexpr (kOfTexts) {
-      AddTexts(column, cases);
-      return;
+      AddTexts(column, cases, reader);
     } else if (column.missing != 0) {
-      ForEachPresent(column, cases, [&](std::size_t row) { Add(Values::At(column, row)); });
+      ForEachPresent(column, cases, [&](std::size_t row) { Add(reader.At(row)); });
     } else {
       AddAll(column.values.template As<Value>(), cases);
     }
   }
-  void Add(typename Values::Value value) {
+  void Add(Value value) {
     if (!least_) {
-      least_ = largest_ = value;
+      least_ = largest_ = Kept(value);
     } else if (value < *least_) {
-      least_ = value;
+      least_ = Kept(value);
     } else if (*largest_ < value) {
-      largest_ = value;
+      largest_ = Kept(value);
     }
   }
   parquetformat::Statistics Describe() const {
@@ -49,12 +50,12 @@ class Bounds {
     if (!least_) return statistics;
     if constexpr (kOfTexts) {
       if (least_->size() > kLongestBound || largest_->size() > kLongestBound) return statistics;
-      statistics.__set_min_value(std::string(*least_));
-      statistics.__set_max_value(std::string(*largest_));
+      statistics.__set_min_value(*least_);
+      statistics.__set_max_value(*largest_);
     } else {
-      auto least = *least_;
-      auto largest = *largest_;
-      if constexpr (std::is_same_v<decltype(least), double>) {
+      Value least = *least_;
+      Value largest = *largest_;
+      if constexpr (std::is_same_v<Value, double>) {
         // The two zeros are one value, and either may stand for it.
         if (least == 0) least = -0.0;
         if (largest == 0) largest = 0.0;
@@ -66,8 +67,9 @@ class Bounds {
   }
 
  private:
-  using Value = typename Values::Value;
-  static constexpr bool kOfTexts = std::is_same_v<typename Values::Key, std::string_view>;
+  static constexpr bool kOfTexts = std::is_same_v<Value, std::string_view>;
+  // The batches are gone before the chunk ends.
+  using Kept = std::conditional_t<kOfTexts, std::string, Value>;
 
   // Some at a time, so that no value waits for what the one before it came to.
   void AddAll(const Value* values, std::size_t count) {
@@ -91,35 +93,38 @@ class Bounds {
   }
 
   // Most texts lie between the two by their first bytes.
-  void AddTexts(const Column& column, std::size_t cases) {
-    const auto startOf = [](std::string_view text) {
-      return TextStart(text.data(), std::min(text.size(), sizeof(std::uint64_t)));
-    };
-    std::uint64_t least = least_ ? startOf(*least_) : ~std::uint64_t{0};
-    std::uint64_t largest = largest_ ? startOf(*largest_) : 0;
+  void AddTexts(const Column& column, std::size_t cases, const typename Values::Reader& reader) {
+    std::uint64_t least = leastStart_;
+    std::uint64_t largest = largestStart_;
     ForEachPresent(column, cases, [&](std::size_t row) {
-      const Value text = Values::At(column, row);
-      const std::uint64_t start = startOf(text);
+      const std::uint64_t start = reader.StartAt(row);
       if (least < start && start < largest) return;
-      Add(text);
-      least = startOf(*least_);
-      largest = startOf(*largest_);
+      Add(reader.At(row));
+      least = std::min(least, start);
+      largest = std::max(largest, start);
     });
+    leastStart_ = least;
+    largestStart_ = largest;
   }
 
-  template <class Number>
-  static std::string Bytes(Number value) {
+  static std::string Bytes(Value value) {
     Buffer out;
-    if constexpr (std::is_same_v<Number, double>) {
-      Values::AppendKey(out, std::bit_cast<std::uint64_t>(value));
-    } else {
-      Values::AppendKey(out, static_cast<std::uint64_t>(static_cast<std::int64_t>(value)));
-    }
+    Values::Keep(KeyOf(value), out);
     return {out.As<char>(), out.size()};
   }
+  static typename Values::Key KeyOf(Value value) {
+    if constexpr (std::is_same_v<Value, double>) {
+      return std::bit_cast<std::uint64_t>(value);
+    } else {
+      return static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
+    }
+  }
 
-  std::optional<Value> least_;
-  std::optional<Value> largest_;
+  std::optional<Kept> least_;
+  std::optional<Kept> largest_;
+  // Of the texts that were added from columns.
+  std::uint64_t leastStart_ = ~std::uint64_t{0};
+  std::uint64_t largestStart_ = 0;
   std::int64_t missing_ = 0;
 };
 

@@ -22,13 +22,16 @@ namespace {
 
 using parquet::AppendNumber;
 using parquet::Bounds;
-using parquet::ForEachPresent;
 using parquet::Numbers;
 using parquet::Texts;
+using parquet::WhilePresent;
 
 namespace format = parquetformat;
 
 constexpr int kCompressionLevel = 1;
+// Compression that saves less than every so manieth byte of a page is not worth its time, nor a
+// reader's.
+constexpr std::size_t kWorthSaving = 8;
 // A dictionary is given up when it has more values, more bytes, or more values than every so
 // manieth value of those seen is new.
 constexpr std::size_t kLargestDictionary = 65536;
@@ -40,18 +43,17 @@ struct FreeContext {
   void operator()(ZSTD_CCtx* context) const { ZSTD_freeCCtx(context); }
 };
 
-// A page or a dictionary, compressed; good until the thread's next call.
-std::string_view Compress(std::string_view bytes) {
+std::string_view BytesOf(const Buffer& buffer) { return {buffer.As<char>(), buffer.size()}; }
+
+// Appends what a page comes to when it is compressed.
+void AppendCompressed(std::string_view bytes, Buffer& out) {
   thread_local const std::unique_ptr<ZSTD_CCtx, FreeContext> context(ZSTD_createCCtx());
   if (!context) throw std::bad_alloc();
-  thread_local Buffer out;
   const std::size_t room = ZSTD_compressBound(bytes.size());
-  out.clear();
-  out.Reserve(room);
-  const std::size_t size = ZSTD_compressCCtx(context.get(), out.data(), room, bytes.data(),
+  const std::size_t size = ZSTD_compressCCtx(context.get(), out.Room(room), room, bytes.data(),
                                              bytes.size(), kCompressionLevel);
   if (ZSTD_isError(size) != 0) throw std::bad_alloc();
-  return {out.As<char>(), size};
+  out.Lengthen(size);
 }
 
 // Whether each case of a page has a value: a run of ones, or the bits as they are.
@@ -71,7 +73,8 @@ void AppendLevels(Buffer& page, const ColumnPieces& batch, std::size_t number) {
 }
 
 // Places in a dictionary, all with the same number of bits, eight at a time.
-void AppendPlaces(Buffer& page, std::span<const std::uint32_t> places, unsigned bits) {
+void AppendPlaces(Buffer& page, std::span<const std::uint32_t> places, std::size_t different) {
+  const unsigned bits = std::max(1U, static_cast<unsigned>(std::bit_width(different - 1)));
   AppendNumber(page, static_cast<std::uint8_t>(bits));
   const std::size_t groups = (places.size() + 7) / 8;
   AppendVarint(page, (groups << 1) | 1);
@@ -81,141 +84,200 @@ void AppendPlaces(Buffer& page, std::span<const std::uint32_t> places, unsigned 
 }
 
 template <class Values>
-class ChunkEncoder {
+class ValueEncoder : public ChunkEncoder {
  public:
-  ChunkEncoder(std::size_t number, const std::vector<ColumnPieces>& batches)
-      : number_(number), batches_(batches) {}
-
-  void Encode(ParquetChunk& chunk) {
-    Bounds<Values> bounds;
-    std::int64_t cases = 0;
-    const bool repeats = FillDictionary();
-    for (const ColumnPieces& batch : batches_) {
-      bounds.AddMissing(batch.MissingIn(number_));
-      cases += static_cast<std::int64_t>(batch.cases());
-      if (repeats) continue;
-      for (const ColumnBatch& piece : batch) bounds.Add(piece.columns[number_], piece.cases);
-    }
-    if (repeats) {
-      // They are all values.
-      for (const auto& key : dictionary_.values()) bounds.Add(Values::ValueOf(key));
-    }
-    format::ColumnMetaData& description = chunk.description;
-    description.__set_statistics(bounds.Describe());
-    description.num_values = cases;
-    description.codec = format::CompressionCodec::ZSTD;
-    description.encodings = {format::Encoding::RLE, format::Encoding::PLAIN};
-    if (repeats) {
-      description.encodings.push_back(format::Encoding::RLE_DICTIONARY);
-      description.__set_dictionary_page_offset(0);
-      AppendDictionary(chunk);
-    } else {
-      description.encodings.push_back(Values::kEncoding);
-    }
-    description.data_page_offset = static_cast<std::int64_t>(chunk.bytes.size());
-    const std::size_t different = dictionary_.values().size();
-    const auto bits = std::max(
-        1U, static_cast<unsigned>(std::bit_width(different < 2 ? std::size_t{1} : different - 1)));
-    const std::uint32_t* places = places_.data();
-    for (const ColumnPieces& batch : batches_) {
-      const std::size_t rows = batch.cases();
-      const std::size_t present = rows - static_cast<std::size_t>(batch.MissingIn(number_));
-      Buffer& page = EmptyPage();
-      AppendLevels(page, batch, number_);
-      // No values are the same in every encoding.
-      auto encoding = format::Encoding::PLAIN;
-      if (repeats) {
-        encoding = format::Encoding::RLE_DICTIONARY;
-        AppendPlaces(page, {places, present}, bits);
-        places += present;
-      } else if (present != 0) {
-        encoding = Values::kEncoding;
-        Values::AppendPresent(page, batch, number_);
-      }
-      AppendData(page, rows, encoding, chunk);
-    }
-    description.total_compressed_size = static_cast<std::int64_t>(chunk.bytes.size());
-    description.total_uncompressed_size = uncompressed_;
+  ValueEncoder(const ColumnField& field, std::size_t number) : number_(number) {
+    description_.type = ParquetType(field.type);
+    description_.path_in_schema = {field.name};
   }
 
- private:
-  // One that the thread uses again and again.
-  static Buffer& EmptyPage() {
+  void Add(const ColumnPieces& batch) override {
+    if (used_ == 0) Begin();
+    const std::size_t cases = batch.cases();
+    const auto missing = static_cast<std::size_t>(batch.MissingIn(number_));
+    cases_ += cases;
+    bounds_.AddMissing(batch.MissingIn(number_));
     thread_local Buffer page;
     page.clear();
-    return page;
-  }
-
-  // Numbers all values; false when too many are different.
-  bool FillDictionary() {
-    std::size_t bytes = 0;
-    bool worthIt = true;
-    for (const ColumnPieces& batch : batches_) {
-      for (const ColumnBatch& piece : batch) {
-        const Column& column = piece.columns[number_];
-        ForEachPresent(column, piece.cases, [&](std::size_t row) {
-          if (!worthIt) return;
-          const auto key = Values::KeyOf(column, row);
-          const std::size_t before = dictionary_.values().size();
-          places_.push_back(dictionary_.NumberOf(key));
-          const std::size_t different = dictionary_.values().size();
-          if (different == before) return;
-          bytes += Values::KeyBytes(key);
-          worthIt = different <= kLargestDictionary && bytes <= kLargestDictionaryBytes &&
-                    (places_.size() < kSampledValues || different * kRepeats <= places_.size());
-        });
-        if (!worthIt) return false;
-      }
-    }
-    return !places_.empty();
-  }
-
-  void AppendDictionary(ParquetChunk& chunk) {
-    Buffer& page = EmptyPage();
-    for (const auto& value : dictionary_.values()) Values::AppendKey(page, value);
-    format::DictionaryPageHeader header;
-    header.num_values = static_cast<std::int32_t>(dictionary_.values().size());
-    header.encoding = format::Encoding::PLAIN;
-    format::PageHeader front;
-    front.type = format::PageType::DICTIONARY_PAGE;
-    front.__set_dictionary_page_header(header);
-    AppendPage(std::move(front), page, chunk);
-  }
-
-  void AppendData(const Buffer& page, std::size_t cases, format::Encoding::type encoding,
-                  ParquetChunk& chunk) {
+    AppendLevels(page, batch, number_);
     format::DataPageHeader header;
     header.num_values = static_cast<std::int32_t>(cases);
-    header.encoding = encoding;
+    const bool encodedBefore = encoded_;
+    header.encoding = AppendValues(page, batch, cases - missing);
     header.definition_level_encoding = format::Encoding::RLE;
     header.repetition_level_encoding = format::Encoding::RLE;
     format::PageHeader front;
     front.type = format::PageType::DATA_PAGE;
     front.__set_data_page_header(header);
-    AppendPage(std::move(front), page, chunk);
+    AddPage(std::move(front), page, used_ == 0 || encoded_ != encodedBefore);
   }
 
-  void AppendPage(format::PageHeader front, const Buffer& page, ParquetChunk& chunk) {
-    const std::string_view compressed = Compress({page.As<char>(), page.size()});
-    front.uncompressed_page_size = static_cast<std::int32_t>(page.size());
-    front.compressed_page_size = static_cast<std::int32_t>(compressed.size());
+  std::size_t bytes() const override {
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; i < used_; ++i) bytes += pages_[i].bytes.size();
+    return bytes;
+  }
+
+  ParquetChunk Finish() override {
+    // It is known last and stands first.
+    const std::size_t dataPages = used_;
+    if (!dictionary_.entries().empty()) AddDictionary();
+    ParquetChunk chunk{.bytes = {}, .description = description_};
+    format::ColumnMetaData& description = chunk.description;
+    description.encodings = {format::Encoding::RLE, format::Encoding::PLAIN};
+    if (encoded_) description.encodings.push_back(Values::kEncoding);
+    if (dataPages < used_) {
+      description.encodings.push_back(format::Encoding::RLE_DICTIONARY);
+      description.__set_dictionary_page_offset(0);
+      Append(pages_[dataPages], chunk);
+    }
+    description.data_page_offset = description.total_compressed_size;
+    for (std::size_t i = 0; i < dataPages; ++i) Append(pages_[i], chunk);
+    for (const auto& entry : dictionary_.entries()) {
+      bounds_.Add(Values::ValueOf(entry, dictionary_.page()));
+    }
+    description.__set_statistics(bounds_.Describe());
+    description.num_values = static_cast<std::int64_t>(cases_);
+    description.codec = codec_;
+    used_ = 0;
+    return chunk;
+  }
+
+ private:
+  struct Page {
+    format::PageHeader header;
+    Buffer bytes;
+    std::string front;  // the header, as it stands before the bytes
+  };
+
+  void Begin() {
+    codec_ = format::CompressionCodec::UNCOMPRESSED;
+    dictionary_.Clear();
+    numbered_ = 0;
+    repeats_ = true;
+    encoded_ = false;
+    bounds_ = {};
+    cases_ = 0;
+  }
+
+  format::Encoding::type AppendValues(Buffer& page, const ColumnPieces& batch,
+                                      std::size_t present) {
+    // No values are the same in every encoding.
+    if (present == 0) return format::Encoding::PLAIN;
+    thread_local Buffer places;
+    if (repeats_ && NumberValues(batch, present, places)) {
+      AppendPlaces(page, {places.As<std::uint32_t>(), present}, dictionary_.entries().size());
+      return format::Encoding::RLE_DICTIONARY;
+    }
+    for (const ColumnBatch& piece : batch) bounds_.Add(piece.columns[number_], piece.cases);
+    Values::AppendPresent(page, batch, number_, present);
+    encoded_ = true;
+    return Values::kEncoding;
+  }
+
+  // The numbers that all values of a batch have in the dictionary; false, and the dictionary is
+  // given up, when too many are different.
+  bool NumberValues(const ColumnPieces& batch, std::size_t present, Buffer& places) {
+    const std::size_t entries = dictionary_.entries().size();
+    const std::size_t bytes = dictionary_.page().size();
+    places.clear();
+    auto* const numbers =
+        reinterpret_cast<std::uint32_t*>(places.Extend(present * sizeof(std::uint32_t)));
+    std::size_t count = 0;
+    std::size_t different = entries;
+    for (const ColumnBatch& piece : batch) {
+      const Column& column = piece.columns[number_];
+      const typename Values::Reader reader(column);
+      const auto take = [&](std::size_t row) __attribute__((always_inline)) {
+        const std::uint32_t number = dictionary_.NumberOf(reader.KeyAt(row));
+        numbers[count++] = number;
+        if (number < different) return true;
+        return IsWorthwhile(++different, numbered_ + count);
+      };
+      repeats_ = WhilePresent(column, piece.cases, take);
+      if (!repeats_) {
+        dictionary_.Shorten(entries, bytes);
+        return false;
+      }
+    }
+    numbered_ += present;
+    return true;
+  }
+
+  // A dictionary of so many values, as the first `seen` have them.
+  bool IsWorthwhile(std::size_t different, std::size_t seen) const {
+    return different <= kLargestDictionary &&
+           dictionary_.page().size() <= kLargestDictionaryBytes &&
+           (seen < kSampledValues || different * kRepeats <= seen);
+  }
+
+  void AddDictionary() {
+    format::DictionaryPageHeader header;
+    header.num_values = static_cast<std::int32_t>(dictionary_.entries().size());
+    header.encoding = format::Encoding::PLAIN;
+    format::PageHeader front;
+    front.type = format::PageType::DICTIONARY_PAGE;
+    front.__set_dictionary_page_header(header);
+    AddPage(std::move(front), dictionary_.page(), true);
+  }
+
+  // The first page of each kind tells whether the chunk is compressed.
+  void AddPage(format::PageHeader header, const Buffer& page, bool first) {
+    const std::string_view plain = BytesOf(page);
+    if (used_ == pages_.size()) pages_.emplace_back();
+    Page& added = pages_[used_++];
+    added.header = std::move(header);
+    added.header.uncompressed_page_size = static_cast<std::int32_t>(plain.size());
+    added.bytes.clear();
+    const bool compressed = codec_ == format::CompressionCodec::ZSTD;
+    if (compressed || first) AppendCompressed(plain, added.bytes);
+    if (compressed) return;
+    if (first && added.bytes.size() + plain.size() / kWorthSaving <= plain.size()) {
+      CompressAllBut(added);
+    } else {
+      added.bytes.clear();
+      added.bytes.Append(plain.data(), plain.size());
+    }
+  }
+  void CompressAllBut(const Page& compressed) {
+    codec_ = format::CompressionCodec::ZSTD;
+    for (std::size_t i = 0; i < used_; ++i) {
+      if (&pages_[i] == &compressed) continue;
+      Buffer bytes;
+      AppendCompressed(BytesOf(pages_[i].bytes), bytes);
+      pages_[i].bytes = std::move(bytes);
+    }
+  }
+
+  // Puts the page behind the others of a chunk.
+  static void Append(Page& page, ParquetChunk& chunk) {
+    page.header.compressed_page_size = static_cast<std::int32_t>(page.bytes.size());
     const auto memory = std::make_shared<apache::thrift::transport::TMemoryBuffer>();
     apache::thrift::protocol::TCompactProtocolT<apache::thrift::transport::TMemoryBuffer> protocol(
         memory);
-    front.write(&protocol);
-    std::uint8_t* bytes = nullptr;
-    std::uint32_t size = 0;
-    memory->getBuffer(&bytes, &size);
-    chunk.bytes.append(reinterpret_cast<const char*>(bytes), size);
-    chunk.bytes += compressed;
-    uncompressed_ += static_cast<std::int64_t>(size + page.size());
+    page.header.write(&protocol);
+    page.front = memory->getBufferAsString();
+    chunk.bytes.emplace_back(page.front);
+    chunk.bytes.push_back(BytesOf(page.bytes));
+    format::ColumnMetaData& description = chunk.description;
+    const auto front = static_cast<std::int64_t>(page.front.size());
+    description.total_compressed_size += front + page.header.compressed_page_size;
+    description.total_uncompressed_size += front + page.header.uncompressed_page_size;
   }
 
   const std::size_t number_;
-  const std::vector<ColumnPieces>& batches_;
-  ValueDictionary<typename Values::Key, typename Values::Hash> dictionary_;
-  std::vector<std::uint32_t> places_;
-  std::int64_t uncompressed_ = 0;
+  format::ColumnMetaData description_;  // what is the same of every chunk
+
+  // Of the chunk.
+  format::CompressionCodec::type codec_ = format::CompressionCodec::UNCOMPRESSED;
+  std::vector<Page> pages_;  // and those of another one, for their memory
+  std::size_t used_ = 0;     // of pages_
+  ValueDictionary<Values> dictionary_;
+  std::size_t numbered_ = 0;  // values by the dictionary
+  bool repeats_ = true;       // the dictionary has not been given up
+  bool encoded_ = false;      // pages have values in Values::kEncoding
+  Bounds<Values> bounds_;     // but for what the dictionary has
+  std::size_t cases_ = 0;
 };
 
 }  // namespace
@@ -238,34 +300,27 @@ format::Type::type ParquetType(ColumnType type) {
   return format::Type::BYTE_ARRAY;
 }
 
-ParquetChunk EncodeChunk(const ColumnField& field, std::size_t number,
-                         const std::vector<ColumnPieces>& batches) {
-  ParquetChunk chunk;
-  chunk.description.type = ParquetType(field.type);
-  chunk.description.path_in_schema = {field.name};
+std::unique_ptr<ChunkEncoder> MakeChunkEncoder(const ColumnField& field, std::size_t number) {
+  const auto of = [&]<class Values>() -> std::unique_ptr<ChunkEncoder> {
+    return std::make_unique<ValueEncoder<Values>>(field, number);
+  };
   switch (field.type) {
     case ColumnType::kFloat64:
-      ChunkEncoder<Numbers<double, double>>(number, batches).Encode(chunk);
-      break;
+      return of.template operator()<Numbers<double, double>>();
     case ColumnType::kInt8:
-      ChunkEncoder<Numbers<std::int8_t, std::int32_t>>(number, batches).Encode(chunk);
-      break;
+      return of.template operator()<Numbers<std::int8_t, std::int32_t>>();
     case ColumnType::kDate32:
-      ChunkEncoder<Numbers<std::int32_t, std::int32_t>>(number, batches).Encode(chunk);
-      break;
+      return of.template operator()<Numbers<std::int32_t, std::int32_t>>();
     case ColumnType::kInt64:
     case ColumnType::kTimestampMicros:
     case ColumnType::kDurationMicros:
-      ChunkEncoder<Numbers<std::int64_t, std::int64_t>>(number, batches).Encode(chunk);
-      break;
-    case ColumnType::kUtf8:
-      ChunkEncoder<Texts<std::int32_t>>(number, batches).Encode(chunk);
-      break;
+      return of.template operator()<Numbers<std::int64_t, std::int64_t>>();
     case ColumnType::kLargeUtf8:
-      ChunkEncoder<Texts<std::int64_t>>(number, batches).Encode(chunk);
+      return of.template operator()<Texts<std::int64_t>>();
+    case ColumnType::kUtf8:
       break;
   }
-  return chunk;
+  return of.template operator()<Texts<std::int32_t>>();
 }
 
 }  // namespace library

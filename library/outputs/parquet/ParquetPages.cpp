@@ -25,24 +25,24 @@ inline void Transpose(std::array<std::uint64_t, kStreams>& words) {
 
 }  // namespace
 
-void AppendByteStreams(Buffer& page, std::span<const double> values) {
-  const std::size_t count = values.size();
-  std::byte* const out = page.Extend(count * kStreams);
+void ByteStreams::Add(std::span<const double> values) {
+  std::byte* const out = out_ + added_;
   std::size_t at = 0;
-  for (; at + kStreams <= count; at += kStreams) {
+  for (; at + kStreams <= values.size(); at += kStreams) {
     std::array<std::uint64_t, kStreams> words;
     std::memcpy(words.data(), values.data() + at, sizeof words);
     Transpose(words);
     for (std::size_t i = 0; i < kStreams; ++i) {
-      std::memcpy(out + i * count + at, &words[i], sizeof words[i]);
+      std::memcpy(out + i * count_ + at, &words[i], sizeof words[i]);
     }
   }
-  for (; at < count; ++at) {
+  for (; at < values.size(); ++at) {
     const auto bits = std::bit_cast<std::uint64_t>(values[at]);
     for (std::size_t i = 0; i < kStreams; ++i) {
-      out[i * count + at] = static_cast<std::byte>(bits >> (8 * i));
+      out[i * count_ + at] = static_cast<std::byte>(bits >> (8 * i));
     }
   }
+  added_ += values.size();
 }
 
 }  // namespace library

@@ -93,6 +93,19 @@ void AppendDifferences(Buffer& page, std::span<const Number> values) {
 // Doubles as eight streams: the first byte of all of them, then the second (BYTE_STREAM_SPLIT).
 // Bytes of one place are like one another, which compression makes more of, in less time, than of
 // numbers side by side.
-void AppendByteStreams(Buffer& page, std::span<const double> values);
+class ByteStreams {
+ public:
+  // Room for `count` doubles at the end of `page`, which nobody else lengthens before the last is
+  // added.
+  ByteStreams(Buffer& page, std::size_t count)
+      : out_(page.Extend(count * sizeof(double))), count_(count) {}
+  // The next of them; no more in all than there is room for.
+  void Add(std::span<const double> values);
+
+ private:
+  std::byte* out_;
+  std::size_t count_;
+  std::size_t added_ = 0;
+};
 
 }  // namespace library

@@ -4,80 +4,21 @@
 #include <limits>
 #include <random>
 #include <span>
-#include <stdexcept>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "library/outputs/parquet/testing/PageReader.h"
+
 namespace library {
 namespace {
 
-class PageReader {
- public:
-  explicit PageReader(const Buffer& page)
-      : at_(page.As<unsigned char>()), end_(at_ + page.size()) {}
-
-  bool atEnd() const { return at_ == end_; }
-  std::uint64_t Varint() {
-    std::uint64_t value = 0;
-    for (unsigned shift = 0;; shift += 7) {
-      const unsigned char byte = Byte();
-      value |= std::uint64_t{byte & 0x7FU} << shift;
-      if (byte < 0x80) return value;
-    }
-  }
-  std::int64_t Zigzag() {
-    const std::uint64_t value = Varint();
-    return static_cast<std::int64_t>(value >> 1) ^ -static_cast<std::int64_t>(value & 1);
-  }
-  unsigned char Byte() {
-    if (at_ == end_) throw std::out_of_range("the page ends too soon");
-    return *at_++;
-  }
-  // Values of `bits` bits each from the lowest bit of the first byte on.
-  std::vector<std::uint64_t> Bits(std::size_t count, unsigned bits) {
-    std::vector<std::uint64_t> values(count);
-    std::size_t bit = 0;
-    unsigned char byte = 0;
-    for (std::uint64_t& value : values) {
-      for (unsigned i = 0; i < bits; ++i, ++bit) {
-        if (bit % 8 == 0) byte = Byte();
-        value |= std::uint64_t{(byte >> (bit % 8)) & 1U} << i;
-      }
-    }
-    return values;
-  }
-
- private:
-  const unsigned char* at_;
-  const unsigned char* end_;
-};
+PageReader ReaderOf(const Buffer& page) { return PageReader({page.As<char>(), page.size()}); }
 
 template <class Number>
-std::vector<Number> ReadDifferences(const Buffer& page) {
-  PageReader reader(page);
-  const std::uint64_t block = reader.Varint();
-  const std::uint64_t miniblocks = reader.Varint();
-  const std::uint64_t count = reader.Varint();
-  EXPECT_EQ(block % 128, 0U);
-  EXPECT_EQ(block / miniblocks % 32, 0U);
-  const auto first = static_cast<Number>(reader.Zigzag());
-  std::vector<Number> values;
-  if (count > 0) values.push_back(first);
-  while (values.size() < count) {
-    const std::int64_t least = reader.Zigzag();
-    std::vector<unsigned> widths;
-    for (std::uint64_t i = 0; i < miniblocks; ++i) widths.push_back(reader.Byte());
-    for (const unsigned width : widths) {
-      if (values.size() == count) break;
-      EXPECT_LE(width, sizeof(Number) * 8);
-      for (const std::uint64_t bits : reader.Bits(block / miniblocks, width)) {
-        if (values.size() == count) break;
-        values.push_back(static_cast<Number>(static_cast<std::uint64_t>(values.back()) +
-                                             static_cast<std::uint64_t>(least) + bits));
-      }
-    }
-  }
+std::vector<Number> AllDifferences(const Buffer& page) {
+  PageReader reader = ReaderOf(page);
+  std::vector<Number> values = reader.Differences<Number>();
   EXPECT_TRUE(reader.atEnd());
   return values;
 }
@@ -86,7 +27,7 @@ template <class Number>
 void ExpectDifferencesReadBack(const std::vector<Number>& values) {
   Buffer page;
   AppendDifferences(page, std::span<const Number>(values));
-  EXPECT_EQ(ReadDifferences<Number>(page), values) << values.size() << " values";
+  EXPECT_EQ(AllDifferences<Number>(page), values) << values.size() << " values";
 }
 
 TEST(ParquetPages, DifferencesReadBackAtEveryNumberOfValues) {
@@ -117,7 +58,7 @@ TEST(ParquetPages, EqualStepsTakeNoBits) {
   Buffer page;
   AppendDifferences(page, std::span<const std::int64_t>(values));
   EXPECT_LT(page.size(), 600U);
-  EXPECT_EQ(ReadDifferences<std::int64_t>(page), values);
+  EXPECT_EQ(AllDifferences<std::int64_t>(page), values);
 }
 
 TEST(ParquetPages, BitsOfEveryWidthStandOneBehindTheOther) {
@@ -131,7 +72,7 @@ TEST(ParquetPages, BitsOfEveryWidthStandOneBehindTheOther) {
       Buffer page;
       AppendBits(page, std::span<const std::uint64_t>(values), bits);
       ASSERT_EQ(page.size(), (count * bits + 7) / 8);
-      ASSERT_EQ(PageReader(page).Bits(count, bits), values) << bits << " bits, " << count;
+      ASSERT_EQ(ReaderOf(page).Bits(count, bits), values) << bits << " bits, " << count;
     }
   }
 }
@@ -143,7 +84,12 @@ TEST(ParquetPages, StreamsHoldTheBytesOfOnePlaceOfAllNumbers) {
     for (std::size_t i = 0; i < count; ++i) values.push_back(std::bit_cast<double>(random()));
     Buffer page;
     page.Append("x", 1);
-    AppendByteStreams(page, values);
+    ByteStreams streams(page, count);
+    for (std::size_t at = 0; at < count;) {
+      const std::size_t some = std::min<std::size_t>(count - at, random() % 20);
+      streams.Add(std::span<const double>(values).subspan(at, some));
+      at += some;
+    }
     ASSERT_EQ(page.size(), 1 + count * 8);
     for (std::size_t i = 0; i < count; ++i) {
       std::uint64_t bits = 0;

@@ -1,5 +1,6 @@
 #include "library/outputs/parquet/ParquetWriter.h"
 
+#include <exception>
 #include <string_view>
 
 #include <thrift/protocol/TCompactProtocol.h>
@@ -15,7 +16,10 @@ namespace {
 namespace format = parquetformat;
 
 constexpr std::string_view kMagic = "PAR1";
-constexpr std::size_t kGroupBatches = 2;
+// A row group ends when it has so many batches, or its columns take so many bytes: so much of a
+// file is in memory, and a reader has at once.
+constexpr std::size_t kGroupBatches = 4;
+constexpr std::size_t kGroupBytes = std::size_t{128} << 20;
 // Where readers that know Arrow look for types that Parquet lacks.
 constexpr char kArrowSchemaKey[] = "ARROW:schema";
 
@@ -81,6 +85,9 @@ format::KeyValue Pair(std::string key, const std::string& value) {
 ParquetWriter::ParquetWriter(std::vector<ColumnField> fields, std::string creator,
                              std::size_t threads, ByteSink& sink)
     : fields_(std::move(fields)), creator_(std::move(creator)), sink_(sink), tasks_(threads) {
+  for (const ColumnField& field : fields_) {
+    encoders_.push_back(MakeChunkEncoder(field, encoders_.size()));
+  }
   Append(kMagic);
 }
 
@@ -91,52 +98,60 @@ void ParquetWriter::Append(std::string_view bytes) {
 
 void ParquetWriter::Write(ColumnPieces batch) {
   if (batch.cases() == 0) return;
-  group_.push_back(std::move(batch));
-  if (group_.size() == kGroupBatches) EndGroup();
+  ++batches_;
+  cases_ += batch.cases();
+  for (const auto& encoder : encoders_) {
+    tasks_.Add([&encoder, &batch] { encoder->Add(batch); });
+  }
+  Await();
+  std::size_t bytes = 0;
+  for (const auto& encoder : encoders_) bytes += encoder->bytes();
+  if (batches_ == kGroupBatches || bytes >= kGroupBytes) EndGroup();
+}
+
+void ParquetWriter::Await() {
+  // All of them: they use the batch.
+  std::exception_ptr failure;
+  while (tasks_.pending() > 0) {
+    try {
+      tasks_.Take();
+    } catch (...) {
+      failure = std::current_exception();
+    }
+  }
+  if (failure) std::rethrow_exception(failure);
 }
 
 void ParquetWriter::EndGroup() {
-  if (group_.empty()) return;
-  std::int64_t cases = 0;
-  for (const ColumnPieces& batch : group_) cases += static_cast<std::int64_t>(batch.cases());
-  const auto group = std::make_shared<const std::vector<ColumnPieces>>(std::move(group_));
-  group_.clear();
-  for (std::size_t i = 0; i < fields_.size(); ++i) {
-    tasks_.Add([this, group, i] { return EncodeChunk(fields_[i], i, *group); });
-  }
-  pendingCases_.push_back(cases);
-  // One group is encoded while the next is gathered.
-  while (pendingCases_.size() > 1) AppendOldestGroup();
-}
-
-void ParquetWriter::AppendOldestGroup() {
+  std::vector<std::string_view> pieces;
   format::RowGroup group;
-  group.num_rows = pendingCases_.front();
-  pendingCases_.erase(pendingCases_.begin());
+  group.num_rows = static_cast<std::int64_t>(cases_);
   group.total_byte_size = 0;
-  std::int64_t compressed = 0;
   group.__set_file_offset(position_);
-  for (std::size_t i = 0; i < fields_.size(); ++i) {
-    ParquetChunk chunk = tasks_.Take();
+  const std::int64_t begin = position_;
+  for (const auto& encoder : encoders_) {
+    ParquetChunk chunk = encoder->Finish();
+    pieces.insert(pieces.end(), chunk.bytes.begin(), chunk.bytes.end());
     format::ColumnMetaData& description = chunk.description;
     description.data_page_offset += position_;
     if (description.__isset.dictionary_page_offset) description.dictionary_page_offset += position_;
     format::ColumnChunk column;
     column.file_offset = position_;
-    Append(chunk.bytes);
     group.total_byte_size += description.total_uncompressed_size;
-    compressed += description.total_compressed_size;
+    position_ += description.total_compressed_size;
     column.__set_meta_data(description);
     group.columns.push_back(std::move(column));
   }
-  group.__set_total_compressed_size(compressed);
+  sink_.AppendPieces(pieces);
+  group.__set_total_compressed_size(position_ - begin);
   if (groups_.size() <= 32767) group.__set_ordinal(static_cast<std::int16_t>(groups_.size()));
   groups_.push_back(std::move(group));
+  batches_ = 0;
+  cases_ = 0;
 }
 
 void ParquetWriter::Finish(const std::vector<std::pair<std::string, std::string>>& metadata) {
-  EndGroup();
-  while (!pendingCases_.empty()) AppendOldestGroup();
+  if (batches_ > 0) EndGroup();
   format::FileMetaData file;
   file.version = 2;
   format::SchemaElement root;

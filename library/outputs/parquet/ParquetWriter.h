@@ -12,7 +12,7 @@
 
 namespace library {
 
-// Row groups of two batches; their columns are encoded on threads of the writer's.
+// Row groups of some batches; the columns of a batch are encoded on threads of the writer's.
 class ParquetWriter : public ColumnWriter {
  public:
   // `sink` outlives the writer. `threads`: at least 1. `creator`: the program, as the file names
@@ -25,20 +25,22 @@ class ParquetWriter : public ColumnWriter {
 
  private:
   void Append(std::string_view bytes);
-  // Hands the batches in hand to the threads as a row group.
+  // Waits for the threads; throws what one of them threw.
+  void Await();
+  // Writes the row group, whose columns are encoded.
   void EndGroup();
-  // Writes the row group that was handed over first.
-  void AppendOldestGroup();
 
   const std::vector<ColumnField> fields_;
   const std::string creator_;
   ByteSink& sink_;
   std::int64_t position_ = 0;
-  std::vector<ColumnPieces> group_;
-  // Cases of the groups that the threads have.
-  std::vector<std::int64_t> pendingCases_;
+  std::vector<std::unique_ptr<ChunkEncoder>> encoders_;  // of the columns
+  // Of the row group.
+  std::size_t batches_ = 0;
+  std::size_t cases_ = 0;
   std::vector<parquetformat::RowGroup> groups_;
-  OrderedTasks<ParquetChunk> tasks_;
+  // Ended first: they use the others.
+  OrderedTasks<void> tasks_;
 };
 
 }  // namespace library
