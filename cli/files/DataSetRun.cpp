@@ -53,7 +53,7 @@ class Running {
  private:
   library::DataSetImportOptions OptionsOf() {
     library::DataSetImportOptions options;
-    options.workers = options_.workers;
+    options.workers = WorkersOf(options_);
     options.files = &run_.files;
     options.partBytes = options_.parts.partBytes;
     options.sourceColumn = options_.sourceColumn;

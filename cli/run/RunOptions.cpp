@@ -134,6 +134,11 @@ std::vector<CasesTarget> CasesTargets(const RunOptions& options) {
   return targets;
 }
 
+int WorkersOf(const RunOptions& options) {
+  return CasesTargets(options).empty() ? options.workers
+                                       : library::WorkersWhileWriting(options.workers);
+}
+
 library::RewritingOptions RewritingOf(const RunOptions& options) {
   return {.joinQuotedLines = options.joinQuotedLines,
           .backslashEscapes = options.backslashEscapes,

@@ -44,7 +44,7 @@ struct RunOptions {
   // Where the columns of such a file are padded (library/input/ColumnPadder.h).
   std::vector<std::int64_t> paddedAt = {};
   std::string byteOrderMark;  // shown to the component where the file lacks it
-  int workers = 0;            // 0: one per processor
+  int workers = 0;            // 0: as many as suit; see WorkersOf
   std::optional<unsigned> seed;
   // Part after part, or one part alone; then summaries (files) of what stands before it.
   library::PartOptions parts = {};
@@ -83,6 +83,8 @@ struct CasesTarget {
   std::optional<library::CaseFormat> format;
 };
 std::vector<CasesTarget> CasesTargets(const RunOptions& options);
+// Conversion threads of an import with these outputs; 0 for one per processor.
+int WorkersOf(const RunOptions& options);
 
 // True when output `name` names another file for every command.
 bool IsPerCommand(const std::string& name);

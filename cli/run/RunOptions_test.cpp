@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "HostFramework/Threads.h"
 #include "library/testing/TestFolder.h"
 
 namespace cli {
@@ -27,6 +28,14 @@ RunOptions WithCases(const std::string& name) {
 std::optional<library::CaseFormat> CaseFormatOf(const RunOptions& options) {
   const std::vector<CasesTarget> targets = CasesTargets(options);
   return targets.size() == 1 ? targets[0].format : std::nullopt;
+}
+
+TEST(RunOptions, WritingCasesHasTwoMoreWorkersUnlessTheirNumberIsGiven) {
+  EXPECT_EQ(WorkersOf(RunOptions{}), 0);
+  EXPECT_EQ(WorkersOf(WithCases("a.csv")), getLogicalCPUCount() + 2);
+  RunOptions options = WithCases("a.parquet");
+  options.workers = 3;
+  EXPECT_EQ(WorkersOf(options), 3);
 }
 
 TEST(RunOptions, TheEndingNamesTheFormat) {

@@ -68,7 +68,8 @@ void AddOutputOptions(CLI::App& command, const std::shared_ptr<RunOptions>& opti
 
 void AddDisplayOptions(CLI::App& command, const std::shared_ptr<RunOptions>& options) {
   command
-      .add_option("--workers", options->workers, "Conversion threads (default: one per processor)")
+      .add_option("--workers", options->workers,
+                  "Conversion threads (default: one per processor; two more to write cases)")
       ->type_name("N")
       ->check(CLI::Range(0, kMostWorkers).description(""))
       ->group("Reading");

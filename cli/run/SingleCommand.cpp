@@ -74,7 +74,7 @@ class SingleCommand {
         outputs_(options_, number),
         report_(options_.report, number, WantedOf(options_, !options_.quiet)),
         import_(
-            {.workers = options_.workers,
+            {.workers = WorkersOf(options_),
              .seed = options_.seed,
              .watch = &report_.watch(),
              .rewriting = RewritingOf(options_),

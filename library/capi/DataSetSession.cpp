@@ -127,7 +127,7 @@ void DataSetSession::Plan(BareImportSettings settings) {
 
 void DataSetSession::Open() {
   DataSetImportOptions options;
-  options.workers = options_.workers;
+  options.workers = WorkersWhileWriting(options_.workers);
   options.files = &inputs_;
   options.sourceColumn = set_.sourceColumn;
   ImportMessages& messages = *this;

@@ -206,7 +206,7 @@ void ImportSession::Open(ImportOptions settings) {
   }
   outline_ = OutlineOf(command.tokens, hostText_);
   watch_.emplace(SettingsOf(options_));
-  settings.workers = options_.workers;
+  settings.workers = WorkersWhileWriting(options_.workers);
   settings.watch = &*watch_;
   settings.rewriting = options_.rewriting;
   settings.files = &files_;

@@ -143,6 +143,11 @@ class ColumnCasesFile final : public CasesFile {
 
 }  // namespace
 
+int WorkersWhileWriting(int wanted) {
+  constexpr int kAhead = 2;
+  return wanted < 1 ? getLogicalCPUCount() + kAhead : wanted;
+}
+
 std::optional<CaseFormat> CaseFormatNamed(std::string_view name) {
   const auto* const found =
       std::find_if(kFormats.begin(), kFormats.end(),

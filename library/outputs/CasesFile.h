@@ -51,6 +51,12 @@ struct CasesFileOptions {
   bool severalFiles = false;
 };
 
+// Conversion threads of an import whose cases are written or made into columns: as many as are
+// wanted; where that is below 1, for one per processor, two more. Writing takes processors from the
+// thread that takes the batches in their order, and a worker whose batch waits for it has nothing
+// to do.
+int WorkersWhileWriting(int wanted);
+
 // The variables of a source whose formats say that they are whole numbers: without decimals.
 std::vector<bool> WholeNumberFormats(const QANT_DataSource& source);
 

@@ -95,7 +95,7 @@ typedef struct textwizard_options {
   const char* locale_code_page;
   /* '.' or ',': the host's decimal character; 0: '.', or what the file was found to have. */
   char decimal;
-  /* Conversion threads; 0: one per processor. */
+  /* Conversion threads; 0: one per processor and two more. */
   int32_t workers;
   /* Texts that mean a missing number, besides the empty one; null: "NA", "N/A", "NULL", "null",
      "NaN", "nan", ".", "-". */
