@@ -100,18 +100,22 @@ void ParquetWriter::Write(ColumnPieces batch) {
   if (batch.cases() == 0) return;
   ++batches_;
   cases_ += batch.cases();
-  for (const auto& encoder : encoders_) {
-    tasks_.Add([&encoder, &batch] { encoder->Add(batch); });
-  }
-  Await();
+  EncodeColumns(batch);
   std::size_t bytes = 0;
   for (const auto& encoder : encoders_) bytes += encoder->bytes();
   if (batches_ == kGroupBatches || bytes >= kGroupBytes) EndGroup();
 }
 
-void ParquetWriter::Await() {
-  // All of them: they use the batch.
+void ParquetWriter::EncodeColumns(const ColumnPieces& batch) {
+  // Whatever fails, the threads are waited for: they use the batch.
   std::exception_ptr failure;
+  try {
+    for (const auto& encoder : encoders_) {
+      tasks_.Add([&encoder, &batch] { encoder->Add(batch); });
+    }
+  } catch (...) {
+    failure = std::current_exception();
+  }
   while (tasks_.pending() > 0) {
     try {
       tasks_.Take();

@@ -25,8 +25,8 @@ class ParquetWriter : public ColumnWriter {
 
  private:
   void Append(std::string_view bytes);
-  // Waits for the threads; throws what one of them threw.
-  void Await();
+  // Has the threads encode a batch and waits for them; throws what one of them threw.
+  void EncodeColumns(const ColumnPieces& batch);
   // Writes the row group, whose columns are encoded.
   void EndGroup();
 
