@@ -109,7 +109,7 @@ class ValueEncoder : public ChunkEncoder {
     format::PageHeader front;
     front.type = format::PageType::DATA_PAGE;
     front.__set_data_page_header(header);
-    AddPage(std::move(front), page, used_ == 0 || encoded_ != encodedBefore);
+    AddPage(front, page, used_ == 0 || encoded_ != encodedBefore);
   }
 
   std::size_t bytes() const override {
@@ -218,15 +218,15 @@ class ValueEncoder : public ChunkEncoder {
     format::PageHeader front;
     front.type = format::PageType::DICTIONARY_PAGE;
     front.__set_dictionary_page_header(header);
-    AddPage(std::move(front), dictionary_.page(), true);
+    AddPage(front, dictionary_.page(), true);
   }
 
   // The first page of each kind tells whether the chunk is compressed.
-  void AddPage(format::PageHeader header, const Buffer& page, bool first) {
+  void AddPage(const format::PageHeader& header, const Buffer& page, bool first) {
     const std::string_view plain = BytesOf(page);
     if (used_ == pages_.size()) pages_.emplace_back();
     Page& added = pages_[used_++];
-    added.header = std::move(header);
+    added.header = header;
     added.header.uncompressed_page_size = static_cast<std::int32_t>(plain.size());
     added.bytes.clear();
     const bool compressed = codec_ == format::CompressionCodec::ZSTD;
