@@ -93,32 +93,32 @@ class TextConverter {
 // padding may be most of it.
 constexpr std::size_t kMostCopied = 128;
 
-// Of texts that are copied with their padding.
+// The texts of some cases, of which the first `bytes` bytes are copied.
 template <class Offset>
-void BuildNarrowTexts(const Cases& cases, std::size_t begin, std::size_t end,
-                      const ColumnField& field, TextConverter& converter, Column& column) {
+void CopyTexts(const Cases& cases, std::size_t begin, std::size_t end, const ColumnField& field,
+               std::size_t bytes, TextConverter& converter, Column& column) {
   Buffer& texts = column.text;
-  Offset* const offsets = column.values.As<Offset>() + 1;
+  Offset* const ends = column.values.As<Offset>() + 1;
   const OBS* cell = cases.CellAt(begin, field);
   // For all at once: nobody looks after the end for every one.
   const auto roomFrom = [&](std::size_t row) {
-    return reinterpret_cast<char*>(texts.Room((end - row) * CellRoom(field.bytes)));
+    return reinterpret_cast<char*>(texts.Room((end - row) * CellRoom(bytes)));
   };
   char* out = roomFrom(begin);
   for (std::size_t i = begin; i < end; ++i, cell += cases.cells) {
     std::uint64_t seen = 0;
-    const std::size_t length = CopyCells(reinterpret_cast<const char*>(cell->bytes), field.bytes,
-                                         out, [&seen](std::uint64_t word) { seen |= word; });
+    const std::size_t length = CopyCells(reinterpret_cast<const char*>(cell->bytes), bytes, out,
+                                         [&seen](std::uint64_t word) { seen |= word; });
     if (WordScan::HasNoAscii(seen) == 0) {
       out += length;
     } else {
       texts.LengthenTo(out);
-      // May be longer: the texts behind it have their room still.
       const std::string_view converted = converter.ToUtf8({out, length});
       texts.Append(converted.data(), converted.size());
+      // It may be longer than it was: the texts behind it have their room still.
       out = roomFrom(i + 1);
     }
-    offsets[i] = static_cast<Offset>(out - texts.As<char>());
+    ends[i] = static_cast<Offset>(out - texts.As<char>());
   }
   texts.LengthenTo(out);
 }
@@ -126,27 +126,14 @@ void BuildNarrowTexts(const Cases& cases, std::size_t begin, std::size_t end,
 template <class Offset>
 void BuildTexts(const Cases& cases, std::size_t begin, std::size_t end, const ColumnField& field,
                 TextConverter& converter, Column& column) {
-  auto* const offsets = column.values.As<Offset>();
-  if (begin == 0) offsets[0] = 0;
+  if (begin == 0) *column.values.As<Offset>() = 0;
   if (field.bytes <= kMostCopied) {
-    BuildNarrowTexts<Offset>(cases, begin, end, field, converter, column);
+    CopyTexts<Offset>(cases, begin, end, field, field.bytes, converter, column);
     return;
   }
-  Buffer& texts = column.text;
-  const OBS* cell = cases.CellAt(begin, field);
-  for (std::size_t i = begin; i < end; ++i, cell += cases.cells) {
-    const std::string_view text = WithoutPadding(cell, field.bytes);
-    auto* const room = reinterpret_cast<char*>(texts.Room(CellRoom(text.size())));
-    std::uint64_t seen = 0;
-    const std::size_t length =
-        CopyCells(text.data(), text.size(), room, [&seen](std::uint64_t word) { seen |= word; });
-    if (WordScan::HasNoAscii(seen) == 0) {
-      texts.Lengthen(length);
-    } else {
-      const std::string_view converted = converter.ToUtf8({room, length});
-      texts.Append(converted.data(), converted.size());
-    }
-    offsets[i + 1] = static_cast<Offset>(texts.size());
+  for (std::size_t i = begin; i < end; ++i) {
+    const std::size_t bytes = WithoutPadding(cases.CellAt(i, field), field.bytes).size();
+    CopyTexts<Offset>(cases, i, i + 1, field, bytes, converter, column);
   }
 }
 
